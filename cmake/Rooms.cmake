@@ -1,0 +1,43 @@
+# Rooms: one static library per folder of src/. A room sees only the headers of the rooms it links: each
+# room's headers are reached through an include folder of its own, as "room/header.h".
+
+add_library(cratewell_build_flags INTERFACE)
+target_compile_options(cratewell_build_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough -Werror)
+target_compile_definitions(cratewell_build_flags INTERFACE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH
+    CRATEWELL_VERSION="${PROJECT_VERSION}")
+if(CRATEWELL_SANITIZE)
+  target_compile_options(cratewell_build_flags INTERFACE
+      -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(cratewell_build_flags INTERFACE -fsanitize=address,undefined)
+  target_compile_definitions(cratewell_build_flags INTERFACE CRATEWELL_SANITIZED)
+endif()
+
+# cratewell_room_headers(TARGET room SCOPE): lets whoever links TARGET include "room/...".
+function(cratewell_room_headers target room scope)
+  set(root ${CMAKE_BINARY_DIR}/rooms/${room})
+  file(MAKE_DIRECTORY ${root})
+  file(CREATE_LINK ${CMAKE_SOURCE_DIR}/src/${room} ${root}/${room} SYMBOLIC)
+  target_include_directories(${target} ${scope} ${root})
+endfunction()
+
+# cratewell_room(name SOURCES ... LINKS ... PRIVATE_LINKS ...)
+function(cratewell_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  set(target cratewell_${name})
+  add_library(${target} STATIC ${ROOM_SOURCES})
+  cratewell_room_headers(${target} ${name} PUBLIC)
+  target_link_libraries(${target} PUBLIC ${ROOM_LINKS} PRIVATE ${ROOM_PRIVATE_LINKS} cratewell_build_flags)
+endfunction()
+
+# cratewell_tests(name SOURCES ... LINKS ...): one GoogleTest program, one ctest entry; runs without a screen.
+function(cratewell_tests name)
+  cmake_parse_arguments(TESTS "" "" "SOURCES;LINKS;ENVIRONMENT" ${ARGN})
+  set(target ${name}_tests)
+  add_executable(${target} ${TESTS_SOURCES})
+  target_link_libraries(${target} PRIVATE ${TESTS_LINKS} GTest::gmock cratewell_test_main cratewell_build_flags)
+  add_test(NAME ${name} COMMAND ${target})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT
+      "QT_QPA_PLATFORM=offscreen;QT_QUICK_BACKEND=software;QT_FORCE_STDERR_LOGGING=1;${TESTS_ENVIRONMENT}")
+endfunction()

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "platform/location.h"
+#include "vault/asset.h"
+
+#include <QCoro/QCoroTask>
+#include <QJsonObject>
+#include <QObject>
+#include <chrono>
+#include <optional>
+
+namespace cratewell {
+
+class Applications;
+class AppState;
+class Prefs;
+struct SystemPaths;
+
+enum class Target : quint8 { Resolve, Premiere };
+
+// How one insert ended; the message is the toast.
+struct InsertResult
+{
+    bool ok = false;
+    QString message;
+};
+
+// Carries one request to an editor. Main thread; never blocks; every failure becomes a result.
+class EditorBridge
+{
+public:
+    virtual ~EditorBridge() = default;
+    virtual QCoro::Task<InsertResult> insert(const Asset &asset) = 0;
+};
+
+// The one way by which assets reach an editor's timeline, and the owner of the program's one toast. Main
+// thread.
+class Inserter : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool busy READ busy NOTIFY busyChanged FINAL)
+    Q_PROPERTY(QString toastText READ toastText NOTIFY toastChanged FINAL)
+    Q_PROPERTY(bool toastOk READ toastOk NOTIFY toastChanged FINAL)
+    Q_PROPERTY(bool resolveRunning READ resolveRunning NOTIFY runningChanged FINAL)
+    Q_PROPERTY(bool premiereRunning READ premiereRunning NOTIFY runningChanged FINAL)
+public:
+    Inserter(Prefs &prefs, AppState &state, Applications &applications, EditorBridge &resolve,
+             EditorBridge &premiere);
+    ~Inserter() override;
+
+    // Looks which editors run and follows them from now on.
+    void start();
+
+    bool busy() const;
+    QString toastText() const; // empty: no toast
+    bool toastOk() const;
+    bool resolveRunning() const;
+    bool premiereRunning() const;
+    std::optional<Target> lastEditor() const;
+
+    enum class Refresh { No, Yes };
+    // The editor an insert goes to; nothing when none is chosen and none runs.
+    std::optional<Target> pick(std::optional<Target> target, Refresh refresh);
+    // The sentence under the insert button.
+    QString targetDescription(const Asset &asset);
+    // Starts an insert and returns; a second one while busy, and any LUT, is ignored.
+    void insert(const Asset &asset, std::optional<Target> target = {});
+    Q_INVOKABLE void insertSelected();
+    // Replaces the toast; it leaves by itself after 3.5 s (ok) or 7 s.
+    void toast(const QString &text, bool ok);
+
+Q_SIGNALS:
+    void busyChanged();
+    void toastChanged();
+    void runningChanged();
+    // What targetDescription says may have changed.
+    void targetChanged();
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+// The record the editor-side scripts read; `blend` is the editor's own number.
+QJsonObject insertRequest(const Asset &asset, int blend, const Prefs &prefs);
+// Waits for an answer file whose "id" is this one; nothing after the time-out.
+QCoro::Task<std::optional<QJsonObject>> awaitResponse(Location file, QString id,
+                                                      std::chrono::milliseconds timeout);
+
+} // namespace cratewell

@@ -1,0 +1,108 @@
+#pragma once
+
+#include "state/scope.h"
+#include "vault/vault_picture.h"
+
+#include <QObject>
+#include <QSet>
+#include <memory>
+
+namespace cratewell {
+
+class FileChooser;
+class Prefs;
+class Vault;
+class Workspace;
+
+// The assets the grid shows, in its order: indices into one picture.
+struct VisibleAssets
+{
+    std::shared_ptr<const VaultPicture> picture;
+    std::vector<AssetIndex> indices;
+
+    int count() const { return int(indices.size()); }
+    const Asset &at(int row) const { return picture->asset(indices[size_t(row)]); }
+};
+
+// What the user is looking at: scope, selection, search, sort and the requests that become sheets. Main
+// thread; never saved. `visibleAssets` is memoised: it is made anew only after something it depends on
+// changed.
+class AppState : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(cratewell::Scope scope READ scope WRITE setScope NOTIFY scopeChanged FINAL)
+    Q_PROPERTY(QString scopeTitle READ scopeTitle NOTIFY scopeChanged FINAL)
+    Q_PROPERTY(bool hasSelection READ hasSelection NOTIFY selectionChanged FINAL)
+    Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged FINAL)
+    Q_PROPERTY(cratewell::AssetOrder sort READ sort WRITE setSort NOTIFY sortChanged FINAL)
+    Q_PROPERTY(bool showNewFolder READ showNewFolder WRITE setShowNewFolder NOTIFY showNewFolderChanged FINAL)
+    Q_PROPERTY(bool showInspector READ showInspector WRITE setShowInspector NOTIFY showInspectorChanged FINAL)
+    Q_PROPERTY(int playToggle READ playToggle NOTIFY playToggleChanged FINAL)
+    Q_PROPERTY(int visibleCount READ visibleCount NOTIFY visibleAssetsChanged FINAL)
+    Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectedChanged FINAL)
+public:
+    AppState(Vault &vault, Prefs &prefs, FileChooser &chooser, Workspace &workspace);
+    ~AppState() override;
+
+    const Scope &scope() const;
+    void setScope(const Scope &scope);
+    QString scopeTitle() const;
+
+    // The focused asset: shown in the inspector, acted on by single-asset commands.
+    const std::optional<Asset> &selection() const;
+    void setSelection(const std::optional<Asset> &asset);
+    bool hasSelection() const;
+    const QSet<Location> &selected() const;
+    void setSelected(const QSet<Location> &selected);
+    int selectedCount() const;
+
+    QString search() const;
+    void setSearch(const QString &search);
+    AssetOrder sort() const;
+    void setSort(AssetOrder sort);
+    bool showInspector() const;
+    void setShowInspector(bool show);
+    bool showNewFolder() const;
+    void setShowNewFolder(bool show);
+    const std::optional<Location> &newFolderParent() const;
+    const std::vector<Location> &pendingMove() const;
+    const std::optional<Location> &renameTarget() const;
+    void setRenameTarget(const std::optional<Location> &target);
+    int playToggle() const;
+
+    const VisibleAssets &visibleAssets() const;
+    int visibleCount() const;
+    // The visible ones among `selected`, in visible order.
+    std::vector<Asset> selectedAssets() const;
+    // The row of an asset at this place, or -1.
+    int visibleRow(const Location &url) const;
+
+    void click(const Asset &asset, Qt::KeyboardModifiers modifiers);
+    Q_INVOKABLE void moveBy(int delta);
+    Q_INVOKABLE void selectAll();
+    Q_INVOKABLE void togglePlay();
+    void requestNewFolder(const std::optional<Location> &parent);
+    Q_INVOKABLE void newFolderFromSelection();
+    Q_INVOKABLE void revealSelected();
+    Q_INVOKABLE void importPanel();
+
+Q_SIGNALS:
+    void scopeChanged();
+    void selectionChanged();
+    void selectedChanged();
+    void searchChanged();
+    void sortChanged();
+    void showInspectorChanged();
+    void showNewFolderChanged();
+    void renameTargetChanged();
+    void playToggleChanged();
+    // `changes` is null when the picture is the same as before and only the choice from it differs; otherwise
+    // it leads from the picture that was shown to the one that is shown now. Valid during the signal only.
+    void visibleAssetsChanged(const cratewell::VaultChanges *changes);
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace cratewell

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "vault/vault_picture.h"
+
+#include <functional>
+
+namespace cratewell {
+
+// Lists a vault: pure work on any thread, values in, values out. Unreadable folders are empty ones.
+class VaultScan
+{
+public:
+    // `before` may be null or of another root; what did not change is shared with it. Links to folders are
+    // not descended; a link to a file takes its kind from its own name and its size from the target. Names
+    // beginning with a dot are skipped. `cancelled` is polled now and then; a cancelled scan gives null.
+    static std::shared_ptr<const VaultPicture> run(const Location &root,
+                                                   const std::shared_ptr<const VaultPicture> &before,
+                                                   const std::function<bool()> &cancelled = {});
+    static VaultChanges compare(std::shared_ptr<const VaultPicture> before,
+                                std::shared_ptr<const VaultPicture> after);
+};
+
+} // namespace cratewell
