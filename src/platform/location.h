@@ -51,6 +51,8 @@ public:
     // `name` is one plain component.
     Location child(QByteArrayView name) const;
     Location child(const QString &name) const;
+    Location child(const QByteArray &name) const { return child(QByteArrayView(name)); }
+    Location child(const char *name) const { return child(QByteArrayView(name)); }
 
     // True below `folder` at any depth, false for `folder` itself: /a/Hits is not inside /a/Hit.
     bool isInside(const Location &folder) const;
