@@ -29,6 +29,8 @@ function(cratewell_room name)
   add_library(${target} STATIC ${ROOM_SOURCES})
   cratewell_room_headers(${target} ${name} PUBLIC)
   target_link_libraries(${target} PUBLIC ${ROOM_LINKS} PRIVATE ${ROOM_PRIVATE_LINKS} cratewell_build_flags)
+  # So that the QML module and qmllint know the properties of its classes.
+  qt_extract_metatypes(${target})
 endfunction()
 
 # cratewell_tests(name SOURCES ... LINKS ...): one GoogleTest program, one ctest entry; runs without a screen.

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "state/scope.h"
-#include "vault/vault_picture.h"
+#include "state/visible_assets.h"
 
 #include <QObject>
 #include <QSet>
 #include <memory>
+#include <optional>
 
 namespace cratewell {
 
@@ -13,16 +13,6 @@ class FileChooser;
 class Prefs;
 class Vault;
 class Workspace;
-
-// The assets the grid shows, in its order: indices into one picture.
-struct VisibleAssets
-{
-    std::shared_ptr<const VaultPicture> picture;
-    std::vector<AssetIndex> indices;
-
-    int count() const { return int(indices.size()); }
-    const Asset &at(int row) const { return picture->asset(indices[size_t(row)]); }
-};
 
 // What the user is looking at: scope, selection, search, sort and the requests that become sheets. Main
 // thread; never saved. `visibleAssets` is memoised: it is made anew only after something it depends on
@@ -52,9 +42,12 @@ public:
     const std::optional<Asset> &selection() const;
     void setSelection(const std::optional<Asset> &asset);
     bool hasSelection() const;
-    const QSet<Location> &selected() const;
+    // Every place chosen, also one that is not visible or gone; selectedCount counts the same.
+    QSet<Location> selected() const;
     void setSelected(const QSet<Location> &selected);
     int selectedCount() const;
+    // By index into the picture of visibleAssets.
+    bool isSelected(AssetIndex index) const;
 
     QString search() const;
     void setSearch(const QString &search);
@@ -84,7 +77,6 @@ public:
     void requestNewFolder(const std::optional<Location> &parent);
     Q_INVOKABLE void newFolderFromSelection();
     Q_INVOKABLE void revealSelected();
-    Q_INVOKABLE void importPanel();
 
 Q_SIGNALS:
     void scopeChanged();
@@ -98,9 +90,14 @@ Q_SIGNALS:
     void playToggleChanged();
     // `changes` is null when the picture is the same as before and only the choice from it differs; otherwise
     // it leads from the picture that was shown to the one that is shown now. Valid during the signal only.
+    // The list has been made anew already, as everything else that this class tells.
     void visibleAssetsChanged(const cratewell::VaultChanges *changes);
 
 private:
+    void refresh();
+    void follow(const VaultChanges &changes);
+    void focus(const std::optional<Asset> &asset);
+
     struct Private;
     std::unique_ptr<Private> d;
 };

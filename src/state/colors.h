@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QColor>
+#include <QString>
+
+namespace cratewell {
+
+// Stored colours: an optional "#" and 3 or 6 hex digits when read; anything else is the default accent.
+QColor colorFromHex(const QString &text);
+// "#RRGGBB", upper case; channels truncate toward zero.
+QString hexFromColor(const QColor &color);
+
+} // namespace cratewell
