@@ -11,7 +11,7 @@ Window {
                                    || (activeFocusItem as TextEdit) !== null
 
     color: Theme.windowBase
-    flags: Qt.Window | Qt.FramelessWindowHint | (Prefs.pinned ? Qt.WindowStaysOnTopHint : 0)
+    flags: Qt.Window | Qt.FramelessWindowHint
     height: 840
     minimumHeight: 640
     minimumWidth: 1040

@@ -35,6 +35,10 @@ FocusScope {
             anchors.right: parent.right
             anchors.top: toolbar.bottom
             focus: true
+            model: AssetListModel {
+                prefs: Prefs
+                state: AppState
+            }
         }
     }
     Loader {
