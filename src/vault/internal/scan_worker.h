@@ -1,0 +1,53 @@
+#pragma once
+
+#include "vault/vault_picture.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace cratewell {
+
+// The thread that scans. Its owner asks from one thread and keeps at most one scan under way.
+class ScanWorker
+{
+public:
+    // `finished` is called on the worker's thread when a result lies ready.
+    explicit ScanWorker(std::function<void()> finished);
+    // Breaks off a scan under way and waits for the thread.
+    ~ScanWorker();
+
+    void start(const Location &root, std::shared_ptr<const VaultPicture> before);
+    // The scan under way ends soon, with no result.
+    void cancel();
+    // What led from the picture before to the new one; nothing when the scan was cancelled. Called once for
+    // each start, after `finished`.
+    std::optional<VaultChanges> takeResult();
+    // Lets go of pictures on the worker's thread: the last owner of a hundred thousand assets takes a while.
+    void release(VaultChanges changes);
+
+private:
+    struct Request
+    {
+        Location root;
+        std::shared_ptr<const VaultPicture> before;
+    };
+
+    void work();
+    void scan(Request request);
+
+    std::function<void()> m_finished;
+    std::mutex m_mutex;
+    std::condition_variable m_wanted;
+    std::optional<Request> m_request;
+    std::optional<VaultChanges> m_result;
+    std::vector<VaultChanges> m_released;
+    std::atomic<bool> m_cancelled = false;
+    std::atomic<bool> m_ending = false;
+    std::thread m_thread;
+};
+
+} // namespace cratewell

@@ -1,0 +1,186 @@
+#include "vault/vault.h"
+
+#include "platform/defaults.h"
+#include "platform/file_events.h"
+#include "vault/internal/scan_worker.h"
+#include "vault/internal/vault_structure.h"
+
+#include <QTimer>
+
+namespace cratewell {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::chrono::milliseconds coalescingDelay{300};
+
+}
+
+struct Vault::Private
+{
+    Private(Vault &vault, Location firstRoot, Defaults &store, std::unique_ptr<FileEvents> fileEvents)
+        : q(vault), root(std::move(firstRoot)), defaults(store), events(std::move(fileEvents)),
+          worker([this] {
+              QMetaObject::invokeMethod(
+                  &q, [this] { takeResult(); }, Qt::QueuedConnection);
+          })
+    {
+    }
+
+    void startScan();
+    void takeResult();
+
+    Vault &q;
+    Location root;
+    Defaults &defaults;
+    std::unique_ptr<FileEvents> events;
+    std::shared_ptr<const VaultPicture> picture = std::make_shared<VaultPicture>();
+    QString lastError;
+    QTimer coalescing;
+    bool scanning = false;
+    bool waiting = false;
+    bool rootChanged = false; // since the scan under way was started
+    bool published = false;   // a picture of this root
+    ScanWorker worker;        // last: its thread ends before the rest goes
+};
+
+void Vault::Private::startScan()
+{
+    scanning = true;
+    waiting = false;
+    rootChanged = false;
+    worker.start(root, picture);
+}
+
+void Vault::Private::takeResult()
+{
+    std::optional<VaultChanges> changes = worker.takeResult();
+    const bool newer = changes && !rootChanged && (!published || changes->after != picture);
+    scanning = false;
+    if (newer) {
+        published = true;
+        picture = changes->after;
+    }
+    if (waiting)
+        startScan();
+    if (newer) {
+        Q_EMIT
+        q.rescanned(*changes);
+        worker.release(std::move(*changes));
+    }
+}
+
+Vault::Vault(Location root, Defaults &defaults, std::unique_ptr<FileEvents> events)
+    : d(std::make_unique<Private>(*this, std::move(root), defaults, std::move(events)))
+{
+    d->coalescing.setSingleShot(true);
+    d->coalescing.setTimerType(Qt::PreciseTimer);
+    d->coalescing.setInterval(coalescingDelay);
+    connect(&d->coalescing, &QTimer::timeout, this, &Vault::rescan);
+    connect(d->events.get(), &FileEvents::changed, this, [this] {
+        if (!d->coalescing.isActive())
+            d->coalescing.start();
+    });
+    const auto tellLimit = [this] {
+        Q_EMIT
+        toast(u"This vault has more folders than the system can follow at once. "
+              u"Changes may take a few seconds to appear."_s,
+              true);
+    };
+    connect(d->events.get(), &FileEvents::limitReached, this, tellLimit, Qt::SingleShotConnection);
+}
+
+Vault::~Vault() = default;
+
+void Vault::start()
+{
+    ensureVaultStructure(d->root, d->defaults);
+    // Followed before it is listed, so that no change falls between the two.
+    d->events->watch(d->root);
+    rescan();
+}
+
+void Vault::changeRoot(const Location &root)
+{
+    d->root = root;
+    d->published = false;
+    d->rootChanged = true;
+    d->worker.cancel();
+    Q_EMIT
+    rootChanged(root);
+    d->events->stop();
+    d->coalescing.stop();
+    start();
+    Q_EMIT
+    opened();
+}
+
+void Vault::rescan()
+{
+    if (d->scanning)
+        d->waiting = true;
+    else
+        d->startScan();
+}
+
+const Location &Vault::root() const
+{
+    return d->root;
+}
+
+const std::shared_ptr<const VaultPicture> &Vault::picture() const
+{
+    return d->picture;
+}
+
+QString Vault::lastError() const
+{
+    return d->lastError;
+}
+
+void Vault::clearLastError()
+{
+    if (d->lastError.isEmpty())
+        return;
+    d->lastError.clear();
+    Q_EMIT
+    lastErrorChanged();
+}
+
+qint64 Vault::totalSize() const
+{
+    return d->picture->totalSize();
+}
+
+Location Vault::categoryUrl(VaultCategory category) const
+{
+    return categoryFolder(d->root, category);
+}
+
+std::optional<VaultCategory> Vault::category(const Location &place) const
+{
+    return categoryOf(d->root, place);
+}
+
+bool Vault::isCategoryRoot(const Location &place) const
+{
+    return cratewell::isCategoryRoot(d->root, place);
+}
+
+Location Vault::defaultFolder(AssetKind kind) const
+{
+    return categoryUrl(defaultCategory(kind));
+}
+
+std::vector<Asset> Vault::assetsUnder(const Location &folder) const
+{
+    const AssetRange range = d->picture->under(folder);
+    std::vector<Asset> assets;
+    assets.reserve(range.count());
+    for (AssetIndex i = range.first; i < range.last; ++i)
+        assets.push_back(d->picture->asset(i));
+    return assets;
+}
+
+} // namespace cratewell

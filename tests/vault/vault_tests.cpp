@@ -1,0 +1,187 @@
+#include "platform/fakes/fake_file_events.h"
+#include "platform/fakes/memory_defaults.h"
+#include "support/wait.h"
+#include "temporary_vault.h"
+#include "vault/vault.h"
+
+#include <QSignalSpy>
+
+#include <gmock/gmock.h>
+
+namespace cratewell {
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace test;
+namespace fs = std::filesystem;
+
+class VaultTest : public testing::Test
+{
+protected:
+    // The first picture of a vault that was just started.
+    void start()
+    {
+        vault.start();
+        ASSERT_TRUE(waitUntil([this] { return rescanned.count() == 1; }));
+    }
+    bool shows(const std::string &path) const { return vault.picture()->find(disk.at(path)).has_value(); }
+
+    TemporaryVault disk;
+    MemoryDefaults defaults;
+    FakeFileEvents *events = new FakeFileEvents;
+    Vault vault{disk.root(), defaults, std::unique_ptr<FileEvents>(events)};
+    QSignalSpy rescanned{&vault, &Vault::rescanned};
+};
+
+TEST_F(VaultTest, MakesTheStructureOfANewVaultOnce)
+{
+    EXPECT_FALSE(fs::exists(disk.native(""))) << "only start() makes the root";
+    EXPECT_EQ(vault.picture()->size(), 0u);
+    start();
+    EXPECT_EQ(vault.picture()->tree(VaultCategory::Sfx)->children.size(), 8u);
+    EXPECT_EQ(vault.picture()->tree(VaultCategory::Overlays)->children.size(), 5u);
+    EXPECT_TRUE(vault.picture()->tree(VaultCategory::Luts)->children.empty());
+    for (const char *category : {"overlays", "luts", "sfx"}) {
+        const QString key = u"seeded."_s + disk.root().text() + u'.' + QLatin1StringView(category);
+        EXPECT_EQ(defaults.boolean(key), true) << category;
+    }
+
+    disk.remove("SFX/Whooshes");
+    vault.start();
+    EXPECT_FALSE(fs::exists(disk.native("SFX/Whooshes")));
+    disk.remove("");
+    vault.rescan();
+    ASSERT_TRUE(waitUntil([this] { return vault.picture()->tree(VaultCategory::Sfx)->children.empty(); }));
+    EXPECT_FALSE(fs::exists(disk.native(""))) << "scanning makes nothing";
+    vault.start();
+    EXPECT_TRUE(fs::exists(disk.native("SFX/Whooshes"))) << "a new root is seeded whatever the key says";
+}
+
+TEST_F(VaultTest, AFolderThatWasNeverAVaultIsSeededOnce)
+{
+    disk.write("SFX/mine.wav");
+    start();
+    EXPECT_TRUE(shows("SFX/mine.wav"));
+    EXPECT_TRUE(fs::exists(disk.native("SFX/Hits")));
+    EXPECT_TRUE(fs::exists(disk.native("Overlays/Grains")));
+}
+
+TEST_F(VaultTest, FollowsTheDiskAndCoalesces)
+{
+    start();
+    EXPECT_EQ(events->root(), disk.root());
+    disk.write("SFX/Hits/a.wav", 3);
+    for (int i = 0; i < 500; ++i)
+        events->tellChanged();
+    ASSERT_TRUE(waitUntil([this] { return shows("SFX/Hits/a.wav"); }));
+    EXPECT_EQ(rescanned.count(), 2);
+    EXPECT_EQ(vault.totalSize(), 3);
+    EXPECT_EQ(vault.assetsUnder(disk.at("SFX/Hits")).size(), 1u);
+
+    const auto changes = rescanned.at(1).at(0).value<VaultChanges>();
+    EXPECT_EQ(changes.after, vault.picture());
+    EXPECT_EQ(changes.previous, std::vector{noAsset});
+}
+
+TEST_F(VaultTest, SaysNothingWhenNothingChanged)
+{
+    start();
+    const auto picture = vault.picture();
+    vault.rescan();
+    disk.write("SFX/.hidden.wav");
+    vault.rescan();
+    disk.write("SFX/b.wav");
+    vault.rescan();
+    ASSERT_TRUE(waitUntil([this] { return shows("SFX/b.wav"); }));
+    const auto changes = rescanned.last().at(0).value<VaultChanges>();
+    EXPECT_EQ(rescanned.count(), 2);
+    EXPECT_EQ(changes.before, picture);
+}
+
+// Every published picture must follow from the one published before, whatever is asked meanwhile.
+TEST_F(VaultTest, ConstantRescansNeitherStarveNorReorder)
+{
+    start();
+    int written = 0;
+    std::shared_ptr<const VaultPicture> last = vault.picture();
+    QObject::connect(&vault, &Vault::rescanned, &vault, [&](const VaultChanges &changes) {
+        EXPECT_EQ(changes.before, last);
+        EXPECT_GE(changes.after->size(), last->size());
+        last = changes.after;
+    });
+    const bool published = waitUntil([&] {
+        disk.write("SFX/" + std::to_string(written++) + ".wav");
+        vault.rescan();
+        vault.rescan();
+        return rescanned.count() > 10;
+    });
+    EXPECT_TRUE(published);
+    EXPECT_TRUE(waitUntil([&] { return int(vault.picture()->size()) == written; }));
+}
+
+TEST_F(VaultTest, AChangeOfRootDropsTheScanOfTheOldOne)
+{
+    TemporaryVault other;
+    other.write("LUTs/only here.cube");
+    disk.write("SFX/old.wav");
+    std::vector<QString> told;
+    QObject::connect(&vault, &Vault::rootChanged, &vault, [&](const Location &root) {
+        EXPECT_EQ(fs::exists(other.native("SFX")), !told.empty()) << "told before anything is done there";
+        EXPECT_EQ(vault.root(), root);
+        told.push_back(u"root"_s);
+    });
+    QObject::connect(&vault, &Vault::opened, &vault, [&] {
+        EXPECT_EQ(events->root(), other.root());
+        told.push_back(u"opened"_s);
+    });
+    QObject::connect(&vault, &Vault::rescanned, &vault, [&](const VaultChanges &changes) {
+        EXPECT_EQ(changes.after->root(), other.root());
+        told.push_back(u"rescanned"_s);
+    });
+    vault.start();
+    vault.changeRoot(other.root());
+    ASSERT_TRUE(waitUntil([&] { return !told.empty() && told.back() == u"rescanned"_s; }));
+    EXPECT_THAT(told, testing::ElementsAre(u"root"_s, u"opened"_s, u"rescanned"_s));
+    EXPECT_TRUE(vault.picture()->find(other.at("LUTs/only here.cube")));
+    EXPECT_TRUE(fs::exists(other.native("SFX/Hits")));
+    EXPECT_EQ(vault.categoryUrl(VaultCategory::Sfx), other.at("SFX"));
+    EXPECT_EQ(vault.defaultFolder(AssetKind::Lut), other.at("LUTs"));
+    EXPECT_TRUE(vault.isCategoryRoot(other.at("LUTs")));
+    EXPECT_EQ(vault.category(disk.at("SFX/old.wav")), std::nullopt);
+
+    vault.changeRoot(other.root());
+    EXPECT_TRUE(waitUntil([&] { return told.size() == 6; })) << "the first scan of a root is always told";
+}
+
+TEST_F(VaultTest, TellsOnceThatTheSystemFollowsNoMoreFolders)
+{
+    QSignalSpy toasts(&vault, &Vault::toast);
+    events->tellLimitReached();
+    events->tellLimitReached();
+    EXPECT_EQ(toasts.count(), 1);
+}
+
+TEST_F(VaultTest, GoesAwayInTheMiddleOfAScan)
+{
+    for (int i = 0; i < 2000; ++i)
+        disk.write("SFX/" + std::to_string(i % 40) + "/" + std::to_string(i) + ".wav");
+    auto defaultsOfOwn = MemoryDefaults();
+    auto shortLived = std::make_unique<Vault>(disk.root(), defaultsOfOwn, std::make_unique<FakeFileEvents>());
+    shortLived->start();
+    shortLived->rescan();
+    shortLived.reset();
+}
+
+TEST_F(VaultTest, ARootThatCannotBeMadeIsAnEmptyVault)
+{
+    disk.write("file");
+    Vault impossible(disk.at("file/vault"), defaults, std::make_unique<FakeFileEvents>());
+    QSignalSpy scans(&impossible, &Vault::rescanned);
+    impossible.start();
+    ASSERT_TRUE(waitUntil([&] { return scans.count() == 1; }));
+    EXPECT_EQ(impossible.picture()->size(), 0u);
+    EXPECT_EQ(impossible.lastError(), QString());
+}
+
+} // namespace
+} // namespace cratewell
