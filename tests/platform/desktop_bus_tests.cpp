@@ -7,6 +7,7 @@
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
+#include <QDBusPendingCallWatcher>
 #include <QDesktopServices>
 #include <QElapsedTimer>
 #include <QUrl>
@@ -180,6 +181,20 @@ QString expectedHandle(const QDBusMessage &call)
     return portalPath + u"/request/"_s + sender + u'/' + optionsOf(call).value(u"handle_token"_s).toString();
 }
 
+// When this returns, what `caller` got as answers before has been handled, and what it asked of the bus then
+// is in force.
+void settle(QDBusConnection caller)
+{
+    for (int round = 0; round < 2; ++round) {
+        const QDBusMessage ping =
+            QDBusMessage::createMethodCall(portalName, portalPath, u"org.freedesktop.DBus.Peer"_s, u"Ping"_s);
+        const QDBusPendingCallWatcher answer(caller.asyncCall(ping));
+        bool finished = false;
+        QObject::connect(&answer, &QDBusPendingCallWatcher::finished, [&] { finished = true; });
+        ASSERT_TRUE(waitUntil([&] { return finished; }));
+    }
+}
+
 TEST_F(DesktopBus, ThereIsNoFileChooserWithoutAPortalThatHasOne)
 {
     EXPECT_EQ(PortalFileChooser::create(QDBusConnection(u"none"_s)), nullptr);
@@ -199,12 +214,14 @@ TEST_F(DesktopBus, ChoosesThroughThePortal)
                                   return call.createReply(
                                       QVariant::fromValue(QDBusObjectPath(pathFor(call))));
                               }));
-        const auto chooser = PortalFileChooser::create(bus.connect());
+        const QDBusConnection caller = bus.connect();
+        const auto chooser = PortalFileChooser::create(caller);
         ASSERT_NE(chooser, nullptr);
         QList<QList<Location>> answers;
         const auto noteAnswer = [&](const QList<Location> &chosen) { answers.append(chosen); };
         const auto respond = [&](qsizetype call, uint code, const QStringList &uris) {
             const QDBusMessage asked = portal.calls(u"OpenFile"_s).at(call);
+            settle(caller);
             portal.signal(pathFor(asked), u"org.freedesktop.portal.Request"_s, u"Response"_s,
                           {code, QVariantMap{{u"uris"_s, uris}}});
         };
