@@ -41,20 +41,20 @@ int compareCodePoints(QByteArrayView a, QByteArrayView b)
     return codePointBytes(a).compare(codePointBytes(b));
 }
 
-// Audio, LUT, Still, Video: by label.
+// Audio, LUT, Still, Video: by label. Never 0, since it begins a key.
 int labelRank(AssetKind kind)
 {
     switch (kind) {
     case AssetKind::Audio:
-        return 0;
-    case AssetKind::Lut:
         return 1;
-    case AssetKind::Image:
+    case AssetKind::Lut:
         return 2;
-    case AssetKind::Video:
+    case AssetKind::Image:
         return 3;
+    case AssetKind::Video:
+        return 4;
     }
-    return 4;
+    return 5;
 }
 
 // How two assets stand in an order, -1, 0 or 1; equal ones keep the order of the flat list.
