@@ -97,7 +97,6 @@ void PythonRun::finish()
         return;
     m_watchdog.stop();
     m_output.feed(m_process->readAllStandardOutput());
-    deleteLater();
     Q_EMIT
     ended(m_output.take());
 }
@@ -105,7 +104,9 @@ void PythonRun::finish()
 QCoro::Task<std::optional<QString>> runPython(PythonCall call)
 {
     auto *run = new PythonRun(std::move(call));
-    co_return co_await qCoro(run, &PythonRun::ended);
+    std::optional<QString> lastLine = co_await qCoro(run, &PythonRun::ended);
+    run->deleteLater();
+    co_return lastLine;
 }
 
 } // namespace cratewell

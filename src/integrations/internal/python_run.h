@@ -46,8 +46,7 @@ struct PythonCall
 };
 
 // One run of a script text by the interpreter, which is killed at the time limit. Standard error is dropped,
-// standard input is empty. Main thread. Ends exactly once, after its construction has returned; it is its own
-// owner and goes then.
+// standard input is empty. Main thread. Ends exactly once, after its construction has returned.
 class PythonRun : public QObject
 {
     Q_OBJECT
