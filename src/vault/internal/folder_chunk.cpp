@@ -6,7 +6,9 @@ namespace cratewell {
 
 QByteArrayView baseNameOf(QByteArrayView name)
 {
-    const qsizetype dot = name.lastIndexOf('.');
+    qsizetype dot = name.size() - 1;
+    while (dot > 0 && name[dot] != '.')
+        --dot;
     return dot > 0 ? name.first(dot) : name;
 }
 
