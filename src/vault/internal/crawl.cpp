@@ -1,6 +1,7 @@
 #include "vault/internal/crawl.h"
 
 #include <algorithm>
+#include <cstring>
 #include <thread>
 
 namespace cratewell {
@@ -26,16 +27,16 @@ Location childUrl(const Location &folder, QByteArrayView name)
 {
     const QByteArray &path = folder.bytes();
     QByteArray joined(path.size() + 1 + name.size(), Qt::Uninitialized);
-    char *end = std::ranges::copy(path, joined.data()).out;
-    *end++ = '/';
-    std::ranges::copy(name, end);
+    char *out = joined.data();
+    std::memcpy(out, path.data(), size_t(path.size()));
+    out[path.size()] = '/';
+    std::memcpy(out + path.size() + 1, name.data(), size_t(name.size()));
     return Location::fromStandardized(std::move(joined));
 }
 
 bool sameFacts(const Asset &asset, const ListedEntry &entry)
 {
-    return asset.size == entry.size && asset.added == entry.added && asset.version == entry.version &&
-           asset.kind == entry.kind;
+    return asset.added == entry.added && asset.version == entry.version && asset.kind == entry.kind;
 }
 
 // Whether a chunk would come out exactly like `chunk`.
@@ -211,7 +212,7 @@ void Crawl::makeChunk(CrawledFolder &folder)
             const QByteArrayView name = listing.name(entry);
             const std::optional<quint32> known = earlier ? earlier->chunk->find(name) : std::nullopt;
             Location url = known ? earlier->chunk->assets[*known].url : childUrl(folder.url, name);
-            assets.push_back({std::move(url), entry.kind, entry.size, entry.added, entry.version});
+            assets.push_back({std::move(url), entry.kind, entry.version.size, entry.added, entry.version});
         }
     }
     m_assets += assets.size();

@@ -1,5 +1,6 @@
 #include "vault/internal/folder_listing.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -43,6 +44,10 @@ FolderListing::FolderListing(const Location &folder, VaultCategory category, Lin
     if (m_descriptor < 0 || fstat(m_descriptor, &facts) != 0)
         return;
     m_identity = {quint64(facts.st_dev), quint64(facts.st_ino)};
+    // On most file systems a folder's size grows with its names; a wrong guess costs nothing.
+    const size_t names = std::clamp<size_t>(size_t(facts.st_size) / 32, 16, 4096);
+    m_entries.reserve(names);
+    m_names.reserve(names * 32);
     readNames(category);
 }
 
@@ -132,7 +137,6 @@ void FolderListing::readDetails(ListedEntry &entry) const
         entry.type = ListedEntry::Type::Unlisted;
         return;
     }
-    entry.size = qint64(facts.stx_size);
     entry.version = {facts.stx_ino, qint64(facts.stx_size),
                      facts.stx_mtime.tv_sec * 1'000'000'000 + facts.stx_mtime.tv_nsec};
 }

@@ -15,9 +15,8 @@ struct ListedEntry
     quint16 nameSize = 0;
     Type type = Type::Unlisted;
     AssetKind kind = AssetKind::Video;
-    qint64 size = 0;
     double added = distantPast;
-    FileVersion version;
+    FileVersion version; // its size is the asset's
 };
 
 // The direct entries of one folder in the order the system lists them: subfolders and the files its category
