@@ -22,15 +22,19 @@ function(cratewell_room_headers target room scope)
   target_include_directories(${target} ${scope} ${root})
 endfunction()
 
-# cratewell_room(name SOURCES ... LINKS ... PRIVATE_LINKS ...)
+# cratewell_room(name [WITHOUT_QT] SOURCES ... LINKS ... PRIVATE_LINKS ...)
 function(cratewell_room name)
-  cmake_parse_arguments(ROOM "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  cmake_parse_arguments(ROOM "WITHOUT_QT" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
   set(target cratewell_${name})
   add_library(${target} STATIC ${ROOM_SOURCES})
   cratewell_room_headers(${target} ${name} PUBLIC)
   target_link_libraries(${target} PUBLIC ${ROOM_LINKS} PRIVATE ${ROOM_PRIVATE_LINKS} cratewell_build_flags)
-  # So that the QML module and qmllint know the properties of its classes.
-  qt_extract_metatypes(${target})
+  if(NOT ROOM_WITHOUT_QT)
+    # So that the QML module and qmllint know the properties of its classes.
+    qt_extract_metatypes(${target})
+  else()
+    set_target_properties(${target} PROPERTIES AUTOMOC OFF)
+  endif()
 endfunction()
 
 # cratewell_tests(name SOURCES ... LINKS ...): one GoogleTest program, one ctest entry; runs without a screen.

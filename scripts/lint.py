@@ -58,7 +58,8 @@ def check_tree() -> bool:
 
 def check_scripts() -> bool:
     clean = passes("shellcheck", "dev", ".ci/run", *tracked("*.sh"))
-    return clean & passes("pyflakes3", *tracked("*.py"))
+    # The editors' scripts are parts that are joined when they run; their tests run every line.
+    return clean & passes("pyflakes3", *tracked("*.py", ":!resources/scripts"))
 
 
 def check_qml() -> bool:

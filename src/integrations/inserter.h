@@ -7,6 +7,7 @@
 #include <QJsonObject>
 #include <QObject>
 #include <chrono>
+#include <memory>
 #include <optional>
 
 namespace cratewell {
@@ -30,7 +31,15 @@ class EditorBridge
 {
 public:
     virtual ~EditorBridge() = default;
+    // The asset lives until the result is there; the bridge itself may go before.
     virtual QCoro::Task<InsertResult> insert(const Asset &asset) = 0;
+};
+
+// How long a toast stays.
+struct ToastTimes
+{
+    std::chrono::milliseconds ok{3500};
+    std::chrono::milliseconds failed{7000};
 };
 
 // The one way by which assets reach an editor's timeline, and the owner of the program's one toast. Main
@@ -45,7 +54,7 @@ class Inserter : public QObject
     Q_PROPERTY(bool premiereRunning READ premiereRunning NOTIFY runningChanged FINAL)
 public:
     Inserter(Prefs &prefs, AppState &state, Applications &applications, EditorBridge &resolve,
-             EditorBridge &premiere);
+             EditorBridge &premiere, ToastTimes times = {});
     ~Inserter() override;
 
     // Looks which editors run and follows them from now on.
@@ -66,7 +75,7 @@ public:
     // Starts an insert and returns; a second one while busy, and any LUT, is ignored.
     void insert(const Asset &asset, std::optional<Target> target = {});
     Q_INVOKABLE void insertSelected();
-    // Replaces the toast; it leaves by itself after 3.5 s (ok) or 7 s.
+    // Replaces the toast; it leaves by itself after its time.
     void toast(const QString &text, bool ok);
 
 Q_SIGNALS:
@@ -77,6 +86,8 @@ Q_SIGNALS:
     void targetChanged();
 
 private:
+    void refreshRunning();
+
     struct Private;
     std::unique_ptr<Private> d;
 };

@@ -36,6 +36,7 @@ QtObject {
     readonly property color textSecondary: ink(dark ? 0.58 : 0.56)
     readonly property color textTertiary: ink(0.36)
     readonly property color glassFill: dark ? Qt.rgba(1, 1, 1, 0.055) : Qt.rgba(1, 1, 1, 0.62)
+    readonly property color panelFill: Prefs.glassSidebar ? glassFill : panelBase
     readonly property color glassBorder: ink(dark ? 0.09 : 0.08)
     readonly property color controlFill: ink(dark ? 0.075 : 0.05)
     readonly property color controlFillHover: ink(dark ? 0.12 : 0.08)

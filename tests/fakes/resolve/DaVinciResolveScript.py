@@ -1,5 +1,5 @@
-"""A stand-in for the host's scripting module, for tests and the demo: put this folder on PYTHONPATH and name a
-project file (see project_file.py) in CRATEWELL_STANDIN_PROJECT.
+"""A stand-in for the host's scripting module, for tests and the demo: put this folder on PYTHONPATH and name
+a project file (see project_file.py) in CRATEWELL_STANDIN_PROJECT.
 
 It fails as the host does: with None, False or an empty list, hardly ever with an exception. Tracks count from
 1, record frames are absolute, a clip that would overlap another is dropped without a word, and what the end
@@ -8,7 +8,6 @@ frame of a range means depends on the version. Every change is in the file befor
 import functools
 import os
 import time
-import uuid
 
 import project_file
 
@@ -248,8 +247,7 @@ class MediaPool(Proxy):
         end = start + int(source * rate / clip_rate + 1e-6)
         if end <= start:
             return None
-        item = {"id": str(uuid.uuid4()), "name": clip["name"], "path": clip["path"], "start": start, "end": end,
-                "source": [first, first + source], "composite": 0}
+        item = project_file.item(clip["name"], clip["path"], start, end, [first, first + source])
         items = timeline[kind][index - 1]["items"]
         if any(other["start"] < end and start < other["end"] for other in items):
             hollow = self._host.state["host"].get("hollow_overlaps", True)

@@ -2,12 +2,13 @@
 
     host      version (a list as GetVersion gives it) and product name; "hollow_overlaps": whether a dropped
               overlap is answered with an item without identity (true) or with an empty list
-    failures  call name -> "none", "false", "empty", "raise" or "hang"; "import" and "scriptapp" count as calls
-    media     what the host knows of a file, by its name, else by its extension: texts as GetClipProperty gives
+    failures  call -> "none", "false", "empty", "raise" or "hang"; "import" and "scriptapp" count as calls
+    media     what the host knows of a file, by its name, else by its extension: GetClipProperty's texts
     project   null, or: name, pool (a tree of bins with their clips), current_bin, timelines, current_timeline
 """
 import json
 import os
+import uuid
 
 VARIABLE = "CRATEWELL_STANDIN_PROJECT"
 
@@ -21,7 +22,8 @@ MEDIA_BY_EXTENSION = {
 }
 
 
-def fresh(rate="24", start="01:00:00:00", playhead="01:00:10:12", video=1, audio=1, version=(21, 0, 3, 7, "")):
+def fresh(rate="24", start="01:00:00:00", playhead="01:00:10:12", video=1, audio=1,
+          version=(21, 0, 3, 7, "")):
     timeline = {
         "name": "Timeline 1",
         "rate": rate,
@@ -64,6 +66,18 @@ def current_timeline(state):
         if timeline["name"] == project.get("current_timeline"):
             return timeline
     return None
+
+
+def item(name, path, start, end, source):
+    return {"id": str(uuid.uuid4()), "name": name, "path": path, "start": start, "end": end, "source": source,
+            "composite": 0}
+
+
+def place(state, track, name, start, frames):
+    """Puts a clip on "V1", "A2"... of the current timeline, whatever lies there."""
+    kind = {"V": "video", "A": "audio"}[track[0].upper()]
+    items = current_timeline(state)[kind][int(track[1:]) - 1]["items"]
+    items.append(item(name, "", start, start + frames, [0, frames]))
 
 
 def media_properties(state, path):

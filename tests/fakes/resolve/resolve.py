@@ -4,7 +4,7 @@
     resolve.py new FILE [--rate 24] [--start TC] [--playhead TC] [--video N] [--audio N] [--version 21.0.3]
     resolve.py show FILE                            what lies where on the timeline
     resolve.py playhead FILE TIMECODE
-    resolve.py place FILE TRACK NAME START FRAMES   puts a clip there: place p.json V1 Interview 01:00:00:00 480
+    resolve.py place FILE TRACK NAME START FRAMES   a clip there: place p.json V1 Interview 01:00:00:00 480
     resolve.py fail FILE CALL HOW                   none, false, empty, raise, hang; "ok" ends it
     resolve.py start HOME [--while PID]             turns into a waiting program HOME/opt/resolve/bin/resolve
 """
@@ -12,7 +12,6 @@ import argparse
 import os
 import shutil
 import sys
-import uuid
 
 import project_file
 
@@ -54,12 +53,9 @@ def playhead(options):
 
 def place(options):
     state = project_file.read(options.file)
-    timeline = project_file.current_timeline(state)
-    kind = {"V": "video", "A": "audio"}[options.track[0].upper()]
-    start = project_file.frames_of(options.start, project_file.rate_number(timeline["rate"]))
-    item = {"id": str(uuid.uuid4()), "name": options.name, "path": "", "start": start,
-            "end": start + options.frames, "source": [0, options.frames], "composite": 0}
-    timeline[kind][int(options.track[1:]) - 1]["items"].append(item)
+    rate = project_file.rate_number(project_file.current_timeline(state)["rate"])
+    first = project_file.frames_of(options.start, rate)
+    project_file.place(state, options.track, options.name, first, options.frames)
     project_file.write(options.file, state)
 
 
@@ -72,7 +68,7 @@ def fail(options):
 
 
 def start(options):
-    """The interpreter itself, copied to the editor's place, so that the process list shows the editor there."""
+    """Copies the interpreter to the editor's place, so that the process list shows the editor there."""
     program = os.path.join(os.path.abspath(options.home), "opt", "resolve", "bin", "resolve")
     os.makedirs(os.path.dirname(program), exist_ok=True)
     shutil.copy2(os.path.realpath(sys.executable), program + ".new")
@@ -84,7 +80,8 @@ def start(options):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
     commands = parser.add_subparsers(dest="command")
     commands.required = True
 

@@ -1,0 +1,172 @@
+#include "app/application.h"
+
+#include "app/start_trace.h"
+#include "integrations/inserter.h"
+#include "integrations/premiere_bridge.h"
+#include "integrations/resolve_bridge.h"
+#include "media/media.h"
+#include "platform/appearance.h"
+#include "platform/applications.h"
+#include "platform/defaults.h"
+#include "platform/file_chooser.h"
+#include "platform/file_events.h"
+#include "platform/native.h"
+#include "platform/workspace.h"
+#include "state/app_state.h"
+#include "state/prefs.h"
+#include "ui/icon_renderer.h"
+#include "ui/ui_objects.h"
+#include "vault/vault.h"
+
+#include <QGuiApplication>
+#include <QPixmap>
+#include <QQmlApplicationEngine>
+#include <QQuickWindow>
+#include <QThreadPool>
+
+namespace cratewell {
+
+using namespace Qt::StringLiterals;
+
+Services::Services() = default;
+Services::~Services() = default;
+Services::Services(Services &&) noexcept = default;
+Services &Services::operator=(Services &&) noexcept = default;
+
+Services Services::native(const SystemPaths &paths)
+{
+    Services services;
+    services.defaults = makeDefaults(paths);
+    services.fileEvents = makeFileEvents();
+    services.applications = makeApplications(paths);
+    services.appearance = makeAppearance();
+    services.workspace = makeWorkspace();
+    services.fileChooser = makeFileChooser();
+    return services;
+}
+
+// Declaration order is dependency order: the engine, declared last, dies first.
+struct Application::Private
+{
+    Private(const SystemPaths &systemPaths, Services given)
+        : services(std::move(given)), prefs(*services.defaults, systemPaths),
+          vault(Location::fromText(prefs.vaultPath()), *services.defaults, std::move(services.fileEvents)),
+          state(vault, prefs, *services.workspace), media(vault, prefs, systemPaths),
+          resolve(prefs, systemPaths), inserter(prefs, state, *services.applications, resolve, premiere)
+    {
+    }
+
+    Services services;
+    Prefs prefs;
+    Vault vault;
+    AppState state;
+    Media media;
+    ResolveBridge resolve;
+    PremiereBridge premiere;
+    Inserter inserter;
+    QQmlApplicationEngine engine;
+};
+
+Application::Application(const SystemPaths &paths, Services services)
+    : d(std::make_unique<Private>(paths, std::move(services)))
+{
+    connectRooms();
+}
+
+Application::~Application() = default;
+
+void Application::connectRooms()
+{
+    connect(&d->vault, &Vault::rootChanged, &d->prefs,
+            [this](const Location &root) { d->prefs.setVaultPath(root.text()); });
+    connect(&d->vault, &Vault::toast, &d->inserter, &Inserter::toast);
+}
+
+bool Application::launch()
+{
+    applyIcon();
+    // The scan runs beside the loading of the window.
+    d->vault.start();
+    d->inserter.start();
+
+    installUiObjects(d->engine, {d->prefs, d->state, d->vault, d->inserter, d->media, *d->services.appearance,
+                                 *d->services.defaults, *d->services.workspace});
+    d->engine.load(QUrl(u"qrc:/qt-project.org/imports/Cratewell/Main.qml"_s));
+    if (!window())
+        return false;
+    traceStart(*window());
+    applyPin();
+    connect(&d->prefs, &Prefs::pinnedChanged, this, &Application::applyPin);
+    connect(&d->prefs, &Prefs::iconStyleChanged, this, &Application::applyIcon);
+    bringToFront();
+    return true;
+}
+
+void Application::applyIcon()
+{
+    // Drawing the glow takes longer than a frame, so the icon arrives a little later.
+    constexpr int pixels = 512;
+    const IconStyle style = iconStyleFromRawValue(d->prefs.iconStyle());
+    QThreadPool::globalInstance()->start([this, guard = QPointer(this), style] {
+        const QImage icon = renderIcon(style, pixels);
+        QMetaObject::invokeMethod(qGuiApp, [guard, icon] {
+            if (guard)
+                QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon)));
+        });
+    });
+}
+
+void Application::applyPin()
+{
+    if (window())
+        window()->setFlag(Qt::WindowStaysOnTopHint, d->prefs.pinned());
+}
+
+void Application::bringToFront()
+{
+    QQuickWindow *shown = window();
+    if (!shown)
+        return;
+    shown->setWindowStates(shown->windowStates() & ~Qt::WindowMinimized);
+    shown->show();
+    shown->raise();
+    shown->requestActivate();
+}
+
+void Application::drain()
+{
+    d->services.defaults->drain();
+}
+
+Prefs &Application::prefs()
+{
+    return d->prefs;
+}
+
+Vault &Application::vault()
+{
+    return d->vault;
+}
+
+AppState &Application::state()
+{
+    return d->state;
+}
+
+Media &Application::media()
+{
+    return d->media;
+}
+
+Inserter &Application::inserter()
+{
+    return d->inserter;
+}
+
+QQuickWindow *Application::window() const
+{
+    const QList<QObject *> roots = d->engine.rootObjects();
+    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(roots.constFirst());
+}
+
+} // namespace cratewell

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <tl/expected.hpp>
+#include <utility>
+#include <vector>
+
+namespace cratewell::decode {
+
+// Upright sRGB pixels, rows top to bottom without gaps, four bytes each: blue, green, red, alpha; colours are
+// premultiplied by alpha.
+struct Picture
+{
+    int width = 0;
+    int height = 0;
+    double duration = 0; // seconds of the whole file; 0 for a still or when unknown
+    std::vector<uint8_t> pixels;
+};
+
+// Every decoding function fails with a sentence for a person, never by an exception or a signal of its own.
+template<typename T> using Decoded = tl::expected<T, std::string>;
+
+inline tl::unexpected<std::string> failed(std::string why)
+{
+    return tl::unexpected(std::move(why));
+}
+
+// Pictures that claim more pixels than this are refused before memory is taken for them.
+inline constexpr int64_t maxFramePixels = int64_t{1} << 26;
+inline constexpr int64_t maxStillPixels = int64_t{1} << 28;
+
+struct Size
+{
+    int width = 0;
+    int height = 0;
+    friend bool operator==(Size, Size) = default;
+};
+
+// The size with the same shape whose sides are at most `maxSide`; never larger than given, never below 1.
+Size fittedInside(double width, double height, int maxSide);
+
+// In place, over rows of `width` straight BGRA pixels that are `stride` bytes apart.
+void premultiply(uint8_t *pixels, int width, int height, int64_t stride);
+
+} // namespace cratewell::decode

@@ -1,0 +1,164 @@
+#include "decode/still_image.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <mutex>
+#include <string_view>
+#include <vips/vips.h>
+
+namespace cratewell::decode {
+
+namespace {
+
+struct Unreference
+{
+    void operator()(gpointer object) const { g_object_unref(object); }
+};
+using ImagePointer = std::unique_ptr<VipsImage, Unreference>;
+using SourcePointer = std::unique_ptr<VipsSource, Unreference>;
+
+// Only the formats a library holds; libvips knows dozens more, some through whole document renderers.
+constexpr std::array<std::string_view, 6> loaders{"VipsForeignLoadJpeg",  "VipsForeignLoadPng",
+                                                  "VipsForeignLoadTiff",  "VipsForeignLoadWebp",
+                                                  "VipsForeignLoadNsgif", "VipsForeignLoadHeif"};
+
+bool startLibrary()
+{
+    static std::once_flag once;
+    static bool started = false;
+    std::call_once(once, [] {
+        g_setenv("VIPS_WARNING", "0", TRUE);
+        started = VIPS_INIT("cratewell") == 0;
+        if (!started)
+            return;
+        vips_cache_set_max(0);
+        vips_concurrency_set(1);
+        g_log_set_handler(
+            "VIPS", GLogLevelFlags(G_LOG_LEVEL_MASK), [](auto...) {}, nullptr);
+    });
+    return started;
+}
+
+tl::unexpected<std::string> failure(const char *fallback)
+{
+    std::string text = vips_error_buffer();
+    vips_error_clear();
+    text.erase(text.find_last_not_of(" \n") + 1);
+    std::replace(text.begin(), text.end(), '\n', ';');
+    return failed(text.empty() ? fallback : text);
+}
+
+// Refuses what is no picture, or claims more pixels than anybody has.
+Decoded<void> checkHeader(VipsSource *source)
+{
+    const char *name = vips_foreign_find_load_source(source);
+    if (!name)
+        return failure("not a picture");
+    const std::string_view loader(name);
+    if (std::none_of(loaders.begin(), loaders.end(), [&](auto known) { return loader.starts_with(known); }))
+        return failed("not a picture");
+    const ImagePointer header(
+        vips_image_new_from_source(source, "", "access", VIPS_ACCESS_SEQUENTIAL, nullptr));
+    if (!header)
+        return failure("not a readable picture");
+    if (int64_t{vips_image_get_width(header.get())} * vips_image_get_height(header.get()) > maxStillPixels)
+        return failed("a picture of an impossible size");
+    return {};
+}
+
+using Step = int (*)(VipsImage *, VipsImage **);
+
+bool replaceBy(ImagePointer &image, Step step)
+{
+    VipsImage *next = nullptr;
+    if (step(image.get(), &next) != 0)
+        return false;
+    image.reset(next);
+    return true;
+}
+
+int toSrgbByProfile(VipsImage *in, VipsImage **out)
+{
+    const int depth = vips_image_get_format(in) == VIPS_FORMAT_USHORT ? 16 : 8;
+    return vips_icc_transform(in, out, "srgb", "embedded", TRUE, "input_profile", "cmyk", "depth", depth,
+                              "black_point_compensation", TRUE, nullptr);
+}
+
+int toSrgb(VipsImage *in, VipsImage **out)
+{
+    return vips_colourspace(in, out, VIPS_INTERPRETATION_sRGB, nullptr);
+}
+
+int toBytes(VipsImage *in, VipsImage **out)
+{
+    return vips_cast_uchar(in, out, nullptr);
+}
+
+int toFourBands(VipsImage *in, VipsImage **out)
+{
+    return vips_extract_band(in, out, 0, "n", 4, nullptr);
+}
+
+// Straight 8-bit sRGB with 3 or 4 bands. A profile that cannot be used counts as none.
+bool makeRgb(ImagePointer &image)
+{
+    if (vips_image_get_typeof(image.get(), VIPS_META_ICC_NAME) != 0 ||
+        vips_image_get_interpretation(image.get()) == VIPS_INTERPRETATION_CMYK)
+        replaceBy(image, toSrgbByProfile);
+    if (vips_image_get_interpretation(image.get()) != VIPS_INTERPRETATION_sRGB && !replaceBy(image, toSrgb))
+        return false;
+    if (vips_image_get_format(image.get()) != VIPS_FORMAT_UCHAR && !replaceBy(image, toBytes))
+        return false;
+    if (vips_image_get_bands(image.get()) > 4 && !replaceBy(image, toFourBands))
+        return false;
+    return vips_image_get_bands(image.get()) >= 3;
+}
+
+Picture pictureOf(const uint8_t *rgb, int width, int height, int bands)
+{
+    Picture picture{.width = width, .height = height, .pixels = {}};
+    picture.pixels.resize(size_t(width) * size_t(height) * 4);
+    uint8_t *out = picture.pixels.data();
+    for (int64_t left = int64_t{width} * height; left > 0; --left, rgb += bands, out += 4) {
+        out[0] = rgb[2];
+        out[1] = rgb[1];
+        out[2] = rgb[0];
+        out[3] = bands == 4 ? rgb[3] : 255;
+    }
+    if (bands == 4)
+        premultiply(picture.pixels.data(), width, height, int64_t{width} * 4);
+    return picture;
+}
+
+} // namespace
+
+Decoded<Picture> stillImage(int descriptor, int maxSide)
+{
+    if (!startLibrary())
+        return failed("the picture library could not be started");
+    const SourcePointer source(vips_source_new_from_descriptor(descriptor));
+    if (!source)
+        return failure("not a readable picture");
+    if (const auto checked = checkHeader(source.get()); !checked)
+        return failed(checked.error());
+
+    VipsImage *thumbnail = nullptr;
+    if (vips_thumbnail_source(source.get(), &thumbnail, maxSide, "height", maxSide, "size", VIPS_SIZE_DOWN,
+                              nullptr) != 0)
+        return failure("not a readable picture");
+    ImagePointer image(thumbnail);
+    if (!makeRgb(image))
+        return failure("colours of an unknown kind");
+
+    size_t size = 0;
+    const std::unique_ptr<void, decltype(&g_free)> pixels(vips_image_write_to_memory(image.get(), &size),
+                                                          &g_free);
+    if (!pixels)
+        return failure("the picture could not be decoded");
+    vips_error_clear();
+    return pictureOf(static_cast<const uint8_t *>(pixels.get()), vips_image_get_width(image.get()),
+                     vips_image_get_height(image.get()), vips_image_get_bands(image.get()));
+}
+
+} // namespace cratewell::decode

@@ -1,0 +1,32 @@
+#include "decode/video_frame.h"
+
+#include "decode/internal/frame_picture.h"
+#include "decode/internal/video_reader.h"
+
+#include <algorithm>
+#include <mutex>
+
+namespace cratewell::decode {
+
+Decoded<Picture> videoFrame(int descriptor, double fraction, int maxSide)
+{
+    static std::once_flag quietOnce;
+    std::call_once(quietOnce, [] { av_log_set_level(AV_LOG_QUIET); });
+
+    auto reader = VideoReader::open(descriptor);
+    if (!reader)
+        return failed(reader.error());
+    const double duration = (*reader)->duration();
+    const double latest = 0.98; // decoders often have no frame at the very end
+    const double time = fraction > 0 ? std::min(fraction, latest) * duration : 0;
+    const auto frame = (*reader)->frameNear(time);
+    if (!frame)
+        return failed(frame.error());
+    auto picture =
+        framePicture(**frame, (*reader)->pixelAspect(frame->get()), (*reader)->orientation(), maxSide);
+    if (picture)
+        picture->duration = duration;
+    return picture;
+}
+
+} // namespace cratewell::decode

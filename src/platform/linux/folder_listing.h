@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QByteArray>
+#include <chrono>
+#include <vector>
+
+namespace cratewell {
+
+// What a folder shows to one who cannot watch it.
+struct FolderListing
+{
+    enum class Detail { Names, Digest };
+    enum class Links { Keep, Follow };
+
+    bool opened = false;
+    // Names of visible folders in it; links are none.
+    std::vector<QByteArray> folders;
+    // Changes when a visible entry comes, goes or changes its size, time or inode. Only with Detail::Digest.
+    quint64 digest = 0;
+    // The folder's own last change.
+    std::chrono::system_clock::time_point changed;
+
+    static FolderListing read(const QByteArray &path, Detail detail, Links links);
+};
+
+} // namespace cratewell

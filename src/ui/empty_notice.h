@@ -1,0 +1,76 @@
+#pragma once
+
+#include "state/scope.h"
+
+#include <QColor>
+#include <QObject>
+#include <QQmlParserStatus>
+#include <QtQml/qqmlregistration.h>
+
+namespace cratewell {
+
+class AppState;
+class Vault;
+class Workspace;
+
+// What the grid says instead of showing nothing, and the one thing to do about it.
+struct Notice
+{
+    enum class Action : quint8 { OpenFolder, ShowAll, ClearSearch };
+
+    QString icon; // a ligature of the icon font
+    QColor start; // of the tile's gradient
+    QColor end;
+    QString title;
+    QString sentence;
+    Action action = Action::ShowAll;
+
+    friend bool operator==(const Notice &, const Notice &) = default;
+};
+
+Notice noticeFor(const Scope &scope, const QString &search, const Location &root);
+QString actionText(Notice::Action action);
+
+// The notice for what is in view now, in QML. Main thread.
+class EmptyNotice : public QObject, public QQmlParserStatus
+{
+    Q_OBJECT
+    Q_INTERFACES(QQmlParserStatus)
+    QML_ELEMENT
+    Q_PROPERTY(QString icon READ icon NOTIFY changed FINAL)
+    Q_PROPERTY(QColor start READ start NOTIFY changed FINAL)
+    Q_PROPERTY(QColor end READ end NOTIFY changed FINAL)
+    Q_PROPERTY(QString title READ title NOTIFY changed FINAL)
+    Q_PROPERTY(QString sentence READ sentence NOTIFY changed FINAL)
+    Q_PROPERTY(QString action READ action NOTIFY changed FINAL)
+public:
+    explicit EmptyNotice(QObject *parent = nullptr);
+
+    // All must outlive this. In QML they are the program's own.
+    void follow(AppState &state, const Vault &vault, Workspace &workspace);
+
+    QString icon() const { return m_notice.icon; }
+    QColor start() const { return m_notice.start; }
+    QColor end() const { return m_notice.end; }
+    QString title() const { return m_notice.title; }
+    QString sentence() const { return m_notice.sentence; }
+    QString action() const { return actionText(m_notice.action); }
+
+    Q_INVOKABLE void act();
+
+    void classBegin() override {}
+    void componentComplete() override;
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    void renew();
+
+    AppState *m_state = nullptr;
+    const Vault *m_vault = nullptr;
+    Workspace *m_workspace = nullptr;
+    Notice m_notice;
+};
+
+} // namespace cratewell

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "platform/location.h"
+#include "vault/category.h"
+
+#include <QAbstractListModel>
+#include <QQmlParserStatus>
+#include <QtQml/qqml.h>
+
+#include <vector>
+
+namespace cratewell {
+
+struct FolderNode;
+class FolderExpansion;
+
+// One line of the sidebar's trees.
+struct FolderLine
+{
+    Location folder;
+    VaultCategory category = VaultCategory::Overlays;
+    int depth = 0; // 0 for the category's own folder
+    int count = 0; // assets in it and below
+    bool expandable = false;
+    bool expanded = false;
+
+    friend bool operator==(const FolderLine &, const FolderLine &) = default;
+};
+
+// The lines that stand in view for one category, parents before children.
+void appendLines(std::vector<FolderLine> &lines, const FolderNode &node, VaultCategory category,
+                 const FolderExpansion &expansion);
+
+// The folder trees of all categories, one below the other, as far as they are expanded. A rescan or a toggle
+// changes only the rows that differ.
+class FolderTreeModel : public QAbstractListModel, public QQmlParserStatus
+{
+    Q_OBJECT
+    QML_ELEMENT
+    Q_INTERFACES(QQmlParserStatus)
+public:
+    enum Role {
+        FolderRole = Qt::UserRole + 1, // Location
+        NameRole,
+        CategoryRole, // the category's name, also that of its section
+        SymbolRole,
+        TintRole, // the folder's own colour or its category's; invalid for neither
+        DepthRole,
+        CountRole,
+        ExpandableRole,
+        ExpandedRole,
+    };
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+    // Kept for the next start as well.
+    Q_INVOKABLE void setExpanded(int row, bool expanded);
+    Q_INVOKABLE cratewell::Location folderAt(int row) const;
+    // The row of the folder that holds this row's; -1 for a category's own.
+    Q_INVOKABLE int parentOf(int row) const;
+    Q_INVOKABLE bool expandableAt(int row) const;
+    Q_INVOKABLE bool expandedAt(int row) const;
+    // -1 for a folder that is not in view.
+    Q_INVOKABLE int rowOf(const cratewell::Location &folder) const;
+
+private:
+    void classBegin() override {}
+    void componentComplete() override;
+    bool isRow(int row) const { return row >= 0 && size_t(row) < m_lines.size(); }
+    void refresh();
+    void change(std::vector<FolderLine> lines);
+    QVariant tint(const FolderLine &line) const;
+
+    std::vector<FolderLine> m_lines;
+};
+
+} // namespace cratewell

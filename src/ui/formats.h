@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QtQml/qqml.h>
+
+namespace cratewell {
+
+// A number of bytes as a file browser shows it: decimal units, "988 KB", "48.2 MB", "1.28 GB".
+QString byteText(qint64 bytes);
+
+// Texts that the views make out of values.
+class Formats : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+public:
+    // A portable key sequence ("Ctrl+Shift+R") the way this system writes it.
+    Q_INVOKABLE static QString keys(const QString &sequence);
+};
+
+} // namespace cratewell

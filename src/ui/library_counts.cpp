@@ -1,0 +1,36 @@
+#include "ui/library_counts.h"
+
+#include "state/prefs.h"
+#include "ui/formats.h"
+#include "ui/ui_objects.h"
+#include "vault/vault.h"
+
+#include <algorithm>
+
+namespace cratewell {
+
+void LibraryCounts::componentComplete()
+{
+    const UiObjects &objects = uiObjects(*this);
+    connect(&objects.vault, &Vault::rescanned, this, &LibraryCounts::count);
+    connect(&objects.prefs, &Prefs::favoritesChanged, this, &LibraryCounts::count);
+    connect(&objects.prefs, &Prefs::recentChanged, this, &LibraryCounts::count);
+    count();
+}
+
+void LibraryCounts::count()
+{
+    const UiObjects &objects = uiObjects(*this);
+    const VaultPicture &picture = *objects.vault.picture();
+    const auto existing = [&picture](const auto &places) {
+        return int(std::ranges::count_if(
+            places, [&](const Location &place) { return picture.find(place).has_value(); }));
+    };
+    m_all = int(picture.size());
+    m_favorites = existing(objects.prefs.favorites());
+    m_recent = existing(objects.prefs.recent());
+    m_size = byteText(picture.totalSize());
+    Q_EMIT changed();
+}
+
+} // namespace cratewell

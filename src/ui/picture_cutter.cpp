@@ -1,0 +1,91 @@
+#include "ui/picture_cutter.h"
+
+#include "ui/soft_mask.h"
+
+#include <QPainterPath>
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <utility>
+
+namespace cratewell {
+
+namespace {
+
+constexpr int rememberedKilobytes = 64 * 1024;
+
+// The largest part of `source` with the proportions of `target`, in the middle.
+QRect coverCrop(QSize source, QSize target)
+{
+    const QSizeF part = QSizeF(target).scaled(source, Qt::KeepAspectRatio);
+    const QSize size(std::clamp(int(std::lround(part.width())), 1, source.width()),
+                     std::clamp(int(std::lround(part.height())), 1, source.height()));
+    return {QPoint((source.width() - size.width()) / 2, (source.height() - size.height()) / 2), size};
+}
+
+} // namespace
+
+QImage cutPicture(const QImage &picture, const PictureShape &shape)
+{
+    if (picture.isNull() || shape.size.isEmpty())
+        return {};
+    QImage cut = picture.copy(coverCrop(picture.size(), shape.size))
+                     .convertToFormat(QImage::Format_ARGB32_Premultiplied)
+                     .scaled(shape.size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                     .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    if (shape.radius > 0) {
+        QPainterPath outline;
+        outline.addRoundedRect(QRectF(QPointF(), shape.size), shape.radius, shape.radius);
+        keepInside(cut, coverage(outline, shape.size));
+    }
+    cut.setDevicePixelRatio(1);
+    return cut;
+}
+
+struct PictureCutter::Wish
+{
+    std::atomic<bool> calledOff = false;
+    std::function<void(const QImage &)> done;
+};
+
+PictureCutter::PictureCutter(QObject *parent) : QObject(parent), m_ready(rememberedKilobytes)
+{
+    m_pool.setMaxThreadCount(std::max(1, QThread::idealThreadCount() - 1));
+}
+
+PictureCutter::~PictureCutter()
+{
+    m_pool.clear();
+    m_pool.waitForDone();
+}
+
+QImage PictureCutter::ready(const QImage &picture, const PictureShape &shape) const
+{
+    const QImage *found = m_ready.object({picture.cacheKey(), shape});
+    return found ? *found : QImage();
+}
+
+PictureCutter::Ticket PictureCutter::cut(const QImage &picture, const PictureShape &shape,
+                                         std::function<void(const QImage &)> done)
+{
+    auto wish = std::make_shared<Wish>();
+    wish->done = std::move(done);
+    const Ticket ticket(wish.get(), [wish](void *) {
+        wish->calledOff = true;
+        wish->done = nullptr;
+    });
+    const auto work = [this, wish, picture, shape] {
+        if (wish->calledOff)
+            return;
+        QImage result = cutPicture(picture, shape);
+        QMetaObject::invokeMethod(this, [this, wish, shape, key = picture.cacheKey(), result] {
+            m_ready.insert({key, shape}, new QImage(result), std::max(1, int(result.sizeInBytes() / 1024)));
+            if (const auto tell = std::exchange(wish->done, nullptr))
+                tell(result);
+        });
+    };
+    m_pool.start(work, ++m_newest);
+    return ticket;
+}
+
+} // namespace cratewell

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QCache>
+#include <QHash>
+#include <QImage>
+#include <QObject>
+#include <QThreadPool>
+#include <functional>
+#include <memory>
+
+namespace cratewell {
+
+// How a picture is to lie on the screen, in device pixels.
+struct PictureShape
+{
+    QSize size;
+    int radius = 0; // of the rounded corners
+
+    friend bool operator==(const PictureShape &, const PictureShape &) = default;
+    friend size_t qHash(const PictureShape &shape, size_t seed = 0)
+    {
+        return qHashMulti(seed, shape.size.width(), shape.size.height(), shape.radius);
+    }
+};
+
+// The middle of a picture, scaled to fill the shape, corners cut; premultiplied. Null when either is empty.
+QImage cutPicture(const QImage &picture, const PictureShape &shape);
+
+// Cuts pictures into shape on its own threads, newest wish first, and remembers the results (64 MB). Main
+// thread; outlives whoever asks.
+class PictureCutter : public QObject
+{
+    Q_OBJECT
+public:
+    explicit PictureCutter(QObject *parent = nullptr);
+    ~PictureCutter() override;
+
+    // What was cut before; null when it was not or is forgotten.
+    QImage ready(const QImage &picture, const PictureShape &shape) const;
+
+    // Dropping the ticket calls the work off: `done` is called on the main thread, at most once, only while
+    // the ticket lives.
+    using Ticket = std::shared_ptr<void>;
+    [[nodiscard]] Ticket cut(const QImage &picture, const PictureShape &shape,
+                             std::function<void(const QImage &)> done);
+
+private:
+    struct Key
+    {
+        qint64 picture = 0; // QImage::cacheKey
+        PictureShape shape;
+        friend bool operator==(const Key &, const Key &) = default;
+        friend size_t qHash(const Key &key, size_t seed = 0)
+        {
+            return qHashMulti(seed, key.picture, key.shape);
+        }
+    };
+    struct Wish;
+
+    QCache<Key, QImage> m_ready;
+    QThreadPool m_pool;
+    int m_newest = 0;
+};
+
+} // namespace cratewell

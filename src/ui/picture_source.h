@@ -1,0 +1,79 @@
+#pragma once
+
+#include "media/media.h"
+#include "ui/picture_cutter.h"
+#include "ui/placeholder.h"
+
+#include <QQmlParserStatus>
+#include <QtQml/qqmlregistration.h>
+#include <vector>
+
+namespace cratewell {
+
+class Vault;
+
+// Where thumbnail items get the pictures of files. Main thread.
+class PictureSource : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Use one of the kinds of picture source")
+public:
+    using QObject::QObject;
+
+    virtual Media::State state(const Location &url) const = 0;
+    // Null unless Ready. The same picture keeps its QImage::cacheKey.
+    virtual QImage picture(const Location &url) const = 0;
+    // The picture is made while the answer lives; null when nothing needs to be done.
+    [[nodiscard]] virtual std::unique_ptr<PreviewRequest> request(const Location &url) = 0;
+
+    PictureCutter &cutter() { return m_cutter; }
+    // Painted once for all files that look alike.
+    QImage placeholder(const PlaceholderLook &look, const PictureShape &shape);
+
+Q_SIGNALS:
+    // State or picture of this file changed.
+    void changed(const cratewell::Location &url);
+    // Everything may have changed.
+    void reset();
+
+private:
+    struct PaintedPlaceholder
+    {
+        PlaceholderLook look;
+        PictureShape shape;
+        QImage picture;
+    };
+
+    PictureCutter m_cutter;
+    std::vector<PaintedPlaceholder> m_placeholders;
+};
+
+// The grid thumbnails of the vault's assets, each looked up afresh, so that a rewritten file gets the picture
+// of its newest version. Every picture is missing until it knows its vault.
+class ThumbnailSource : public PictureSource, public QQmlParserStatus
+{
+    Q_OBJECT
+    Q_INTERFACES(QQmlParserStatus)
+    QML_ELEMENT
+public:
+    explicit ThumbnailSource(QObject *parent = nullptr) : PictureSource(parent) {}
+
+    // Both must outlive this. In QML they are the program's own.
+    void follow(Vault &vault, Media &media);
+
+    Media::State state(const Location &url) const override;
+    QImage picture(const Location &url) const override;
+    std::unique_ptr<PreviewRequest> request(const Location &url) override;
+
+    void classBegin() override {}
+    void componentComplete() override;
+
+private:
+    const Asset *find(const Location &url) const;
+
+    Vault *m_vault = nullptr;
+    Media *m_media = nullptr;
+};
+
+} // namespace cratewell

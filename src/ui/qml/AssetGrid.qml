@@ -1,0 +1,261 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Cratewell
+
+// The cards of the assets in view, in as many columns as suit the wished card size. The keyboard moves the
+// focused asset. What changes on the disk leaves the visible cards where they are.
+T.Control {
+    id: grid
+
+    readonly property int gap: Theme.space3
+    // How far the glow of a selected card may reach beyond the grid.
+    readonly property int spill: Theme.space3
+    // Around a card's picture, and below it with its name.
+    readonly property int cardInset: 7
+    readonly property int cardFooter: Prefs.showNames ? 32 : cardInset
+
+    // The row a key leads to, or -1 when it moves nothing. Lines keep the column as far as the last one reaches.
+    function rowFor(key: int): int {
+        const row = Math.max(0, assets.currentRow);
+        const last = assets.count - 1;
+        const columns = view.columns;
+        const linesAbove = Math.floor(row / columns);
+        const linesBelow = Math.floor(last / columns) - linesAbove;
+        const page = Math.max(1, view.linesInView);
+        switch (key) {
+        case Qt.Key_Left:
+            return Math.max(0, row - 1);
+        case Qt.Key_Right:
+            return Math.min(last, row + 1);
+        case Qt.Key_Up:
+            return row - Math.min(1, linesAbove) * columns;
+        case Qt.Key_Down:
+            return Math.min(last, row + Math.min(1, linesBelow) * columns);
+        case Qt.Key_PageUp:
+            return row - Math.min(page, linesAbove) * columns;
+        case Qt.Key_PageDown:
+            return Math.min(last, row + Math.min(page, linesBelow) * columns);
+        case Qt.Key_Home:
+            return 0;
+        case Qt.Key_End:
+            return last;
+        }
+        return -1;
+    }
+
+    // False for a key that moves nothing. The first press of a key that moves by steps only starts.
+    function move(key: int, modifiers: int): bool {
+        const row = rowFor(key);
+        if (row < 0)
+            return false;
+        if (assets.currentRow < 0)
+            AppState.moveBy(key === Qt.Key_End ? assets.count : 1);
+        else if (modifiers & Qt.ShiftModifier)
+            assets.click(row, Qt.ShiftModifier);
+        else
+            AppState.moveBy(row - assets.currentRow);
+        view.reveal(assets.currentRow);
+        return true;
+    }
+
+    focusPolicy: Qt.StrongFocus
+
+    Keys.onPressed: event => {
+        const other = Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier;
+        if (event.key === Qt.Key_A && event.modifiers === Qt.ControlModifier)
+            AppState.selectAll();
+        else if (event.modifiers & other || assets.count === 0)
+            return;
+        else if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter)
+            Inserter.insertSelected();
+        else if (event.key === Qt.Key_Space)
+            AppState.togglePlay();
+        else if (!move(event.key, event.modifiers))
+            return;
+        event.accepted = true;
+    }
+
+    AssetListModel {
+        id: assets
+
+        prefs: Prefs
+        state: AppState
+
+        onAboutToApply: newCount => view.remember(newCount)
+        onApplied: view.restore()
+    }
+    ThumbnailSource { id: thumbnails }
+    EmptyNotice { id: notice }
+
+    Connections {
+        function onScopeChanged() { view.startOver(); }
+        function onSearchChanged() { view.startOver(); }
+        function onSortChanged() { view.startOver(); }
+
+        target: AppState
+    }
+    TapHandler {
+        onTapped: grid.forceActiveFocus(Qt.MouseFocusReason)
+    }
+    FocusRing {
+        anchors.margins: 0
+        radius: Theme.panelRadius
+        shown: grid.visualFocus && assets.currentRow < 0
+    }
+    Item {
+        anchors.fill: parent
+        anchors.leftMargin: -grid.spill
+        anchors.rightMargin: -grid.spill
+        clip: true
+
+        GridView {
+            id: view
+
+            // Every cell has its gap on the right, the last one beyond the cards' right edge.
+            readonly property int columns: Math.max(1, Math.round(width / (Prefs.cardSize + grid.gap)))
+            readonly property int cardWidth: cellWidth - grid.gap
+            readonly property int linesInView: Math.floor(height / cellHeight)
+            // Where the visible lines begin and end; they move by whole lines, so that scrolling rebinds little.
+            readonly property real firstLine: lineAt(contentY)
+            readonly property real endLine: lineAt(contentY + height) + cellHeight
+
+            // Another choice of assets comes, of which the beginning is to be seen.
+            property bool fresh: false
+            property bool anchored: false
+            property location anchor
+            property real anchorOffset: 0
+
+            function lineAt(y: real): real {
+                return originY + Math.floor((y - originY) / cellHeight) * cellHeight;
+            }
+            function within(y: real): real {
+                const end = originY + contentHeight + bottomMargin - height;
+                return Math.max(originY - topMargin, Math.min(y, end));
+            }
+            function startOver(): void {
+                glide.stop();
+                fresh = true;
+                contentY = originY - topMargin;
+                Qt.callLater(() => fresh = false);
+            }
+            // Keeps in mind which card lies at the top edge, and how; at the very top nothing is kept, so that
+            // what is new there shows.
+            function remember(newCount: int): void {
+                glide.stop();
+                const row = Math.max(0, Math.floor((contentY - originY) / cellHeight)) * columns;
+                anchored = !fresh && contentY > originY && row < assets.count;
+                if (!anchored)
+                    return;
+                anchor = assets.urlAt(row);
+                anchorOffset = (contentY - originY) % cellHeight;
+                // Far below a list that shrinks the view would make every card on the way.
+                const newHeight = Math.ceil(newCount / columns) * cellHeight;
+                if (newCount < assets.count && contentY - originY > newHeight - height)
+                    contentY = Math.max(originY - topMargin, originY + newHeight - height);
+            }
+            function restore(): void {
+                const row = anchored ? assets.rowOf(anchor) : -1;
+                forceLayout();
+                if (row >= 0)
+                    contentY = within(originY + Math.floor(row / columns) * cellHeight + anchorOffset);
+                else
+                    contentY = anchored ? within(contentY) : originY - topMargin;
+                forceLayout();
+            }
+            // Scrolls no further than it takes to see the whole card.
+            function reveal(row: int): void {
+                const top = originY + Math.floor(row / columns) * cellHeight;
+                const from = glide.running ? glide.to : contentY;
+                const to = within(Math.max(top + cellHeight - height, Math.min(from, top - topMargin)));
+                glide.stop();
+                if (row < 0 || to === contentY)
+                    return;
+                glide.to = to;
+                glide.start();
+            }
+
+            anchors.fill: parent
+            anchors.leftMargin: grid.spill + 2
+            anchors.rightMargin: grid.spill + 2 - grid.gap
+            bottomMargin: Theme.space1
+            boundsBehavior: Flickable.StopAtBounds
+            cacheBuffer: 2 * cellHeight
+            cellHeight: grid.cardInset + Math.round((cardWidth - 2 * grid.cardInset) * 0.625) + grid.cardFooter
+                        + grid.gap
+            cellWidth: Math.floor(width / columns)
+            currentIndex: assets.currentRow
+            highlightFollowsCurrentItem: false
+            keyNavigationEnabled: false
+            model: assets
+            pixelAligned: true
+            topMargin: Theme.space2
+
+            Accessible.name: qsTr("Assets")
+            Accessible.role: Accessible.List
+
+            onMovementStarted: glide.stop()
+
+            delegate: AssetCard {
+                required property int index
+
+                footer: grid.cardFooter
+                height: view.cellHeight - grid.gap
+                inView: y >= view.firstLine && y < view.endLine
+                inset: grid.cardInset
+                keyboard: grid.activeFocus
+                radius: Prefs.cornerRadius
+                showBadge: Prefs.showBadges
+                showName: Prefs.showNames
+                source: thumbnails
+                width: view.cardWidth
+
+                onClicked: modifiers => {
+                    grid.forceActiveFocus(Qt.MouseFocusReason);
+                    assets.click(index, modifiers);
+                }
+                onFavoriteToggled: assets.toggleFavorite(index)
+                onInsertAsked: Inserter.insertSelected()
+            }
+
+            T.ScrollBar.vertical: ThinScrollBar {
+                anchors.bottom: view.parent.bottom
+                anchors.right: view.parent.right
+                anchors.top: view.parent.top
+                parent: view.parent
+            }
+
+            NumberAnimation {
+                id: glide
+
+                duration: Theme.hoverTime
+                easing.type: Easing.OutQuad
+                property: "contentY"
+                target: view
+            }
+        }
+    }
+    EmptyState {
+        action: notice.action
+        anchors.centerIn: parent
+        end: notice.end
+        opacity: assets.count === 0 ? 1 : 0
+        sentence: notice.sentence
+        start: notice.start
+        symbol: notice.icon
+        title: notice.title
+        visible: assets.count === 0
+        width: Math.min(300, parent.width - 2 * Theme.space4)
+
+        // A list that fills in a moment shall not flash.
+        Behavior on opacity {
+            SequentialAnimation {
+                PauseAnimation { duration: 250 }
+                NumberAnimation { duration: Theme.panelTime }
+            }
+        }
+
+        onActed: notice.act()
+    }
+}

@@ -1,0 +1,40 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Cratewell
+
+// How large the cards of the grid are.
+Row {
+    id: control
+
+    required property real size
+    readonly property real smallest: 140
+    readonly property real largest: 340
+
+    signal chosen(real size)
+
+    spacing: 8
+
+    Icon {
+        anchors.verticalCenter: parent.verticalCenter
+        color: Theme.textSecondary
+        size: 13
+        text: "grid_on"
+    }
+    GlassSlider {
+        anchors.verticalCenter: parent.verticalCenter
+        from: control.smallest
+        label: qsTr("Card size")
+        stepSize: 1
+        to: control.largest
+        value: control.size
+
+        onMoved: control.chosen(value)
+    }
+    Icon {
+        anchors.verticalCenter: parent.verticalCenter
+        color: Theme.textSecondary
+        size: 15
+        text: "grid_view"
+    }
+}

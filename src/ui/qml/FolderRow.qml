@@ -1,0 +1,112 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Cratewell
+
+// A folder of a category's tree.
+Item {
+    id: row
+
+    required property string name
+    required property string symbol
+    required property var tint
+    required property int depth
+    required property int count
+    required property bool expandable
+    required property bool expanded
+    required property bool selected
+    required property bool current
+    required property bool showCount
+
+    signal activated
+    signal toggled
+
+    height: 28
+
+    Accessible.description: showCount ? String(count) : ""
+    Accessible.focusable: true
+    Accessible.focused: current
+    Accessible.name: name
+    Accessible.role: Accessible.TreeItem
+    Accessible.selectable: true
+    Accessible.selected: selected
+    Accessible.onPressAction: row.activated()
+
+    HoverHandler { id: hover }
+    TapHandler {
+        gesturePolicy: TapHandler.ReleaseWithinBounds
+
+        onTapped: row.activated()
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        color: row.selected ? Theme.rowSelected : hover.hovered ? Theme.rowHover : "transparent"
+        radius: 8
+
+        FocusRing {
+            anchors.margins: 0
+            radius: 8
+            shown: row.current
+        }
+    }
+    Item {
+        id: chevron
+
+        height: parent.height
+        visible: row.expandable
+        width: 22
+        x: 4 + 14 * row.depth
+
+        Accessible.name: row.expanded ? qsTr("Collapse %1").arg(row.name) : qsTr("Expand %1").arg(row.name)
+        Accessible.role: Accessible.Button
+        Accessible.onPressAction: row.toggled()
+
+        Icon {
+            anchors.centerIn: parent
+            color: chevronHover.hovered ? Theme.text : Theme.textSecondary
+            rotation: row.expanded ? 90 : 0
+            text: "chevron_right"
+
+            Behavior on rotation {
+                NumberAnimation { duration: Theme.hoverTime }
+            }
+        }
+        HoverHandler { id: chevronHover }
+        TapHandler {
+            gesturePolicy: TapHandler.WithinBounds
+
+            onTapped: row.toggled()
+        }
+    }
+    Icon {
+        id: symbolIcon
+
+        anchors.verticalCenter: parent.verticalCenter
+        color: row.tint ?? Theme.textSecondary
+        text: row.symbol
+        x: 26 + 14 * row.depth
+    }
+    Label {
+        anchors.left: symbolIcon.right
+        anchors.leftMargin: 7
+        anchors.right: counter.left
+        anchors.rightMargin: Theme.space2
+        anchors.verticalCenter: parent.verticalCenter
+        text: row.name
+
+        Accessible.ignored: true
+    }
+    Label {
+        id: counter
+
+        anchors.right: parent.right
+        anchors.rightMargin: 8
+        anchors.verticalCenter: parent.verticalCenter
+        color: Theme.textTertiary
+        font.pixelSize: Theme.secondarySize
+        text: row.showCount ? row.count : ""
+
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,80 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Cratewell
+
+// A button with a text, a symbol or both; the prominent one has the accent.
+T.Button {
+    id: control
+
+    property string symbol: ""
+    property bool prominent: false
+    property bool destructive: false
+    // Leaves the text to the help tip and to assistive tools.
+    property bool compact: false
+    property string helpText: ""
+    readonly property color ink: prominent ? Theme.onAccent : destructive ? Theme.destructive : Theme.text
+
+    activeFocusOnTab: true
+    focusPolicy: Qt.TabFocus
+    hoverEnabled: true
+    implicitHeight: Theme.controlHeight
+    implicitWidth: compact ? 33 : leftPadding + implicitContentWidth + rightPadding
+    leftPadding: compact ? Math.round((width - 16) / 2) : symbol ? 11 : 12
+    opacity: enabled ? 1 : 0.42
+    rightPadding: compact ? 0 : 12
+
+    Accessible.description: helpText
+    Accessible.name: text || helpText
+    Accessible.role: Accessible.Button
+    Accessible.onPressAction: control.press()
+
+    Keys.onEnterPressed: press()
+    Keys.onReturnPressed: press()
+
+    function press(): void {
+        if (enabled)
+            clicked();
+    }
+
+    background: Item {
+        ControlGlass {
+            anchors.fill: parent
+            hovered: control.hovered
+            pressed: control.down
+            visible: !control.prominent
+        }
+        AccentGlass {
+            anchors.fill: parent
+            hovered: control.hovered
+            pressed: control.down
+            visible: control.prominent
+        }
+        FocusRing { shown: control.visualFocus }
+    }
+    contentItem: Row {
+        spacing: 7
+
+        Icon {
+            anchors.verticalCenter: parent.verticalCenter
+            color: control.ink
+            text: control.symbol
+            visible: text.length > 0
+        }
+        Label {
+            anchors.verticalCenter: parent.verticalCenter
+            color: control.ink
+            font.weight: Font.DemiBold
+            text: control.text
+            visible: !control.compact
+
+            Accessible.ignored: true
+        }
+    }
+
+    HelpTip {
+        text: control.helpText || (control.compact ? control.text : "")
+        wanted: control.hovered && !control.down
+    }
+}

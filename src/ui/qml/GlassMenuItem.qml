@@ -1,0 +1,53 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Cratewell
+
+// One line of a menu, with its shortcut at the right end.
+T.MenuItem {
+    id: item
+
+    property string keys: ""
+    property bool destructive: false
+    readonly property color ink: highlighted ? Theme.onAccent : destructive ? Theme.destructive : Theme.text
+
+    hoverEnabled: true
+    implicitHeight: 27
+    implicitWidth: 224
+    leftPadding: checkable ? 26 : 10
+    rightPadding: 10
+
+    Accessible.checkable: checkable
+    Accessible.checked: checked
+    Accessible.description: keys
+    Accessible.name: text
+    Accessible.role: Accessible.MenuItem
+    Accessible.onPressAction: {
+        if (!item.enabled)
+            return;
+        item.triggered();
+        item.menu?.dismiss();
+    }
+
+    background: Rectangle {
+        color: item.highlighted ? Theme.accent : "transparent"
+        radius: 7
+    }
+    contentItem: MenuLine {
+        ink: item.ink
+        keys: item.keys
+        keysInk: item.highlighted ? Theme.onAccent : Theme.textTertiary
+        opacity: item.enabled ? 1 : 0.4
+        text: item.text
+    }
+    indicator: Icon {
+        anchors.left: parent.left
+        anchors.leftMargin: 7
+        anchors.verticalCenter: parent.verticalCenter
+        color: item.ink
+        size: 14
+        text: "check"
+        visible: item.checkable && item.checked
+    }
+}

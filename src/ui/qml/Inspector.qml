@@ -1,0 +1,94 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Cratewell
+
+// The focused asset in large, and what can be done with it.
+GlassPanel {
+    id: inspector
+
+    readonly property int margin: 15
+
+    Accessible.name: qsTr("Preview")
+    Accessible.role: Accessible.Pane
+
+    SelectionInfo { id: selection }
+    ThumbnailSource { id: thumbnails }
+
+    EmptyState {
+        anchors.centerIn: parent
+        end: Theme.pink
+        sentence: qsTr("Choose an asset to see it here and place it on your timeline.")
+        start: Theme.accent
+        symbol: "touch_app"
+        title: qsTr("Nothing selected")
+        visible: !selection.present
+        width: 250
+    }
+    Item {
+        anchors.fill: parent
+        anchors.margins: inspector.margin
+        visible: selection.present
+
+        Label {
+            id: name
+
+            anchors.left: parent.left
+            anchors.right: favorite.left
+            anchors.rightMargin: Theme.space2
+            font.pixelSize: Theme.headingSize
+            font.weight: Font.Bold
+            text: selection.name
+
+            Accessible.role: Accessible.Heading
+        }
+        Label {
+            anchors.left: parent.left
+            anchors.right: name.right
+            anchors.top: name.bottom
+            color: Theme.textSecondary
+            elide: Text.ElideMiddle
+            font.pixelSize: Theme.secondarySize
+            text: selection.place
+        }
+        StarButton {
+            id: favorite
+
+            anchors.right: parent.right
+            anchors.rightMargin: -6
+            favorite: selection.favorite
+
+            onClicked: selection.toggleFavorite()
+        }
+        Rectangle {
+            anchors.fill: picture
+            color: "black"
+            radius: picture.radius
+        }
+        ThumbnailItem {
+            id: picture
+
+            active: selection.present
+            height: Math.round(width * 9 / 16)
+            iconFamily: Theme.iconFamily
+            kind: selection.kind
+            radius: Theme.controlRadius
+            source: thumbnails
+            url: selection.url
+            width: parent.width
+            y: 44
+
+            Accessible.name: qsTr("Preview of %1").arg(selection.name)
+            Accessible.role: Accessible.Graphic
+        }
+        InsertBar {
+            anchors.bottom: parent.bottom
+            busy: Inserter.busy
+            destination: selection.destination
+            insertable: selection.insertable
+            width: parent.width
+
+            onInsertAsked: Inserter.insertSelected()
+        }
+    }
+}

@@ -1,0 +1,102 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Cratewell
+
+// The window. Closing it hides it; the program runs on.
+Window {
+    id: window
+
+    readonly property bool typing: (activeFocusItem as TextInput) !== null
+                                   || (activeFocusItem as TextEdit) !== null
+
+    color: Theme.windowBase
+    flags: Qt.Window | Qt.FramelessWindowHint
+    height: 840
+    minimumHeight: 640
+    minimumWidth: 1040
+    title: "Cratewell"
+    visible: true
+    width: 1320
+
+    Backdrop {
+        accent: Theme.accent
+        anchors.fill: parent
+        base: Theme.windowBase
+        dark: Theme.dark
+        intensity: Prefs.bgIntensity
+        style: Prefs.background
+    }
+
+    Commands {
+        id: commands
+
+        typing: window.typing
+
+        onSettingsWanted: settings.open()
+    }
+    Shortcut {
+        sequence: "Ctrl+F"
+
+        onActivated: mainArea.focusSearch()
+    }
+
+    FocusScope {
+        id: content
+
+        anchors.fill: parent
+        anchors.margins: Theme.space3
+        focus: true
+
+        Sidebar {
+            id: sidebar
+
+            anchors.bottom: parent.bottom
+            anchors.top: parent.top
+            commands: commands
+            width: Theme.sidebarWidth
+            window: window
+        }
+        MainArea {
+            id: mainArea
+
+            anchors.bottom: parent.bottom
+            anchors.left: sidebar.right
+            anchors.leftMargin: Theme.space3
+            anchors.right: parent.right
+            anchors.rightMargin: AppState.showInspector ? Theme.inspectorWidth + Theme.space3 : 0
+            anchors.top: parent.top
+            commands: commands
+            focus: true
+            window: window
+        }
+        Inspector {
+            id: inspector
+
+            // How far it has come in: 0 away, 1 in place.
+            property real presence: AppState.showInspector ? 1 : 0
+
+            anchors.bottom: parent.bottom
+            anchors.top: parent.top
+            opacity: presence
+            visible: presence > 0
+            width: Theme.inspectorWidth
+            x: parent.width - width + (1 - presence) * 48
+
+            Behavior on presence {
+                NumberAnimation { duration: Theme.panelTime; easing.type: Easing.OutCubic }
+            }
+        }
+    }
+
+    ToastView {
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: 30
+        anchors.horizontalCenter: parent.horizontalCenter
+        ok: Inserter.toastOk
+        text: Inserter.toastText
+        widest: parent.width - 80
+    }
+    ResizeEdges { window: window }
+    SettingsWindow { id: settings }
+}

@@ -1,0 +1,43 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Cratewell
+
+// A page of the main area other than the grid.
+Item {
+    id: page
+
+    required property string title
+    required property string subtitle
+    required property Window window
+
+    WindowDragArea {
+        anchors.left: parent.left
+        anchors.right: parent.right
+        height: 56
+        window: page.window
+    }
+    Label {
+        anchors.left: parent.left
+        anchors.leftMargin: 6
+        anchors.right: parent.right
+        anchors.rightMargin: 6
+        font.letterSpacing: -0.4
+        font.pixelSize: Theme.titleSize
+        font.weight: Font.ExtraBold
+        text: page.title
+        y: 7
+
+        Accessible.role: Accessible.Heading
+    }
+    Label {
+        anchors.left: parent.left
+        anchors.leftMargin: 6
+        anchors.right: parent.right
+        anchors.rightMargin: 6
+        color: Theme.textSecondary
+        text: page.subtitle
+        wrapMode: Text.Wrap
+        y: 36
+    }
+}

@@ -1,0 +1,49 @@
+#include "ui/requests.h"
+
+#include "platform/workspace.h"
+#include "state/app_state.h"
+#include "state/prefs.h"
+
+#include <QQmlEngine>
+
+namespace cratewell {
+
+Requests::Requests(const UiObjects &objects, QObject *parent) : QObject(parent), m_objects(objects) {}
+
+Requests *Requests::create(QQmlEngine *engine, QJSEngine *)
+{
+    return new Requests(uiObjects(*engine));
+}
+
+void Requests::show(Scope::Kind kind)
+{
+    m_objects.state.setScope(Scope::of(kind));
+}
+
+void Requests::showFolder(const Location &folder)
+{
+    m_objects.state.setScope(Scope::inFolder(folder));
+}
+
+void Requests::showPlugin(const QString &page)
+{
+    m_objects.state.setScope(Scope::plugin(page));
+}
+
+void Requests::toggleFavorite()
+{
+    if (const auto &asset = m_objects.state.selection())
+        m_objects.prefs.toggleFavorite(asset->url);
+}
+
+void Requests::openInFileManager(const Location &folder)
+{
+    m_objects.workspace.open(folder);
+}
+
+void Requests::revealInFileManager(const Location &item)
+{
+    m_objects.workspace.reveal({item});
+}
+
+} // namespace cratewell

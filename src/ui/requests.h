@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/location.h"
+#include "state/scope.h"
+#include "ui/ui_objects.h"
+
+#include <QObject>
+#include <QtQml/qqml.h>
+
+class QJSEngine;
+class QQmlEngine;
+
+namespace cratewell {
+
+// What the user asks for in a view where QML has no value to say it with.
+class Requests : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+public:
+    explicit Requests(const UiObjects &objects, QObject *parent = nullptr);
+    static Requests *create(QQmlEngine *engine, QJSEngine *);
+
+    // A scope without a payload.
+    Q_INVOKABLE void show(cratewell::Scope::Kind kind);
+    Q_INVOKABLE void showFolder(const cratewell::Location &folder);
+    Q_INVOKABLE void showPlugin(const QString &page);
+    // Does nothing without a focused asset.
+    Q_INVOKABLE void toggleFavorite();
+    Q_INVOKABLE void openInFileManager(const cratewell::Location &folder);
+    Q_INVOKABLE void revealInFileManager(const cratewell::Location &item);
+
+private:
+    const UiObjects m_objects;
+};
+
+} // namespace cratewell

@@ -1,0 +1,219 @@
+#include "ui/thumbnail_item.h"
+
+#include <QQuickWindow>
+#include <QSGImageNode>
+#include <QSGTexture>
+#include <cmath>
+
+namespace cratewell {
+
+using Sign = PlaceholderLook::Sign;
+
+ThumbnailItem::ThumbnailItem(QQuickItem *parent) : QQuickItem(parent)
+{
+    setFlag(ItemHasContents);
+}
+
+void ThumbnailItem::setSource(PictureSource *source)
+{
+    if (source == m_source)
+        return;
+    if (m_source)
+        m_source->disconnect(this);
+    m_source = source;
+    if (source) {
+        connect(source, &PictureSource::changed, this, [this](const Location &url) {
+            if (url != m_url)
+                return;
+            m_request.reset();
+            polish();
+        });
+        connect(source, &PictureSource::reset, this, &ThumbnailItem::forget);
+    }
+    forget();
+    Q_EMIT
+    sourceChanged();
+}
+
+void ThumbnailItem::setUrl(const Location &url)
+{
+    if (url == m_url)
+        return;
+    m_url = url;
+    forget();
+    Q_EMIT
+    urlChanged();
+}
+
+void ThumbnailItem::setKind(AssetKind kind)
+{
+    if (kind == m_kind)
+        return;
+    m_kind = kind;
+    polish();
+    Q_EMIT
+    kindChanged();
+}
+
+void ThumbnailItem::setActive(bool active)
+{
+    if (active == m_active)
+        return;
+    m_active = active;
+    withdrawIfUnseen();
+    Q_EMIT
+    activeChanged();
+}
+
+void ThumbnailItem::setRadius(qreal radius)
+{
+    if (radius == m_radius)
+        return;
+    m_radius = radius;
+    polish();
+    Q_EMIT
+    radiusChanged();
+}
+
+void ThumbnailItem::setIconFamily(const QString &family)
+{
+    if (family == m_iconFamily)
+        return;
+    m_iconFamily = family;
+    polish();
+    Q_EMIT
+    iconFamilyChanged();
+}
+
+PictureShape ThumbnailItem::shape() const
+{
+    const qreal ratio = window() ? window()->effectiveDevicePixelRatio() : 1.0;
+    return {(size() * ratio).toSize(), int(std::lround(m_radius * ratio))};
+}
+
+// Another file: nothing of the old one may be seen.
+void ThumbnailItem::forget()
+{
+    m_request.reset();
+    m_ticket.reset();
+    draw({}, Drawn::Nothing);
+    polish();
+}
+
+void ThumbnailItem::withdrawIfUnseen()
+{
+    if (m_active && isVisible())
+        polish();
+    else
+        m_request.reset();
+}
+
+void ThumbnailItem::updatePolish()
+{
+    const PictureShape wanted = shape();
+    if (!m_source || m_url.isEmpty() || wanted.size.isEmpty())
+        return;
+    switch (m_source->state(m_url)) {
+    case Media::State::Ready:
+        m_request.reset();
+        showPicture(wanted);
+        return;
+    case Media::State::Missing:
+        if (m_active && isVisible() && !m_request)
+            m_request = m_source->request(m_url);
+        // The picture of a file that was rewritten stays until the new one is there.
+        if (m_drawn != Drawn::Picture)
+            showPlaceholder(Sign::None, wanted);
+        return;
+    case Media::State::Failed:
+        m_request.reset();
+        m_ticket.reset();
+        showPlaceholder(m_kind == AssetKind::Video || m_kind == AssetKind::Image ? Sign::Broken : Sign::Kind,
+                        wanted);
+        return;
+    }
+}
+
+void ThumbnailItem::showPicture(const PictureShape &wanted)
+{
+    const QImage picture = m_source->picture(m_url);
+    if (picture.isNull())
+        return;
+    if (const QImage ready = m_source->cutter().ready(picture, wanted); !ready.isNull()) {
+        m_ticket.reset();
+        draw(ready, Drawn::Picture);
+        return;
+    }
+    if (m_drawn != Drawn::Picture)
+        showPlaceholder(Sign::None, wanted);
+    if (m_ticket) {
+        // One cut at a time: while a card is being resized the next one starts when this one is done.
+        return;
+    }
+    m_ticket = m_source->cutter().cut(picture, wanted, [this](const QImage &cut) {
+        m_ticket.reset();
+        draw(cut, Drawn::Picture);
+        polish();
+    });
+}
+
+void ThumbnailItem::showPlaceholder(Sign sign, const PictureShape &wanted)
+{
+    draw(m_source->placeholder({m_kind, sign, m_iconFamily}, wanted), Drawn::Placeholder);
+}
+
+void ThumbnailItem::draw(const QImage &image, Drawn what)
+{
+    if (image.cacheKey() != m_image.cacheKey()) {
+        m_image = image;
+        m_imageChanged = true;
+        update();
+    }
+    const bool wasShown = isShown();
+    m_drawn = what;
+    if (wasShown != isShown())
+        Q_EMIT
+    shownChanged();
+}
+
+QSGNode *ThumbnailItem::updatePaintNode(QSGNode *old, UpdatePaintNodeData *)
+{
+    if (m_image.isNull() || size().isEmpty()) {
+        delete old;
+        m_imageChanged = true;
+        return nullptr;
+    }
+    auto *node = static_cast<QSGImageNode *>(old);
+    if (!node) {
+        node = window()->createImageNode();
+        node->setOwnsTexture(true);
+        m_imageChanged = true;
+    }
+    if (m_imageChanged) {
+        node->setTexture(window()->createTextureFromImage(m_image, QQuickWindow::TextureHasAlphaChannel));
+        m_imageChanged = false;
+    }
+    node->setRect(boundingRect());
+    node->setFiltering(m_image.size() == shape().size ? QSGTexture::Nearest : QSGTexture::Linear);
+    return node;
+}
+
+void ThumbnailItem::itemChange(ItemChange change, const ItemChangeData &data)
+{
+    QQuickItem::itemChange(change, data);
+    if (change == ItemVisibleHasChanged)
+        withdrawIfUnseen();
+    else if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange)
+        polish();
+}
+
+void ThumbnailItem::geometryChange(const QRectF &now, const QRectF &before)
+{
+    QQuickItem::geometryChange(now, before);
+    if (now.size() == before.size())
+        return;
+    polish();
+    update();
+}
+
+} // namespace cratewell

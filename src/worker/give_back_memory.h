@@ -1,0 +1,9 @@
+#pragma once
+
+namespace cratewell::worker {
+
+// For a worker that has nothing to do: returns freed memory to the system, and the pages of library code that
+// only the last jobs needed (they are read again from the system's file cache when they run).
+void giveBackMemory();
+
+} // namespace cratewell::worker

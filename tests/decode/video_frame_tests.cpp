@@ -1,0 +1,201 @@
+#include "decoding.h"
+#include "made_media.h"
+
+#include <gtest/gtest.h>
+
+namespace cratewell::test {
+
+using namespace Qt::StringLiterals;
+
+struct ColourCase
+{
+    const char *name;
+    const char *file;
+    QStringList encoder;
+    QSize size;
+    std::string quarters = "RG BY";
+    int turned = 0; // counter-clockwise degrees in the display matrix
+};
+
+class VideoColours : public testing::TestWithParam<ColourCase>
+{
+};
+
+QStringList words(const char *text)
+{
+    return QString::fromLatin1(text).split(u' ', Qt::SkipEmptyParts);
+}
+
+// 4:4:4 wherever the matrix is what is tested, so that chroma of half the size cannot blur it.
+const ColourCase colourCases[]{
+    {"Untagged601",
+     "a.mp4",
+     words("-vf scale=out_color_matrix=bt601,format=yuv444p -c:v libx264 -qp 4"),
+     {320, 180}},
+    {"Tagged709",
+     "a.mp4",
+     words("-vf scale=out_color_matrix=bt709,format=yuv444p -colorspace bt709 -c:v libx264 -qp 4"),
+     {320, 180}},
+    {"Full709",
+     "a.mp4",
+     words("-vf scale=out_color_matrix=bt709:out_range=full,format=yuv444p -colorspace bt709 -color_range pc "
+           "-c:v libx264 -qp 4"),
+     {320, 180}},
+    {"Matrix2020",
+     "a.mov",
+     words("-vf scale=out_color_matrix=bt2020,format=yuv444p10le -colorspace bt2020nc -c:v libx264 -qp 4"),
+     {320, 180}},
+    {"ProRes", "a.mov", words("-c:v prores_ks -profile:v 4 -pix_fmt yuv444p10le"), {320, 180}},
+    {"UntaggedHd709",
+     "a.mp4",
+     words("-vf scale=1280:720:out_color_matrix=bt709,format=yuv444p -c:v libx264 -preset ultrafast -qp 8"),
+     {640, 360}},
+    {"FullJpegInMov", "a.mov", words("-c:v mjpeg -pix_fmt yuvj444p -q:v 2"), {320, 180}},
+    {"QuickTimePng", "a.mov", words("-c:v png -pix_fmt rgb24"), {320, 180}},
+    {"QuickTimeAnimation", "a.mov", words("-c:v qtrle -pix_fmt rgb24"), {320, 180}},
+    {"Hevc", "a.mp4", words("-pix_fmt yuv444p -c:v libx265 -x265-params log-level=none:qp=6"), {320, 180}},
+    {"TurnedLeft", "a.mp4", words("-c:v libx264 -qp 4 -pix_fmt yuv444p"), {180, 320}, "GY RB", 90},
+    {"UpsideDown", "a.mp4", words("-c:v libx264 -qp 4 -pix_fmt yuv444p"), {320, 180}, "YB GR", 180},
+    {"TurnedRight", "a.mov", words("-c:v libx264 -qp 4 -pix_fmt yuv444p"), {180, 320}, "BR YG", 270},
+    {"WidePixels", "a.mp4", words("-vf setsar=2 -c:v libx264 -qp 4 -pix_fmt yuv444p"), {640, 180}},
+    {"NarrowPixels", "a.mp4", words("-vf setsar=1/2 -c:v libx264 -qp 4 -pix_fmt yuv444p"), {160, 180}},
+    {"SmallHalfChroma", "a.mp4", words("-c:v libx264 -qp 4 -pix_fmt yuv420p"), {320, 180}},
+};
+
+TEST_P(VideoColours, AreReadBackUprightInSquarePixels)
+{
+    MadeMedia media;
+    const QString source = media.image(u"source.png"_s, fourColours({320, 180}));
+    const QStringList input{u"-loop"_s, u"1"_s, u"-r"_s, u"25"_s, u"-t"_s, u"0.4"_s, u"-i"_s, u"IN"_s};
+    const QString file =
+        media.ffmpeg(QString::fromLatin1(GetParam().file), source, input + GetParam().encoder);
+    const QString turn = u"rotate=%1"_s.arg(GetParam().turned);
+    const auto picture =
+        video(GetParam().turned == 0
+                  ? file
+                  : media.ffmpeg(u"turned.mov"_s, file,
+                                 {u"-i"_s, u"IN"_s, u"-c"_s, u"copy"_s, u"-metadata:s:v:0"_s, turn}));
+    ASSERT_TRUE(picture) << picture.error();
+    EXPECT_EQ(QSize(picture->width, picture->height), GetParam().size);
+    EXPECT_EQ(quarters(*picture, 6), GetParam().quarters);
+    EXPECT_NEAR(picture->duration, 0.4, 0.01);
+}
+
+INSTANTIATE_TEST_SUITE_P(Video, VideoColours, testing::ValuesIn(colourCases),
+                         [](const auto &test) { return std::string(test.param.name); });
+
+struct AlphaCase
+{
+    const char *name;
+    const char *file;
+    QStringList encoder;
+    int tolerance;
+    int bleeding = 1; // of the hidden green, through chroma of half the size
+};
+
+class VideoAlpha : public testing::TestWithParam<AlphaCase>
+{
+};
+
+// Half-transparent red on the left; on the right nothing, with green hidden under it.
+TEST_P(VideoAlpha, IsKeptPremultipliedAndHiddenColoursStayHidden)
+{
+    MadeMedia media;
+    QImage image(256, 128, QImage::Format_ARGB32);
+    image.fill(qRgba(0, 255, 0, 0));
+    for (int y = 0; y < image.height(); ++y)
+        std::fill_n(reinterpret_cast<QRgb *>(image.scanLine(y)), 128, qRgba(255, 0, 0, 128));
+    const QString source = media.image(u"source.png"_s, image);
+    const QStringList input{u"-loop"_s, u"1"_s, u"-r"_s, u"25"_s, u"-t"_s, u"0.2"_s, u"-i"_s, u"IN"_s};
+    const QString file =
+        media.ffmpeg(QString::fromLatin1(GetParam().file), source, input + GetParam().encoder);
+
+    for (const int maxSide : {640, 64}) {
+        const auto picture = video(file, 0.5, maxSide);
+        ASSERT_TRUE(picture) << picture.error();
+        ASSERT_EQ(picture->width, std::min(256, maxSide));
+        const int width = picture->width, middle = picture->height / 2;
+        const QRgb left = pixel(*picture, {width / 4, middle}),
+                   right = pixel(*picture, {width * 3 / 4, middle});
+        EXPECT_NEAR(qAlpha(left), 128, GetParam().tolerance);
+        EXPECT_NEAR(qRed(left), 128, GetParam().tolerance + 2);
+        EXPECT_EQ(qAlpha(right), 0);
+        for (int x = 0; x < width; ++x) {
+            const QRgb at = pixel(*picture, {x, middle});
+            EXPECT_LE(std::max({qRed(at), qGreen(at), qBlue(at)}), qAlpha(at)) << x;
+            EXPECT_LE(qGreen(at), GetParam().bleeding) << x;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Video, VideoAlpha,
+    testing::Values(AlphaCase{"ProRes4444", "a.mov",
+                              words("-c:v prores_ks -profile:v 4444 -pix_fmt yuva444p10le"), 2},
+                    AlphaCase{"QuickTimeAnimation", "a.mov", words("-c:v qtrle -pix_fmt argb"), 1},
+                    AlphaCase{"QuickTimePng", "a.mov", words("-c:v png -pix_fmt rgba"), 1},
+                    AlphaCase{"Vp9", "a.webm",
+                              words("-c:v libvpx-vp9 -pix_fmt yuva420p -lossless 1 -auto-alt-ref 0"), 2, 24}),
+    [](const auto &test) { return std::string(test.param.name); });
+
+TEST(VideoTime, IsWithinATenthOfASecondAndNeverAfterNinetyEightHundredths)
+{
+    MadeMedia media;
+    const QString usual = media.greyRamp(u"a.mp4"_s);
+    const QString shortGroups = media.greyRamp(u"b.mov"_s, {u"-g"_s, u"25"_s});
+    const QString lateStart = media.greyRamp(u"c.ts"_s, {u"-output_ts_offset"_s, u"7"_s});
+    for (const QString &file : {usual, shortGroups, lateStart}) {
+        for (const auto &[fraction, second] : {std::pair{-1.0, 0.0},
+                                               {0.0, 0.0},
+                                               {0.004, 0.04},
+                                               {0.35, 3.5},
+                                               {0.5, 5.0},
+                                               {0.98, 9.8},
+                                               {1.0, 9.8}}) {
+            const auto picture = video(file, fraction);
+            ASSERT_TRUE(picture) << picture.error();
+            EXPECT_NEAR(picture->duration, 10, 0.05);
+            // One level a frame: 2.5 frames are the tolerance in time, the rest is for the encoder.
+            EXPECT_NEAR(qRed(pixel(*picture, {32, 32})), second * 25, 2.5 + 2.5)
+                << file.toStdString() << " at " << fraction;
+        }
+    }
+}
+
+TEST(VideoTime, ShowsTheFrameOnScreenWhereFramesAreFarApart)
+{
+    MadeMedia media;
+    const QString file = media.ffmpeg(u"slow.mp4"_s, {},
+                                      words("-f lavfi -i color=black:s=64x64:r=1/4:d=16,format=yuv420p,"
+                                            "geq=lum=16+N*50:cb=128:cr=128 -c:v libx264 -qp 4"));
+    for (const auto &[fraction, grey] : {std::pair{0.1, 0}, {0.45, 58}, {0.7, 116}, {0.98, 175}}) {
+        const auto picture = video(file, fraction);
+        ASSERT_TRUE(picture) << picture.error();
+        EXPECT_NEAR(qRed(pixel(*picture, {32, 32})), grey, 3) << fraction;
+    }
+}
+
+TEST(VideoFailure, IsASentenceNotAnEndOfTheProgram)
+{
+    MadeMedia media;
+    const QByteArray film = MadeMedia::content(media.greyRamp(u"film.mp4"_s));
+    const QByteArray early =
+        MadeMedia::content(media.greyRamp(u"early.mp4"_s, {u"-movflags"_s, u"faststart"_s}));
+    const QStringList sound = words("-f lavfi -i sine=d=0.2 -c:a aac");
+
+    for (const QString &file :
+         {media.bytes(u"text.mov"_s, "This is only text.\n"), media.bytes(u"empty.mov"_s, {}),
+          media.bytes(u"headless.mp4"_s, film.left(film.size() / 2)),
+          media.ffmpeg(u"sound.mp4"_s, {}, sound)}) {
+        const auto picture = video(file);
+        ASSERT_FALSE(picture) << file.toStdString();
+        EXPECT_FALSE(picture.error().empty());
+    }
+    EXPECT_FALSE(decode::videoFrame(-1, 0.5, 640));
+
+    // The index is there and the end is missing: the last frame that can be read stands in.
+    const auto rest = video(media.bytes(u"half.mp4"_s, early.left(early.size() * 6 / 10)), 0.98);
+    EXPECT_TRUE(rest) << rest.error();
+}
+
+} // namespace cratewell::test

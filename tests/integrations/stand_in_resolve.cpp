@@ -1,0 +1,112 @@
+#include "stand_in_resolve.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QProcess>
+#include <fcntl.h>
+#include <filesystem>
+#include <unistd.h>
+
+namespace cratewell::test {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+const QString arrangement = uR"(
+import os, project_file
+path = os.environ[project_file.VARIABLE]
+state = project_file.read(path) if os.path.exists(path) else project_file.fresh()
+host, failures, media, project = (state[key] for key in ("host", "failures", "media", "project"))
+timeline = project_file.current_timeline(state)
+place = lambda *clip: project_file.place(state, *clip)
+%1
+project_file.write(path, state)
+)"_s;
+
+void appendPlaced(QStringList &placed, QChar letter, int number, const QJsonObject &item)
+{
+    // What a test has put there itself comes from no file.
+    if (item[u"path"].toString().isEmpty())
+        return;
+    QString text = u"%1%2 %3 %4-%5 of %6-%7"_s.arg(letter)
+                       .arg(number)
+                       .arg(item[u"name"].toString())
+                       .arg(item[u"start"].toInt())
+                       .arg(item[u"end"].toInt())
+                       .arg(item[u"source"][0].toInt())
+                       .arg(item[u"source"][1].toInt());
+    if (const int mode = item[u"composite"].toInt())
+        text += u" mode %1"_s.arg(mode);
+    placed += text;
+}
+
+} // namespace
+
+StandInResolve::StandInResolve() : m_folder(Location::fromText(m_temporary.path())) {}
+
+StandInResolve::~StandInResolve()
+{
+    // The temporary folder cannot take away names that are no UTF-8.
+    std::error_code ignored;
+    std::filesystem::remove_all(m_folder.c_str(), ignored);
+}
+
+bool StandInResolve::arrange(const QString &statements)
+{
+    QProcess python;
+    python.setProcessEnvironment(environment());
+    python.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    python.start(interpreter().text(), {u"-c"_s, arrangement.arg(statements)});
+    return python.waitForFinished() && python.exitStatus() == QProcess::NormalExit && python.exitCode() == 0;
+}
+
+Location StandInResolve::file(QByteArrayView name) const
+{
+    const Location place = m_folder.child(name);
+    ::close(::open(place.c_str(), O_CREAT | O_WRONLY, 0600));
+    return place;
+}
+
+QProcessEnvironment StandInResolve::environment() const
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"PYTHONPATH"_s, QStringLiteral(STAND_IN_RESOLVE));
+    environment.insert(u"PYTHONDONTWRITEBYTECODE"_s, u"1"_s);
+    environment.insert(u"CRATEWELL_STANDIN_PROJECT"_s, projectFile().text());
+    return environment;
+}
+
+QJsonObject StandInResolve::project() const
+{
+    QFile file(projectFile().text());
+    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll())[u"project"].toObject()
+                                          : QJsonObject();
+}
+
+QStringList StandInResolve::placed() const
+{
+    QStringList placed;
+    const QJsonValue timeline = project()[u"timelines"][0];
+    const QJsonArray video = timeline[u"video"].toArray();
+    for (qsizetype i = video.size() - 1; i >= 0; --i)
+        for (const QJsonValue item : video[i][u"items"].toArray())
+            appendPlaced(placed, u'V', int(i) + 1, item.toObject());
+    const QJsonArray audio = timeline[u"audio"].toArray();
+    for (qsizetype i = 0; i < audio.size(); ++i)
+        for (const QJsonValue item : audio[i][u"items"].toArray())
+            appendPlaced(placed, u'A', int(i) + 1, item.toObject());
+    return placed;
+}
+
+Location StandInResolve::interpreter()
+{
+    return Location::fromText(u"/usr/bin/python3"_s);
+}
+
+Location StandInResolve::projectFile() const
+{
+    return m_folder.child("project.json");
+}
+
+} // namespace cratewell::test

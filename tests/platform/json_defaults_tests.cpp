@@ -1,0 +1,233 @@
+#include "platform/fakes/memory_defaults.h"
+#include "platform/json_defaults.h"
+
+#include "support/wait.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace cratewell {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void write(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QFile::WriteOnly));
+    ASSERT_EQ(file.write(content), content.size());
+}
+
+class JsonDefaultsTest : public testing::Test
+{
+protected:
+    QString path(const QString &name) const { return m_folder.filePath(name); }
+    Location file() const { return Location::fromText(path(u"defaults.json"_s)); }
+    QStringList names() const
+    {
+        return QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+TEST_F(JsonDefaultsTest, KeepsEveryTypeApartAcrossRuns)
+{
+    const QString strayKey = u"expanded./v/"_s + QChar(0xDCFF);
+    const QJsonObject written = {
+        {u"yes"_s, true},
+        {u"no"_s, false},
+        {u"zero"_s, 0},
+        {u"share"_s, 0.7},
+        {u"large"_s, 9007199254740991.0},
+        {u"empty"_s, QString()},
+        {u"text"_s, u"caf\u00e9 \U0001F3AC \"quoted\"\n"_s},
+        {strayKey, QString(QChar(0xDC80)) + u"\u2028"_s},
+        {u"list"_s, QJsonArray{u"a"_s, QJsonArray(), 1}},
+        {u"map"_s, QJsonObject{{u"/v/a.b"_s, u"#fff"_s}}},
+        {u"null"_s, QJsonValue(QJsonValue::Null)},
+    };
+    {
+        JsonDefaults defaults(file());
+        for (auto entry = written.begin(); entry != written.end(); ++entry)
+            defaults.setValue(entry.key(), entry.value());
+        defaults.setValue(u"removed"_s, 1);
+        defaults.remove(u"removed"_s);
+        EXPECT_EQ(defaults.value(u"share"_s), QJsonValue(0.7));
+    }
+    const JsonDefaults again(file());
+    for (auto entry = written.begin(); entry != written.end(); ++entry)
+        EXPECT_EQ(again.value(entry.key()), entry.value()) << entry.key().toStdString();
+    EXPECT_TRUE(again.value(u"removed"_s).isUndefined());
+    EXPECT_TRUE(again.value(u"never"_s).isUndefined());
+
+    EXPECT_EQ(again.boolean(u"no"_s), false);
+    EXPECT_EQ(again.boolean(u"zero"_s), std::nullopt);
+    EXPECT_EQ(again.boolean(u"never"_s), std::nullopt);
+    EXPECT_EQ(again.number(u"zero"_s), 0.0);
+    EXPECT_EQ(again.number(u"no"_s), std::nullopt);
+    EXPECT_EQ(again.number(u"null"_s), std::nullopt);
+    EXPECT_EQ(again.string(u"empty"_s), QString());
+    EXPECT_EQ(again.string(u"share"_s), std::nullopt);
+}
+
+TEST_F(JsonDefaultsTest, KeepsAsideWhatItCannotReadAndNeverOverwritesIt)
+{
+    const QByteArray unreadable[] = {
+        "", "{\"a\": 1", "[1, 2]", "{\"a\": 1} trailing", "\xFF\xFE\0garbage", QByteArray(5000, '[')};
+    QStringList expected = {u"defaults.json"_s};
+    for (int i = 0; i < int(std::size(unreadable)); ++i) {
+        write(path(u"defaults.json"_s), unreadable[i]);
+        JsonDefaults defaults(file());
+        EXPECT_TRUE(defaults.value(u"a"_s).isUndefined());
+        defaults.setValue(u"a"_s, 2);
+        defaults.drain();
+        EXPECT_EQ(QJsonDocument::fromJson(contentOf(path(u"defaults.json"_s))).object(),
+                  (QJsonObject{{u"a"_s, 2}}));
+        expected += u"defaults.json.kept"_s + (i == 0 ? QString() : u"-%1"_s.arg(i + 1));
+        EXPECT_EQ(contentOf(path(expected.last())), unreadable[i]);
+    }
+    ASSERT_TRUE(QFile::remove(path(u"defaults.json"_s)));
+    ASSERT_TRUE(QDir().mkdir(path(u"defaults.json"_s)));
+    JsonDefaults(file()).setValue(u"a"_s, 3);
+    expected += u"defaults.json.kept-%1"_s.arg(std::size(unreadable) + 1);
+    expected.sort();
+    EXPECT_EQ(names(), expected);
+    EXPECT_EQ(JsonDefaults(file()).number(u"a"_s), 3.0);
+}
+
+TEST_F(JsonDefaultsTest, MakesItsFolderFollowsALinkAndLeavesNoTemporaryFiles)
+{
+    const Location deep = Location::fromText(path(u"new/folder/defaults.json"_s));
+    JsonDefaults(deep).setValue(u"a"_s, 1);
+    EXPECT_EQ(JsonDefaults(deep).number(u"a"_s), 1.0);
+
+    ASSERT_EQ(::symlink("new/folder/defaults.json", file().c_str()), 0);
+    write(path(u"new/folder/defaults.json.999999999.new"_s), "{ torn");
+    write(path(u"new/folder/defaults.json.own.new"_s), "somebody else's");
+    JsonDefaults(file()).setValue(u"a"_s, 2);
+    EXPECT_TRUE(QFileInfo(path(u"defaults.json"_s)).isSymLink());
+    EXPECT_EQ(JsonDefaults(deep).number(u"a"_s), 2.0);
+    EXPECT_EQ(QDir(path(u"new/folder"_s)).entryList(QDir::Files),
+              QStringList({u"defaults.json"_s, u"defaults.json.own.new"_s}));
+}
+
+TEST_F(JsonDefaultsTest, WorksInMemoryWhereNothingCanBeWritten)
+{
+    write(path(u"file"_s), "no folder");
+    for (const Location &place : {Location::fromText(path(u"file/defaults.json"_s)),
+                                  Location::fromBytes("/proc/cratewell/defaults.json"), Location()}) {
+        JsonDefaults defaults(place);
+        defaults.setValue(u"a"_s, u"kept"_s);
+        defaults.drain();
+        EXPECT_EQ(defaults.string(u"a"_s), u"kept"_s);
+    }
+    EXPECT_EQ(contentOf(path(u"file"_s)), "no folder");
+}
+
+TEST_F(JsonDefaultsTest, WritesABurstInAFewWritesAndDrainsTheNewest)
+{
+    JsonDefaults defaults(file());
+    for (int i = 1; i <= 2000; ++i)
+        defaults.setValue(u"key%1"_s.arg(i % 50), i);
+    defaults.drain();
+    const QJsonObject stored = QJsonDocument::fromJson(contentOf(path(u"defaults.json"_s))).object();
+    EXPECT_EQ(stored.size(), 50);
+    EXPECT_EQ(stored.value(u"key0"_s).toInt(), 2000);
+
+    struct stat before = {};
+    ASSERT_EQ(::stat(file().c_str(), &before), 0);
+    defaults.setValue(u"key0"_s, 2000);
+    defaults.remove(u"absent"_s);
+    defaults.drain();
+    struct stat after = {};
+    ASSERT_EQ(::stat(file().c_str(), &after), 0);
+    EXPECT_EQ(before.st_ino, after.st_ino) << "what changes nothing is not written";
+}
+
+// What the two tests below start in a process of their own.
+TEST(JsonDefaultsChild, DISABLED_CountsUntilItIsKilled)
+{
+    JsonDefaults defaults(Location::fromBytes(qgetenv("CRATEWELL_TEST_FILE")));
+    QFile out;
+    ASSERT_TRUE(out.open(stdout, QFile::WriteOnly));
+    QTimer timer;
+    int count = 0;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        defaults.setValue(u"count"_s, ++count);
+        defaults.setValue(u"filler%1"_s.arg(count % 500), QString(200, u'x'));
+        out.write("count " + QByteArray::number(count) + '\n');
+        out.flush();
+    });
+    timer.start(5);
+    QCoreApplication::exec();
+}
+
+TEST_F(JsonDefaultsTest, LosesNothingOlderThanASecondWhenKilled)
+{
+    for (int round = 0; round < 3; ++round) {
+        QProcess child;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"CRATEWELL_TEST_FILE"_s, file().text());
+        child.setProcessEnvironment(environment);
+        child.start(QCoreApplication::applicationFilePath(),
+                    {u"--gtest_filter=JsonDefaultsChild.*"_s, u"--gtest_also_run_disabled_tests"_s});
+        QElapsedTimer clock;
+        QList<std::pair<qint64, int>> told;
+        QByteArray line;
+        ASSERT_TRUE(test::waitUntil([&] {
+            while (child.canReadLine()) {
+                line = child.readLine();
+                if (!clock.isValid())
+                    clock.start();
+                if (line.startsWith("count "))
+                    told.emplace_back(clock.elapsed(), line.mid(6).toInt());
+            }
+            return told.size() > 0 && told.last().first > 1500 + round * 37;
+        }));
+        child.kill();
+        ASSERT_TRUE(child.waitForFinished());
+        const qint64 killed = clock.elapsed();
+        int owed = 0;
+        for (const auto &[time, count] : told)
+            owed = time < killed - 1000 ? count : owed;
+        ASSERT_GT(owed, 10);
+        const JsonDefaults after(file());
+        EXPECT_GE(after.number(u"count"_s).value_or(0), owed);
+        EXPECT_FALSE(names().contains(u"defaults.json.kept"_s));
+    }
+}
+
+TEST(MemoryDefaults, ReadsLikeTheRealOneAndNotesEffects)
+{
+    MemoryDefaults defaults;
+    EXPECT_TRUE(defaults.value(u"a"_s).isUndefined());
+    defaults.setValue(u"a"_s, false);
+    EXPECT_EQ(defaults.boolean(u"a"_s), false);
+    defaults.remove(u"a"_s);
+    EXPECT_TRUE(defaults.value(u"a"_s).isUndefined());
+    EXPECT_EQ(defaults.takeLog(), QStringList({u"set a"_s, u"remove a"_s}));
+}
+
+} // namespace
+
+} // namespace cratewell

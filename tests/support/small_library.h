@@ -1,0 +1,63 @@
+#pragma once
+
+#include "platform/fakes/fake_file_chooser.h"
+#include "platform/fakes/fake_file_events.h"
+#include "platform/fakes/fake_workspace.h"
+#include "platform/fakes/memory_defaults.h"
+#include "platform/system_paths.h"
+#include "state/app_state.h"
+#include "state/prefs.h"
+#include "support/wait.h"
+#include "vault/vault.h"
+
+#include <QTemporaryDir>
+#include <filesystem>
+#include <fstream>
+
+namespace cratewell::test {
+
+// A vault of a few files in a temporary folder, with the objects of the state room on it.
+class SmallLibrary
+{
+public:
+    Location path(const QString &relative) const
+    {
+        return Location::fromText(m_folder.path() + QStringLiteral("/vault/") + relative);
+    }
+    // Makes the folders too. What is there is replaced.
+    void write(const QString &relative, size_t size = 1)
+    {
+        const std::filesystem::path file(path(relative).c_str());
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream(file, std::ios::binary) << std::string(size, 'x');
+    }
+    void remove(const QString &relative) { std::filesystem::remove_all(path(relative).c_str()); }
+    // Waits until the state shows what the disk holds.
+    [[nodiscard]] bool scan()
+    {
+        bool told = false;
+        const auto connection = QObject::connect(&vault, &Vault::rescanned, [&told] { told = true; });
+        vault.rescan();
+        const bool done = waitUntil([&told] { return told; });
+        QObject::disconnect(connection);
+        return done;
+    }
+    std::optional<Asset> asset(const QString &relative) const
+    {
+        const auto index = vault.picture()->find(path(relative));
+        return index ? std::optional(vault.picture()->asset(*index)) : std::nullopt;
+    }
+
+private:
+    QTemporaryDir m_folder;
+
+public:
+    MemoryDefaults defaults;
+    FakeWorkspace workspace;
+    FakeFileChooser chooser;
+    Prefs prefs{defaults, SystemPaths::below(Location::fromText(m_folder.path()))};
+    Vault vault{path({}), defaults, std::make_unique<FakeFileEvents>()};
+    AppState state{vault, prefs, chooser, workspace};
+};
+
+} // namespace cratewell::test

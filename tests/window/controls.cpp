@@ -1,0 +1,112 @@
+#include "window/controls.h"
+
+#include <QQuickWindow>
+#include <QTest>
+
+#include <functional>
+
+namespace cratewell::test {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool isPressable(QAccessible::Role role)
+{
+    switch (role) {
+    case QAccessible::Button:
+    case QAccessible::CheckBox:
+    case QAccessible::RadioButton:
+    case QAccessible::MenuItem:
+    case QAccessible::ListItem:
+    case QAccessible::TreeItem:
+    case QAccessible::PageTab:
+    case QAccessible::ButtonMenu:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool mustHaveName(QAccessible::Role role)
+{
+    return isPressable(role) || role == QAccessible::EditableText || role == QAccessible::Slider ||
+           role == QAccessible::AlertMessage || role == QAccessible::Heading;
+}
+
+} // namespace
+
+template<typename Visit> void Controls::visit(const Visit &visit) const
+{
+    const std::function<void(QAccessibleInterface *)> walk = [&](QAccessibleInterface *interface) {
+        if (!interface || !interface->isValid() || interface->state().invisible)
+            return;
+        visit(*interface);
+        for (int i = 0; i < interface->childCount(); ++i)
+            walk(interface->child(i));
+    };
+    walk(QAccessible::queryAccessibleInterface(&m_window));
+}
+
+QAccessibleInterface *Controls::find(QAccessible::Role role, const QString &name) const
+{
+    QAccessibleInterface *found = nullptr;
+    visit([&](QAccessibleInterface &interface) {
+        if (!found && interface.role() == role && interface.text(QAccessible::Name) == name &&
+            !interface.state().offscreen)
+            found = &interface;
+    });
+    return found;
+}
+
+QPoint Controls::middle(QAccessibleInterface &control) const
+{
+    return m_window.mapFromGlobal(control.rect().center());
+}
+
+bool Controls::click(QAccessible::Role role, const QString &name, Qt::KeyboardModifiers modifiers) const
+{
+    QAccessibleInterface *control = find(role, name);
+    if (!control)
+        return false;
+    QTest::mouseClick(&m_window, Qt::LeftButton, modifiers, middle(*control));
+    return true;
+}
+
+bool Controls::doubleClick(QAccessible::Role role, const QString &name) const
+{
+    QAccessibleInterface *control = find(role, name);
+    if (!control)
+        return false;
+    QTest::mouseDClick(&m_window, Qt::LeftButton, {}, middle(*control));
+    return true;
+}
+
+QStringList Controls::names(QAccessible::Role role) const
+{
+    QStringList names;
+    visit([&](QAccessibleInterface &interface) {
+        if (interface.role() == role && !interface.state().offscreen)
+            names.append(interface.text(QAccessible::Name));
+    });
+    return names;
+}
+
+QStringList Controls::faults() const
+{
+    QStringList faults;
+    visit([&](QAccessibleInterface &interface) {
+        const QAccessible::Role role = interface.role();
+        const QString name = interface.text(QAccessible::Name);
+        const QString what = u"role %1 \"%2\" at %3,%4"_s.arg(int(role)).arg(name).arg(interface.rect().x()).arg(
+            interface.rect().y());
+        if (mustHaveName(role) && name.trimmed().isEmpty())
+            faults.append(what + u": no name"_s);
+        const QAccessibleActionInterface *actions = interface.actionInterface();
+        if (isPressable(role) && (!actions || actions->actionNames().isEmpty()))
+            faults.append(what + u": no action"_s);
+    });
+    return faults;
+}
+
+} // namespace cratewell::test

@@ -1,0 +1,164 @@
+#include "window/world.h"
+
+#include "platform/fakes/fake_workspace.h"
+#include "state/app_state.h"
+#include "state/prefs.h"
+#include "support/wait.h"
+#include "vault/vault.h"
+
+#include <QDir>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <gtest/gtest.h>
+
+namespace cratewell::test {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Twelve sounds in folders two deep, three pictures, a LUT.
+void fillVault(const QString &vault)
+{
+    for (int i = 1; i <= 12; ++i)
+        writeSound(vault + u"/SFX/Hits/Hit %1.wav"_s.arg(i));
+    for (const auto name : {"Amber", "Prism", "Streak"})
+        writePicture(vault + u"/Overlays/Light Leaks/Warm/%1.png"_s.arg(QLatin1StringView(name)), Qt::red);
+    writeFile(vault + u"/LUTs/Noir.cube"_s, "LUT_3D_SIZE 2\n");
+}
+
+QStringList rows(const AppState &state)
+{
+    QStringList names;
+    for (int row = 0; row < state.visibleCount(); ++row)
+        names.append(state.visibleAssets().at(row).url.baseName());
+    return names;
+}
+
+} // namespace
+
+class Window : public testing::Test
+{
+protected:
+    World world{fillVault};
+    AppState &state = world.program().state();
+
+    void SetUp() override
+    {
+        state.setSort(AssetOrder::Name);
+        ASSERT_TRUE(waitUntil([this] { return state.visibleCount() == 16; }));
+        ASSERT_TRUE(waitUntil([this] { return world.controls().find(QAccessible::ListItem, u"Amber"_s); }));
+    }
+    void TearDown() override { EXPECT_EQ(World::complaints(), QStringList()); }
+
+    bool clickCard(const QString &name, Qt::KeyboardModifiers modifiers = {})
+    {
+        return world.controls().click(QAccessible::ListItem, name, modifiers);
+    }
+    QString focused() const { return state.selection() ? state.selection()->url.baseName() : QString(); }
+    int columns() { return world.window().findChild<QQuickItem *>(u"assetGrid"_s)->property("columns").toInt(); }
+};
+
+TEST_F(Window, OpensAtItsSizeAndNamesEveryControl)
+{
+    EXPECT_EQ(world.window().title(), u"Cratewell");
+    EXPECT_EQ(world.window().size(), QSize(1320, 840));
+    EXPECT_EQ(world.window().minimumSize(), QSize(1040, 640));
+    EXPECT_EQ(world.controls().faults(), QStringList());
+    for (const auto name : {u"All Assets"_s, u"Favorites"_s, u"Recently Inserted"_s, u"Import"_s, u"Trash"_s,
+                            u"New folder in Overlays"_s, u"New folder in LUTs"_s, u"New folder in SFX"_s,
+                            u"Keep Cratewell above your editor"_s, u"Open the vault in Finder"_s,
+                            u"Customize Cratewell"_s, u"Show or hide the preview"_s})
+        EXPECT_NE(world.controls().find(QAccessible::Button, name), nullptr) << name.toStdString();
+}
+
+TEST_F(Window, SelectsWithMouseAndKeyboardAsAFileManagerDoes)
+{
+    ASSERT_GE(columns(), 2);
+    const QStringList order = rows(state);
+
+    ASSERT_TRUE(clickCard(order[0]));
+    EXPECT_EQ(focused(), order[0]);
+    ASSERT_TRUE(clickCard(order[2], Qt::ShiftModifier));
+    EXPECT_EQ(state.selectedCount(), 3);
+    ASSERT_TRUE(clickCard(order[1], Qt::ControlModifier));
+    EXPECT_EQ(state.selectedCount(), 2);
+    EXPECT_EQ(focused(), order[1]);
+
+    ASSERT_TRUE(clickCard(order[0]));
+    world.key(Qt::Key_Right);
+    EXPECT_EQ(focused(), order[1]);
+    world.key(Qt::Key_Down);
+    EXPECT_EQ(focused(), order[1 + columns()]);
+    world.key(Qt::Key_Up);
+    world.key(Qt::Key_Left);
+    EXPECT_EQ(focused(), order[0]);
+    world.key(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(state.selectedCount(), 16);
+}
+
+TEST_F(Window, SearchTakesLettersAndKeysForItself)
+{
+    ASSERT_TRUE(clickCard(rows(state).first()));
+    ASSERT_TRUE(world.controls().click(QAccessible::EditableText, u"Search the vault"_s));
+    world.type(u"warm"_s);
+    EXPECT_EQ(state.search(), u"warm");
+    EXPECT_EQ(rows(state), (QStringList{u"Amber"_s, u"Prism"_s, u"Streak"_s}));
+    EXPECT_TRUE(world.showsCards({u"Amber"_s, u"Prism"_s, u"Streak"_s}));
+    EXPECT_NE(world.controls().find(QAccessible::StaticText, u"3 assets"_s), nullptr);
+
+    const int selectedBefore = state.selectedCount();
+    world.key(Qt::Key_A, Qt::ControlModifier);
+    world.key(Qt::Key_Delete);
+    EXPECT_EQ(state.search(), QString());
+    EXPECT_EQ(state.selectedCount(), selectedBefore);
+}
+
+TEST_F(Window, TheSidebarLeadsThroughTheVault)
+{
+    ASSERT_TRUE(world.controls().click(QAccessible::TreeItem, u"SFX"_s));
+    EXPECT_EQ(state.scopeTitle(), u"SFX");
+    EXPECT_EQ(state.visibleCount(), 12);
+
+    // Category folders start expanded, deeper ones collapsed; what was expanded is so after a restart.
+    EXPECT_EQ(world.controls().find(QAccessible::TreeItem, u"Warm"_s), nullptr);
+    ASSERT_TRUE(world.controls().click(QAccessible::Button, u"Expand Light Leaks"_s));
+    ASSERT_TRUE(waitUntil([this] { return world.controls().find(QAccessible::TreeItem, u"Warm"_s); }));
+    ASSERT_TRUE(world.controls().click(QAccessible::TreeItem, u"Warm"_s));
+    EXPECT_EQ(state.visibleCount(), 3);
+
+    ASSERT_TRUE(clickCard(u"Prism"_s));
+    world.key(Qt::Key_F, Qt::ControlModifier | Qt::AltModifier);
+    ASSERT_TRUE(world.controls().click(QAccessible::Button, u"Favorites"_s));
+    EXPECT_EQ(rows(state), QStringList(u"Prism"_s));
+
+    world.restart();
+    ASSERT_TRUE(waitUntil([this] { return world.controls().find(QAccessible::TreeItem, u"Warm"_s); }));
+    EXPECT_EQ(world.program().prefs().favorites().size(), 1);
+}
+
+TEST_F(Window, CommandsReachTheDesktopAndTheSettings)
+{
+    ASSERT_TRUE(clickCard(u"Amber"_s));
+    world.key(Qt::Key_R, Qt::ControlModifier | Qt::ShiftModifier);
+    ASSERT_EQ(world.workspace().revealed().size(), 1);
+    EXPECT_EQ(world.workspace().revealed()[0][0].baseName(), u"Amber");
+    ASSERT_TRUE(world.controls().click(QAccessible::Button, u"Open the vault in Finder"_s));
+    EXPECT_EQ(world.workspace().opened().size(), 1);
+
+    ASSERT_TRUE(world.controls().click(QAccessible::Button, u"Show or hide the preview"_s));
+    EXPECT_FALSE(state.showInspector());
+    world.key(Qt::Key_Comma, Qt::ControlModifier);
+    EXPECT_TRUE(waitUntil([this] { return world.controls().find(QAccessible::PageTab, u"Look"_s); }));
+}
+
+TEST_F(Window, ClosingLeavesTheProgramRunning)
+{
+    world.window().close();
+    EXPECT_FALSE(world.window().isVisible());
+    world.program().bringToFront();
+    EXPECT_TRUE(world.window().isVisible());
+    EXPECT_EQ(state.visibleCount(), 16);
+}
+
+} // namespace cratewell::test

@@ -1,0 +1,135 @@
+#include "window/world.h"
+
+#include "platform/appearance.h"
+#include "platform/defaults.h"
+#include "platform/fakes/fake_appearance.h"
+#include "platform/fakes/fake_applications.h"
+#include "platform/fakes/fake_file_chooser.h"
+#include "platform/fakes/fake_workspace.h"
+#include "platform/native.h"
+#include "state/app_state.h"
+#include "support/wait.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QImage>
+#include <QQuickWindow>
+#include <QTest>
+
+namespace cratewell::test {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QStringList &heardComplaints()
+{
+    static QStringList complaints;
+    return complaints;
+}
+
+// Warnings about QML and the scene are faults; everything else goes on as before.
+void hear(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    if (type != QtDebugMsg && type != QtInfoMsg && text.contains("qrc:"_L1))
+        heardComplaints().append(text);
+    std::fprintf(stderr, "%s: %s\n", context.category ? context.category : "default", qPrintable(text));
+}
+
+} // namespace
+
+World::World(const std::function<void(const QString &vault)> &prepare)
+    : m_paths(SystemPaths::below(Location::fromText(m_home.path())))
+{
+    static const auto installed = qInstallMessageHandler(hear);
+    Q_UNUSED(installed)
+    m_paths.workerProgram = SystemPaths::standard().workerProgram;
+    m_paths.python = SystemPaths::standard().python;
+    if (prepare)
+        prepare(vaultFolder());
+    start();
+}
+
+World::~World() = default;
+
+void World::start()
+{
+    Services services = Services::native(m_paths);
+    auto applications = std::make_unique<FakeApplications>();
+    auto workspace = std::make_unique<FakeWorkspace>();
+    m_applications = applications.get();
+    m_workspace = workspace.get();
+    services.applications = std::move(applications);
+    services.workspace = std::move(workspace);
+    services.appearance = std::make_unique<FakeAppearance>();
+    services.fileChooser = std::make_unique<FakeFileChooser>();
+    m_program = std::make_unique<Application>(m_paths, std::move(services));
+    if (!m_program->launch())
+        qFatal("the window could not be loaded");
+    if (!QTest::qWaitForWindowExposed(&window()))
+        qFatal("the window did not appear");
+}
+
+void World::restart()
+{
+    m_program->drain();
+    m_program.reset();
+    start();
+}
+
+QString World::vaultFolder() const
+{
+    return m_paths.defaultVault().text();
+}
+
+const QStringList &World::complaints()
+{
+    return heardComplaints();
+}
+
+bool World::showsCards(const QStringList &names)
+{
+    QStringList wanted = names;
+    wanted.sort();
+    return waitUntil([&] {
+        QStringList shown = controls().names(QAccessible::ListItem);
+        shown.sort();
+        return shown == wanted;
+    });
+}
+
+void World::key(Qt::Key key, Qt::KeyboardModifiers modifiers)
+{
+    QTest::keyClick(&window(), key, modifiers);
+}
+
+void World::type(const QString &text)
+{
+    for (const QChar character : text)
+        QTest::keyClick(&window(), Qt::Key(character.toUpper().unicode()));
+}
+
+void writeFile(const QString &path, const QByteArray &bytes)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        qFatal("cannot write %s", qPrintable(path));
+}
+
+void writePicture(const QString &path, Qt::GlobalColor color)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QImage image(64, 36, QImage::Format_RGB32);
+    image.fill(color);
+    if (!image.save(path))
+        qFatal("cannot write %s", qPrintable(path));
+}
+
+void writeSound(const QString &path)
+{
+    writeFile(path, QByteArray("RIFF\x24\0\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x80\xBB\0\0\0\x77\1\0\2\0\x10\0data\0\0\0\0", 44));
+}
+
+} // namespace cratewell::test

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "app/application.h"
+#include "window/controls.h"
+
+#include <QTemporaryDir>
+#include <memory>
+
+namespace cratewell {
+class FakeApplications;
+class FakeWorkspace;
+}
+
+namespace cratewell::test {
+
+// The whole program over a home of its own: real disk, real defaults, real file events, real window on the test's
+// platform; only the desktop around it (other programs, file manager, looks) is played.
+class World
+{
+public:
+    // `prepare` gets the vault's folder before the program starts.
+    explicit World(const std::function<void(const QString &vault)> &prepare = {});
+    ~World();
+
+    // Ends the program and starts it again in the same home.
+    void restart();
+
+    Application &program() { return *m_program; }
+    QQuickWindow &window() { return *m_program->window(); }
+    Controls controls() { return Controls(window()); }
+    const SystemPaths &paths() const { return m_paths; }
+    FakeApplications &applications() { return *m_applications; }
+    FakeWorkspace &workspace() { return *m_workspace; }
+    QString vaultFolder() const;
+    QString home() const { return m_home.path(); }
+    // Complaints of the QML engine since the start; must stay empty.
+    static const QStringList &complaints();
+
+    // Waits until the window shows cards of exactly these names, in any order.
+    [[nodiscard]] bool showsCards(const QStringList &names);
+    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
+    void type(const QString &text);
+
+private:
+    void start();
+
+    QTemporaryDir m_home;
+    SystemPaths m_paths;
+    FakeApplications *m_applications = nullptr;
+    FakeWorkspace *m_workspace = nullptr;
+    std::unique_ptr<Application> m_program;
+};
+
+// Writes a small picture / a short sound / a file of these bytes, with its folders.
+void writePicture(const QString &path, Qt::GlobalColor color);
+void writeSound(const QString &path);
+void writeFile(const QString &path, const QByteArray &bytes);
+
+} // namespace cratewell::test
