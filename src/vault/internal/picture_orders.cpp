@@ -1,15 +1,13 @@
 #include "vault/internal/picture_orders.h"
 
+#include "vault/internal/key_sorter.h"
 #include "vault/internal/name_collation.h"
 #include "vault/internal/picture_changes.h"
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
 #include <numeric>
 #include <thread>
-
-#include <QtEndian>
 
 namespace cratewell {
 
@@ -68,14 +66,20 @@ public:
         const int compared = compare(order, m_data.asset(a), m_data.asset(b));
         return compared != 0 ? compared < 0 : a < b;
     }
-    const NameCollation &names() const { return m_names; }
+    // Made when first asked for: not every order needs it, and it takes a while.
+    const NameCollation &names() const
+    {
+        if (!m_names)
+            m_names.emplace();
+        return *m_names;
+    }
 
 private:
     int compare(AssetOrder order, const Asset &a, const Asset &b) const
     {
         switch (order) {
         case AssetOrder::Name:
-            return m_names.compare(baseNameOf(a), baseNameOf(b));
+            return names().compare(baseNameOf(a), baseNameOf(b));
         case AssetOrder::Added:
             return int(a.added < b.added) - int(a.added > b.added);
         case AssetOrder::Kind:
@@ -89,113 +93,16 @@ private:
     }
 
     const PictureData &m_data;
-    NameCollation m_names;
+    mutable std::optional<NameCollation> m_names;
 };
-
-// An asset to be sorted by a key of bytes that ends with 0, of which the next eight stand here as a number,
-// so that most of the work touches nothing else; or by a number alone.
-struct KeyedAsset
-{
-    quint64 lead;
-    quint32 key; // where the eight bytes stand
-    AssetIndex index;
-};
-
-// The keys of all assets end to end, with as many 0 behind them as reading ahead may take.
-class Keys
-{
-public:
-    // Room for `size` more bytes at the end; what is written there counts after grow().
-    uchar *room(size_t size)
-    {
-        if (m_bytes.size() < m_used + size + sizeof(quint64))
-            m_bytes.resize(2 * (m_bytes.size() + size) + sizeof(quint64));
-        return m_bytes.data() + m_used;
-    }
-    // Closes a key that was written up to `end`; its place.
-    quint32 close(const uchar *end)
-    {
-        const size_t start = m_used;
-        m_used = size_t(end - m_bytes.data());
-        return quint32(start);
-    }
-    // Eight bytes from there on; 0 from the end of the key on.
-    quint64 lead(quint32 place) const
-    {
-        constexpr quint64 low = 0x7f7f'7f7f'7f7f'7f7f;
-        const quint64 bytes = qFromBigEndian<quint64>(m_bytes.data() + place);
-        const quint64 zeros = ~(((bytes & low) + low) | bytes | low); // the high bit of each byte that is 0
-        const int kept = std::countl_zero(zeros) & ~7;
-        return kept == 64 ? bytes : bytes & ~(~quint64(0) >> kept);
-    }
-
-private:
-    std::vector<uchar> m_bytes;
-    size_t m_used = 0;
-};
-
-// By lead, equal ones as they stood: one pass for each byte in which any differ.
-void sortByLead(std::vector<KeyedAsset> &assets)
-{
-    constexpr int bytes = sizeof(quint64);
-    std::array<std::array<quint32, 256>, bytes> counts{};
-    for (const KeyedAsset &asset : assets) {
-        for (int byte = 0; byte < bytes; ++byte)
-            ++counts[size_t(byte)][asset.lead >> (8 * byte) & 0xff];
-    }
-    std::vector<KeyedAsset> sorted(assets.size());
-    for (int byte = 0; byte < bytes; ++byte) {
-        std::array<quint32, 256> &places = counts[size_t(byte)];
-        if (std::ranges::find(places, assets.size()) != places.end())
-            continue;
-        std::exclusive_scan(places.begin(), places.end(), places.begin(), quint32{0});
-        for (const KeyedAsset &asset : assets)
-            sorted[places[asset.lead >> (8 * byte) & 0xff]++] = asset;
-        assets.swap(sorted);
-    }
-}
-
-// Sorts what is equal in the bytes before `lead` by those from there on.
-void sortByKeys(std::span<KeyedAsset> assets, const Keys &keys);
-
-// Assets sorted by lead: those with the same one by what follows it.
-void sortTies(std::span<KeyedAsset> assets, const Keys &keys)
-{
-    for (auto from = assets.begin(); from != assets.end();) {
-        const auto to = std::find_if(from, assets.end(),
-                                     [&](const KeyedAsset &asset) { return asset.lead != from->lead; });
-        const bool ended = (from->lead & 0xff) == 0;
-        if (to - from > 1 && !ended) {
-            for (KeyedAsset &asset : std::span(from, to)) {
-                asset.key += sizeof(quint64);
-                asset.lead = keys.lead(asset.key);
-            }
-            sortByKeys({from, to}, keys);
-        }
-        from = to;
-    }
-}
-
-void sortByKeys(std::span<KeyedAsset> assets, const Keys &keys)
-{
-    std::ranges::sort(assets, [](const KeyedAsset &a, const KeyedAsset &b) {
-        return a.lead != b.lead ? a.lead < b.lead : a.index < b.index;
-    });
-    sortTies(assets, keys);
-}
-
-Order indicesOf(const std::vector<KeyedAsset> &assets)
-{
-    Order order(assets.size());
-    std::ranges::transform(assets, order.begin(), &KeyedAsset::index);
-    return order;
-}
 
 // Calls visit(index, base name) for all assets, in flat-list order.
 template<typename Visit> void forEachName(const PictureData &data, const Visit &visit)
 {
-    for (AssetIndex i = 0; i < data.assets.size(); ++i)
-        visit(i, baseNameOf(data.asset(i)));
+    for (const FlatRun &run : data.runs) {
+        for (quint32 i = 0; i < run.count; ++i)
+            visit(run.first + i, run.chunk->baseName(run.position + i));
+    }
 }
 
 // Inserts `fresh`, sorted, into `kept`, sorted: looks up each place, since `fresh` is short.
@@ -230,24 +137,19 @@ Order byCollator(const PictureData &data, const Comparison &comparison, const Or
     return order;
 }
 
-Order byName(const PictureData &data, const Comparison &comparison)
+Order byName(const PictureData &data, const Comparison &comparison, KeySorter &sorter)
 {
-    Keys keys;
-    std::vector<KeyedAsset> keyed;
-    keyed.reserve(data.assets.size());
+    constexpr size_t mostPerByte = 4;
+    static_assert(NameCollation::keySize(1) <= mostPerByte);
+    sorter.begin(data.assets.size(), mostPerByte * data.nameBytes);
     Order unkeyed;
     forEachName(data, [&](AssetIndex index, QByteArrayView name) {
-        uchar *room = keys.room(size_t(NameCollation::keySize(name.size())));
-        if (const uchar *end = comparison.names().writeKey(name, room)) {
-            const quint32 key = keys.close(end);
-            keyed.push_back({keys.lead(key), key, index});
-        } else {
+        if (const uchar *end = comparison.names().writeKey(name, sorter.keyEnd()))
+            sorter.addKey(end, index);
+        else
             unkeyed.push_back(index);
-        }
     });
-    sortByLead(keyed);
-    sortTies(keyed, keys);
-    const Order plain = indicesOf(keyed);
+    const Order plain = sorter.sorted();
     if (unkeyed.empty())
         return plain;
     const Order others = byCollator(data, comparison, unkeyed);
@@ -259,24 +161,20 @@ Order byName(const PictureData &data, const Comparison &comparison)
     return result;
 }
 
-Order byKind(const PictureData &data)
+Order byKind(const PictureData &data, KeySorter &sorter)
 {
-    Keys keys;
-    std::vector<KeyedAsset> keyed;
-    keyed.reserve(data.assets.size());
+    constexpr size_t mostPerByte = 3; // a stray byte is written as three
+    sorter.begin(data.assets.size(), mostPerByte * data.nameBytes);
     forEachName(data, [&](AssetIndex index, QByteArrayView name) {
         const QByteArray rewritten = name.isValidUtf8() ? QByteArray() : codePointBytes(name);
         const QByteArrayView bytes = rewritten.isEmpty() ? name : QByteArrayView(rewritten);
-        uchar *end = keys.room(size_t(bytes.size()) + 2);
+        uchar *end = sorter.keyEnd();
         *end++ = uchar(labelRank(data.asset(index).kind));
         end = std::ranges::copy(bytes, end).out;
         *end++ = 0;
-        const quint32 key = keys.close(end);
-        keyed.push_back({keys.lead(key), key, index});
+        sorter.addKey(end, index);
     });
-    sortByLead(keyed);
-    sortTies(keyed, keys);
-    return indicesOf(keyed);
+    return sorter.sorted();
 }
 
 // Orders like the number, as an unsigned one.
@@ -291,26 +189,25 @@ quint64 ascending(double number)
     return bits >> 63 ? ~bits : bits | quint64(1) << 63;
 }
 
-template<typename Number> Order largestFirst(const PictureData &data, Number Asset::*field)
+template<typename Number> Order largestFirst(const PictureData &data, Number Asset::*field, KeySorter &sorter)
 {
-    std::vector<KeyedAsset> keyed(data.assets.size());
-    for (AssetIndex i = 0; i < keyed.size(); ++i)
-        keyed[i] = {~ascending(data.asset(i).*field), 0, i};
-    sortByLead(keyed);
-    return indicesOf(keyed);
+    sorter.begin(data.assets.size(), 0);
+    for (AssetIndex i = 0; i < data.assets.size(); ++i)
+        sorter.addNumber(~ascending(data.asset(i).*field), i);
+    return sorter.sorted();
 }
 
-Order fromScratch(const PictureData &data, const Comparison &comparison, AssetOrder order)
+Order fromScratch(const PictureData &data, const Comparison &comparison, AssetOrder order, KeySorter &sorter)
 {
     switch (order) {
     case AssetOrder::Name:
-        return byName(data, comparison);
+        return byName(data, comparison, sorter);
     case AssetOrder::Added:
-        return largestFirst(data, &Asset::added);
+        return largestFirst(data, &Asset::added, sorter);
     case AssetOrder::Kind:
-        return byKind(data);
+        return byKind(data, sorter);
     case AssetOrder::Size:
-        return largestFirst(data, &Asset::size);
+        return largestFirst(data, &Asset::size, sorter);
     }
     return {};
 }
@@ -366,20 +263,22 @@ bool makeOrders(PictureData &data, const PictureData *before, const std::functio
 {
     const std::optional<Carried> carried =
         before && before->scanned ? carriedOver(*before, data) : std::optional<Carried>();
-    const auto make = [&](const Comparison &comparison, AssetOrder order) {
+    const auto make = [&](const Comparison &comparison, AssetOrder order, KeySorter &sorter) {
         Order &result = data.orders[size_t(order)];
         if (carried)
             result = carryOver(before->orders[size_t(order)], *carried, comparison, order);
         else
-            result = fromScratch(data, comparison, order);
+            result = fromScratch(data, comparison, order, sorter);
     };
     std::jthread other([&] {
         const Comparison comparison(data);
-        make(comparison, AssetOrder::Name);
+        KeySorter sorter;
+        make(comparison, AssetOrder::Name, sorter);
     });
     const Comparison comparison(data);
-    for (const AssetOrder order : {AssetOrder::Added, AssetOrder::Kind, AssetOrder::Size}) {
-        make(comparison, order);
+    KeySorter sorter;
+    for (const AssetOrder order : {AssetOrder::Kind, AssetOrder::Added, AssetOrder::Size}) {
+        make(comparison, order, sorter);
         if (cancelled && cancelled())
             return false;
     }
