@@ -85,7 +85,7 @@ Rectangle {
                         anchors.verticalCenter: parent.verticalCenter
                         font.family: Theme.iconFamily
                         font.pixelSize: 16
-                        color: Theme.onAccent
+                        color: Theme.accentInk
                         text: bar.busy ? "autorenew" : "south_east"
 
                         RotationAnimation on rotation {
@@ -103,7 +103,7 @@ Rectangle {
                         font.family: Theme.family
                         font.pixelSize: Theme.bodySize
                         font.weight: Font.Bold
-                        color: Theme.onAccent
+                        color: Theme.accentInk
                         textFormat: Text.PlainText
                         text: button.text
                     }
