@@ -1,7 +1,6 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import Cratewell
 
 // Says what a control does after the pointer has rested on it. The bubble is made only while it is wanted.
 Loader {

@@ -32,15 +32,9 @@ FocusScope {
         AssetGrid {
             anchors.bottom: parent.bottom
             anchors.left: parent.left
-            anchors.leftMargin: -Theme.space3
             anchors.right: parent.right
-            anchors.rightMargin: -Theme.space3
             anchors.top: toolbar.bottom
             focus: true
-            model: AssetListModel {
-                prefs: Prefs
-                state: AppState
-            }
         }
     }
     Page {
