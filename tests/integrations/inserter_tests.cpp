@@ -1,6 +1,5 @@
 #include "integrations/inserter.h"
 #include "platform/fakes/fake_applications.h"
-#include "platform/fakes/fake_file_chooser.h"
 #include "platform/fakes/fake_file_events.h"
 #include "platform/fakes/fake_workspace.h"
 #include "platform/fakes/memory_defaults.h"
@@ -64,9 +63,8 @@ protected:
     SystemPaths m_paths = SystemPaths::below(Location::fromText(u"/nowhere"_s));
     Prefs m_prefs{m_defaults, m_paths};
     Vault m_vault{m_paths.defaultVault(), m_defaults, std::make_unique<FakeFileEvents>()};
-    FakeFileChooser m_chooser;
     FakeWorkspace m_workspace;
-    AppState m_state{m_vault, m_prefs, m_chooser, m_workspace};
+    AppState m_state{m_vault, m_prefs, m_workspace};
     FakeBridge m_resolve;
     FakeBridge m_premiere;
     std::unique_ptr<Inserter> m_inserter =
