@@ -5,6 +5,7 @@
 #include "platform/termination_signals.h"
 #include "ui/icon_renderer.h"
 
+#include <QFile>
 #include <QGuiApplication>
 #include <QImage>
 #include <QQuickStyle>

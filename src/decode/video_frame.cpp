@@ -1,7 +1,7 @@
 #include "decode/video_frame.h"
 
-#include "decode/frame_picture.h"
-#include "decode/video_reader.h"
+#include "decode/internal/frame_picture.h"
+#include "decode/internal/video_reader.h"
 
 #include <algorithm>
 #include <mutex>

@@ -6,14 +6,15 @@
 
 namespace cratewell {
 
-// Tells that something below a folder changed, at any depth. Main thread; signals arrive there. The first
-// change of a burst is told at once, further ones at most every 0.4 s while the burst lasts, and the last is
-// never lost.
+// Tells that something below a folder changed, at any depth, hidden folders (a leading dot) and what lies
+// behind links excepted. Main thread; signals arrive there. The first change of a burst is told at once,
+// further ones at most every 0.4 s while the burst lasts, and the last is never lost.
 class FileEvents : public QObject
 {
     Q_OBJECT
 public:
     // Starts following `root` (replacing what was followed), also while it does not exist yet or again.
+    // Returns at once; what may have changed until the system follows is told when it does.
     virtual void watch(const Location &root) = 0;
     virtual void stop() = 0;
 

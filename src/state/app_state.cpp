@@ -89,7 +89,7 @@ std::optional<Asset> AppState::Private::repairedSelection() const
     return index ? std::optional(picture->asset(*index)) : std::nullopt;
 }
 
-AppState::AppState(Vault &vault, Prefs &prefs, FileChooser &, Workspace &workspace)
+AppState::AppState(Vault &vault, Prefs &prefs, Workspace &workspace)
     : d(std::make_unique<Private>(vault, prefs, workspace))
 {
     connect(&vault, &Vault::rescanned, this, &AppState::follow);

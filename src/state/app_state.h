@@ -9,7 +9,6 @@
 
 namespace cratewell {
 
-class FileChooser;
 class Prefs;
 class Vault;
 class Workspace;
@@ -31,7 +30,7 @@ class AppState : public QObject
     Q_PROPERTY(int visibleCount READ visibleCount NOTIFY visibleAssetsChanged FINAL)
     Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectedChanged FINAL)
 public:
-    AppState(Vault &vault, Prefs &prefs, FileChooser &chooser, Workspace &workspace);
+    AppState(Vault &vault, Prefs &prefs, Workspace &workspace);
     ~AppState() override;
 
     const Scope &scope() const;

@@ -50,8 +50,12 @@ constexpr std::array extensions{
 
 std::optional<AssetKind> kindOf(QByteArrayView name)
 {
-    const qsizetype dot = name.lastIndexOf('.');
-    if (dot <= 0)
+    // Asked of every file of a vault: looks no further back than an extension may reach.
+    const qsizetype furthest = std::max<qsizetype>(1, name.size() - longestExtension - 1);
+    qsizetype dot = name.size() - 1;
+    while (dot >= furthest && name[dot] != '.')
+        --dot;
+    if (dot < furthest)
         return std::nullopt;
     const quint32 wanted = packed(name.sliced(dot + 1));
     const auto found = std::ranges::find(extensions, wanted, &Extension::packed);

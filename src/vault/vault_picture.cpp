@@ -1,6 +1,7 @@
 #include "vault/internal/picture_data.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace cratewell {
 
@@ -68,7 +69,9 @@ const PictureFolder *PictureData::folder(const Location &url) const
 
 QByteArrayView baseNameOf(const Asset &asset)
 {
-    return baseNameOf(asset.url.nameBytes());
+    const QByteArray &path = asset.url.bytes();
+    const auto *slash = static_cast<const char *>(memrchr(path.data(), '/', size_t(path.size())));
+    return baseNameOf(QByteArrayView(slash + 1, path.cend()));
 }
 
 VaultPicture::VaultPicture() : d(std::make_unique<Private>()) {}

@@ -1,4 +1,4 @@
-#include "decode/orientation.h"
+#include "decode/internal/orientation.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 #include <QProcess>
 #include <fcntl.h>
+#include <filesystem>
 #include <unistd.h>
 
 namespace cratewell::test {
@@ -43,6 +44,13 @@ void appendPlaced(QStringList &placed, QChar letter, int number, const QJsonObje
 } // namespace
 
 StandInResolve::StandInResolve() : m_folder(Location::fromText(m_temporary.path())) {}
+
+StandInResolve::~StandInResolve()
+{
+    // The temporary folder cannot take away names that are no UTF-8.
+    std::error_code ignored;
+    std::filesystem::remove_all(m_folder.c_str(), ignored);
+}
 
 bool StandInResolve::arrange(const QString &statements)
 {

@@ -14,6 +14,7 @@ class StandInResolve
 {
 public:
     StandInResolve();
+    ~StandInResolve();
 
     // Python statements over `state` (the whole project file), `host`, `failures`, `media`, `project`,
     // `timeline` and place(track, name, start, frames). False when they failed.

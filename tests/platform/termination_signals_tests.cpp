@@ -25,6 +25,7 @@ TEST(TerminationSignals, BecomeAQtSignalOnceEachAndGiveTheFormerHandlersBack)
     ASSERT_EQ(::sigaction(SIGTERM, nullptr, &after), 0);
     EXPECT_EQ(before.sa_handler, after.sa_handler);
 
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
             TerminationSignals listener;

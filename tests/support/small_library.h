@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/fakes/fake_file_chooser.h"
 #include "platform/fakes/fake_file_events.h"
 #include "platform/fakes/fake_workspace.h"
 #include "platform/fakes/memory_defaults.h"
@@ -54,10 +53,9 @@ private:
 public:
     MemoryDefaults defaults;
     FakeWorkspace workspace;
-    FakeFileChooser chooser;
     Prefs prefs{defaults, SystemPaths::below(Location::fromText(m_folder.path()))};
     Vault vault{path({}), defaults, std::make_unique<FakeFileEvents>()};
-    AppState state{vault, prefs, chooser, workspace};
+    AppState state{vault, prefs, workspace};
 };
 
 } // namespace cratewell::test

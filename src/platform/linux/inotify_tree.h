@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/folder_listing.h"
+#include "platform/internal/folder_listing.h"
 #include "platform/location.h"
 
 #include <atomic>

@@ -90,13 +90,11 @@ SelectableItem {
             radius: Theme.badgeRadius
             color: "#8c000000"
 
-            Text {
-                x: 6
+            Icon {
+                x: 5
                 height: parent.height
-                verticalAlignment: Text.AlignVCenter
-                font.family: Theme.iconFamily
-                font.pixelSize: 11
                 color: "white"
+                size: 12
                 text: picture.kindIcon
             }
 

@@ -4,234 +4,258 @@ import QtQuick
 import QtQuick.Templates as T
 import Cratewell
 
-// The cards of the assets in view: as many columns as suit the wished card size, filling the width. The
-// keyboard moves the focused asset. What changes on the disk leaves the visible cards where they are.
+// The cards of the assets in view, in as many columns as suit the wished card size. The keyboard moves the
+// focused asset. What changes on the disk leaves the visible cards where they are.
 T.Control {
-    id: root
-
-    required property AssetListModel model
+    id: grid
 
     readonly property int gap: Theme.space3
-    readonly property int margin: 14
+    // How far the glow of a selected card may reach beyond the grid.
+    readonly property int spill: Theme.space3
     // Around a card's picture, and below it with its name.
     readonly property int cardInset: 7
     readonly property int cardFooter: Prefs.showNames ? 32 : cardInset
 
-    // Another choice of assets is coming: nothing of the view until then is worth keeping.
-    function startOver() {
-        glide.stop();
-        view.fresh = true;
-        view.contentY = view.originY - view.topMargin;
-    }
-
-    // Makes the asset of this row the focused one.
-    function goTo(row: int, modifiers: int) {
-        if (root.model.currentRow >= 0 && modifiers & Qt.ShiftModifier)
-            root.model.click(row, Qt.ShiftModifier);
-        else
-            AppState.moveBy(root.model.currentRow >= 0 ? row - root.model.currentRow : 1);
-        view.reveal(root.model.currentRow);
-    }
-
-    // The row a key leads to, or -1 when the key moves nothing. Lines keep the column where they can.
+    // The row a key leads to, or -1 when it moves nothing. Lines keep the column as far as the last one reaches.
     function rowFor(key: int): int {
-        const count = root.model.count;
-        const row = root.model.currentRow;
-        const lastLine = Math.floor((count - 1) / view.columns);
-        const line = Math.floor(row / view.columns);
-        function inLine(target) {
-            return Math.min(count - 1, Math.max(0, Math.min(lastLine, target)) * view.columns + row % view.columns);
-        }
+        const row = Math.max(0, assets.currentRow);
+        const last = assets.count - 1;
+        const columns = view.columns;
+        const linesAbove = Math.floor(row / columns);
+        const linesBelow = Math.floor(last / columns) - linesAbove;
+        const page = Math.max(1, view.linesInView);
         switch (key) {
         case Qt.Key_Left:
             return Math.max(0, row - 1);
         case Qt.Key_Right:
-            return Math.min(count - 1, row + 1);
+            return Math.min(last, row + 1);
         case Qt.Key_Up:
-            return inLine(line - 1);
+            return row - Math.min(1, linesAbove) * columns;
         case Qt.Key_Down:
-            return line === lastLine ? row : inLine(line + 1);
+            return Math.min(last, row + Math.min(1, linesBelow) * columns);
         case Qt.Key_PageUp:
-            return inLine(line - view.linesInView);
+            return row - Math.min(page, linesAbove) * columns;
         case Qt.Key_PageDown:
-            return line === lastLine ? row : inLine(line + view.linesInView);
+            return Math.min(last, row + Math.min(page, linesBelow) * columns);
         case Qt.Key_Home:
             return 0;
         case Qt.Key_End:
-            return count - 1;
+            return last;
         }
         return -1;
     }
 
-    clip: true
-    focusPolicy: Qt.StrongFocus
-    focus: true
+    // False for a key that moves nothing. The first press of a key that moves by steps only starts.
+    function move(key: int, modifiers: int): bool {
+        const row = rowFor(key);
+        if (row < 0)
+            return false;
+        if (assets.currentRow < 0)
+            AppState.moveBy(key === Qt.Key_End ? assets.count : 1);
+        else if (modifiers & Qt.ShiftModifier)
+            assets.click(row, Qt.ShiftModifier);
+        else
+            AppState.moveBy(row - assets.currentRow);
+        view.reveal(assets.currentRow);
+        return true;
+    }
 
-    Keys.onPressed: (event) => {
-        const plain = !(event.modifiers & (Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier));
-        if (event.key === Qt.Key_A && event.modifiers === Qt.ControlModifier) {
+    focusPolicy: Qt.StrongFocus
+
+    Keys.onPressed: event => {
+        const other = Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier;
+        if (event.key === Qt.Key_A && event.modifiers === Qt.ControlModifier)
             AppState.selectAll();
-        } else if (!plain || root.model.count === 0) {
+        else if (event.modifiers & other || assets.count === 0)
             return;
-        } else if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter) {
+        else if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter)
             Inserter.insertSelected();
-        } else if (event.key === Qt.Key_Space) {
+        else if (event.key === Qt.Key_Space)
             AppState.togglePlay();
-        } else {
-            const row = root.rowFor(event.key);
-            if (row < 0)
-                return;
-            root.goTo(row, event.modifiers);
-        }
+        else if (!move(event.key, event.modifiers))
+            return;
         event.accepted = true;
     }
 
+    AssetListModel {
+        id: assets
+
+        prefs: Prefs
+        state: AppState
+
+        onAboutToApply: newCount => view.remember(newCount)
+        onApplied: view.restore()
+    }
+    ThumbnailSource { id: thumbnails }
+    EmptyNotice { id: notice }
+
     Connections {
+        function onScopeChanged() { view.startOver(); }
+        function onSearchChanged() { view.startOver(); }
+        function onSortChanged() { view.startOver(); }
+
         target: AppState
-
-        function onScopeChanged() {
-            root.startOver();
-        }
-        function onSearchChanged() {
-            root.startOver();
-        }
-        function onSortChanged() {
-            root.startOver();
-        }
     }
-
-    Connections {
-        target: root.model
-
-        function onAboutToApply() {
-            view.remember();
-        }
-        function onApplied() {
-            view.restore();
-        }
-    }
-
-    ThumbnailSource {
-        id: thumbnails
-    }
-
     TapHandler {
-        onTapped: root.forceActiveFocus(Qt.MouseFocusReason)
+        onTapped: grid.forceActiveFocus(Qt.MouseFocusReason)
     }
-
-    GridView {
-        id: view
-
-        readonly property int columns: Math.max(1, Math.round((width + root.gap) / (Prefs.cardSize + root.gap)))
-        readonly property int cardWidth: cellWidth - root.gap
-        readonly property int linesInView: Math.max(1, Math.floor(height / cellHeight))
-        // Where the visible lines begin and end; moves by whole lines, so that scrolling rebinds little.
-        readonly property real firstLine: lineAt(contentY)
-        readonly property real endLine: lineAt(contentY + height) + cellHeight
-
-        property bool fresh: true
-        property bool anchored: false
-        property location anchor
-        property real anchorOffset: 0
-
-        function lineAt(y: real): real {
-            return originY + Math.floor((y - originY) / cellHeight) * cellHeight;
-        }
-
-        // Keeps in mind which card lies at the top edge, and how.
-        function remember() {
-            glide.stop();
-            const row = Math.max(0, Math.floor((contentY - originY) / cellHeight)) * columns;
-            const card = contentY > originY ? itemAtIndex(row) as AssetCard : null;
-            anchored = card !== null;
-            if (!card)
-                return;
-            anchor = card.url;
-            anchorOffset = contentY - card.y;
-        }
-
-        // Puts that card back there; at the beginning the view stays at the beginning.
-        function restore() {
-            const atTop = fresh || !anchored;
-            const row = atTop ? -1 : root.model.rowOf(anchor);
-            fresh = false;
-            forceLayout();
-            if (atTop)
-                contentY = originY - topMargin;
-            else
-                contentY = within(row < 0 ? contentY : originY + Math.floor(row / columns) * cellHeight + anchorOffset);
-            forceLayout();
-        }
-
-        function within(y: real): real {
-            const top = originY - topMargin;
-            return Math.max(top, Math.min(y, originY + contentHeight + bottomMargin - height));
-        }
-
-        // Scrolls no further than is needed to see the whole card.
-        function reveal(row: int) {
-            if (row < 0)
-                return;
-            const top = originY + Math.floor(row / columns) * cellHeight;
-            const from = glide.running ? glide.to : contentY;
-            const to = within(Math.max(top + cellHeight + Theme.space1 - height, Math.min(from, top - topMargin)));
-            glide.stop();
-            if (to === contentY)
-                return;
-            glide.to = to;
-            glide.start();
-        }
-
+    FocusRing {
+        anchors.margins: 0
+        radius: Theme.panelRadius
+        shown: grid.visualFocus && assets.currentRow < 0
+    }
+    Item {
         anchors.fill: parent
-        anchors.leftMargin: root.margin
-        anchors.rightMargin: root.margin
-        topMargin: Theme.space2
-        bottomMargin: root.margin - root.gap
-        pixelAligned: true
-        boundsBehavior: Flickable.StopAtBounds
-        keyNavigationEnabled: false
-        highlightFollowsCurrentItem: false
-        cellWidth: Math.floor((width + root.gap) / columns)
-        cellHeight: root.cardInset + Math.round((cardWidth - 2 * root.cardInset) * 0.625) + root.cardFooter + root.gap
-        cacheBuffer: 2 * cellHeight
-        model: root.model
-        currentIndex: root.model.currentRow
-        onMovementStarted: {
-            glide.stop();
-            fresh = false;
-        }
+        anchors.leftMargin: -grid.spill
+        anchors.rightMargin: -grid.spill
+        clip: true
 
-        Accessible.role: Accessible.List
-        Accessible.name: qsTr("Assets")
+        GridView {
+            id: view
 
-        delegate: AssetCard {
-            required property int index
+            // Every cell has its gap on the right, the last one beyond the cards' right edge.
+            readonly property int columns: Math.max(1, Math.round(width / (Prefs.cardSize + grid.gap)))
+            readonly property int cardWidth: cellWidth - grid.gap
+            readonly property int linesInView: Math.floor(height / cellHeight)
+            // Where the visible lines begin and end; they move by whole lines, so that scrolling rebinds little.
+            readonly property real firstLine: lineAt(contentY)
+            readonly property real endLine: lineAt(contentY + height) + cellHeight
 
-            width: view.cardWidth
-            height: view.cellHeight - root.gap
-            source: thumbnails
-            inView: y >= view.firstLine && y < view.endLine
-            keyboard: root.activeFocus
-            inset: root.cardInset
-            footer: root.cardFooter
-            radius: Prefs.cornerRadius
-            showName: Prefs.showNames
-            showBadge: Prefs.showBadges
-            onClicked: (modifiers) => {
-                root.forceActiveFocus(Qt.MouseFocusReason);
-                root.model.click(index, modifiers);
+            // Another choice of assets comes, of which the beginning is to be seen.
+            property bool fresh: false
+            property bool anchored: false
+            property location anchor
+            property real anchorOffset: 0
+
+            function lineAt(y: real): real {
+                return originY + Math.floor((y - originY) / cellHeight) * cellHeight;
             }
-            onInsertAsked: Inserter.insertSelected()
-            onFavoriteToggled: root.model.toggleFavorite(index)
+            function within(y: real): real {
+                const end = originY + contentHeight + bottomMargin - height;
+                return Math.max(originY - topMargin, Math.min(y, end));
+            }
+            function startOver(): void {
+                glide.stop();
+                fresh = true;
+                contentY = originY - topMargin;
+                Qt.callLater(() => fresh = false);
+            }
+            // Keeps in mind which card lies at the top edge, and how; at the very top nothing is kept, so that
+            // what is new there shows.
+            function remember(newCount: int): void {
+                glide.stop();
+                const row = Math.max(0, Math.floor((contentY - originY) / cellHeight)) * columns;
+                anchored = !fresh && contentY > originY && row < assets.count;
+                if (!anchored)
+                    return;
+                anchor = assets.urlAt(row);
+                anchorOffset = (contentY - originY) % cellHeight;
+                // Far below a list that shrinks the view would make every card on the way.
+                const newHeight = Math.ceil(newCount / columns) * cellHeight;
+                if (newCount < assets.count && contentY - originY > newHeight - height)
+                    contentY = Math.max(originY - topMargin, originY + newHeight - height);
+            }
+            function restore(): void {
+                const row = anchored ? assets.rowOf(anchor) : -1;
+                forceLayout();
+                if (row >= 0)
+                    contentY = within(originY + Math.floor(row / columns) * cellHeight + anchorOffset);
+                else
+                    contentY = anchored ? within(contentY) : originY - topMargin;
+                forceLayout();
+            }
+            // Scrolls no further than it takes to see the whole card.
+            function reveal(row: int): void {
+                const top = originY + Math.floor(row / columns) * cellHeight;
+                const from = glide.running ? glide.to : contentY;
+                const to = within(Math.max(top + cellHeight - height, Math.min(from, top - topMargin)));
+                glide.stop();
+                if (row < 0 || to === contentY)
+                    return;
+                glide.to = to;
+                glide.start();
+            }
+
+            anchors.fill: parent
+            anchors.leftMargin: grid.spill + 2
+            anchors.rightMargin: grid.spill + 2 - grid.gap
+            bottomMargin: Theme.space1
+            boundsBehavior: Flickable.StopAtBounds
+            cacheBuffer: 2 * cellHeight
+            cellHeight: grid.cardInset + Math.round((cardWidth - 2 * grid.cardInset) * 0.625) + grid.cardFooter
+                        + grid.gap
+            cellWidth: Math.floor(width / columns)
+            currentIndex: assets.currentRow
+            highlightFollowsCurrentItem: false
+            keyNavigationEnabled: false
+            model: assets
+            pixelAligned: true
+            topMargin: Theme.space2
+
+            Accessible.name: qsTr("Assets")
+            Accessible.role: Accessible.List
+
+            onMovementStarted: glide.stop()
+
+            delegate: AssetCard {
+                required property int index
+
+                footer: grid.cardFooter
+                height: view.cellHeight - grid.gap
+                inView: y >= view.firstLine && y < view.endLine
+                inset: grid.cardInset
+                keyboard: grid.activeFocus
+                radius: Prefs.cornerRadius
+                showBadge: Prefs.showBadges
+                showName: Prefs.showNames
+                source: thumbnails
+                width: view.cardWidth
+
+                onClicked: modifiers => {
+                    grid.forceActiveFocus(Qt.MouseFocusReason);
+                    assets.click(index, modifiers);
+                }
+                onFavoriteToggled: assets.toggleFavorite(index)
+                onInsertAsked: Inserter.insertSelected()
+            }
+
+            T.ScrollBar.vertical: ThinScrollBar {
+                anchors.bottom: view.parent.bottom
+                anchors.right: view.parent.right
+                anchors.top: view.parent.top
+                parent: view.parent
+            }
+
+            NumberAnimation {
+                id: glide
+
+                duration: Theme.hoverTime
+                easing.type: Easing.OutQuad
+                property: "contentY"
+                target: view
+            }
+        }
+    }
+    EmptyState {
+        action: notice.action
+        anchors.centerIn: parent
+        end: notice.end
+        opacity: assets.count === 0 ? 1 : 0
+        sentence: notice.sentence
+        start: notice.start
+        symbol: notice.icon
+        title: notice.title
+        visible: assets.count === 0
+        width: Math.min(300, parent.width - 2 * Theme.space4)
+
+        // A list that fills in a moment shall not flash.
+        Behavior on opacity {
+            SequentialAnimation {
+                PauseAnimation { duration: 250 }
+                NumberAnimation { duration: Theme.panelTime }
+            }
         }
 
-        NumberAnimation {
-            id: glide
-
-            target: view
-            property: "contentY"
-            duration: Theme.hoverTime
-            easing.type: Easing.OutQuad
-        }
+        onActed: notice.act()
     }
 }

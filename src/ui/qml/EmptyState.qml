@@ -7,74 +7,56 @@ import Cratewell
 Column {
     id: empty
 
-    required property string icon
-    required property color tintStart
-    required property color tintEnd
+    required property string symbol
+    required property color start
+    required property color end
     required property string title
     required property string sentence
-    property string action
+    property string action: ""
 
     signal acted
 
-    spacing: Theme.space3
+    spacing: Theme.space2
 
-    Accessible.role: Accessible.StaticText
-    Accessible.name: qsTr("%1. %2").arg(title).arg(sentence)
-
-    Rectangle {
+    IconTile {
         anchors.horizontalCenter: parent.horizontalCenter
-        width: 72
-        height: 72
-        radius: 20
-        gradient: Gradient {
-            GradientStop {
-                position: 0
-                color: empty.tintStart
-            }
-            GradientStop {
-                position: 1
-                color: empty.tintEnd
-            }
-        }
-
-        Text {
-            anchors.centerIn: parent
-            font.family: Theme.iconFamily
-            font.pixelSize: 36
-            color: "white"
-            text: empty.icon
-        }
+        end: empty.end
+        gradient: Prefs.gradientTiles
+        height: 68
+        radius: 19
+        start: empty.start
+        symbol: empty.symbol
+        symbolSize: 34
+        width: 68
     }
-
-    Text {
-        width: parent.width
-        topPadding: Theme.space1
-        horizontalAlignment: Text.AlignHCenter
-        wrapMode: Text.Wrap
-        font.family: Theme.family
+    Label {
         font.pixelSize: Theme.headingSize
         font.weight: Font.Bold
-        color: Theme.text
-        textFormat: Text.PlainText
-        text: empty.title
-    }
-
-    Text {
-        width: parent.width
         horizontalAlignment: Text.AlignHCenter
-        wrapMode: Text.Wrap
-        font.family: Theme.family
-        font.pixelSize: Theme.bodySize
-        lineHeight: 1.25
-        color: Theme.textSecondary
-        textFormat: Text.PlainText
-        text: empty.sentence
+        text: empty.title
+        topPadding: Theme.space2
+        width: parent.width
     }
-
+    Label {
+        color: Theme.textSecondary
+        horizontalAlignment: Text.AlignHCenter
+        lineHeight: 1.2
+        text: empty.sentence
+        width: parent.width
+        wrapMode: Text.Wrap
+    }
+    Item {
+        height: Theme.space2
+        visible: button.visible
+        width: 1
+    }
     GlassButton {
+        id: button
+
         anchors.horizontalCenter: parent.horizontalCenter
-        visible: empty.action !== ""
         text: empty.action
+        visible: empty.action.length > 0
+
         onClicked: empty.acted()
     }
 }

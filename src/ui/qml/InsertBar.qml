@@ -14,64 +14,67 @@ Rectangle {
 
     signal insertAsked
 
-    implicitHeight: column.implicitHeight + 2 * Theme.space3
-    radius: 14
-    color: Theme.glassFill
     border.color: Theme.glassBorder
+    color: Theme.glassFill
+    implicitHeight: column.height + 2 * column.y
+    radius: 14
 
     Column {
         id: column
 
+        spacing: Theme.space2
+        width: parent.width - 2 * x
         x: Theme.space3
         y: Theme.space3
-        width: parent.width - 2 * Theme.space3
-        spacing: Theme.space2
 
         T.Button {
             id: button
 
-            width: parent.width
-            height: 38
-            visible: bar.insertable
+            activeFocusOnTab: true
             enabled: !bar.busy
-            text: bar.busy ? qsTr("Inserting…") : qsTr("Insert at Playhead")
+            focusPolicy: Qt.TabFocus
+            height: 38
+            hoverEnabled: true
             opacity: enabled ? 1 : 0.6
+            text: bar.busy ? qsTr("Inserting…") : qsTr("Insert at Playhead")
+            visible: bar.insertable
+            width: parent.width
+
+            Accessible.description: bar.destination
+            Accessible.name: text
+            Accessible.role: Accessible.Button
+            Accessible.onPressAction: button.press()
+
+            Keys.onEnterPressed: press()
+            Keys.onReturnPressed: press()
+
             onClicked: bar.insertAsked()
 
-            Accessible.role: Accessible.Button
-            Accessible.name: text
-            Accessible.description: bar.destination
-            Accessible.onPressAction: button.clicked()
+            function press(): void {
+                if (enabled)
+                    clicked();
+            }
 
             background: Rectangle {
                 radius: Theme.controlRadius
+
                 gradient: Gradient {
                     orientation: Gradient.Horizontal
 
-                    GradientStop {
-                        position: 0
-                        color: Theme.accent
-                    }
-                    GradientStop {
-                        position: 1
-                        color: Theme.pink
-                    }
+                    GradientStop { color: Theme.accent; position: 0 }
+                    GradientStop { color: Theme.pink; position: 1 }
                 }
 
                 Rectangle {
                     anchors.fill: parent
+                    color: button.down ? Qt.rgba(0, 0, 0, 0.14)
+                                       : Qt.rgba(1, 1, 1, button.hovered && button.enabled ? 0.1 : 0)
                     radius: parent.radius
-                    color: button.down ? "#26000000" : button.hovered ? "#1fffffff" : "transparent"
                 }
-
-                Rectangle {
-                    anchors.fill: parent
-                    anchors.margins: -3
-                    radius: parent.radius + 3
-                    visible: button.visualFocus
-                    color: "transparent"
-                    border.width: 2
-                    border.color: Theme.accent
+                FocusRing {
+                    anchors.margins: -4
+                    radius: Theme.controlRadius + 4
+                    shown: button.visualFocus
                 }
             }
             contentItem: Item {
@@ -79,51 +82,43 @@ Rectangle {
                     anchors.centerIn: parent
                     spacing: Theme.space2
 
-                    Text {
+                    Icon {
                         id: sign
 
                         anchors.verticalCenter: parent.verticalCenter
-                        font.family: Theme.iconFamily
-                        font.pixelSize: 16
-                        color: Theme.onAccent
+                        color: Theme.accentInk
+                        size: 17
                         text: bar.busy ? "autorenew" : "south_east"
 
                         RotationAnimation on rotation {
-                            running: bar.busy && button.visible && !Theme.reducedMotion
-                            from: 0
-                            to: 360
                             duration: 900
+                            from: 0
                             loops: Animation.Infinite
+                            running: bar.busy && button.visible && !Theme.reducedMotion
+                            to: 360
+
                             onStopped: sign.rotation = 0
                         }
                     }
-
-                    Text {
+                    Label {
                         anchors.verticalCenter: parent.verticalCenter
-                        font.family: Theme.family
-                        font.pixelSize: Theme.bodySize
+                        color: Theme.accentInk
                         font.weight: Font.Bold
-                        color: Theme.onAccent
-                        textFormat: Text.PlainText
                         text: button.text
+
+                        Accessible.ignored: true
                     }
                 }
             }
         }
-
-        Text {
-            width: parent.width
-            horizontalAlignment: Text.AlignHCenter
-            wrapMode: Text.Wrap
-            font.family: Theme.family
-            font.pixelSize: Theme.secondarySize
-            lineHeight: 1.15
+        Label {
             color: Theme.textSecondary
-            textFormat: Text.PlainText
+            font.pixelSize: Theme.secondarySize
+            horizontalAlignment: Text.AlignHCenter
+            lineHeight: 1.15
             text: bar.destination
-
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
+            width: parent.width
+            wrapMode: Text.Wrap
         }
     }
 }

@@ -4,116 +4,90 @@ import QtQuick
 import Cratewell
 
 // The focused asset in large, and what can be done with it.
-Item {
+GlassPanel {
     id: inspector
 
     readonly property int margin: 15
 
-    Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Preview")
+    Accessible.role: Accessible.Pane
 
-    SelectionInfo {
-        id: selection
-    }
-
-    ThumbnailSource {
-        id: thumbnails
-    }
-
-    Rectangle {
-        anchors.fill: parent
-        radius: Theme.panelRadius
-        color: Theme.panelFill
-        border.color: Theme.glassBorder
-    }
+    SelectionInfo { id: selection }
+    ThumbnailSource { id: thumbnails }
 
     EmptyState {
         anchors.centerIn: parent
-        width: 240
-        visible: !selection.present
-        icon: "touch_app"
-        tintStart: Theme.accent
-        tintEnd: Theme.pink
-        title: qsTr("Nothing selected")
+        end: Theme.pink
         sentence: qsTr("Choose an asset to see it here and place it on your timeline.")
+        start: Theme.accent
+        symbol: "touch_app"
+        title: qsTr("Nothing selected")
+        visible: !selection.present
+        width: 250
     }
-
     Item {
         anchors.fill: parent
         anchors.margins: inspector.margin
         visible: selection.present
 
-        Text {
+        Label {
             id: name
 
-            width: favorite.x - Theme.space2
-            elide: Text.ElideRight
-            font.family: Theme.family
+            anchors.left: parent.left
+            anchors.right: favorite.left
+            anchors.rightMargin: Theme.space2
             font.pixelSize: Theme.headingSize
             font.weight: Font.Bold
-            color: Theme.text
-            textFormat: Text.PlainText
             text: selection.name
 
             Accessible.role: Accessible.Heading
-            Accessible.name: text
         }
-
-        Text {
-            id: place
-
-            y: name.height + 1
-            width: name.width
-            elide: Text.ElideMiddle
-            font.family: Theme.family
-            font.pixelSize: Theme.secondarySize
+        Label {
+            anchors.left: parent.left
+            anchors.right: name.right
+            anchors.top: name.bottom
             color: Theme.textSecondary
-            textFormat: Text.PlainText
+            elide: Text.ElideMiddle
+            font.pixelSize: Theme.secondarySize
             text: selection.place
-
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
         }
-
         StarButton {
             id: favorite
 
             anchors.right: parent.right
             anchors.rightMargin: -6
-            y: 0
-            checked: selection.favorite
-            onToggleAsked: selection.toggleFavorite()
-        }
+            favorite: selection.favorite
 
+            onClicked: selection.toggleFavorite()
+        }
         Rectangle {
             anchors.fill: picture
-            radius: picture.radius
             color: "black"
+            radius: picture.radius
         }
-
         ThumbnailItem {
             id: picture
 
-            y: 44
-            width: parent.width
+            active: selection.present
             height: Math.round(width * 9 / 16)
+            iconFamily: Theme.iconFamily
+            kind: selection.kind
             radius: Theme.controlRadius
             source: thumbnails
             url: selection.url
-            kind: selection.kind
-            active: selection.present
-            iconFamily: Theme.iconFamily
+            width: parent.width
+            y: 44
 
-            Accessible.role: Accessible.Graphic
             Accessible.name: qsTr("Preview of %1").arg(selection.name)
+            Accessible.role: Accessible.Graphic
         }
-
         InsertBar {
             anchors.bottom: parent.bottom
-            width: parent.width
-            insertable: selection.insertable
             busy: Inserter.busy
             destination: selection.destination
+            insertable: selection.insertable
+            width: parent.width
+
             onInsertAsked: Inserter.insertSelected()
         }
     }

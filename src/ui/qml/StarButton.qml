@@ -5,32 +5,46 @@ import QtQuick.Templates as T
 import Cratewell
 
 // Whether an asset is a favorite, and the press that changes it.
-T.AbstractButton {
-    id: button
+T.Button {
+    id: control
 
-    signal toggleAsked
+    required property bool favorite
 
-    width: 32
-    height: 32
-    text: checked ? qsTr("Remove from Favorites") : qsTr("Add to Favorites")
-    onClicked: toggleAsked()
+    activeFocusOnTab: true
+    focusPolicy: Qt.TabFocus
+    hoverEnabled: true
+    implicitHeight: 32
+    implicitWidth: 32
+    text: favorite ? qsTr("Remove from Favorites") : qsTr("Add to Favorites")
 
-    Accessible.role: Accessible.Button
     Accessible.name: text
-    Accessible.onPressAction: button.clicked()
+    Accessible.role: Accessible.Button
+    Accessible.onPressAction: control.clicked()
+
+    Keys.onEnterPressed: clicked()
+    Keys.onReturnPressed: clicked()
 
     background: Rectangle {
+        color: control.down ? Theme.controlFillPressed : control.hovered ? Theme.controlFill : "transparent"
         radius: Theme.controlRadius
-        color: button.hovered || button.down ? Theme.controlFill : "transparent"
-        border.width: button.visualFocus ? 2 : 0
-        border.color: Theme.accent
+
+        FocusRing {
+            anchors.margins: 0
+            radius: Theme.controlRadius
+            shown: control.visualFocus
+        }
     }
-    contentItem: Text {
-        horizontalAlignment: Text.AlignHCenter
-        verticalAlignment: Text.AlignVCenter
-        font.family: Theme.iconFamily
-        font.pixelSize: 20
-        color: button.checked ? Theme.amber : Theme.textSecondary
-        text: button.checked ? "star" : "star_border"
+    contentItem: Item {
+        Icon {
+            anchors.centerIn: parent
+            color: control.favorite ? Theme.amber : Theme.textSecondary
+            size: 20
+            text: control.favorite ? "star" : "star_border"
+        }
+    }
+
+    HelpTip {
+        text: control.text
+        wanted: control.hovered && !control.down
     }
 }

@@ -1,6 +1,7 @@
 #include "vault/internal/crawl.h"
 
 #include <algorithm>
+#include <cstring>
 #include <thread>
 
 namespace cratewell {
@@ -26,32 +27,32 @@ Location childUrl(const Location &folder, QByteArrayView name)
 {
     const QByteArray &path = folder.bytes();
     QByteArray joined(path.size() + 1 + name.size(), Qt::Uninitialized);
-    char *end = std::ranges::copy(path, joined.data()).out;
-    *end++ = '/';
-    std::ranges::copy(name, end);
+    char *out = joined.data();
+    std::memcpy(out, path.data(), size_t(path.size()));
+    out[path.size()] = '/';
+    std::memcpy(out + path.size() + 1, name.data(), size_t(name.size()));
     return Location::fromStandardized(std::move(joined));
 }
 
 bool sameFacts(const Asset &asset, const ListedEntry &entry)
 {
-    return asset.size == entry.size && asset.added == entry.added && asset.version == entry.version &&
-           asset.kind == entry.kind;
+    return asset.added == entry.added && asset.version == entry.version && asset.kind == entry.kind;
 }
 
 // Whether a chunk would come out exactly like `chunk`.
-bool holdsSame(const FolderListing &listing, const FolderChunk &chunk)
+bool holdsSame(const FolderReader &reader, const FolderChunk &chunk)
 {
     size_t position = 0;
     size_t child = 0;
-    for (const ListedEntry &entry : listing.entries()) {
+    for (const ListedEntry &entry : reader.entries()) {
         if (entry.type == ListedEntry::Type::Folder) {
             if (child == chunk.children.size() || chunk.children[child].position != position ||
-                chunk.children[child].url.nameBytes() != listing.name(entry))
+                chunk.children[child].url.nameBytes() != reader.name(entry))
                 return false;
             ++child;
         } else if (entry.type == ListedEntry::Type::File) {
             if (position == chunk.assets.size() || !sameFacts(chunk.assets[position], entry) ||
-                chunk.name(position) != listing.name(entry))
+                chunk.name(position) != reader.name(entry))
                 return false;
             ++position;
         }
@@ -151,27 +152,27 @@ void Crawl::perform(const Job &job)
 
 void Crawl::list(CrawledFolder &folder)
 {
-    using LinkedFolder = FolderListing::LinkedFolder;
+    using LinkedFolder = FolderReader::LinkedFolder;
     // A category may be kept on another disk through a link; below it links to folders are not followed.
     const LinkedFolder linked = folder.parent ? LinkedFolder::Refuse : LinkedFolder::Follow;
-    folder.listing = std::make_unique<FolderListing>(folder.url, folder.category, linked);
-    folder.identity = folder.listing->identity();
+    folder.reader = std::make_unique<FolderReader>(folder.url, folder.category, linked);
+    folder.identity = folder.reader->identity();
     if (folder.depth > deepestFolder || liesInItself(folder))
-        folder.listing->clear();
+        folder.reader->clear();
 
     std::vector<Job> jobs;
-    for (const ListedEntry &entry : folder.listing->entries()) {
+    for (const ListedEntry &entry : folder.reader->entries()) {
         if (entry.type != ListedEntry::Type::Folder)
             continue;
         auto child = std::make_unique<CrawledFolder>();
         child->parent = &folder;
-        child->url = childUrl(folder.url, folder.listing->name(entry));
+        child->url = childUrl(folder.url, folder.reader->name(entry));
         child->category = folder.category;
         child->depth = folder.depth + 1;
         jobs.push_back({child.get()});
         folder.children.push_back(std::move(child));
     }
-    const size_t entries = folder.listing->entries().size();
+    const size_t entries = folder.reader->entries().size();
     const size_t parts = std::max<size_t>(1, entries / filesPerPart);
     folder.unreadParts = parts;
     for (size_t part = 1; part < parts; ++part)
@@ -182,41 +183,40 @@ void Crawl::list(CrawledFolder &folder)
 
 void Crawl::readPart(CrawledFolder &folder, size_t first, size_t last)
 {
-    folder.listing->readDetails(first, last);
+    folder.reader->readDetails(first, last);
     if (--folder.unreadParts == 0)
         makeChunk(folder);
 }
 
 void Crawl::makeChunk(CrawledFolder &folder)
 {
-    const FolderListing &listing = *folder.listing;
+    const FolderReader &reader = *folder.reader;
     const PictureFolder *earlier = m_before ? m_before->folder(folder.url) : nullptr;
     ++m_folders;
-    if (earlier && holdsSame(listing, *earlier->chunk)) {
+    if (earlier && holdsSame(reader, *earlier->chunk)) {
         ++m_keptFolders;
         folder.chunk = earlier->chunk;
         m_assets += folder.chunk->assets.size();
-        folder.listing.reset();
+        folder.reader.reset();
         return;
     }
     std::vector<Asset> assets;
     std::vector<ChildFolder> children;
-    assets.reserve(
-        size_t(std::ranges::count(listing.entries(), ListedEntry::Type::File, &ListedEntry::type)));
+    assets.reserve(size_t(std::ranges::count(reader.entries(), ListedEntry::Type::File, &ListedEntry::type)));
     children.reserve(folder.children.size());
-    for (const ListedEntry &entry : listing.entries()) {
+    for (const ListedEntry &entry : reader.entries()) {
         if (entry.type == ListedEntry::Type::Folder) {
             children.push_back({folder.children[children.size()]->url, quint32(assets.size())});
         } else if (entry.type == ListedEntry::Type::File) {
-            const QByteArrayView name = listing.name(entry);
+            const QByteArrayView name = reader.name(entry);
             const std::optional<quint32> known = earlier ? earlier->chunk->find(name) : std::nullopt;
             Location url = known ? earlier->chunk->assets[*known].url : childUrl(folder.url, name);
-            assets.push_back({std::move(url), entry.kind, entry.size, entry.added, entry.version});
+            assets.push_back({std::move(url), entry.kind, entry.version.size, entry.added, entry.version});
         }
     }
     m_assets += assets.size();
     folder.chunk = std::make_shared<const FolderChunk>(folder.url, std::move(assets), std::move(children));
-    folder.listing.reset();
+    folder.reader.reset();
 }
 
 } // namespace cratewell

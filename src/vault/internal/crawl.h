@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vault/internal/folder_listing.h"
+#include "vault/internal/folder_reader.h"
 #include "vault/internal/picture_data.h"
 
 #include <atomic>
@@ -17,11 +17,11 @@ struct CrawledFolder
     Location url;
     VaultCategory category = VaultCategory::Overlays;
     int depth = 0;
-    FolderListing::Identity identity;
+    FolderReader::Identity identity;
     std::shared_ptr<const FolderChunk> chunk;
     std::vector<std::unique_ptr<CrawledFolder>> children; // in listing order, one for each of the chunk's
 
-    std::unique_ptr<FolderListing> listing; // until the chunk is made
+    std::unique_ptr<FolderReader> reader; // until the chunk is made
     std::atomic<size_t> unreadParts = 0;
 };
 

@@ -6,7 +6,9 @@ namespace cratewell {
 
 QByteArrayView baseNameOf(QByteArrayView name)
 {
-    const qsizetype dot = name.lastIndexOf('.');
+    qsizetype dot = name.size() - 1;
+    while (dot > 0 && name[dot] != '.')
+        --dot;
     return dot > 0 ? name.first(dot) : name;
 }
 
@@ -14,10 +16,9 @@ FolderChunk::FolderChunk(Location folder, std::vector<Asset> ownAssets, std::vec
     : url(std::move(folder)), assets(std::move(ownAssets)), children(std::move(ownChildren)),
       lowerName(url.name().toLower())
 {
-    size_t bytes = 0;
-    for (size_t i = 0; i < assets.size(); ++i)
-        bytes += size_t(baseName(i).size());
-    names.reserve(assets.size(), bytes);
+    for (const Asset &asset : assets)
+        nameBytes += size_t(asset.url.bytes().size() - url.bytes().size() - 1);
+    names.reserve(assets.size(), nameBytes);
     m_slots.resize(assets.empty() ? 0 : std::bit_ceil(assets.size() + assets.size() / 2 + 1));
     for (size_t i = 0; i < assets.size(); ++i) {
         totalSize += assets[i].size;

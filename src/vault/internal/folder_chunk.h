@@ -27,6 +27,7 @@ struct FolderChunk
     std::vector<Asset> assets;
     std::vector<ChildFolder> children;
     qint64 totalSize = 0;
+    size_t nameBytes = 0; // of all names together
     QString lowerName;
     quint8 kinds = 0; // one bit for each AssetKind that occurs
     SearchText names;

@@ -29,6 +29,7 @@ FolderNode PictureBuilder::add(const CrawledFolder &folder)
     m_data.folders.push_back({folder.chunk, {}, nullptr});
     m_data.folderIndex.insert(chunk.url, index);
     m_data.totalSize += chunk.totalSize;
+    m_data.nameBytes += chunk.nameBytes;
 
     FolderNode node;
     node.url = chunk.url;
@@ -52,7 +53,9 @@ void PictureBuilder::addRun(quint32 folder, quint32 from, quint32 to)
     if (from == to)
         return;
     PictureFolder &holder = m_data.folders[folder];
-    holder.runs.push_back({from, AssetIndex(m_data.assets.size()), to - from});
+    const AssetIndex first = AssetIndex(m_data.assets.size());
+    holder.runs.push_back({from, first, to - from});
+    m_data.runs.push_back({holder.chunk.get(), from, first, to - from});
     for (quint32 i = from; i < to; ++i)
         m_data.assets.push_back(&holder.chunk->assets[i]);
 }

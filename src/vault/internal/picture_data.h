@@ -16,6 +16,15 @@ struct FolderRun
     quint32 count = 0;
 };
 
+// The same, seen from the flat list.
+struct FlatRun
+{
+    const FolderChunk *chunk = nullptr;
+    quint32 position = 0;
+    AssetIndex first = 0;
+    quint32 count = 0;
+};
+
 struct PictureFolder
 {
     std::shared_ptr<const FolderChunk> chunk;
@@ -32,6 +41,8 @@ struct PictureData
     bool scanned = false;
     std::vector<PictureFolder> folders; // depth first in listing order, category after category
     std::vector<const Asset *> assets;  // the flat list; they live in the chunks
+    std::vector<FlatRun> runs;          // ascending; all assets
+    size_t nameBytes = 0;               // of all assets' names together
     QHash<Location, quint32> folderIndex;
     std::array<FolderNode, allCategories.size()> trees;
     std::array<std::vector<AssetIndex>, assetOrderCount> orders;

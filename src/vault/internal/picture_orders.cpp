@@ -1,14 +1,13 @@
 #include "vault/internal/picture_orders.h"
 
+#include "vault/internal/key_sorter.h"
 #include "vault/internal/name_collation.h"
 #include "vault/internal/picture_changes.h"
 
 #include <algorithm>
-#include <cstring>
+#include <bit>
 #include <numeric>
 #include <thread>
-
-#include <QtEndian>
 
 namespace cratewell {
 
@@ -16,30 +15,44 @@ namespace {
 
 using Order = std::vector<AssetIndex>;
 
-// By code point. Bytes of UTF-8 are ordered so already; stray bytes stand for U+DC80 to U+DCFF.
+// Bytes that order like a name's code points. Those of UTF-8 do so by themselves; the stray ones of a name
+// that is not UTF-8 stand for U+DC80 to U+DCFF and are written as those would be.
+QByteArray codePointBytes(QByteArrayView name)
+{
+    QByteArray bytes;
+    for (const uint point : textFromBytes(name).toUcs4()) {
+        if (point < 0xdc80 || point > 0xdcff) {
+            bytes += QString::fromUcs4(reinterpret_cast<const char32_t *>(&point), 1).toUtf8();
+            continue;
+        }
+        bytes += char(0xe0 | point >> 12);
+        bytes += char(0x80 | (point >> 6 & 0x3f));
+        bytes += char(0x80 | (point & 0x3f));
+    }
+    return bytes;
+}
+
 int compareCodePoints(QByteArrayView a, QByteArrayView b)
 {
     if (a.isValidUtf8() && b.isValidUtf8())
         return a.compare(b);
-    const QList<uint> left = textFromBytes(a).toUcs4();
-    const QList<uint> right = textFromBytes(b).toUcs4();
-    return left == right ? 0 : left < right ? -1 : 1;
+    return codePointBytes(a).compare(codePointBytes(b));
 }
 
-// Audio, LUT, Still, Video: by label.
+// Audio, LUT, Still, Video: by label. Never 0, since it begins a key.
 int labelRank(AssetKind kind)
 {
     switch (kind) {
     case AssetKind::Audio:
-        return 0;
-    case AssetKind::Lut:
         return 1;
-    case AssetKind::Image:
+    case AssetKind::Lut:
         return 2;
-    case AssetKind::Video:
+    case AssetKind::Image:
         return 3;
+    case AssetKind::Video:
+        return 4;
     }
-    return 4;
+    return 5;
 }
 
 // How two assets stand in an order, -1, 0 or 1; equal ones keep the order of the flat list.
@@ -53,14 +66,20 @@ public:
         const int compared = compare(order, m_data.asset(a), m_data.asset(b));
         return compared != 0 ? compared < 0 : a < b;
     }
-    const NameCollation &names() const { return m_names; }
+    // Made when first asked for: not every order needs it, and it takes a while.
+    const NameCollation &names() const
+    {
+        if (!m_names)
+            m_names.emplace();
+        return *m_names;
+    }
 
 private:
     int compare(AssetOrder order, const Asset &a, const Asset &b) const
     {
         switch (order) {
         case AssetOrder::Name:
-            return m_names.compare(baseNameOf(a), baseNameOf(b));
+            return names().compare(baseNameOf(a), baseNameOf(b));
         case AssetOrder::Added:
             return int(a.added < b.added) - int(a.added > b.added);
         case AssetOrder::Kind:
@@ -74,23 +93,17 @@ private:
     }
 
     const PictureData &m_data;
-    NameCollation m_names;
+    mutable std::optional<NameCollation> m_names;
 };
 
-// The first eight bytes of a key as a number, so that most comparisons touch nothing else.
-quint64 leadingBytes(const uchar *key, size_t size)
+// Calls visit(index, base name) for all assets, in flat-list order.
+template<typename Visit> void forEachName(const PictureData &data, const Visit &visit)
 {
-    std::array<uchar, 8> bytes{};
-    std::memcpy(bytes.data(), key, std::min(size, bytes.size()));
-    return qFromBigEndian<quint64>(bytes.data());
+    for (const FlatRun &run : data.runs) {
+        for (quint32 i = 0; i < run.count; ++i)
+            visit(run.first + i, run.chunk->baseName(run.position + i));
+    }
 }
-
-struct KeyedAsset
-{
-    quint64 lead;
-    quint32 key; // where the whole key starts
-    AssetIndex index;
-};
 
 // Inserts `fresh`, sorted, into `kept`, sorted: looks up each place, since `fresh` is short.
 template<typename Before> Order insertInto(const Order &kept, const Order &fresh, const Before &before)
@@ -108,60 +121,95 @@ template<typename Before> Order insertInto(const Order &kept, const Order &fresh
     return result;
 }
 
-Order byName(const PictureData &data, const Comparison &comparison)
+// Names without a key of weights, in the collator's order.
+Order byCollator(const PictureData &data, const Comparison &comparison, const Order &indices)
 {
-    const AssetIndex count = AssetIndex(data.assets.size());
-    std::vector<uchar> keys;
-    std::vector<KeyedAsset> keyed;
     std::vector<std::pair<QCollatorSortKey, AssetIndex>> collated;
-    keyed.reserve(count);
-    size_t used = 0;
-    for (AssetIndex i = 0; i < count; ++i) {
-        const QByteArrayView name = baseNameOf(data.asset(i));
-        const size_t room = used + size_t(NameCollation::keySize(name.size()));
-        if (keys.size() < room)
-            keys.resize(std::max(room, 2 * keys.size()));
-        const uchar *end = comparison.names().writeKey(name, keys.data() + used);
-        if (!end) {
-            collated.emplace_back(comparison.names().collatorKey(name), i);
-            continue;
-        }
-        const size_t size = size_t(end - keys.data()) - used;
-        keyed.push_back({leadingBytes(keys.data() + used, size), quint32(used), i});
-        used += size;
-    }
-    std::ranges::sort(keyed, [&](const KeyedAsset &a, const KeyedAsset &b) {
-        if (a.lead != b.lead)
-            return a.lead < b.lead;
-        const auto text = [&](const KeyedAsset &one) {
-            return reinterpret_cast<const char *>(keys.data() + one.key);
-        };
-        const int compared = std::strcmp(text(a), text(b));
-        return compared != 0 ? compared < 0 : a.index < b.index;
-    });
+    collated.reserve(indices.size());
+    for (const AssetIndex index : indices)
+        collated.emplace_back(comparison.names().collatorKey(baseNameOf(data.asset(index))), index);
     std::ranges::sort(collated, [](const auto &a, const auto &b) {
         const int compared = a.first.compare(b.first);
         return compared != 0 ? compared < 0 : a.second < b.second;
     });
-    Order plain;
-    plain.reserve(keyed.size());
-    std::ranges::transform(keyed, std::back_inserter(plain), &KeyedAsset::index);
-    Order others;
-    std::ranges::transform(collated, std::back_inserter(others), [](const auto &one) { return one.second; });
+    Order order(collated.size());
+    std::ranges::transform(collated, order.begin(), [](const auto &one) { return one.second; });
+    return order;
+}
+
+Order byName(const PictureData &data, const Comparison &comparison, KeySorter &sorter)
+{
+    constexpr size_t mostPerByte = 4;
+    static_assert(NameCollation::keySize(1) <= mostPerByte);
+    sorter.begin(data.assets.size(), mostPerByte * data.nameBytes);
+    Order unkeyed;
+    forEachName(data, [&](AssetIndex index, QByteArrayView name) {
+        if (const uchar *end = comparison.names().writeKey(name, sorter.keyEnd()))
+            sorter.addKey(end, index);
+        else
+            unkeyed.push_back(index);
+    });
+    const Order plain = sorter.sorted();
+    if (unkeyed.empty())
+        return plain;
+    const Order others = byCollator(data, comparison, unkeyed);
     const auto before = [&](AssetIndex a, AssetIndex b) { return comparison.before(AssetOrder::Name, a, b); };
     if (others.size() < plain.size() / 16)
         return insertInto(plain, others, before);
-    Order result(count);
+    Order result(data.assets.size());
     std::ranges::merge(plain, others, result.begin(), before);
     return result;
 }
 
-Order byComparison(const PictureData &data, const Comparison &comparison, AssetOrder order)
+Order byKind(const PictureData &data, KeySorter &sorter)
 {
-    Order result(data.assets.size());
-    std::iota(result.begin(), result.end(), AssetIndex{0});
-    std::ranges::sort(result, [&](AssetIndex a, AssetIndex b) { return comparison.before(order, a, b); });
-    return result;
+    constexpr size_t mostPerByte = 3; // a stray byte is written as three
+    sorter.begin(data.assets.size(), mostPerByte * data.nameBytes);
+    forEachName(data, [&](AssetIndex index, QByteArrayView name) {
+        const QByteArray rewritten = name.isValidUtf8() ? QByteArray() : codePointBytes(name);
+        const QByteArrayView bytes = rewritten.isEmpty() ? name : QByteArrayView(rewritten);
+        uchar *end = sorter.keyEnd();
+        *end++ = uchar(labelRank(data.asset(index).kind));
+        end = std::ranges::copy(bytes, end).out;
+        *end++ = 0;
+        sorter.addKey(end, index);
+    });
+    return sorter.sorted();
+}
+
+// Orders like the number, as an unsigned one.
+quint64 ascending(qint64 number)
+{
+    return quint64(number) ^ quint64(1) << 63;
+}
+
+quint64 ascending(double number)
+{
+    const quint64 bits = std::bit_cast<quint64>(number + 0.0); // no negative zero
+    return bits >> 63 ? ~bits : bits | quint64(1) << 63;
+}
+
+template<typename Number> Order largestFirst(const PictureData &data, Number Asset::*field, KeySorter &sorter)
+{
+    sorter.begin(data.assets.size(), 0);
+    for (AssetIndex i = 0; i < data.assets.size(); ++i)
+        sorter.addNumber(~ascending(data.asset(i).*field), i);
+    return sorter.sorted();
+}
+
+Order fromScratch(const PictureData &data, const Comparison &comparison, AssetOrder order, KeySorter &sorter)
+{
+    switch (order) {
+    case AssetOrder::Name:
+        return byName(data, comparison, sorter);
+    case AssetOrder::Added:
+        return largestFirst(data, &Asset::added, sorter);
+    case AssetOrder::Kind:
+        return byKind(data, sorter);
+    case AssetOrder::Size:
+        return largestFirst(data, &Asset::size, sorter);
+    }
+    return {};
 }
 
 // What can be taken over from the orders of an earlier picture.
@@ -215,22 +263,22 @@ bool makeOrders(PictureData &data, const PictureData *before, const std::functio
 {
     const std::optional<Carried> carried =
         before && before->scanned ? carriedOver(*before, data) : std::optional<Carried>();
-    const auto make = [&](const Comparison &comparison, AssetOrder order) {
+    const auto make = [&](const Comparison &comparison, AssetOrder order, KeySorter &sorter) {
         Order &result = data.orders[size_t(order)];
         if (carried)
             result = carryOver(before->orders[size_t(order)], *carried, comparison, order);
-        else if (order == AssetOrder::Name)
-            result = byName(data, comparison);
         else
-            result = byComparison(data, comparison, order);
+            result = fromScratch(data, comparison, order, sorter);
     };
     std::jthread other([&] {
         const Comparison comparison(data);
-        make(comparison, AssetOrder::Name);
+        KeySorter sorter;
+        make(comparison, AssetOrder::Name, sorter);
     });
     const Comparison comparison(data);
-    for (const AssetOrder order : {AssetOrder::Added, AssetOrder::Kind, AssetOrder::Size}) {
-        make(comparison, order);
+    KeySorter sorter;
+    for (const AssetOrder order : {AssetOrder::Kind, AssetOrder::Added, AssetOrder::Size}) {
+        make(comparison, order, sorter);
         if (cancelled && cancelled())
             return false;
     }

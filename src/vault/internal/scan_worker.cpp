@@ -93,12 +93,12 @@ void ScanWorker::scan(Request request)
     std::optional<VaultChanges> result;
     if (auto picture = VaultScan::run(request.root, request.before, cancelled))
         result = VaultScan::compare(std::move(request.before), std::move(picture));
-    returnFreeMemory();
     {
         const std::scoped_lock lock(m_mutex);
         m_result = std::move(result);
     }
     m_finished();
+    returnFreeMemory();
 }
 
 } // namespace cratewell

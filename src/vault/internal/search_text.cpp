@@ -10,10 +10,13 @@ namespace cratewell {
 void appendLowerCased(QByteArrayView name, std::vector<char> &text)
 {
     const size_t start = text.size();
+    text.resize(start + size_t(name.size()));
+    char *out = text.data() + start;
     uchar seen = 0;
     for (const char byte : name) {
+        const bool upper = byte >= 'A' && byte <= 'Z';
+        *out++ = char(byte + (upper ? 'a' - 'A' : 0));
         seen |= uchar(byte);
-        text.push_back(byte >= 'A' && byte <= 'Z' ? char(byte - 'A' + 'a') : byte);
     }
     if (seen < 0x80)
         return;

@@ -15,24 +15,23 @@ struct ListedEntry
     quint16 nameSize = 0;
     Type type = Type::Unlisted;
     AssetKind kind = AssetKind::Video;
-    qint64 size = 0;
     double added = distantPast;
-    FileVersion version;
+    FileVersion version; // its size is the asset's
 };
 
 // The direct entries of one folder in the order the system lists them: subfolders and the files its category
 // accepts, nothing hidden. Reading names and reading details are two steps, since the second may be spread
 // over threads.
-class FolderListing
+class FolderReader
 {
 public:
     enum class LinkedFolder { Follow, Refuse };
 
     // Reads the names; a folder that cannot be read is empty.
-    FolderListing(const Location &folder, VaultCategory category, LinkedFolder linkedFolder);
-    ~FolderListing();
-    FolderListing(const FolderListing &) = delete;
-    FolderListing &operator=(const FolderListing &) = delete;
+    FolderReader(const Location &folder, VaultCategory category, LinkedFolder linkedFolder);
+    ~FolderReader();
+    FolderReader(const FolderReader &) = delete;
+    FolderReader &operator=(const FolderReader &) = delete;
 
     // What tells this folder from all others, whatever path led to it.
     struct Identity
@@ -46,7 +45,7 @@ public:
     const std::vector<ListedEntry> &entries() const { return m_entries; }
     QByteArrayView name(const ListedEntry &entry) const;
 
-    // Makes it the listing of an empty folder.
+    // From now on it is the reader of an empty folder.
     void clear() { m_entries.clear(); }
 
     // Reads size, dates and version of the files among the entries [first, last). What turns out to be no

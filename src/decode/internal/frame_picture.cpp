@@ -1,4 +1,4 @@
-#include "decode/frame_picture.h"
+#include "decode/internal/frame_picture.h"
 
 extern "C" {
 #include <libavutil/pixdesc.h>

@@ -192,8 +192,8 @@ TEST_F(ResolveBridgeTest, FindsTheAnswerAmongNoiseAndAfterAHang)
     replacePython("head -c 3000000 /dev/zero >&2; seq 100000\n" + answer);
     EXPECT_EQ(insert().message, u"Done"_s);
     // The answer was there before the process refused to end; a child of it keeps its output open.
-    replacePython(answer + "sleep 60 &\nexec sleep 60");
-    EXPECT_EQ(insert(300ms).message, u"Done"_s);
+    replacePython(answer + "sleep 3 &\nexec sleep 60");
+    EXPECT_EQ(insert(1500ms).message, u"Done"_s);
 }
 
 TEST_F(ResolveBridgeTest, KillsAScriptThatHangsInTheHost)

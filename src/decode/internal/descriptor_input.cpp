@@ -1,4 +1,4 @@
-#include "decode/descriptor_input.h"
+#include "decode/internal/descriptor_input.h"
 
 #include <cerrno>
 #include <cstdio>

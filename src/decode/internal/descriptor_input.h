@@ -1,6 +1,6 @@
 #pragma once
 
-#include "decode/ffmpeg_handles.h"
+#include "decode/internal/ffmpeg_handles.h"
 
 namespace cratewell::decode {
 

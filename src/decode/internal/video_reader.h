@@ -1,7 +1,7 @@
 #pragma once
 
-#include "decode/descriptor_input.h"
-#include "decode/orientation.h"
+#include "decode/internal/descriptor_input.h"
+#include "decode/internal/orientation.h"
 
 namespace cratewell::decode {
 

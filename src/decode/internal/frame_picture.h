@@ -1,7 +1,7 @@
 #pragma once
 
-#include "decode/ffmpeg_handles.h"
-#include "decode/orientation.h"
+#include "decode/internal/ffmpeg_handles.h"
+#include "decode/internal/orientation.h"
 
 namespace cratewell::decode {
 

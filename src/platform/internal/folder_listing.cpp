@@ -1,4 +1,4 @@
-#include "platform/linux/folder_listing.h"
+#include "platform/internal/folder_listing.h"
 
 #include <QHash>
 #include <dirent.h>
@@ -18,10 +18,33 @@ std::chrono::system_clock::time_point timeOf(const timespec &time)
         duration_cast<system_clock::duration>(seconds(time.tv_sec) + nanoseconds(time.tv_nsec)));
 }
 
+#ifdef Q_OS_MACOS
+const timespec &modified(const struct stat &facts)
+{
+    return facts.st_mtimespec;
+}
+const timespec &statusChanged(const struct stat &facts)
+{
+    return facts.st_ctimespec;
+}
+#else
+const timespec &modified(const struct stat &facts)
+{
+    return facts.st_mtim;
+}
+const timespec &statusChanged(const struct stat &facts)
+{
+    return facts.st_ctim;
+}
+#endif
+
 quint64 digestOf(QByteArrayView name, const struct stat &facts)
 {
-    return qHashMulti(0, name, quint64(facts.st_ino), quint64(facts.st_size), quint64(facts.st_mode),
-                      quint64(facts.st_mtim.tv_sec), quint64(facts.st_mtim.tv_nsec));
+    // A folder's own time and size move with its content, which has a listing of its own.
+    if (S_ISDIR(facts.st_mode))
+        return qHashMulti(0, name, quint64(facts.st_ino), quint64(facts.st_mode));
+    return qHashMulti(0, name, quint64(facts.st_ino), quint64(facts.st_mode), quint64(facts.st_size),
+                      quint64(modified(facts).tv_sec), quint64(modified(facts).tv_nsec));
 }
 
 } // namespace
@@ -40,7 +63,7 @@ FolderListing FolderListing::read(const QByteArray &path, Detail detail, Links l
     }
     struct stat facts = {};
     if (::fstat(descriptor, &facts) == 0)
-        listing.changed = timeOf(facts.st_ctim);
+        listing.changed = timeOf(statusChanged(facts));
     listing.opened = true;
     while (const dirent *entry = ::readdir(folder.get())) {
         if (entry->d_name[0] == '.')
@@ -50,11 +73,6 @@ FolderListing FolderListing::read(const QByteArray &path, Detail detail, Links l
             if (::fstatat(descriptor, entry->d_name, &facts, AT_SYMLINK_NOFOLLOW) != 0)
                 continue;
             isFolder = S_ISDIR(facts.st_mode);
-            // A folder's own time and size move with its content, which has a listing of its own.
-            if (isFolder) {
-                facts.st_mtim = {};
-                facts.st_size = 0;
-            }
             listing.digest += digestOf(entry->d_name, facts);
         }
         if (isFolder)

@@ -1,4 +1,4 @@
-#include "decode/video_reader.h"
+#include "decode/internal/video_reader.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,6 @@
-#include "vault/internal/folder_listing.h"
+#include "vault/internal/folder_reader.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -33,7 +34,7 @@ int readFacts(int folder, const char *name, int linkFlag, struct statx &facts)
 
 } // namespace
 
-FolderListing::FolderListing(const Location &folder, VaultCategory category, LinkedFolder linkedFolder)
+FolderReader::FolderReader(const Location &folder, VaultCategory category, LinkedFolder linkedFolder)
 {
     const int linkFlag = linkedFolder == LinkedFolder::Refuse ? O_NOFOLLOW : 0;
     m_descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOCTTY | linkFlag);
@@ -43,21 +44,25 @@ FolderListing::FolderListing(const Location &folder, VaultCategory category, Lin
     if (m_descriptor < 0 || fstat(m_descriptor, &facts) != 0)
         return;
     m_identity = {quint64(facts.st_dev), quint64(facts.st_ino)};
+    // On most file systems a folder's size grows with its names; a wrong guess costs nothing.
+    const size_t names = std::clamp<size_t>(size_t(facts.st_size) / 32, 16, 4096);
+    m_entries.reserve(names);
+    m_names.reserve(names * 32);
     readNames(category);
 }
 
-FolderListing::~FolderListing()
+FolderReader::~FolderReader()
 {
     if (m_descriptor >= 0)
         close(m_descriptor);
 }
 
-QByteArrayView FolderListing::name(const ListedEntry &entry) const
+QByteArrayView FolderReader::name(const ListedEntry &entry) const
 {
     return {m_names.data() + entry.nameStart, qsizetype(entry.nameSize)};
 }
 
-void FolderListing::readNames(VaultCategory category)
+void FolderReader::readNames(VaultCategory category)
 {
     alignas(dirent64) std::array<char, 32768> buffer;
     for (;;) {
@@ -73,7 +78,7 @@ void FolderListing::readNames(VaultCategory category)
     }
 }
 
-void FolderListing::addEntry(QByteArrayView name, uchar directoryType, VaultCategory category)
+void FolderReader::addEntry(QByteArrayView name, uchar directoryType, VaultCategory category)
 {
     if (name.startsWith('.'))
         return;
@@ -101,7 +106,7 @@ void FolderListing::addEntry(QByteArrayView name, uchar directoryType, VaultCate
     m_entries.push_back(entry);
 }
 
-void FolderListing::readDetails(size_t first, size_t last)
+void FolderReader::readDetails(size_t first, size_t last)
 {
     for (size_t i = first; i < last; ++i) {
         if (m_entries[i].type == ListedEntry::Type::File)
@@ -111,7 +116,7 @@ void FolderListing::readDetails(size_t first, size_t last)
 
 // A link counts as added when the link was made; its size and version are the target's. A link that leads
 // nowhere and a file that may not be looked at are listed without facts.
-void FolderListing::readDetails(ListedEntry &entry) const
+void FolderReader::readDetails(ListedEntry &entry) const
 {
     const char *name = m_names.data() + entry.nameStart;
     struct statx facts;
@@ -132,7 +137,6 @@ void FolderListing::readDetails(ListedEntry &entry) const
         entry.type = ListedEntry::Type::Unlisted;
         return;
     }
-    entry.size = qint64(facts.stx_size);
     entry.version = {facts.stx_ino, qint64(facts.stx_size),
                      facts.stx_mtime.tv_sec * 1'000'000'000 + facts.stx_mtime.tv_nsec};
 }

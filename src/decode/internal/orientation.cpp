@@ -1,4 +1,4 @@
-#include "decode/orientation.h"
+#include "decode/internal/orientation.h"
 
 #include <cstdlib>
 #include <cstring>

@@ -1,0 +1,80 @@
+#include "media/internal/file_opener.h"
+
+#include <QPromise>
+#include <atomic>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
+
+namespace cratewell {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int mostOpening = 32;
+std::atomic<int> opening = 0;
+
+OpenedFile openNow(const Location &file)
+{
+    int descriptor = -1;
+    do
+        descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    while (descriptor < 0 && errno == EINTR);
+    if (descriptor < 0)
+        return tl::unexpected(Error::fromErrno(errno, file.name()));
+    auto opened = std::make_shared<const OpenFile>(descriptor);
+
+    struct stat facts = {};
+    if (fstat(descriptor, &facts) != 0)
+        return tl::unexpected(Error::fromErrno(errno, file.name()));
+    if (!S_ISREG(facts.st_mode))
+        return tl::unexpected(Error{file.name() + u": not a file"_s});
+    return opened;
+}
+
+QFuture<OpenedFile> refused(const QString &reason)
+{
+    QPromise<OpenedFile> promise;
+    promise.start();
+    promise.addResult(tl::unexpected(Error{reason}));
+    promise.finish();
+    return promise.future();
+}
+
+} // namespace
+
+OpenFile::~OpenFile()
+{
+    if (m_descriptor >= 0)
+        close(m_descriptor);
+}
+
+QFuture<OpenedFile> openForReading(const Location &file)
+{
+    const QString silent = file.name() + u": the disk does not answer"_s;
+    if (opening.fetch_add(1) >= mostOpening) {
+        --opening;
+        return refused(silent);
+    }
+    QPromise<OpenedFile> promise;
+    QFuture<OpenedFile> future = promise.future();
+    promise.start();
+    try {
+        std::thread([file, promise = std::move(promise)]() mutable {
+            OpenedFile opened = openNow(file);
+            --opening;
+            promise.addResult(std::move(opened));
+            promise.finish();
+        }).detach();
+    } catch (const std::system_error &) {
+        --opening;
+        return refused(silent);
+    }
+    return future;
+}
+
+} // namespace cratewell

@@ -1,0 +1,262 @@
+#include "integrations/inserter.h"
+#include "platform/fakes/fake_applications.h"
+#include "platform/fakes/fake_file_events.h"
+#include "platform/fakes/fake_workspace.h"
+#include "platform/fakes/memory_defaults.h"
+#include "platform/system_paths.h"
+#include "state/app_state.h"
+#include "state/prefs.h"
+#include "support/wait.h"
+#include "vault/vault.h"
+
+#include <QCoro/QCoroFuture>
+#include <QElapsedTimer>
+#include <QPromise>
+#include <QSignalSpy>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+namespace cratewell::test {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
+
+const QString resolveId = u"com.blackmagic-design.DaVinciResolve"_s;
+const QString premiereId = u"com.adobe.PremierePro.24"_s;
+
+// Answers when the test says so.
+class FakeBridge final : public EditorBridge
+{
+public:
+    QCoro::Task<InsertResult> insert(const Asset &asset) override
+    {
+        inserted += asset.url.text();
+        m_promise = QPromise<InsertResult>();
+        m_promise.start();
+        return answerOf(m_promise.future());
+    }
+    void answer(const InsertResult &result)
+    {
+        m_promise.addResult(result);
+        m_promise.finish();
+    }
+
+    QStringList inserted;
+
+private:
+    static QCoro::Task<InsertResult> answerOf(QFuture<InsertResult> future) { co_return co_await future; }
+
+    QPromise<InsertResult> m_promise;
+};
+
+Asset asset(const QString &path, AssetKind kind)
+{
+    return {.url = Location::fromText(path), .kind = kind, .version = {}};
+}
+
+class InserterTest : public testing::Test
+{
+protected:
+    FakeApplications m_applications;
+    MemoryDefaults m_defaults;
+    SystemPaths m_paths = SystemPaths::below(Location::fromText(u"/nowhere"_s));
+    Prefs m_prefs{m_defaults, m_paths};
+    Vault m_vault{m_paths.defaultVault(), m_defaults, std::make_unique<FakeFileEvents>()};
+    FakeWorkspace m_workspace;
+    AppState m_state{m_vault, m_prefs, m_workspace};
+    FakeBridge m_resolve;
+    FakeBridge m_premiere;
+    std::unique_ptr<Inserter> m_inserter =
+        std::make_unique<Inserter>(m_prefs, m_state, m_applications, m_resolve, m_premiere);
+
+    const Asset m_smoke = asset(u"/v/Smoke.mov"_s, AssetKind::Video);
+    const Asset m_hit = asset(u"/v/Hit.wav"_s, AssetKind::Audio);
+    const Asset m_lut = asset(u"/v/Teal.cube"_s, AssetKind::Lut);
+};
+
+TEST_F(InserterTest, PicksTheEditorByPreferenceThenByWhatRunsThenByLastUse)
+{
+    using enum Target;
+    const struct
+    {
+        QString preference;
+        QStringList running;
+        QString activated;
+        std::optional<Target> asked;
+        std::optional<Target> picked;
+    } cases[] = {
+        {u"auto"_s, {}, {}, {}, {}},
+        {u"auto"_s, {u"org.example.Resolve"_s}, {}, {}, {}},
+        {u"auto"_s, {resolveId}, {}, {}, Resolve},
+        {u"auto"_s, {resolveId + u"Lite"_s}, {}, {}, Resolve},
+        {u"auto"_s, {premiereId}, {}, {}, Premiere},
+        {u"auto"_s, {premiereId, resolveId}, {}, {}, Resolve},
+        {u"auto"_s, {premiereId, resolveId}, premiereId, {}, Premiere},
+        {u"auto"_s, {resolveId}, premiereId, {}, Resolve},
+        {u"whatever"_s, {premiereId}, {}, {}, Premiere},
+        {u"resolve"_s, {premiereId}, {}, {}, Resolve},
+        {u"premiere"_s, {}, {}, {}, Premiere},
+        {u"premiere"_s, {}, {}, Resolve, Resolve},
+    };
+    for (const auto &[preference, running, activated, asked, picked] : cases) {
+        Inserter inserter(m_prefs, m_state, m_applications, m_resolve, m_premiere);
+        m_prefs.setInsertTarget(preference);
+        m_applications.setRunningSilently({});
+        inserter.start();
+        if (!activated.isEmpty()) {
+            m_applications.activate(activated);
+            m_applications.activate(u"llc.tolvan.cratewell"_s);
+        }
+        m_applications.setRunningSilently(running);
+        const bool decided = asked || preference == u"resolve" || preference == u"premiere";
+        EXPECT_EQ(inserter.pick(asked, Inserter::Refresh::No).has_value(), decided);
+        EXPECT_EQ(inserter.pick(asked, Inserter::Refresh::Yes), picked) << qPrintable(running.join(u' '));
+    }
+}
+
+TEST_F(InserterTest, FollowsWhichEditorsRun)
+{
+    m_applications.setRunningSilently({premiereId});
+    EXPECT_FALSE(m_inserter->premiereRunning());
+    m_inserter->start();
+    EXPECT_TRUE(m_inserter->premiereRunning());
+
+    QSignalSpy running(m_inserter.get(), &Inserter::runningChanged);
+    QSignalSpy target(m_inserter.get(), &Inserter::targetChanged);
+    m_applications.setRunning({premiereId, resolveId});
+    EXPECT_TRUE(m_inserter->resolveRunning());
+    m_applications.setRunning({resolveId, premiereId});
+    EXPECT_EQ(running.size(), 1);
+    m_applications.setRunning({});
+    EXPECT_FALSE(m_inserter->resolveRunning() || m_inserter->premiereRunning());
+    EXPECT_EQ(running.size(), 2);
+    EXPECT_EQ(target.size(), 2);
+    m_applications.activate(resolveId);
+    EXPECT_EQ(m_inserter->lastEditor(), Target::Resolve);
+    m_prefs.setBlendMode(u"add"_s);
+    EXPECT_EQ(target.size(), 4);
+}
+
+TEST_F(InserterTest, SaysWhereAnAssetWillGo)
+{
+    EXPECT_EQ(m_inserter->targetDescription(m_lut),
+              u"Open Resolve or Premiere to insert, or drag the asset onto your timeline."_s);
+    const struct
+    {
+        QString target;
+        QString track;
+        QString mode;
+        bool apply;
+        QString onVideo;
+        QString onAudio;
+    } cases[] = {
+        {u"resolve"_s, u"newTop"_s, u"screen"_s, true,
+         u"Goes to DaVinci Resolve at the playhead on a new top track, Screen blend."_s,
+         u"Goes to DaVinci Resolve at the playhead on the first free audio track."_s},
+        {u"premiere"_s, u"free"_s, u"softLight"_s, true,
+         u"Goes to Premiere Pro at the playhead on the highest free track, Soft Light blend."_s,
+         u"Goes to Premiere Pro at the playhead on the first free audio track."_s},
+        {u"resolve"_s, u"other"_s, u"Multiply"_s, true,
+         u"Goes to DaVinci Resolve at the playhead on the highest free track, Screen blend."_s,
+         u"Goes to DaVinci Resolve at the playhead on the first free audio track."_s},
+        {u"resolve"_s, u"newTop"_s, u"add"_s, false,
+         u"Goes to DaVinci Resolve at the playhead on a new top track."_s,
+         u"Goes to DaVinci Resolve at the playhead on the first free audio track."_s},
+    };
+    for (const auto &[target, track, mode, apply, onVideo, onAudio] : cases) {
+        m_prefs.setInsertTarget(target);
+        m_prefs.setOverlayTrack(track);
+        m_prefs.setBlendMode(mode);
+        m_prefs.setApplyBlendOnInsert(apply);
+        EXPECT_EQ(m_inserter->targetDescription(m_smoke), onVideo);
+        EXPECT_EQ(m_inserter->targetDescription(asset(u"/v/Leak.png"_s, AssetKind::Image)), onVideo);
+        EXPECT_EQ(m_inserter->targetDescription(m_hit), onAudio);
+        EXPECT_EQ(m_inserter->targetDescription(m_lut),
+                  u"LUTs are kept in your library. Drag one onto a clip or node to use it."_s);
+    }
+}
+
+TEST_F(InserterTest, CarriesOneInsertAtATime)
+{
+    m_applications.setRunningSilently({resolveId});
+    QStringList effects;
+    QObject::connect(m_inserter.get(), &Inserter::busyChanged,
+                     [&] { effects += m_inserter->busy() ? u"busy"_s : u"idle"_s; });
+    QObject::connect(m_inserter.get(), &Inserter::toastChanged, [&] { effects += m_inserter->toastText(); });
+    QObject::connect(&m_prefs, &Prefs::recentChanged, [&] { effects += u"recent"_s; });
+
+    m_state.setSelection(m_smoke);
+    m_inserter->insertSelected();
+    m_inserter->insert(m_hit);
+    m_inserter->insert(m_hit, Target::Premiere);
+    EXPECT_TRUE(m_inserter->busy());
+    m_resolve.answer({true, u"Inserted"_s});
+    ASSERT_TRUE(waitUntil([&] { return !m_inserter->busy(); }));
+    effects.removeDuplicates();
+    EXPECT_EQ(effects, (QStringList{u"busy"_s, u"idle"_s, u"Inserted"_s, u"recent"_s}));
+    EXPECT_EQ(m_prefs.recent().size(), 1);
+    EXPECT_TRUE(m_inserter->toastOk());
+
+    m_inserter->insert(m_hit, Target::Premiere);
+    m_premiere.answer({false, u"No panel"_s});
+    ASSERT_TRUE(waitUntil([&] { return !m_inserter->busy(); }));
+    EXPECT_EQ(m_inserter->toastText(), u"No panel"_s);
+    EXPECT_FALSE(m_inserter->toastOk());
+    EXPECT_EQ(m_prefs.recent().size(), 1);
+    EXPECT_EQ(m_resolve.inserted, QStringList(u"/v/Smoke.mov"_s));
+    EXPECT_EQ(m_premiere.inserted, QStringList(u"/v/Hit.wav"_s));
+}
+
+TEST_F(InserterTest, IgnoresLutsAndAsksForAnEditorWhereNoneRuns)
+{
+    m_inserter->insertSelected();
+    m_inserter->insert(m_lut);
+    m_inserter->insert(m_lut, Target::Resolve);
+    EXPECT_EQ(m_inserter->toastText(), QString());
+    m_inserter->insert(m_smoke);
+    EXPECT_FALSE(m_inserter->busy());
+    EXPECT_FALSE(m_inserter->toastOk());
+    EXPECT_EQ(m_inserter->toastText(),
+              u"Open DaVinci Resolve or Premiere Pro first. You can also drag any asset "
+              "straight onto your timeline."_s);
+    EXPECT_EQ(m_resolve.inserted + m_premiere.inserted, QStringList());
+}
+
+TEST_F(InserterTest, AToastStaysItsOwnTime)
+{
+    Inserter inserter(m_prefs, m_state, m_applications, m_resolve, m_premiere, {.ok = 80ms, .failed = 160ms});
+    const auto lifetime = [&](QElapsedTimer &since) {
+        EXPECT_TRUE(waitUntil([&] { return inserter.toastText().isEmpty(); }));
+        return since.elapsed();
+    };
+    QElapsedTimer since;
+    since.start();
+    inserter.toast(u"Moved"_s, true);
+    const qint64 good = lifetime(since);
+    EXPECT_GE(good, 79);
+
+    // The first one's time ends while the second stands.
+    inserter.toast(u"Moved"_s, true);
+    QTimer::singleShot(40ms, &inserter, [&] {
+        inserter.toast(u"Failed"_s, false);
+        since.restart();
+    });
+    ASSERT_TRUE(waitUntil([&] { return inserter.toastText() == u"Failed"; }));
+    EXPECT_GE(lifetime(since), 159);
+}
+
+TEST_F(InserterTest, MayGoWhileAnInsertIsUnderWay)
+{
+    m_inserter->insert(m_smoke, Target::Resolve);
+    m_inserter.reset();
+    m_resolve.answer({true, u"Inserted"_s});
+    // The answer is on its way before this.
+    bool passed = false;
+    QTimer::singleShot(0, [&] { passed = true; });
+    ASSERT_TRUE(waitUntil([&] { return passed; }));
+    EXPECT_EQ(m_prefs.recent().size(), 0);
+}
+
+} // namespace
+} // namespace cratewell::test

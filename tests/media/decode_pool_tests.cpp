@@ -1,0 +1,206 @@
+#include "made_media.h"
+#include "media/internal/decode_pool.h"
+#include "support/wait.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <csignal>
+#include <fcntl.h>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace cratewell::test {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+// Jobs named after their files; what happens to each is noted in the order it happens.
+class DecodePoolTest : public testing::Test
+{
+protected:
+    DecodePoolTest() { qputenv("CRATEWELL_STAND_IN_LOG", m_files.path(u"log"_s).toUtf8()); }
+
+    static Location standIn() { return Location::fromText(QStringLiteral(CRATEWELL_STAND_IN_WORKER)); }
+    static Location realWorker() { return Location::fromText(QStringLiteral(CRATEWELL_REAL_WORKER)); }
+
+    Location file(const QString &name, const QByteArray &content)
+    {
+        return Location::fromText(m_files.bytes(name, content));
+    }
+    Location at(const QString &name) const { return Location::fromText(m_files.path(name)); }
+
+    std::unique_ptr<PreviewRequest> submit(DecodePool &pool, const Location &place,
+                                           worker::JobKind kind = worker::JobKind::StillImage)
+    {
+        const std::string name = place.name().toStdString();
+        return pool.submit({.key = place.bytes(),
+                            .wish = {.file = place, .kind = kind, .maxSide = 64, .fraction = 0.5},
+                            .finished = [this, name](const DecodeResult &result) {
+                                m_results.push_back(name + (result ? "" : " failed"));
+                            }});
+    }
+
+    // Every job the stand-in was given.
+    std::vector<std::string> log() const
+    {
+        std::ifstream stream(m_files.path(u"log"_s).toStdString());
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(stream, line);)
+            lines.push_back(line);
+        return lines;
+    }
+    [[nodiscard]] bool waitForResults(size_t count)
+    {
+        return waitUntil([&] { return m_results.size() >= count; });
+    }
+
+    MadeMedia m_files;
+    std::vector<std::string> m_results;
+};
+
+TEST_F(DecodePoolTest, StartsTheNewestFirstAndNeverWhatWasDropped)
+{
+    DecodePool pool(standIn(), {.slots = 1});
+    std::vector<std::unique_ptr<PreviewRequest>> requests;
+    for (const QString &name : {u"a"_s, u"b"_s, u"c"_s, u"d"_s})
+        requests.push_back(submit(pool, file(name, name.toUtf8())));
+    requests[1].reset();
+    // Asked for again, it is the newest; a second request for it keeps it when the first is gone.
+    requests.push_back(submit(pool, at(u"a"_s)));
+    requests[0].reset();
+
+    ASSERT_TRUE(waitForResults(3));
+    EXPECT_THAT(m_results, ElementsAre("a", "d", "c"));
+    EXPECT_THAT(log(), ElementsAre("a", "d", "c"));
+}
+
+TEST_F(DecodePoolTest, DoesWhatWasStartedAndOnlyOnceAtATime)
+{
+    DecodePool pool(standIn(), {.slots = 2, .budget = 300ms});
+    auto first = submit(pool, file(u"slow"_s, "hang"));
+    ASSERT_TRUE(waitUntil([&] { return log().size() == 1; }));
+    first.reset();
+    auto again = submit(pool, at(u"slow"_s));
+    ASSERT_TRUE(waitForResults(1));
+    // Over, the same key is new work.
+    const auto later = submit(pool, file(u"slow"_s, "now quick"));
+    ASSERT_TRUE(waitForResults(2));
+    // A request that outlives its job has no say about the next one of that name.
+    const auto last = submit(pool, at(u"slow"_s));
+    again.reset();
+    ASSERT_TRUE(waitForResults(3));
+    EXPECT_THAT(m_results, ElementsAre("slow failed", "slow", "slow"));
+    EXPECT_THAT(log(), ElementsAre("hang", "now quick", "now quick"));
+}
+
+TEST_F(DecodePoolTest, AWorkerThatGoesWrongCostsItsJobAlone)
+{
+    DecodePool pool(standIn(), {.slots = 1, .budget = 500ms});
+    for (const QByteArray deed : {"die", "hang", "huge", "short", "unasked", "garbage"}) {
+        m_results.clear();
+        const auto after = submit(pool, file(u"after"_s, "fine"));
+        const auto bad = submit(pool, file(u"bad"_s, deed));
+        const auto before = submit(pool, file(u"before"_s, "fine"));
+        ASSERT_TRUE(waitForResults(3)) << deed.toStdString();
+        EXPECT_THAT(m_results, ElementsAre("before", "bad failed", "after")) << deed.toStdString();
+    }
+}
+
+TEST_F(DecodePoolTest, AWorkerKilledInTheMiddleOfAJobCostsThatJob)
+{
+    DecodePool pool(standIn(), {.slots = 1, .budget = 60s});
+    const auto next = submit(pool, file(u"next"_s, "fine"));
+    const auto killed = submit(pool, file(u"killed"_s, "hang"));
+    ASSERT_TRUE(waitUntil([&] { return log().size() == 1; }));
+    const auto workers = pool.workerProcessIds();
+    ASSERT_EQ(workers.size(), 1u);
+    kill(pid_t(workers.front()), SIGKILL);
+    ASSERT_TRUE(waitForResults(2));
+    EXPECT_THAT(m_results, ElementsAre("killed failed", "next"));
+    EXPECT_NE(pool.workerProcessIds(), workers);
+
+    // One that dies between jobs costs nothing.
+    kill(pid_t(pool.workerProcessIds().front()), SIGKILL);
+    const auto last = submit(pool, file(u"last"_s, "fine"));
+    ASSERT_TRUE(waitForResults(3));
+    EXPECT_EQ(m_results.back(), "last");
+}
+
+TEST_F(DecodePoolTest, WhatIsNoFileFailsWithoutWaiting)
+{
+    DecodePool pool(standIn(), {.slots = 1, .budget = 60s});
+    ASSERT_EQ(mkfifo(at(u"pipe"_s).c_str(), 0600), 0);
+    ASSERT_EQ(mkdir(at(u"folder"_s).c_str(), 0700), 0);
+    std::vector<std::unique_ptr<PreviewRequest>> requests;
+    for (const QString &name : {u"nothing"_s, u"folder"_s, u"pipe"_s})
+        requests.push_back(submit(pool, at(name)));
+    ASSERT_TRUE(waitForResults(3));
+    EXPECT_THAT(m_results, ElementsAre("pipe failed", "folder failed", "nothing failed"));
+    EXPECT_TRUE(log().empty());
+}
+
+TEST_F(DecodePoolTest, WithoutAWorkerProgramEachJobFailsOnce)
+{
+    DecodePool pool(at(u"no program"_s), {.slots = 2});
+    std::vector<std::unique_ptr<PreviewRequest>> requests;
+    for (const QString &name : {u"a"_s, u"b"_s, u"c"_s})
+        requests.push_back(submit(pool, file(name, "fine")));
+    ASSERT_TRUE(waitForResults(3));
+    EXPECT_THAT(m_results, testing::UnorderedElementsAre("a failed", "b failed", "c failed"));
+}
+
+TEST_F(DecodePoolTest, WorkersHoldNothingOfTheProgramAndEndWithIt)
+{
+    const int held = open(file(u"held"_s, "by the program").c_str(), O_RDONLY);
+    ASSERT_GE(held, 0);
+    auto pool = std::make_unique<DecodePool>(realWorker(), DecodePool::Limits{.slots = 1});
+    const auto request = submit(*pool, file(u"text"_s, "no picture"));
+    ASSERT_TRUE(waitForResults(1));
+    const auto workers = pool->workerProcessIds();
+    ASSERT_EQ(workers.size(), 1u);
+    const QDir descriptors(u"/proc/%1/fd"_s.arg(workers.front()));
+    for (const QString &name : descriptors.entryList(QDir::Files | QDir::System))
+        EXPECT_NE(QFileInfo(descriptors.filePath(name)).symLinkTarget(), m_files.path(u"held"_s));
+    close(held);
+
+    pool.reset();
+    EXPECT_NE(kill(pid_t(workers.front()), 0), 0);
+    EXPECT_EQ(m_results.size(), 1u);
+}
+
+#if !defined(CRATEWELL_SANITIZED)
+TEST_F(DecodePoolTest, AnIdleWorkerThatHasDoneEverythingIsSmall)
+{
+    DecodePool pool(realWorker(), {.slots = 1});
+    QImage large(6000, 4000, QImage::Format_RGB32);
+    large.fill(Qt::darkCyan);
+    const QString picture = m_files.image(u"large.jpg"_s, large);
+    const QString film = m_files.ffmpeg(
+        u"film.mp4"_s, {},
+        u"-f lavfi -i testsrc2=s=1920x1080:d=1 -c:v libx264 -preset ultrafast -pix_fmt yuv420p"_s.split(
+            u' '));
+    const QString heic =
+        m_files.heif(u"small.heic"_s, m_files.image(u"small.png"_s, fourColours({640, 360})));
+    const auto image = submit(pool, Location::fromText(picture));
+    const auto other = submit(pool, Location::fromText(heic));
+    const auto video = submit(pool, Location::fromText(film), worker::JobKind::VideoFrame);
+    ASSERT_TRUE(waitForResults(3));
+    EXPECT_THAT(m_results, testing::UnorderedElementsAre("large.jpg", "small.heic", "film.mp4"));
+
+    const auto workers = pool.workerProcessIds();
+    ASSERT_EQ(workers.size(), 1u);
+    const auto residentMegabytes = [&] {
+        std::ifstream facts("/proc/" + std::to_string(workers.front()) + "/statm");
+        long total = 0, resident = 0;
+        facts >> total >> resident;
+        return double(resident) * double(sysconf(_SC_PAGESIZE)) / 1e6;
+    };
+    EXPECT_TRUE(waitUntil([&] { return residentMegabytes() <= 40; })) << residentMegabytes();
+    RecordProperty("residentMegabytes", std::to_string(residentMegabytes()));
+}
+#endif
+
+} // namespace cratewell::test

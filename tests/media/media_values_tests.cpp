@@ -1,0 +1,129 @@
+#include "media/blend_mode.h"
+#include "media/internal/sunset_still.h"
+#include "media/internal/thumbnail_store.h"
+#include "media/media.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace cratewell::test {
+
+using namespace Qt::StringLiterals;
+
+TEST(TimeString, CountsTenthsBelowTenSecondsAndMinutesAbove)
+{
+    const double infinity = std::numeric_limits<double>::infinity();
+    const std::pair<double, QString> cases[]{{0, u"0.0s"_s},
+                                             {9.94, u"9.9s"_s},
+                                             {9.96, u"10.0s"_s},
+                                             {10, u"0:10"_s},
+                                             {75.9, u"1:15"_s},
+                                             {3725, u"62:05"_s},
+                                             {-1, u"0:00"_s},
+                                             {infinity, u"0:00"_s},
+                                             {-infinity, u"0:00"_s},
+                                             {std::nan(""), u"0:00"_s},
+                                             {1e300, u"150000000000000:00"_s}};
+    for (const auto &[seconds, text] : cases)
+        EXPECT_EQ(timeString(seconds), text) << seconds;
+}
+
+TEST(BlendModes, KnowTheirTextsAndTakeAnyOtherForScreen)
+{
+    const std::pair<QString, QString> texts[]{
+        {u"normal"_s, u"Normal"_s},   {u"screen"_s, u"Screen"_s},        {u"add"_s, u"Add"_s},
+        {u"overlay"_s, u"Overlay"_s}, {u"softLight"_s, u"Soft Light"_s}, {u"multiply"_s, u"Multiply"_s}};
+    size_t place = 0;
+    for (const BlendMode mode : allBlendModes) {
+        EXPECT_EQ(rawValue(mode), texts[place].first);
+        EXPECT_EQ(label(mode), texts[place].second);
+        EXPECT_EQ(blendModeFromRawValue(rawValue(mode)), mode);
+        ++place;
+    }
+    for (const QString &text : {QString(), u"Screen"_s, u"lighten"_s, u"softlight"_s, u"Multiply"_s})
+        EXPECT_EQ(blendModeFromRawValue(text), BlendMode::Screen) << text.toStdString();
+}
+
+// The colours follow from the drawing's own numbers at places where a single shape decides.
+TEST(SunsetStill, HasItsColoursAtKnownPlaces)
+{
+    const QImage image = sunsetStill({1600, 900});
+    struct Place
+    {
+        double x, y; // parts of width and height, from the bottom left
+        QRgb color;
+    };
+    const Place places[]{
+        {0.001, 0.999, qRgb(41, 46, 107)}, // the first colour of the sky
+        {0.05, 0.73, qRgb(158, 92, 158)},  // its second, where the glow does not reach
+        {0.62, 0.60, qRgb(238, 163, 119)}, // the glow at 0.225 of its radius, over the sky
+        {0.60, 0.42, qRgb(107, 64, 115)},  // the ranges of hills, back to front
+        {0.90, 0.42, qRgb(64, 36, 77)},     {0.80, 0.05, qRgb(28, 18, 38)},
+        {0.305, 0.40, qRgb(219, 153, 122)}, // the disc
+        {0.305, 0.20, qRgb(20, 20, 31)},    // the bar
+        {0.272, 0.02, qRgb(20, 20, 31)},    {0.338, 0.36, qRgb(20, 20, 31)},
+    };
+    for (const Place &place : places) {
+        const QRgb found = image.pixel(int(place.x * 1600), int((1 - place.y) * 900));
+        EXPECT_NEAR(qRed(found), qRed(place.color), 2) << place.x << ' ' << place.y;
+        EXPECT_NEAR(qGreen(found), qGreen(place.color), 2) << place.x << ' ' << place.y;
+        EXPECT_NEAR(qBlue(found), qBlue(place.color), 2) << place.x << ' ' << place.y;
+        EXPECT_EQ(qAlpha(found), 255) << place.x << ' ' << place.y;
+    }
+    EXPECT_TRUE(sunsetStill({0, 10}).isNull());
+}
+
+class ThumbnailStoreTest : public testing::Test
+{
+protected:
+    using State = ThumbnailStore::State;
+
+    static QImage picture()
+    {
+        QImage image(10, 10, QImage::Format_RGB32);
+        image.fill(Qt::red);
+        return image;
+    }
+    static Location at(const char *path) { return Location::fromBytes(path); }
+
+    const FileVersion m_old{.inode = 1, .size = 1, .modified = 1};
+    const FileVersion m_new{.inode = 1, .size = 1, .modified = 2};
+};
+
+TEST_F(ThumbnailStoreTest, LetsGoOfThePictureShownLongestAgo)
+{
+    ThumbnailStore store(3 * picture().sizeInBytes());
+    quint64 turn = 0;
+    for (const char *name : {"/a", "/b", "/c"})
+        store.put(at(name), m_old, ++turn, picture());
+    store.put(at("/bad"), m_old, ++turn, {});
+    EXPECT_FALSE(store.show(at("/a"), m_old).isNull());
+    store.put(at("/d"), m_old, ++turn, picture());
+    EXPECT_EQ(store.state(at("/a"), m_old), State::Ready);
+    EXPECT_EQ(store.state(at("/b"), m_old), State::Missing);
+    EXPECT_EQ(store.state(at("/c"), m_old), State::Ready);
+    EXPECT_EQ(store.state(at("/bad"), m_old), State::Failed);
+    EXPECT_EQ(store.bytes(), 3 * picture().sizeInBytes());
+
+    EXPECT_TRUE(store.forget(at("/a")));
+    store.put(at("/c"), m_old, ++turn, {});
+    EXPECT_EQ(store.bytes(), picture().sizeInBytes());
+}
+
+TEST_F(ThumbnailStoreTest, KeepsWhatWasAskedForLast)
+{
+    ThumbnailStore store(1 << 20);
+    EXPECT_TRUE(store.put(at("/a"), m_new, 2, picture()));
+    EXPECT_FALSE(store.put(at("/a"), m_old, 1, {}));
+    EXPECT_EQ(store.state(at("/a"), m_new), State::Ready);
+    EXPECT_EQ(store.state(at("/a"), m_old), State::Missing);
+    EXPECT_TRUE(store.show(at("/a"), m_old).isNull());
+
+    EXPECT_FALSE(store.forgetOthers(at("/a"), m_new));
+    EXPECT_TRUE(store.forgetOthers(at("/a"), m_old));
+    EXPECT_FALSE(store.forget(at("/a")));
+    EXPECT_EQ(store.bytes(), 0);
+}
+
+} // namespace cratewell::test
