@@ -202,7 +202,7 @@ TEST_F(JsonDefaultsTest, LosesNothingOlderThanASecondWhenKilled)
                 if (line.startsWith("count "))
                     told.emplace_back(clock.elapsed(), line.mid(6).toInt());
             }
-            return told.size() > 0 && told.last().first > 1500 + round * 37;
+            return !told.empty() && told.last().first > 1500 + round * 37;
         }));
         child.kill();
         ASSERT_TRUE(child.waitForFinished());

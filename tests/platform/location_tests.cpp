@@ -103,8 +103,7 @@ TEST(Location, CarriesAnyBytesThroughTextAndUris)
         "\xEF\xBB\xBFmark",
         "\xEF\xBB\xBF\xEF\xBB\xBF\xFFmark",
         "\xE2\x82",
-        "a\xF0\x9F\x8E\xFF"
-        "b",
+        "a\xF0\x9F\x8E\xFFz",
         "\xEF\xBF\xBD replacement",
         "\xC2\x80",
     };

@@ -67,6 +67,7 @@ TEST(SingleInstance, ElectsExactlyOneOfEightAndTheNextAfterAKill)
     const Location file = Location::fromText(folder.filePath(u"defaults.json"_s));
     for (int round = 0; round < 3; ++round) {
         std::vector<std::unique_ptr<Child>> children;
+        children.reserve(8);
         for (int i = 0; i < 8; ++i)
             children.push_back(std::make_unique<Child>(file));
         ASSERT_TRUE(test::waitUntil([&] {

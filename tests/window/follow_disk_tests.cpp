@@ -53,7 +53,7 @@ TEST(FollowingTheDisk, PositionFocusAndSelectionStayWhenFilesComeAndGo)
 {
     World world([](const QString &vault) {
         for (int i = 0; i < 200; ++i)
-            writeSound(vault + u"/SFX/Hits/Hit %1.wav"_s.arg(i, 3, 10, u'0'));
+            writeSound(vault + u"/SFX/Hits/Hit %1.wav"_s.arg(i, 3, 10, QChar(u'0')));
     });
     AppState &state = world.program().state();
     state.setSort(AssetOrder::Name);

@@ -65,7 +65,7 @@ TEST_F(Window, OpensAtItsSizeAndNamesEveryControl)
     EXPECT_EQ(world.window().size(), QSize(1320, 840));
     EXPECT_EQ(world.window().minimumSize(), QSize(1040, 640));
     EXPECT_EQ(world.controls().faults(), QStringList());
-    for (const auto name : {u"All Assets"_s, u"Favorites"_s, u"Recently Inserted"_s, u"Import"_s, u"Trash"_s,
+    for (const QString &name : {u"All Assets"_s, u"Favorites"_s, u"Recently Inserted"_s, u"Import"_s, u"Trash"_s,
                             u"New folder in Overlays"_s, u"New folder in LUTs"_s, u"New folder in SFX"_s,
                             u"Keep Cratewell above your editor"_s, u"Open the vault in Finder"_s,
                             u"Customize Cratewell"_s, u"Show or hide the preview"_s})

@@ -4,7 +4,6 @@
 #include "platform/defaults.h"
 #include "platform/fakes/fake_appearance.h"
 #include "platform/fakes/fake_applications.h"
-#include "platform/fakes/fake_file_chooser.h"
 #include "platform/fakes/fake_workspace.h"
 #include "platform/native.h"
 #include "state/app_state.h"
@@ -63,7 +62,6 @@ void World::start()
     services.applications = std::move(applications);
     services.workspace = std::move(workspace);
     services.appearance = std::make_unique<FakeAppearance>();
-    services.fileChooser = std::make_unique<FakeFileChooser>();
     m_program = std::make_unique<Application>(m_paths, std::move(services));
     if (!m_program->launch())
         qFatal("the window could not be loaded");

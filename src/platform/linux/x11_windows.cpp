@@ -149,6 +149,7 @@ bool X11Windows::activate(const QString &windowClass)
     std::vector<xcb_window_t> windows = d->windows(d->stacking);
     std::reverse(windows.begin(), windows.end());
     std::vector<xcb_get_property_cookie_t> cookies;
+    cookies.reserve(windows.size());
     for (const xcb_window_t window : windows)
         cookies.push_back(d->ask(window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, longestClass));
     xcb_window_t found = XCB_NONE;
