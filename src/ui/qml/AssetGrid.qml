@@ -218,12 +218,7 @@ T.Control {
                 onInsertAsked: Inserter.insertSelected()
             }
 
-            T.ScrollBar.vertical: ThinScrollBar {
-                anchors.bottom: view.parent.bottom
-                anchors.right: view.parent.right
-                anchors.top: view.parent.top
-                parent: view.parent
-            }
+            T.ScrollBar.vertical: bar
 
             NumberAnimation {
                 id: glide
@@ -233,6 +228,13 @@ T.Control {
                 property: "contentY"
                 target: view
             }
+        }
+        ThinScrollBar {
+            id: bar
+
+            anchors.bottom: parent.bottom
+            anchors.right: parent.right
+            anchors.top: parent.top
         }
     }
     EmptyState {
