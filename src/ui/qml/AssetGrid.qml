@@ -218,7 +218,11 @@ T.Control {
                 onInsertAsked: Inserter.insertSelected()
             }
 
-            T.ScrollBar.vertical: bar
+            T.ScrollBar.vertical: ThinScrollBar {
+                height: parent.height
+                parent: view.parent
+                x: parent.width - width
+            }
 
             NumberAnimation {
                 id: glide
@@ -228,13 +232,6 @@ T.Control {
                 property: "contentY"
                 target: view
             }
-        }
-        ThinScrollBar {
-            id: bar
-
-            anchors.bottom: parent.bottom
-            anchors.right: parent.right
-            anchors.top: parent.top
         }
     }
     EmptyState {
