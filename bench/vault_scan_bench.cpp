@@ -1,12 +1,13 @@
 // vault_scan_bench ROOT: times scans of the vault at ROOT and questions to its picture, in turn with `find`
 // reading the same facts. Prints a JSON list of rows {name, ours, peer, unit}; without a peer that is null.
-// Writes one file into SFX and takes it away again.
+// Puts one file into SFX for a moment. With --first before ROOT: the facts of one first scan, in one line.
 
 #include "vault/vault_scan.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QProcess>
 
 #include <algorithm>
 #include <chrono>
@@ -18,6 +19,7 @@
 #include <fcntl.h>
 #include <malloc.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -41,6 +43,19 @@ double median(std::vector<double> values)
     return values[values.size() / 2];
 }
 
+double medianMilliseconds(const std::function<void()> &work)
+{
+    std::vector<double> times(rounds);
+    std::ranges::generate(times, [&] { return milliseconds(work); });
+    return median(times);
+}
+
+[[noreturn]] void fail(const char *what)
+{
+    std::fprintf(stderr, "vault_scan_bench: %s\n", what);
+    std::exit(2);
+}
+
 void runFind(const char *root)
 {
     posix_spawn_file_actions_t actions;
@@ -52,7 +67,7 @@ void runFind(const char *root)
     if (posix_spawnp(&child, "find", &actions, nullptr, const_cast<char **>(arguments.data()), environ) !=
             0 ||
         waitpid(child, &status, 0) != child || status != 0)
-        std::exit(2);
+        fail("find does not run");
     posix_spawn_file_actions_destroy(&actions);
 }
 
@@ -64,7 +79,14 @@ double residentMegabytes()
     return double(pages) * double(sysconf(_SC_PAGESIZE)) / 1e6;
 }
 
-QJsonObject row(const QString &name, double ours, QJsonValue peer, const QString &unit)
+double mostResidentMegabytes()
+{
+    rusage usage;
+    getrusage(RUSAGE_SELF, &usage);
+    return double(usage.ru_maxrss) * 1024 / 1e6;
+}
+
+QJsonObject row(const QString &name, double ours, const QJsonValue &peer, const QString &unit)
 {
     return {{u"name"_s, name}, {u"ours"_s, ours}, {u"peer"_s, peer}, {u"unit"_s, unit}};
 }
@@ -77,51 +99,70 @@ Picture scan(const Location &root, const Picture &before)
     return VaultScan::compare(before, VaultScan::run(root, before)).after;
 }
 
-QJsonObject scanFirst(const Location &root)
+struct FirstScan
+{
+    double milliseconds = 0;
+    double megabytes = 0;
+    double mostMegabytes = 0;
+};
+
+void printFirstScan(const Location &root)
+{
+    const double before = residentMegabytes();
+    Picture picture;
+    const double time = milliseconds([&] { picture = scan(root, nullptr); });
+    malloc_trim(0);
+    std::printf("%f %f %f\n", time, residentMegabytes() - before, mostResidentMegabytes() - before);
+}
+
+// In a process of its own: a scan is the first one only once.
+FirstScan scanFirst(const char *program, const Location &root)
+{
+    QProcess process;
+    process.start(QString::fromLocal8Bit(program), {u"--first"_s, root.text()});
+    process.waitForFinished();
+    FirstScan facts;
+    if (std::sscanf(process.readAllStandardOutput().constData(), "%lf %lf %lf", &facts.milliseconds,
+                    &facts.megabytes, &facts.mostMegabytes) != 3)
+        fail("the first scan gave no numbers");
+    return facts;
+}
+
+QJsonArray firstScans(const char *program, const Location &root)
 {
     std::vector<double> ours;
     std::vector<double> peer;
+    FirstScan facts;
     for (int i = 0; i < rounds; ++i) {
-        Picture picture;
         peer.push_back(milliseconds([&] { runFind(root.c_str()); }));
-        ours.push_back(milliseconds([&] { picture = scan(root, nullptr); }));
-        picture.reset();
-        malloc_trim(0);
+        facts = scanFirst(program, root);
+        ours.push_back(facts.milliseconds);
     }
-    return row(u"first scan"_s, median(ours), median(peer), u"ms"_s);
+    return {row(u"first scan"_s, median(ours), median(peer), u"ms"_s),
+            row(u"memory of the picture"_s, facts.megabytes, {}, u"MB"_s),
+            row(u"most memory while scanning"_s, facts.mostMegabytes, {}, u"MB"_s)};
 }
 
-QJsonArray scanAgain(const Location &root)
+QJsonArray laterScans(const Location &root)
 {
-    const double empty = residentMegabytes();
-    Picture picture = scan(root, nullptr);
-    malloc_trim(0);
-    const double resident = residentMegabytes();
     const std::filesystem::path file = root.child("SFX"_ba).child("bench probe.wav"_ba).bytes().toStdString();
     std::vector<double> unchanged;
     std::vector<double> added;
     std::vector<double> first;
-    double mostResident = 0;
+    Picture picture = scan(root, nullptr);
     for (int i = 0; i < rounds; ++i) {
         unchanged.push_back(milliseconds([&] { picture = scan(root, picture); }));
         std::ofstream(file) << "x";
-        Picture next;
-        added.push_back(milliseconds([&] { next = scan(root, picture); }));
-        mostResident = std::max(mostResident, residentMegabytes());
-        picture.reset();
+        added.push_back(milliseconds([&] { picture = scan(root, picture); }));
         std::filesystem::remove(file);
-        first.push_back(milliseconds([&] { scan(root, nullptr); }));
-        picture = scan(root, next);
-        next.reset();
+        first.push_back(milliseconds([&] { picture = scan(root, nullptr); }));
         malloc_trim(0);
     }
     return {row(u"scan after one file was added"_s, median(added), median(first), u"ms"_s),
-            row(u"scan when nothing changed"_s, median(unchanged), median(first), u"ms"_s),
-            row(u"memory of the picture"_s, resident - empty, {}, u"MB"_s),
-            row(u"memory of two pictures during a rescan"_s, mostResident - empty, {}, u"MB"_s)};
+            row(u"scan when nothing changed"_s, median(unchanged), median(first), u"ms"_s)};
 }
 
-QJsonArray ask(const Location &root)
+QJsonArray questions(const Location &root)
 {
     const Picture picture = scan(root, nullptr);
     double slowest = 0;
@@ -129,37 +170,38 @@ QJsonArray ask(const Location &root)
     for (const QString &needle :
          {u"a"_s, u"e"_s, u"o"_s, u" "_s, u"_"_s, u"0"_s, u"oo"_s, u"00"_s, u"whoosh"_s, u"a b"_s,
           u"not there"_s, u"film leak"_s, u"st"_s, u"au"_s, u"1234"_s, u"\u00e9"_s}) {
-        std::vector<double> times;
-        for (int i = 0; i < rounds; ++i)
-            times.push_back(milliseconds([&] { picture->matching(needle); }));
-        if (median(times) > slowest) {
-            slowest = median(times);
+        const double time = medianMilliseconds([&] { picture->matching(needle); });
+        if (time > slowest) {
+            slowest = time;
             slowestNeedle = needle;
         }
     }
-    const AssetIndex count = picture->size();
-    size_t found = 0;
-    const double finding = milliseconds([&] {
-        for (AssetIndex i = 0; i < count; ++i)
+    AssetIndex found = 0;
+    const double finding = medianMilliseconds([&] {
+        for (AssetIndex i = 0; i < picture->size(); ++i)
             found += picture->find(picture->asset(i).url) == i;
     });
+    if (found != rounds * picture->size())
+        fail("an asset was not found");
     return {row(u"slowest search ('"_s + slowestNeedle + u"')"_s, slowest, {}, u"ms"_s),
-            row(u"finding every asset"_s, found == count ? finding : -1, {}, u"ms"_s)};
+            row(u"finding every asset"_s, finding, {}, u"ms"_s)};
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
-    const Location root = argc == 2 ? Location::fromBytes(argv[1]) : Location();
-    if (root.isEmpty()) {
-        std::fputs("usage: vault_scan_bench ROOT\n", stderr);
-        return 1;
+    const bool first = argc == 3 && qstrcmp(argv[1], "--first") == 0;
+    const Location root = argc == 2 || first ? Location::fromBytes(argv[argc - 1]) : Location();
+    if (root.isEmpty())
+        fail("usage: vault_scan_bench [--first] ROOT");
+    if (first) {
+        printFirstScan(root);
+        return 0;
     }
-    scan(root, nullptr);
-    QJsonArray rows{scanFirst(root)};
-    for (const QJsonArray &more : {scanAgain(root), ask(root)}) {
-        for (const QJsonValue &one : more)
+    QJsonArray rows;
+    for (const QJsonArray &some : {firstScans(argv[0], root), laterScans(root), questions(root)}) {
+        for (const QJsonValue &one : some)
             rows.append(one);
     }
     std::fputs(QJsonDocument(rows).toJson().constData(), stdout);

@@ -8,7 +8,6 @@
 #include "platform/appearance.h"
 #include "platform/applications.h"
 #include "platform/defaults.h"
-#include "platform/file_chooser.h"
 #include "platform/file_events.h"
 #include "platform/native.h"
 #include "platform/workspace.h"
@@ -41,7 +40,6 @@ Services Services::native(const SystemPaths &paths)
     services.applications = makeApplications(paths);
     services.appearance = makeAppearance();
     services.workspace = makeWorkspace();
-    services.fileChooser = makeFileChooser();
     return services;
 }
 

@@ -13,7 +13,6 @@ class Appearance;
 class Applications;
 class AppState;
 class Defaults;
-class FileChooser;
 class FileEvents;
 class Inserter;
 class Media;
@@ -29,7 +28,6 @@ struct Services
     std::unique_ptr<Applications> applications;
     std::unique_ptr<Appearance> appearance;
     std::unique_ptr<Workspace> workspace;
-    std::unique_ptr<FileChooser> fileChooser;
 
     static Services native(const SystemPaths &paths);
     ~Services();

@@ -5,7 +5,6 @@
 #include "ui/ui_objects.h"
 #include "vault/vault.h"
 
-#include <QColor>
 #include <QSet>
 
 #include <algorithm>
@@ -81,7 +80,7 @@ void FolderTreeModel::componentComplete()
     connect(&objects.vault, &Vault::rescanned, this, &FolderTreeModel::refresh);
     connect(&objects.prefs, &Prefs::folderColorsChanged, this, [this] {
         if (!m_lines.empty())
-            Q_EMIT dataChanged(index(0), index(rowCount() - 1), {TintRole});
+            Q_EMIT dataChanged(index(0), index(rowCount() - 1), {TintRole, TintedRole});
     });
     refresh();
 }
@@ -138,9 +137,10 @@ int FolderTreeModel::rowCount(const QModelIndex &parent) const
 
 QHash<int, QByteArray> FolderTreeModel::roleNames() const
 {
-    return {{FolderRole, "folder"}, {NameRole, "name"},         {CategoryRole, "category"},
-            {SymbolRole, "symbol"}, {TintRole, "tint"},         {DepthRole, "depth"},
-            {CountRole, "count"},   {ExpandedRole, "expanded"}, {ExpandableRole, "expandable"}};
+    return {{FolderRole, "folder"},        {NameRole, "name"},   {CategoryRole, "category"},
+            {SymbolRole, "symbol"},        {TintRole, "tint"},   {TintedRole, "tinted"},
+            {DepthRole, "depth"},          {CountRole, "count"}, {ExpandedRole, "expanded"},
+            {ExpandableRole, "expandable"}};
 }
 
 QVariant FolderTreeModel::data(const QModelIndex &index, int role) const
@@ -160,6 +160,8 @@ QVariant FolderTreeModel::data(const QModelIndex &index, int role) const
         return symbolOf(line);
     case TintRole:
         return tint(line);
+    case TintedRole:
+        return tint(line).isValid();
     case DepthRole:
         return line.depth;
     case CountRole:
@@ -173,7 +175,7 @@ QVariant FolderTreeModel::data(const QModelIndex &index, int role) const
     }
 }
 
-QVariant FolderTreeModel::tint(const FolderLine &line) const
+QColor FolderTreeModel::tint(const FolderLine &line) const
 {
     const QColor own = uiObjects(*this).prefs.color(line.folder);
     if (own.isValid() || line.depth > 0)
@@ -209,6 +211,11 @@ bool FolderTreeModel::expandableAt(int row) const
 bool FolderTreeModel::expandedAt(int row) const
 {
     return isRow(row) && m_lines[size_t(row)].expanded;
+}
+
+int FolderTreeModel::rowOf(const QString &folderText) const
+{
+    return rowOf(Location::fromText(folderText));
 }
 
 int FolderTreeModel::rowOf(const Location &folder) const

@@ -4,6 +4,7 @@
 #include "vault/category.h"
 
 #include <QAbstractListModel>
+#include <QColor>
 #include <QQmlParserStatus>
 #include <QtQml/qqml.h>
 
@@ -44,7 +45,8 @@ public:
         NameRole,
         CategoryRole, // the category's name, also that of its section
         SymbolRole,
-        TintRole, // the folder's own colour or its category's; invalid for neither
+        TintRole,   // the folder's own colour, or its category's
+        TintedRole, // whether it has one
         DepthRole,
         CountRole,
         ExpandableRole,
@@ -63,15 +65,16 @@ public:
     Q_INVOKABLE bool expandableAt(int row) const;
     Q_INVOKABLE bool expandedAt(int row) const;
     // -1 for a folder that is not in view.
-    Q_INVOKABLE int rowOf(const cratewell::Location &folder) const;
+    Q_INVOKABLE int rowOf(const QString &folderText) const;
 
 private:
     void classBegin() override {}
     void componentComplete() override;
+    int rowOf(const Location &folder) const;
     bool isRow(int row) const { return row >= 0 && size_t(row) < m_lines.size(); }
     void refresh();
     void change(std::vector<FolderLine> lines);
-    QVariant tint(const FolderLine &line) const;
+    QColor tint(const FolderLine &line) const;
 
     std::vector<FolderLine> m_lines;
 };

@@ -15,21 +15,6 @@ Requests *Requests::create(QQmlEngine *engine, QJSEngine *)
     return new Requests(uiObjects(*engine));
 }
 
-void Requests::show(Scope::Kind kind)
-{
-    m_objects.state.setScope(Scope::of(kind));
-}
-
-void Requests::showFolder(const Location &folder)
-{
-    m_objects.state.setScope(Scope::inFolder(folder));
-}
-
-void Requests::showPlugin(const QString &page)
-{
-    m_objects.state.setScope(Scope::plugin(page));
-}
-
 void Requests::toggleFavorite()
 {
     if (const auto &asset = m_objects.state.selection())

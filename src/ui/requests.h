@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/location.h"
-#include "state/scope.h"
 #include "ui/ui_objects.h"
 
 #include <QObject>
@@ -22,10 +21,6 @@ public:
     explicit Requests(const UiObjects &objects, QObject *parent = nullptr);
     static Requests *create(QQmlEngine *engine, QJSEngine *);
 
-    // A scope without a payload.
-    Q_INVOKABLE void show(cratewell::Scope::Kind kind);
-    Q_INVOKABLE void showFolder(const cratewell::Location &folder);
-    Q_INVOKABLE void showPlugin(const QString &page);
     // Does nothing without a focused asset.
     Q_INVOKABLE void toggleFavorite();
     Q_INVOKABLE void openInFileManager(const cratewell::Location &folder);

@@ -21,7 +21,7 @@ QString placeText(const Location &root, const Location &asset)
 
 SelectionInfo::SelectionInfo(QObject *parent) : QObject(parent) {}
 
-void SelectionInfo::follow(AppState &state, const Vault &vault, Prefs &prefs, Inserter &inserter)
+void SelectionInfo::follow(AppState &state, const Vault &vault, const Prefs &prefs, Inserter &inserter)
 {
     m_state = &state;
     m_vault = &vault;
@@ -52,12 +52,6 @@ QString SelectionInfo::place() const
 bool SelectionInfo::isFavorite() const
 {
     return m_asset && m_prefs->favorites().contains(m_asset->url);
-}
-
-void SelectionInfo::toggleFavorite()
-{
-    if (m_asset)
-        m_prefs->toggleFavorite(m_asset->url);
 }
 
 void SelectionInfo::takeAsset()

@@ -36,7 +36,7 @@ public:
     explicit SelectionInfo(QObject *parent = nullptr);
 
     // All must outlive this. In QML they are the program's own.
-    void follow(AppState &state, const Vault &vault, Prefs &prefs, Inserter &inserter);
+    void follow(AppState &state, const Vault &vault, const Prefs &prefs, Inserter &inserter);
 
     bool isPresent() const { return m_asset.has_value(); }
     Location url() const { return m_asset ? m_asset->url : Location(); }
@@ -47,8 +47,6 @@ public:
     bool isFavorite() const;
     bool isInsertable() const { return m_asset && m_asset->kind != AssetKind::Lut; }
     const QString &destination() const { return m_destination; }
-
-    Q_INVOKABLE void toggleFavorite();
 
     void classBegin() override {}
     void componentComplete() override;
@@ -64,7 +62,7 @@ private:
 
     AppState *m_state = nullptr;
     const Vault *m_vault = nullptr;
-    Prefs *m_prefs = nullptr;
+    const Prefs *m_prefs = nullptr;
     Inserter *m_inserter = nullptr;
     std::optional<Asset> m_asset;
     QString m_destination;

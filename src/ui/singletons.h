@@ -94,22 +94,6 @@ struct ScopeValue
     QML_VALUE_TYPE(scope)
 };
 
-// Scope.All, Scope.Folder...: the QML tools of 6.4 find no enumerations of a value type, hence these.
-namespace ScopeKinds {
-Q_NAMESPACE
-QML_NAMED_ELEMENT(Scope)
-enum Kind {
-    Plugin = int(Scope::Kind::Plugin),
-    Folder = int(Scope::Kind::Folder),
-    All = int(Scope::Kind::All),
-    Favorites = int(Scope::Kind::Favorites),
-    Recent = int(Scope::Kind::Recent),
-    Importer = int(Scope::Kind::Importer),
-    Trash = int(Scope::Kind::Trash),
-};
-Q_ENUM_NS(Kind)
-} // namespace ScopeKinds
-
 // Vocabulary.AssetOrder.Name, Vocabulary.VaultCategory.Luts...
 namespace Vocabulary {
 Q_NAMESPACE

@@ -36,7 +36,8 @@ bool comesBefore(const QCollator &collator, AssetOrder order, const Asset &a, co
 
 AssertionResult checkOrders(const VaultPicture &picture)
 {
-    QCollator collator(QLocale(QLocale::English, QLocale::UnitedStates));
+    const QLocale user = QLocale().collation();
+    QCollator collator(user == QLocale::c() ? QLocale(QLocale::English, QLocale::UnitedStates) : user);
     collator.setNumericMode(true);
     collator.setCaseSensitivity(Qt::CaseInsensitive);
     for (const AssetOrder order : {AssetOrder::Name, AssetOrder::Added, AssetOrder::Kind, AssetOrder::Size}) {
@@ -85,7 +86,7 @@ AssertionResult checkSearch(const VaultPicture &picture)
     QStringList needles{QStringLiteral("a"),      QStringLiteral(" "),    QStringLiteral("lut"),
                         QStringLiteral("zzz"),    QString(QChar(0xDC80)), QString(QChar(0xD83C)),
                         QStringLiteral("\u00e9"), QString(QChar(0))};
-    for (AssetIndex i = 0; i < picture.size(); i += 7) {
+    for (AssetIndex i = 0; i < picture.size(); i += 7 + picture.size() / 40) {
         const QString name = picture.asset(i).url.baseName().toLower();
         needles << name << name.mid(name.size() / 3, 3) << folderNameOf(picture.asset(i)).toLower();
     }

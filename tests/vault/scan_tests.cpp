@@ -187,15 +187,18 @@ TEST(VaultScan, AFolderOfThousandsOfFilesIsReadWhole)
     for (int i = 0; i < 3000; ++i)
         vault.write("SFX/Big/hit " + std::to_string(i) + ".wav", size_t(i));
     vault.write("SFX/Big/Inner/x.wav", 5);
+    vault.write("SFX/Big/h\xc3\xaft 7.wav");
+    vault.write("SFX/Big/HIT 0050.wav");
     const auto picture = vault.scan();
-    ASSERT_EQ(picture->size(), 3001u);
+    ASSERT_EQ(picture->size(), 3003u);
     for (int i = 0; i < 3000; ++i) {
         const auto found = picture->find(vault.at("SFX/Big/hit " + std::to_string(i) + ".wav"));
         ASSERT_TRUE(found);
         EXPECT_EQ(picture->asset(*found).size, i);
     }
-    EXPECT_EQ(namesIn(*picture, picture->order(AssetOrder::Name).subspan(9, 2)),
-              (std::vector{u"hit 9.wav"_s, u"hit 10.wav"_s}));
+    EXPECT_EQ(
+        namesIn(*picture, picture->order(AssetOrder::Name).subspan(7, 5)),
+        (std::vector{u"hit 7.wav"_s, u"h\u00eft 7.wav"_s, u"hit 8.wav"_s, u"hit 9.wav"_s, u"hit 10.wav"_s}));
     EXPECT_TRUE(keepsItsPromises(*picture));
 }
 

@@ -4,7 +4,6 @@
 #include "platform/defaults.h"
 #include "platform/fakes/fake_appearance.h"
 #include "platform/fakes/fake_applications.h"
-#include "platform/fakes/fake_file_chooser.h"
 #include "platform/fakes/fake_workspace.h"
 #include "platform/native.h"
 #include "state/app_state.h"
@@ -63,7 +62,6 @@ void World::start()
     services.applications = std::move(applications);
     services.workspace = std::move(workspace);
     services.appearance = std::make_unique<FakeAppearance>();
-    services.fileChooser = std::make_unique<FakeFileChooser>();
     m_program = std::make_unique<Application>(m_paths, std::move(services));
     if (!m_program->launch())
         qFatal("the window could not be loaded");
@@ -83,9 +81,9 @@ QString World::vaultFolder() const
     return m_paths.defaultVault().text();
 }
 
-const QStringList &World::complaints()
+std::string World::complaints()
 {
-    return heardComplaints();
+    return heardComplaints().join(u'\n').toStdString();
 }
 
 bool World::showsCards(const QStringList &names)
@@ -129,7 +127,10 @@ void writePicture(const QString &path, Qt::GlobalColor color)
 
 void writeSound(const QString &path)
 {
-    writeFile(path, QByteArray("RIFF\x24\0\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x80\xBB\0\0\0\x77\1\0\2\0\x10\0data\0\0\0\0", 44));
+    writeFile(
+        path,
+        QByteArray("RIFF\x24\0\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x80\xBB\0\0\0\x77\1\0\2\0\x10\0data\0\0\0\0",
+                   44));
 }
 
 } // namespace cratewell::test

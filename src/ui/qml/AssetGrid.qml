@@ -9,6 +9,7 @@ import Cratewell
 T.Control {
     id: grid
 
+    readonly property int columns: view.columns
     readonly property int gap: Theme.space3
     // How far the glow of a selected card may reach beyond the grid.
     readonly property int spill: Theme.space3
@@ -20,7 +21,6 @@ T.Control {
     function rowFor(key: int): int {
         const row = Math.max(0, assets.currentRow);
         const last = assets.count - 1;
-        const columns = view.columns;
         const linesAbove = Math.floor(row / columns);
         const linesBelow = Math.floor(last / columns) - linesAbove;
         const page = Math.max(1, view.linesInView);
@@ -61,12 +61,11 @@ T.Control {
     }
 
     focusPolicy: Qt.StrongFocus
+    objectName: "assetGrid"
 
     Keys.onPressed: event => {
         const other = Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier;
-        if (event.key === Qt.Key_A && event.modifiers === Qt.ControlModifier)
-            AppState.selectAll();
-        else if (event.modifiers & other || assets.count === 0)
+        if (event.modifiers & other || assets.count === 0)
             return;
         else if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter)
             Inserter.insertSelected();
@@ -220,10 +219,9 @@ T.Control {
             }
 
             T.ScrollBar.vertical: ThinScrollBar {
-                anchors.bottom: view.parent.bottom
-                anchors.right: view.parent.right
-                anchors.top: view.parent.top
+                height: parent.height
                 parent: view.parent
+                x: parent.width - width
             }
 
             NumberAnimation {

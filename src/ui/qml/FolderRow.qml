@@ -9,7 +9,8 @@ Item {
 
     required property string name
     required property string symbol
-    required property var tint
+    required property color tint
+    required property bool tinted
     required property int depth
     required property int count
     required property bool expandable
@@ -83,7 +84,7 @@ Item {
         id: symbolIcon
 
         anchors.verticalCenter: parent.verticalCenter
-        color: row.tint ?? Theme.textSecondary
+        color: row.tinted ? row.tint : Theme.textSecondary
         text: row.symbol
         x: 26 + 14 * row.depth
     }
@@ -93,6 +94,7 @@ Item {
         anchors.right: counter.left
         anchors.rightMargin: Theme.space2
         anchors.verticalCenter: parent.verticalCenter
+        color: Theme.textFolder
         text: row.name
 
         Accessible.ignored: true

@@ -14,13 +14,16 @@ T.Button {
     // Leaves the text to the help tip and to assistive tools.
     property bool compact: false
     property string helpText: ""
-    readonly property color ink: prominent ? Theme.onAccent : destructive ? Theme.destructive : Theme.text
+    // With its text, whether or not it shows now.
+    readonly property real fullWidth: Math.ceil(metrics.width) + (symbol ? 11 + 16 + 7 : 12) + 12
+    readonly property int compactWidth: 33
+    readonly property color ink: prominent ? Theme.accentInk : destructive ? Theme.destructive : Theme.text
 
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
     hoverEnabled: true
     implicitHeight: Theme.controlHeight
-    implicitWidth: compact ? 33 : leftPadding + implicitContentWidth + rightPadding
+    implicitWidth: compact ? compactWidth : fullWidth
     leftPadding: compact ? Math.round((width - 16) / 2) : symbol ? 11 : 12
     opacity: enabled ? 1 : 0.42
     rightPadding: compact ? 0 : 12
@@ -36,6 +39,15 @@ T.Button {
     function press(): void {
         if (enabled)
             clicked();
+    }
+
+    TextMetrics {
+        id: metrics
+
+        font.family: Theme.family
+        font.pixelSize: Theme.bodySize
+        font.weight: Font.DemiBold
+        text: control.text
     }
 
     background: Item {
@@ -74,7 +86,8 @@ T.Button {
     }
 
     HelpTip {
+        hovered: control.hovered
+        pressed: control.pressed
         text: control.helpText || (control.compact ? control.text : "")
-        wanted: control.hovered && !control.down
     }
 }

@@ -10,7 +10,7 @@ T.MenuItem {
 
     property string keys: ""
     property bool destructive: false
-    readonly property color ink: highlighted ? Theme.onAccent : destructive ? Theme.destructive : Theme.text
+    readonly property color ink: highlighted ? Theme.accentInk : destructive ? Theme.destructive : Theme.text
 
     hoverEnabled: true
     implicitHeight: 27
@@ -37,7 +37,7 @@ T.MenuItem {
     contentItem: MenuLine {
         ink: item.ink
         keys: item.keys
-        keysInk: item.highlighted ? Theme.onAccent : Theme.textTertiary
+        keysInk: item.highlighted ? Theme.accentInk : Theme.textTertiary
         opacity: item.enabled ? 1 : 0.4
         text: item.text
     }

@@ -1,42 +1,32 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Templates as T
-import Cratewell
 
-// Says what a control does after the pointer has rested on it. Made only while it is wanted.
+// Says what a control does after the pointer has rested on it; a press silences it until the pointer comes back.
+// The bubble is made only while it is wanted.
 Loader {
-    id: loader
+    id: tip
 
     required property string text
-    required property bool wanted
+    required property bool hovered
+    required property bool pressed
+    property bool silent: false
+    readonly property bool wanted: hovered && !silent && text.length > 0
 
-    active: wanted && text.length > 0
-    anchors.centerIn: parent
-    sourceComponent: T.ToolTip {
-        id: tip
+    anchors.fill: parent
 
-        bottomPadding: 5
-        delay: 600
-        implicitHeight: contentHeight + topPadding + bottomPadding
-        implicitWidth: contentWidth + leftPadding + rightPadding
-        leftPadding: 9
-        margins: 6
-        rightPadding: 9
-        text: loader.text
-        topPadding: 5
-        visible: true
-        x: Math.round((parent.width - width) / 2)
-        y: loader.parent.height / 2 + 6
-
-        background: Rectangle {
-            border.color: Theme.popupBorder
-            color: Theme.popup
-            radius: Theme.badgeRadius
-        }
-        contentItem: Label {
-            font.pixelSize: Theme.secondarySize
-            text: tip.text
-        }
+    onHoveredChanged: {
+        if (!hovered)
+            silent = false;
+    }
+    onPressedChanged: {
+        if (pressed)
+            silent = true;
+    }
+    onWantedChanged: {
+        if (wanted)
+            setSource("HelpBubble.qml", { text: text });
+        else
+            source = "";
     }
 }

@@ -86,7 +86,7 @@ Rectangle {
                         id: sign
 
                         anchors.verticalCenter: parent.verticalCenter
-                        color: Theme.onAccent
+                        color: Theme.accentInk
                         size: 17
                         text: bar.busy ? "autorenew" : "south_east"
 
@@ -102,7 +102,7 @@ Rectangle {
                     }
                     Label {
                         anchors.verticalCenter: parent.verticalCenter
-                        color: Theme.onAccent
+                        color: Theme.accentInk
                         font.weight: Font.Bold
                         text: button.text
 

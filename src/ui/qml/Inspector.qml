@@ -58,7 +58,7 @@ GlassPanel {
             anchors.rightMargin: -6
             favorite: selection.favorite
 
-            onClicked: selection.toggleFavorite()
+            onClicked: Requests.toggleFavorite()
         }
         Rectangle {
             anchors.fill: picture

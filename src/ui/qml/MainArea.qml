@@ -9,8 +9,8 @@ FocusScope {
 
     required property Window window
     required property Commands commands
-    readonly property bool showsGrid: AppState.scope.kind !== Scope.Importer && AppState.scope.kind !== Scope.Trash
-                                      && AppState.scope.kind !== Scope.Plugin
+    readonly property bool showsGrid: Navigator.place !== Navigator.Importer && Navigator.place !== Navigator.Trash
+                                      && Navigator.place !== Navigator.Plugin
 
     function focusSearch(): void {
         if (showsGrid)
@@ -35,44 +35,18 @@ FocusScope {
             anchors.right: parent.right
             anchors.top: toolbar.bottom
             focus: true
-            model: AssetListModel {
-                prefs: Prefs
-                state: AppState
-            }
         }
     }
-    Loader {
-        active: !area.showsGrid
+    Page {
         anchors.fill: parent
-        sourceComponent: AppState.scope.kind === Scope.Importer ? importPage
-                         : AppState.scope.kind === Scope.Trash ? trashPage : pluginsPage
-    }
-    Component {
-        id: importPage
-
-        Page {
-            subtitle: qsTr("Add overlays, LUTs and sound effects to your vault.")
-            title: AppState.scopeTitle
-            window: area.window
-        }
-    }
-    Component {
-        id: trashPage
-
-        Page {
-            subtitle: qsTr("Deleted items stay here for 30 days, then they're removed for good.")
-            title: AppState.scopeTitle
-            window: area.window
-        }
-    }
-    Component {
-        id: pluginsPage
-
-        Page {
-            subtitle: qsTr("Panels that bring your vault into the editor.")
-            title: AppState.scopeTitle
-            window: area.window
-        }
+        subtitle: Navigator.place === Navigator.Importer
+                  ? qsTr("Add overlays, LUTs and sound effects to your vault.")
+                  : Navigator.place === Navigator.Trash
+                    ? qsTr("Deleted items stay here for 30 days, then they're removed for good.")
+                    : qsTr("Panels that bring your vault into the editor.")
+        title: AppState.scopeTitle
+        visible: !area.showsGrid
+        window: area.window
     }
     ErrorBanner {
         anchors.left: parent.left

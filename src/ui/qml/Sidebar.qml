@@ -11,26 +11,7 @@ GlassPanel {
     required property Window window
     required property Commands commands
 
-    component SmartRow: SidebarRow {
-        gradient: Prefs.gradientTiles
-    }
-    component ScopeRow: SmartRow {
-        required property int kind
-
-        selected: AppState.scope.kind === kind
-
-        onActivated: Requests.show(kind)
-    }
-    component PluginRow: SmartRow {
-        required property string page
-
-        selected: AppState.scope.kind === Scope.Plugin && AppState.scope.page === page
-        symbol: "extension"
-
-        onActivated: Requests.showPlugin(page)
-    }
-
-    LibraryCounts { id: counts }
+    LibraryCounts { id: libraryCounts }
     FolderTreeModel { id: tree }
 
     SidebarHeader {
@@ -44,8 +25,6 @@ GlassPanel {
 
     ListView {
         id: list
-
-        readonly property string shownFolder: AppState.scope.kind === Scope.Folder ? AppState.scope.folder.text : ""
 
         activeFocusOnTab: true
         anchors.bottom: footer.top
@@ -62,7 +41,7 @@ GlassPanel {
         keyNavigationEnabled: false
         model: tree
         reuseItems: true
-        section.property: "category"
+        topMargin: smartRows.height
 
         T.ScrollBar.vertical: ThinScrollBar {
             parent: sidebar
@@ -81,117 +60,56 @@ GlassPanel {
             positionViewAtIndex(row, ListView.Contain);
         }
 
+        onTopMarginChanged: contentY = originY - topMargin
         onActiveFocusChanged: {
             if (activeFocus && currentIndex < 0)
-                moveTo(Math.max(0, tree.rowOf(AppState.scope.folder)));
+                moveTo(Math.max(0, tree.rowOf(Navigator.folder)));
         }
 
         Keys.onDownPressed: moveTo(currentIndex + 1)
-        Keys.onEnterPressed: Requests.showFolder(tree.folderAt(currentIndex))
+        Keys.onEnterPressed: Navigator.showFolder(tree.folderAt(currentIndex))
         Keys.onLeftPressed: {
             if (tree.expandedAt(currentIndex))
                 tree.setExpanded(currentIndex, false);
             else
                 moveTo(tree.parentOf(currentIndex));
         }
-        Keys.onReturnPressed: Requests.showFolder(tree.folderAt(currentIndex))
+        Keys.onReturnPressed: Navigator.showFolder(tree.folderAt(currentIndex))
         Keys.onRightPressed: {
             if (tree.expandableAt(currentIndex) && !tree.expandedAt(currentIndex))
                 tree.setExpanded(currentIndex, true);
             else if (tree.expandableAt(currentIndex))
                 moveTo(currentIndex + 1);
         }
-        Keys.onSpacePressed: Requests.showFolder(tree.folderAt(currentIndex))
+        Keys.onSpacePressed: Navigator.showFolder(tree.folderAt(currentIndex))
         Keys.onUpPressed: moveTo(currentIndex - 1)
 
-        header: Column {
-            width: ListView.view.width
-
-            ScopeRow {
-                count: Prefs.showCounts ? counts.all : -1
-                end: Theme.pink
-                kind: Scope.All
-                start: Theme.accent
-                symbol: "apps"
-                title: qsTr("All Assets")
-            }
-            ScopeRow {
-                count: Prefs.showCounts ? counts.favorites : -1
-                end: Theme.orange
-                kind: Scope.Favorites
-                start: Theme.amber
-                symbol: "star"
-                title: qsTr("Favorites")
-            }
-            ScopeRow {
-                count: Prefs.showCounts ? counts.recent : -1
-                end: "#3A3A42"
-                kind: Scope.Recent
-                start: Theme.gray
-                symbol: "schedule"
-                title: qsTr("Recently Inserted")
-            }
-            ScopeRow {
-                end: Theme.blue
-                kind: Scope.Importer
-                start: Theme.cyan
-                symbol: "download"
-                title: qsTr("Import")
-            }
-            ScopeRow {
-                end: "#2A2A30"
-                kind: Scope.Trash
-                start: "#5A5A63"
-                symbol: "delete"
-                title: qsTr("Trash")
-            }
-            Item {
-                height: 33
-                width: 1
-
-                SectionLabel {
-                    anchors.verticalCenter: parent.verticalCenter
-                    anchors.verticalCenterOffset: 3
-                    text: qsTr("Plugins")
-                    x: 8
-                }
-            }
-            PluginRow {
-                end: Theme.blue
-                page: "premiere"
-                start: "#B38CFF"
-                title: qsTr("Premiere panel")
-            }
-            PluginRow {
-                end: Theme.teal
-                page: "resolve"
-                start: Theme.green
-                title: qsTr("Resolve panel")
-            }
-        }
-        section.delegate: CategorySection {
-            required property string section
-
-            canAdd: sidebar.commands.newFolder.enabled
-            title: section
-            width: ListView.view.width
-        }
-        delegate: FolderRow {
-            id: folderRow
-
+        delegate: FolderEntry {
             required property int index
             required property var folder
 
+            canAdd: sidebar.commands.newFolder.enabled
             current: list.activeFocus && ListView.isCurrentItem
-            selected: list.shownFolder === folder.text
+            selected: Navigator.folder === folder.text
             showCount: Prefs.showCounts
             width: ListView.view.width
 
             onActivated: {
                 list.currentIndex = index;
-                Requests.showFolder(folder);
+                Navigator.showFolder(folder);
             }
             onToggled: tree.setExpanded(index, !expanded)
+        }
+
+        // Rolls with the trees; bound components cannot be a view's header on Qt 6.4.
+        SmartRows {
+            id: smartRows
+
+            parent: list.contentItem
+
+            counts: libraryCounts
+            width: list.width
+            y: list.originY - height
         }
     }
 
@@ -206,7 +124,7 @@ GlassPanel {
         pinned: Prefs.pinned
         premiereRunning: Inserter.premiereRunning
         resolveRunning: Inserter.resolveRunning
-        vaultSize: counts.size
+        vaultSize: libraryCounts.size
 
         onPinToggled: Prefs.pinned = !Prefs.pinned
         onSettingsWanted: sidebar.commands.settings.triggered()

@@ -26,7 +26,7 @@ Item {
     Accessible.focusable: true
     Accessible.focused: activeFocus
     Accessible.name: title
-    Accessible.role: Accessible.ListItem
+    Accessible.role: Accessible.Button
     Accessible.selectable: true
     Accessible.selected: selected
     Accessible.onPressAction: row.activated()
@@ -72,7 +72,6 @@ Item {
         anchors.right: counter.left
         anchors.rightMargin: Theme.space2
         anchors.verticalCenter: parent.verticalCenter
-        font.weight: Font.Medium
         text: row.title
 
         Accessible.ignored: true

@@ -29,11 +29,13 @@ QtObject {
 
     // Meaning
     readonly property color accent: Prefs.accent
-    readonly property color onAccent: "white"
+    readonly property color accentInk: "white"
     readonly property color windowBase: dark ? "#09090F" : "#F2F2F7"
     readonly property color panelBase: dark ? "#16161C" : "#FAFAFC"
     readonly property color text: ink(dark ? 0.92 : 0.88)
     readonly property color textSecondary: ink(dark ? 0.58 : 0.56)
+    // Names in a long list, calmer than those above it.
+    readonly property color textFolder: ink(0.8)
     readonly property color textTertiary: ink(0.36)
     readonly property color glassFill: dark ? Qt.rgba(1, 1, 1, 0.055) : Qt.rgba(1, 1, 1, 0.62)
     readonly property color panelFill: Prefs.glassSidebar ? glassFill : panelBase

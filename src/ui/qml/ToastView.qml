@@ -27,7 +27,7 @@ Item {
     onTextChanged: remember()
 
     function remember(): void {
-        if (!shown)
+        if (text.length === 0)
             return;
         lastText = text;
         lastOk = ok;

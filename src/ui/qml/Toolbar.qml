@@ -13,32 +13,22 @@ Item {
 
     readonly property int gap: Theme.space2
     readonly property int searchWidest: 220
-    readonly property int searchNarrowest: 112
+    readonly property int searchNarrowest: 88
     readonly property real titleWidth: Math.max(title.implicitWidth, countLine.implicitWidth)
-    // What stands beside the buttons' texts, the search field and the card size.
-    readonly property real fixedWidth: titleWidth + 2 * 33 + sortButton.fullWidth + 33 + 5 * gap + 8
     readonly property real cardSizeWidth: cardSize.implicitWidth + gap
-    readonly property bool fullButtons: width >= fixedWidth + cardSizeWidth + searchWidest
-                                        + newFolderButton.textWidth + importButton.textWidth
-    readonly property bool showCardSize: width >= fixedWidth + cardSizeWidth + searchNarrowest
-    readonly property bool fullSort: showCardSize || width >= fixedWidth + searchNarrowest
+    // Title, compact buttons, the sort button in full, margins and gaps; what is left of the width may go to the
+    // search field, the card size and the buttons' texts.
+    readonly property real room: width - titleWidth - newFolderButton.compactWidth - importButton.compactWidth
+                                 - sortButton.fullWidth - inspectorButton.width - 5 * gap - 14
+    readonly property real textsWidth: newFolderButton.fullWidth + importButton.fullWidth
+                                       - newFolderButton.compactWidth - importButton.compactWidth
+    readonly property bool fullButtons: room >= searchWidest + cardSizeWidth + textsWidth
+    readonly property bool showCardSize: room >= searchNarrowest + cardSizeWidth
+    readonly property bool fullSort: room >= searchNarrowest
 
     function focusSearch(): void {
         searchField.forceActiveFocus(Qt.ShortcutFocusReason);
         searchField.selectAll();
-    }
-
-    component ToolButton: GlassButton {
-        readonly property real textWidth: fullWidth - 33
-        readonly property real fullWidth: metrics.width + 46
-        readonly property TextMetrics metrics: TextMetrics {
-            font.family: Theme.family
-            font.pixelSize: Theme.bodySize
-            font.weight: Font.DemiBold
-        }
-
-        anchors.verticalCenter: parent?.verticalCenter
-        metrics.text: text
     }
 
     height: 56
@@ -82,7 +72,7 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         spacing: toolbar.gap
 
-        ToolButton {
+        GlassButton {
             id: newFolderButton
 
             compact: !toolbar.fullButtons
@@ -92,7 +82,7 @@ Item {
 
             onClicked: toolbar.commands.newFolder.triggered()
         }
-        ToolButton {
+        GlassButton {
             id: importButton
 
             compact: !toolbar.fullButtons
@@ -109,20 +99,19 @@ Item {
             placeholderText: qsTr("Search the vault")
             text: AppState.search
             width: Math.max(toolbar.searchNarrowest,
-                            Math.min(toolbar.searchWidest, toolbar.width - toolbar.fixedWidth
-                                     - (toolbar.showCardSize ? toolbar.cardSizeWidth : 0)))
+                            Math.min(toolbar.searchWidest,
+                                     toolbar.room - (toolbar.showCardSize ? toolbar.cardSizeWidth : 0)))
 
             onTextEdited: AppState.search = text
         }
         SortButton {
             id: sortButton
 
-            readonly property real fullWidth: 90
-
+            anchors.verticalCenter: parent.verticalCenter
             compact: !toolbar.fullSort
-            order: AppState.sort
+            order: Navigator.order
 
-            onChosen: order => AppState.sort = order
+            onChosen: order => Navigator.order = order
         }
         CardSizeControl {
             id: cardSize
@@ -134,9 +123,11 @@ Item {
             onChosen: size => Prefs.cardSize = size
         }
         GlassButton {
+            id: inspectorButton
+
             compact: true
             helpText: qsTr("Show or hide the preview")
-            symbol: "vertical_split"
+            symbol: "view_sidebar"
 
             Accessible.checkable: true
             Accessible.checked: AppState.showInspector
