@@ -86,7 +86,8 @@ T.Button {
     }
 
     HelpTip {
+        hovered: control.hovered
+        pressed: control.pressed
         text: control.helpText || (control.compact ? control.text : "")
-        wanted: control.hovered && !control.down
     }
 }

@@ -1,10 +1,11 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import QtQuick.Templates as T
 import Cratewell
 
 // The window. Closing it hides it; the program runs on.
-Window {
+T.ApplicationWindow {
     id: window
 
     readonly property bool typing: (activeFocusItem as TextInput) !== null
@@ -19,9 +20,8 @@ Window {
     visible: true
     width: 1320
 
-    Backdrop {
+    background: Backdrop {
         accent: Theme.accent
-        anchors.fill: parent
         base: Theme.windowBase
         dark: Theme.dark
         intensity: Prefs.bgIntensity

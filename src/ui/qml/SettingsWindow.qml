@@ -12,13 +12,14 @@ T.Popup {
     readonly property list<string> titles: [qsTr("Look"), qsTr("Library"), qsTr("Preview"), qsTr("Integrations")]
     readonly property list<string> symbols: ["palette", "grid_view", "play_circle", "extension"]
 
-    anchors.centerIn: parent
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
     focus: true
     height: Math.min(660, parent.height - 64)
     modal: true
     padding: 1
     width: Math.min(720, parent.width - 64)
+    x: Math.round((parent.width - width) / 2)
+    y: Math.max(32, Math.round((parent.height - height) / 2) - 20)
 
     T.Overlay.modal: Rectangle { color: Theme.scrim }
 

@@ -44,7 +44,8 @@ T.Button {
     }
 
     HelpTip {
+        hovered: control.hovered
+        pressed: control.pressed
         text: control.text
-        wanted: control.hovered && !control.down
     }
 }

@@ -53,8 +53,9 @@ Row {
         }
 
         HelpTip {
+            hovered: dot.hovered
+            pressed: dot.pressed
             text: dot.text
-            wanted: dot.hovered && !dot.down
         }
     }
 
