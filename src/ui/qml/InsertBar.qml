@@ -83,21 +83,18 @@ Rectangle {
                     spacing: Theme.space2
 
                     Icon {
-                        id: sign
-
                         anchors.verticalCenter: parent.verticalCenter
                         color: Theme.accentInk
                         size: 17
                         text: bar.busy ? "autorenew" : "south_east"
 
                         RotationAnimation on rotation {
+                            alwaysRunToEnd: true
                             duration: 900
                             from: 0
                             loops: Animation.Infinite
                             running: bar.busy && button.visible && !Theme.reducedMotion
                             to: 360
-
-                            onStopped: sign.rotation = 0
                         }
                     }
                     Label {
