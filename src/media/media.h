@@ -23,8 +23,8 @@ public:
 
 // Loads and keeps everything costly that is drawn for an asset. Main thread; accessors never block on
 // decoding, which happens in worker processes, newest wish first, at most one job per file. Ends exactly once
-// a job: with a picture, or remembered as failed for that version of the file. Pictures over the memory budget
-// are let go without a word, the one shown longest ago first (a card on screen holds its own copy).
+// a job: with a picture, or remembered as failed for that version of the file. Pictures over the memory
+// budget are let go without a word, the one shown longest ago first (a card on screen holds its own copy).
 class Media : public QObject
 {
     Q_OBJECT

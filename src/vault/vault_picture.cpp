@@ -1,7 +1,7 @@
 #include "vault/internal/picture_data.h"
 
 #include <algorithm>
-#include <cstring>
+#include <string_view>
 
 namespace cratewell {
 
@@ -70,8 +70,8 @@ const PictureFolder *PictureData::folder(const Location &url) const
 QByteArrayView baseNameOf(const Asset &asset)
 {
     const QByteArray &path = asset.url.bytes();
-    const auto *slash = static_cast<const char *>(memrchr(path.data(), '/', size_t(path.size())));
-    return baseNameOf(QByteArrayView(slash + 1, path.cend()));
+    const size_t slash = std::string_view(path.data(), size_t(path.size())).rfind('/');
+    return baseNameOf(QByteArrayView(path).sliced(qsizetype(slash + 1)));
 }
 
 VaultPicture::VaultPicture() : d(std::make_unique<Private>()) {}

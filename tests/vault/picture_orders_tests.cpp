@@ -10,6 +10,7 @@ PictureData pictureListing(const std::vector<const char *> &names)
 {
     const Location folder = Location::fromBytes("/vault/SFX");
     std::vector<Asset> assets;
+    assets.reserve(names.size());
     for (const char *name : names)
         assets.push_back({folder.child(QByteArrayView(name)), AssetKind::Audio, 1, 2.0, {3, 1, 4}});
     PictureData data;

@@ -92,21 +92,23 @@ QStringList Controls::names(QAccessible::Role role) const
     return names;
 }
 
-QStringList Controls::faults() const
+std::string Controls::faults() const
 {
     QStringList faults;
     visit([&](QAccessibleInterface &interface) {
         const QAccessible::Role role = interface.role();
         const QString name = interface.text(QAccessible::Name);
-        const QString what = u"role %1 \"%2\" at %3,%4"_s.arg(int(role)).arg(name).arg(interface.rect().x()).arg(
-            interface.rect().y());
+        const QString what = u"role %1 \"%2\" at %3,%4"_s.arg(int(role))
+                                 .arg(name)
+                                 .arg(interface.rect().x())
+                                 .arg(interface.rect().y());
         if (mustHaveName(role) && name.trimmed().isEmpty())
             faults.append(what + u": no name"_s);
         const QAccessibleActionInterface *actions = interface.actionInterface();
         if (isPressable(role) && (!actions || actions->actionNames().isEmpty()))
             faults.append(what + u": no action"_s);
     });
-    return faults;
+    return faults.join(u'\n').toStdString();
 }
 
 } // namespace cratewell::test

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <string>
+
 class QQuickWindow;
 
 namespace cratewell::test {
@@ -23,8 +25,9 @@ public:
     [[nodiscard]] bool doubleClick(QAccessible::Role role, const QString &name) const;
     // Names of all visible controls of that role, in tree order.
     QStringList names(QAccessible::Role role) const;
-    // One line for each visible control that has something wrong with it as a control: no name, no way to press it.
-    QStringList faults() const;
+    // One line for each visible control that has something wrong with it as a control: no name, no way to
+    // press it.
+    std::string faults() const;
 
 private:
     QPoint middle(QAccessibleInterface &control) const;

@@ -58,15 +58,17 @@ TEST(InsertFromTheWindow, PlacesTheChosenAssetOnANewTopTrack)
     ASSERT_TRUE(world.showsCards({u"Burst"_s, u"Spark"_s}));
 
     ASSERT_TRUE(world.controls().click(QAccessible::ListItem, u"Burst"_s));
-    EXPECT_NE(world.controls().find(QAccessible::StaticText,
-                                    u"Goes to DaVinci Resolve at the playhead on a new top track, Screen blend."_s),
-              nullptr);
+    EXPECT_NE(
+        world.controls().find(QAccessible::StaticText,
+                              u"Goes to DaVinci Resolve at the playhead on a new top track, Screen blend."_s),
+        nullptr);
     world.key(Qt::Key_Return, Qt::ControlModifier);
 
     ASSERT_TRUE(waitUntil([&] { return !world.program().inserter().toastText().isEmpty(); }));
     const QString toast = u"Inserted Burst on V%1 at 01:00:10:12"_s.arg(tracksBefore + 1);
     EXPECT_EQ(world.program().inserter().toastText(), toast);
-    EXPECT_TRUE(waitUntil([&] { return world.controls().find(QAccessible::AlertMessage, toast) != nullptr; }));
+    EXPECT_TRUE(
+        waitUntil([&] { return world.controls().find(QAccessible::AlertMessage, toast) != nullptr; }));
 
     const QJsonArray tracks = videoTracks(project);
     ASSERT_EQ(tracks.size(), tracksBefore + 1);
@@ -75,7 +77,7 @@ TEST(InsertFromTheWindow, PlacesTheChosenAssetOnANewTopTrack)
     EXPECT_EQ(items[0][u"start"].toInt(), (3600 + 10) * 24 + 12);
     EXPECT_EQ(items[0][u"composite"].toInt(), 5);
     EXPECT_EQ(world.program().prefs().recent().size(), 1);
-    EXPECT_EQ(World::complaints(), QStringList());
+    EXPECT_EQ(World::complaints(), "");
 }
 
 TEST(InsertFromTheWindow, SaysWhatToDoWhenNoEditorRuns)
@@ -84,9 +86,10 @@ TEST(InsertFromTheWindow, SaysWhatToDoWhenNoEditorRuns)
     ASSERT_TRUE(world.showsCards({u"Lone"_s}));
     ASSERT_TRUE(world.controls().doubleClick(QAccessible::ListItem, u"Lone"_s));
     EXPECT_TRUE(waitUntil([&] {
-        return world.controls().find(QAccessible::AlertMessage,
-                                     u"Open DaVinci Resolve or Premiere Pro first. You can also drag any asset "
-                                     "straight onto your timeline."_s) != nullptr;
+        return world.controls().find(
+                   QAccessible::AlertMessage,
+                   u"Open DaVinci Resolve or Premiere Pro first. You can also drag any asset "
+                   "straight onto your timeline."_s) != nullptr;
     }));
     EXPECT_TRUE(world.program().prefs().recent().isEmpty());
 }

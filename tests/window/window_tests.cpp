@@ -49,14 +49,17 @@ protected:
         ASSERT_TRUE(waitUntil([this] { return state.visibleCount() == 16; }));
         ASSERT_TRUE(waitUntil([this] { return world.controls().find(QAccessible::ListItem, u"Amber"_s); }));
     }
-    void TearDown() override { EXPECT_EQ(World::complaints(), QStringList()); }
+    void TearDown() override { EXPECT_EQ(World::complaints(), ""); }
 
     bool clickCard(const QString &name, Qt::KeyboardModifiers modifiers = {})
     {
         return world.controls().click(QAccessible::ListItem, name, modifiers);
     }
     QString focused() const { return state.selection() ? state.selection()->url.baseName() : QString(); }
-    int columns() { return world.window().findChild<QQuickItem *>(u"assetGrid"_s)->property("columns").toInt(); }
+    int columns()
+    {
+        return world.window().findChild<QQuickItem *>(u"assetGrid"_s)->property("columns").toInt();
+    }
 };
 
 TEST_F(Window, OpensAtItsSizeAndNamesEveryControl)
@@ -64,11 +67,12 @@ TEST_F(Window, OpensAtItsSizeAndNamesEveryControl)
     EXPECT_EQ(world.window().title(), u"Cratewell");
     EXPECT_EQ(world.window().size(), QSize(1320, 840));
     EXPECT_EQ(world.window().minimumSize(), QSize(1040, 640));
-    EXPECT_EQ(world.controls().faults(), QStringList());
-    for (const QString &name : {u"All Assets"_s, u"Favorites"_s, u"Recently Inserted"_s, u"Import"_s, u"Trash"_s,
-                            u"New folder in Overlays"_s, u"New folder in LUTs"_s, u"New folder in SFX"_s,
-                            u"Keep Cratewell above your editor"_s, u"Open the vault in Finder"_s,
-                            u"Customize Cratewell"_s, u"Show or hide the preview"_s})
+    EXPECT_EQ(world.controls().faults(), "");
+    for (const QString &name :
+         {u"All Assets"_s, u"Favorites"_s, u"Recently Inserted"_s, u"Import"_s, u"Trash"_s,
+          u"New folder in Overlays"_s, u"New folder in LUTs"_s, u"New folder in SFX"_s,
+          u"Keep Cratewell above your editor"_s, u"Open the vault in Finder"_s, u"Customize Cratewell"_s,
+          u"Show or hide the preview"_s})
         EXPECT_NE(world.controls().find(QAccessible::Button, name), nullptr) << name.toStdString();
 }
 

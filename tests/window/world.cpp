@@ -81,9 +81,9 @@ QString World::vaultFolder() const
     return m_paths.defaultVault().text();
 }
 
-const QStringList &World::complaints()
+std::string World::complaints()
 {
-    return heardComplaints();
+    return heardComplaints().join(u'\n').toStdString();
 }
 
 bool World::showsCards(const QStringList &names)
@@ -127,7 +127,10 @@ void writePicture(const QString &path, Qt::GlobalColor color)
 
 void writeSound(const QString &path)
 {
-    writeFile(path, QByteArray("RIFF\x24\0\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x80\xBB\0\0\0\x77\1\0\2\0\x10\0data\0\0\0\0", 44));
+    writeFile(
+        path,
+        QByteArray("RIFF\x24\0\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x80\xBB\0\0\0\x77\1\0\2\0\x10\0data\0\0\0\0",
+                   44));
 }
 
 } // namespace cratewell::test

@@ -9,12 +9,12 @@
 namespace cratewell {
 class FakeApplications;
 class FakeWorkspace;
-}
+} // namespace cratewell
 
 namespace cratewell::test {
 
-// The whole program over a home of its own: real disk, real defaults, real file events, real window on the test's
-// platform; only the desktop around it (other programs, file manager, looks) is played.
+// The whole program over a home of its own: real disk, real defaults, real file events, real window on the
+// test's platform; only the desktop around it (other programs, file manager, looks) is played.
 class World
 {
 public:
@@ -33,8 +33,8 @@ public:
     FakeWorkspace &workspace() { return *m_workspace; }
     QString vaultFolder() const;
     QString home() const { return m_home.path(); }
-    // Complaints of the QML engine since the start; must stay empty.
-    static const QStringList &complaints();
+    // Complaints of the QML engine since the start, a line each; must stay empty.
+    static std::string complaints();
 
     // Waits until the window shows cards of exactly these names, in any order.
     [[nodiscard]] bool showsCards(const QStringList &names);

@@ -109,6 +109,7 @@ SelectableItem {
                 font.weight: Font.Bold
                 font.letterSpacing: 0.3
                 font.capitalization: Font.AllUppercase
+                renderType: Text.NativeRendering
                 color: "white"
                 textFormat: Text.PlainText
                 text: card.kindLabel
@@ -159,6 +160,7 @@ SelectableItem {
             font.family: Theme.family
             font.pixelSize: Theme.bodySize
             font.weight: Font.Medium
+            renderType: Text.NativeRendering
             color: Theme.text
             textFormat: Text.PlainText
             text: card.name

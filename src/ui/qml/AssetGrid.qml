@@ -219,10 +219,9 @@ T.Control {
             }
 
             T.ScrollBar.vertical: ThinScrollBar {
-                anchors.bottom: view.parent.bottom
-                anchors.right: view.parent.right
-                anchors.top: view.parent.top
+                height: parent.height
                 parent: view.parent
+                x: parent.width - width
             }
 
             NumberAnimation {

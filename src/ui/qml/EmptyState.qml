@@ -46,7 +46,7 @@ Column {
         wrapMode: Text.Wrap
     }
     Item {
-        height: Theme.space2
+        height: Theme.space1
         visible: button.visible
         width: 1
     }
