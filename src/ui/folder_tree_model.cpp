@@ -30,7 +30,8 @@ QString symbolOf(const FolderLine &line)
     return u"folder"_s;
 }
 
-void appendBelow(std::vector<FolderLine> &lines, const FolderNode &node, VaultCategory category, int depth,
+// The lines that stand in view, parents before children.
+void appendLines(std::vector<FolderLine> &lines, const FolderNode &node, VaultCategory category, int depth,
                  const FolderExpansion &expansion)
 {
     const bool expandable = !node.children.empty();
@@ -39,7 +40,7 @@ void appendBelow(std::vector<FolderLine> &lines, const FolderNode &node, VaultCa
     if (!expanded)
         return;
     for (const FolderNode &child : node.children)
-        appendBelow(lines, child, category, depth + 1, expansion);
+        appendLines(lines, child, category, depth + 1, expansion);
 }
 
 QSet<Location> foldersOf(const std::vector<FolderLine> &lines)
@@ -68,17 +69,19 @@ template<typename Chosen, typename Perform> void forRunsBackward(int count, Chos
 
 } // namespace
 
-void appendLines(std::vector<FolderLine> &lines, const FolderNode &node, VaultCategory category,
-                 const FolderExpansion &expansion)
-{
-    appendBelow(lines, node, category, 0, expansion);
-}
-
 void FolderTreeModel::componentComplete()
 {
     const UiObjects &objects = uiObjects(*this);
-    connect(&objects.vault, &Vault::rescanned, this, &FolderTreeModel::refresh);
-    connect(&objects.prefs, &Prefs::folderColorsChanged, this, [this] {
+    follow(objects.vault, objects.prefs, objects.defaults);
+}
+
+void FolderTreeModel::follow(Vault &vault, Prefs &prefs, Defaults &defaults)
+{
+    m_vault = &vault;
+    m_prefs = &prefs;
+    m_defaults = &defaults;
+    connect(&vault, &Vault::rescanned, this, &FolderTreeModel::refresh);
+    connect(&prefs, &Prefs::folderColorsChanged, this, [this] {
         if (!m_lines.empty())
             Q_EMIT dataChanged(index(0), index(rowCount() - 1), {TintRole, TintedRole});
     });
@@ -87,14 +90,13 @@ void FolderTreeModel::componentComplete()
 
 void FolderTreeModel::refresh()
 {
-    const UiObjects &objects = uiObjects(*this);
-    const FolderExpansion expansion(objects.defaults);
+    const FolderExpansion expansion(*m_defaults);
     std::vector<FolderLine> lines;
     for (const VaultCategory category : allCategories) {
-        if (const FolderNode *tree = objects.vault.picture()->tree(category))
-            appendLines(lines, *tree, category, expansion);
+        if (const FolderNode *tree = m_vault->picture()->tree(category))
+            appendLines(lines, *tree, category, 0, expansion);
         else
-            lines.push_back({.folder = objects.vault.categoryUrl(category), .category = category});
+            lines.push_back({.folder = m_vault->categoryUrl(category), .category = category});
     }
     change(std::move(lines));
 }
@@ -137,10 +139,9 @@ int FolderTreeModel::rowCount(const QModelIndex &parent) const
 
 QHash<int, QByteArray> FolderTreeModel::roleNames() const
 {
-    return {{FolderRole, "folder"},        {NameRole, "name"},   {CategoryRole, "category"},
-            {SymbolRole, "symbol"},        {TintRole, "tint"},   {TintedRole, "tinted"},
-            {DepthRole, "depth"},          {CountRole, "count"}, {ExpandedRole, "expanded"},
-            {ExpandableRole, "expandable"}};
+    return {{FolderRole, "folder"}, {NameRole, "name"},         {SymbolRole, "symbol"},
+            {TintRole, "tint"},     {TintedRole, "tinted"},     {DepthRole, "depth"},
+            {CountRole, "count"},   {ExpandedRole, "expanded"}, {ExpandableRole, "expandable"}};
 }
 
 QVariant FolderTreeModel::data(const QModelIndex &index, int role) const
@@ -154,8 +155,6 @@ QVariant FolderTreeModel::data(const QModelIndex &index, int role) const
     case NameRole:
     case Qt::DisplayRole:
         return line.folder.name();
-    case CategoryRole:
-        return folderName(line.category);
     case SymbolRole:
         return symbolOf(line);
     case TintRole:
@@ -177,7 +176,7 @@ QVariant FolderTreeModel::data(const QModelIndex &index, int role) const
 
 QColor FolderTreeModel::tint(const FolderLine &line) const
 {
-    const QColor own = uiObjects(*this).prefs.color(line.folder);
+    const QColor own = m_prefs->color(line.folder);
     if (own.isValid() || line.depth > 0)
         return own;
     return QColor(gradient(line.category)[0]);
@@ -187,7 +186,7 @@ void FolderTreeModel::setExpanded(int row, bool expanded)
 {
     if (!expandableAt(row) || expandedAt(row) == expanded)
         return;
-    FolderExpansion(uiObjects(*this).defaults).setExpanded(m_lines[size_t(row)].folder, expanded);
+    FolderExpansion(*m_defaults).setExpanded(m_lines[size_t(row)].folder, expanded);
     refresh();
 }
 

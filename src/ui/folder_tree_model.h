@@ -12,8 +12,9 @@
 
 namespace cratewell {
 
-struct FolderNode;
-class FolderExpansion;
+class Defaults;
+class Prefs;
+class Vault;
 
 // One line of the sidebar's trees.
 struct FolderLine
@@ -28,10 +29,6 @@ struct FolderLine
     friend bool operator==(const FolderLine &, const FolderLine &) = default;
 };
 
-// The lines that stand in view for one category, parents before children.
-void appendLines(std::vector<FolderLine> &lines, const FolderNode &node, VaultCategory category,
-                 const FolderExpansion &expansion);
-
 // The folder trees of all categories, one below the other, as far as they are expanded. A rescan or a toggle
 // changes only the rows that differ.
 class FolderTreeModel : public QAbstractListModel, public QQmlParserStatus
@@ -43,7 +40,6 @@ public:
     enum Role {
         FolderRole = Qt::UserRole + 1, // Location
         NameRole,
-        CategoryRole, // the category's name, also that of its section
         SymbolRole,
         TintRole,   // the folder's own colour, or its category's
         TintedRole, // whether it has one
@@ -52,6 +48,9 @@ public:
         ExpandableRole,
         ExpandedRole,
     };
+
+    // What QML does when it has made the model. All must outlive it.
+    void follow(Vault &vault, Prefs &prefs, Defaults &defaults);
 
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
@@ -76,6 +75,9 @@ private:
     void change(std::vector<FolderLine> lines);
     QColor tint(const FolderLine &line) const;
 
+    Vault *m_vault = nullptr;
+    Prefs *m_prefs = nullptr;
+    Defaults *m_defaults = nullptr;
     std::vector<FolderLine> m_lines;
 };
 

@@ -12,23 +12,29 @@ namespace cratewell {
 void LibraryCounts::componentComplete()
 {
     const UiObjects &objects = uiObjects(*this);
-    connect(&objects.vault, &Vault::rescanned, this, &LibraryCounts::count);
-    connect(&objects.prefs, &Prefs::favoritesChanged, this, &LibraryCounts::count);
-    connect(&objects.prefs, &Prefs::recentChanged, this, &LibraryCounts::count);
+    follow(objects.vault, objects.prefs);
+}
+
+void LibraryCounts::follow(Vault &vault, Prefs &prefs)
+{
+    m_vault = &vault;
+    m_prefs = &prefs;
+    connect(&vault, &Vault::rescanned, this, &LibraryCounts::count);
+    connect(&prefs, &Prefs::favoritesChanged, this, &LibraryCounts::count);
+    connect(&prefs, &Prefs::recentChanged, this, &LibraryCounts::count);
     count();
 }
 
 void LibraryCounts::count()
 {
-    const UiObjects &objects = uiObjects(*this);
-    const VaultPicture &picture = *objects.vault.picture();
+    const VaultPicture &picture = *m_vault->picture();
     const auto existing = [&picture](const auto &places) {
         return int(std::ranges::count_if(
             places, [&](const Location &place) { return picture.find(place).has_value(); }));
     };
     m_all = int(picture.size());
-    m_favorites = existing(objects.prefs.favorites());
-    m_recent = existing(objects.prefs.recent());
+    m_favorites = existing(m_prefs->favorites());
+    m_recent = existing(m_prefs->recent());
     m_size = byteText(picture.totalSize());
     Q_EMIT changed();
 }

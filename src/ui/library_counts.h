@@ -6,6 +6,9 @@
 
 namespace cratewell {
 
+class Prefs;
+class Vault;
+
 // How much the vault and the fixed lists of the sidebar hold, kept up to date.
 class LibraryCounts : public QObject, public QQmlParserStatus
 {
@@ -17,6 +20,9 @@ class LibraryCounts : public QObject, public QQmlParserStatus
     Q_PROPERTY(int recent READ recent NOTIFY changed FINAL)
     Q_PROPERTY(QString size READ size NOTIFY changed FINAL)
 public:
+    // What QML does when it has made the object. Both must outlive it.
+    void follow(Vault &vault, Prefs &prefs);
+
     int all() const { return m_all; }
     // Those that exist; what a setting still names but the vault no longer holds does not count.
     int favorites() const { return m_favorites; }
@@ -32,6 +38,8 @@ private:
     void componentComplete() override;
     void count();
 
+    Vault *m_vault = nullptr;
+    Prefs *m_prefs = nullptr;
     int m_all = 0;
     int m_favorites = 0;
     int m_recent = 0;
