@@ -24,34 +24,35 @@ QRect coverCrop(QSize source, QSize target)
     return {QPoint((source.width() - size.width()) / 2, (source.height() - size.height()) / 2), size};
 }
 
-QImage scaled(const QImage &picture, QSize size)
+// Where the picture, or the part of it that is seen, lies in the shape.
+QRect placeIn(const PictureShape &shape, QSize part)
 {
-    return picture.convertToFormat(QImage::Format_ARGB32_Premultiplied)
-        .scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-        .convertToFormat(QImage::Format_ARGB32_Premultiplied);
-}
-
-QImage contained(const QImage &picture, QSize size)
-{
-    const QImage whole = scaled(picture, picture.size().scaled(size, Qt::KeepAspectRatio).expandedTo({1, 1}));
-    QImage result(size, QImage::Format_ARGB32_Premultiplied);
-    result.fill(Qt::transparent);
-    QPainter painter(&result);
-    painter.drawImage((size.width() - whole.width()) / 2, (size.height() - whole.height()) / 2, whole);
-    return result;
+    if (shape.fit == PictureFit::Cover)
+        return {QPoint(), shape.size};
+    const QSize size = part.scaled(shape.size, Qt::KeepAspectRatio).expandedTo({1, 1});
+    return {QPoint((shape.size.width() - size.width()) / 2, (shape.size.height() - size.height()) / 2), size};
 }
 
 } // namespace
 
-QImage cutPicture(const QImage &source, const PictureShape &shape)
+QImage cutPicture(const QImage &picture, const PictureShape &shape)
 {
-    if (source.isNull() || shape.size.isEmpty())
+    if (picture.isNull() || shape.size.isEmpty())
         return {};
-    QImage picture = source;
-    picture.setDevicePixelRatio(1);
-    QImage cut = shape.fit == PictureFit::Contain
-                     ? contained(picture, shape.size)
-                     : scaled(picture.copy(coverCrop(picture.size(), shape.size)), shape.size);
+    const QRect part =
+        shape.fit == PictureFit::Cover ? coverCrop(picture.size(), shape.size) : picture.rect();
+    const QRect place = placeIn(shape, part.size());
+    QImage seen = picture.copy(part);
+    seen.setDevicePixelRatio(1);
+    if (seen.hasAlphaChannel())
+        seen.convertTo(QImage::Format_ARGB32_Premultiplied);
+
+    QImage cut(shape.size, QImage::Format_ARGB32_Premultiplied);
+    cut.fill(Qt::black);
+    QPainter painter(&cut);
+    painter.drawImage(place.topLeft(),
+                      seen.scaled(place.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    painter.end();
     if (shape.radius > 0) {
         QPainterPath outline;
         outline.addRoundedRect(QRectF(QPointF(), shape.size), shape.radius, shape.radius);

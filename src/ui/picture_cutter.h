@@ -10,7 +10,7 @@
 
 namespace cratewell {
 
-// Which part of a picture is seen: its middle, filling the shape, or all of it, with clear margins.
+// Which part of a picture is seen: its middle, filling the shape, or all of it, with margins.
 enum class PictureFit : quint8 { Cover, Contain };
 
 // How a picture is to lie on the screen, in device pixels.
@@ -27,7 +27,8 @@ struct PictureShape
     }
 };
 
-// A picture scaled into the shape, corners cut; premultiplied. Null when either is empty.
+// A picture scaled into the shape, on black where it is transparent or does not reach, as overlays are seen
+// in an editor; corners cut; premultiplied. Null when either is empty.
 QImage cutPicture(const QImage &picture, const PictureShape &shape);
 
 // Cuts pictures into shape on its own threads, newest wish first, and remembers the results (64 MB). Main

@@ -20,7 +20,7 @@ class ThumbnailItem : public QQuickItem
     // Lies where the user can see it.
     Q_PROPERTY(bool active READ isActive WRITE setActive NOTIFY activeChanged FINAL)
     Q_PROPERTY(qreal radius READ radius WRITE setRadius NOTIFY radiusChanged FINAL)
-    // Shows the whole picture, with clear margins, rather than its middle.
+    // Shows the whole picture, with margins, rather than its middle.
     Q_PROPERTY(bool whole READ isWhole WRITE setWhole NOTIFY wholeChanged FINAL)
     // The font of the placeholders' signs.
     Q_PROPERTY(QString iconFamily READ iconFamily WRITE setIconFamily NOTIFY iconFamilyChanged FINAL)

@@ -60,11 +60,6 @@ GlassPanel {
 
             onClicked: Requests.toggleFavorite()
         }
-        Rectangle {
-            anchors.fill: picture
-            color: "black"
-            radius: picture.radius
-        }
         ThumbnailItem {
             id: picture
 
