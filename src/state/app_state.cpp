@@ -328,6 +328,7 @@ int AppState::visibleCount() const
 std::vector<Asset> AppState::selectedAssets() const
 {
     std::vector<Asset> assets;
+    assets.reserve(size_t(std::min(d->selected.count(), d->visible.count())));
     for (const AssetIndex index : d->visible.indices) {
         if (d->selected.contains(index))
             assets.push_back(d->picture->asset(index));

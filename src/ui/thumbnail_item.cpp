@@ -26,6 +26,8 @@ void ThumbnailItem::setSource(PictureSource *source)
             if (url != m_url)
                 return;
             m_request.reset();
+            m_ticket.reset();
+            m_outdated = true;
             polish();
         });
         connect(source, &PictureSource::reset, this, &ThumbnailItem::forget);
@@ -96,7 +98,7 @@ void ThumbnailItem::forget()
 {
     m_request.reset();
     m_ticket.reset();
-    draw({}, Drawn::Nothing);
+    draw({}, {}, Drawn::Nothing);
     polish();
 }
 
@@ -116,10 +118,11 @@ void ThumbnailItem::updatePolish()
     switch (m_source->state(m_url)) {
     case Media::State::Ready:
         m_request.reset();
-        showPicture(wanted);
+        if (needsPicture(wanted))
+            showPicture(wanted);
         return;
     case Media::State::Missing:
-        if (m_active && isVisible() && !m_request)
+        if (m_active && isVisible() && !m_request && needsPicture(wanted))
             m_request = m_source->request(m_url);
         // The picture of a file that was rewritten stays until the new one is there.
         if (m_drawn != Drawn::Picture)
@@ -134,6 +137,12 @@ void ThumbnailItem::updatePolish()
     }
 }
 
+// The source may have let go of the picture that is on the screen: it is enough as long as it fits.
+bool ThumbnailItem::needsPicture(const PictureShape &wanted) const
+{
+    return m_drawn != Drawn::Picture || m_outdated || m_cutTo != wanted;
+}
+
 void ThumbnailItem::showPicture(const PictureShape &wanted)
 {
     const QImage picture = m_source->picture(m_url);
@@ -141,7 +150,7 @@ void ThumbnailItem::showPicture(const PictureShape &wanted)
         return;
     if (const QImage ready = m_source->cutter().ready(picture, wanted); !ready.isNull()) {
         m_ticket.reset();
-        draw(ready, Drawn::Picture);
+        draw(ready, wanted, Drawn::Picture);
         return;
     }
     if (m_drawn != Drawn::Picture)
@@ -150,20 +159,22 @@ void ThumbnailItem::showPicture(const PictureShape &wanted)
         // One cut at a time: while a card is being resized the next one starts when this one is done.
         return;
     }
-    m_ticket = m_source->cutter().cut(picture, wanted, [this](const QImage &cut) {
+    m_ticket = m_source->cutter().cut(picture, wanted, [this, wanted](const QImage &cut) {
         m_ticket.reset();
-        draw(cut, Drawn::Picture);
+        draw(cut, wanted, Drawn::Picture);
         polish();
     });
 }
 
 void ThumbnailItem::showPlaceholder(Sign sign, const PictureShape &wanted)
 {
-    draw(m_source->placeholder({m_kind, sign, m_iconFamily}, wanted), Drawn::Placeholder);
+    draw(m_source->placeholder({m_kind, sign, m_iconFamily}, wanted), wanted, Drawn::Placeholder);
 }
 
-void ThumbnailItem::draw(const QImage &image, Drawn what)
+void ThumbnailItem::draw(const QImage &image, const PictureShape &cutTo, Drawn what)
 {
+    m_cutTo = cutTo;
+    m_outdated = false;
     if (image.cacheKey() != m_image.cacheKey()) {
         m_image = image;
         m_imageChanged = true;

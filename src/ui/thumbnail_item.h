@@ -66,7 +66,8 @@ private:
     void showPicture(const PictureShape &wanted);
     void showPlaceholder(PlaceholderLook::Sign sign, const PictureShape &wanted);
     enum class Drawn : quint8 { Nothing, Placeholder, Picture };
-    void draw(const QImage &image, Drawn what);
+    void draw(const QImage &image, const PictureShape &cutTo, Drawn what);
+    bool needsPicture(const PictureShape &wanted) const;
 
     QPointer<PictureSource> m_source;
     Location m_url;
@@ -77,11 +78,10 @@ private:
 
     std::unique_ptr<PreviewRequest> m_request;
     PictureCutter::Ticket m_ticket;
-    PictureShape m_ordered; // what the ticket is for
-    qint64 m_orderedFrom = 0;
-
     QImage m_image; // what is drawn
+    PictureShape m_cutTo;
     Drawn m_drawn = Drawn::Nothing;
+    bool m_outdated = false; // the file was written again since
     bool m_imageChanged = false;
 };
 

@@ -34,6 +34,7 @@ protected:
     std::vector<std::string> visible() const
     {
         std::vector<std::string> names;
+        names.reserve(size_t(state.visibleCount()));
         for (int row = 0; row < state.visibleCount(); ++row)
             names.push_back(state.visibleAssets().at(row).url.name().toStdString());
         return names;

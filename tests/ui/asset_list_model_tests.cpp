@@ -9,7 +9,6 @@
 namespace cratewell {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -43,6 +43,12 @@ public:
         Q_EMIT
         changed(url);
     }
+    // As a source short of memory does: without a word.
+    void letGo(const Location &url)
+    {
+        pictures.remove(url);
+        states[url] = Media::State::Missing;
+    }
     void invalidate(const Location &url)
     {
         states[url] = Media::State::Missing;
@@ -179,6 +185,24 @@ TEST_F(ThumbnailItemTest, NeverShowsTheOldFileUnderANewName)
 
     // One that was cut before is there at once, without a gap.
     item.setUrl(a);
+    EXPECT_EQ(middle(), QColor(Qt::red));
+}
+
+TEST_F(ThumbnailItemTest, PictureOnTheScreenOutlivesTheSourcesOwn)
+{
+    item.setUrl(a);
+    show();
+    source.give(a, Qt::red);
+    ASSERT_TRUE(waitUntil([this] { return item.isShown(); }));
+    const int asked = source.asked;
+    source.letGo(a);
+    item.setActive(false);
+    item.setActive(true);
+    EXPECT_EQ(middle(), QColor(Qt::red));
+    EXPECT_EQ(source.asked, asked);
+
+    item.setSize({120, 75});
+    ASSERT_TRUE(wishes(a)) << "another size has to be cut from the picture itself";
     EXPECT_EQ(middle(), QColor(Qt::red));
 }
 
