@@ -137,7 +137,7 @@ T.Control {
                 glide.stop();
                 fresh = true;
                 contentY = originY - topMargin;
-                Qt.callLater(() => fresh = false);
+                settling.restart();
             }
             // Keeps in mind which card lies at the top edge, and how; at the very top nothing is kept, so that
             // what is new there shows.
@@ -224,6 +224,13 @@ T.Control {
                 x: parent.width - width
             }
 
+            Timer {
+                id: settling
+
+                interval: 0
+
+                onTriggered: view.fresh = false
+            }
             NumberAnimation {
                 id: glide
 
