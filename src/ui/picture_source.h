@@ -50,8 +50,7 @@ private:
 };
 
 // The grid thumbnails of the vault's assets, each looked up afresh, so that a rewritten file gets the picture
-// of its newest version. Every picture is missing until it knows its vault. (The QML tools find a base by its
-// full name only.)
+// of its newest version. Every picture is missing until it knows its vault.
 class ThumbnailSource : public cratewell::PictureSource, public QQmlParserStatus
 {
     Q_OBJECT

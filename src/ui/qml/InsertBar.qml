@@ -55,21 +55,17 @@ Rectangle {
                     clicked();
             }
 
-            background: Rectangle {
+            background: GradientTile {
+                direction: GradientTile.Across
+                end: Theme.pink
                 radius: Theme.controlRadius
-
-                gradient: Gradient {
-                    orientation: Gradient.Horizontal
-
-                    GradientStop { color: Theme.accent; position: 0 }
-                    GradientStop { color: Theme.pink; position: 1 }
-                }
+                start: Theme.accent
 
                 Rectangle {
                     anchors.fill: parent
                     color: button.down ? Qt.rgba(0, 0, 0, 0.14)
                                        : Qt.rgba(1, 1, 1, button.hovered && button.enabled ? 0.1 : 0)
-                    radius: parent.radius
+                    radius: Theme.controlRadius
                 }
                 FocusRing {
                     anchors.margins: -4
@@ -82,20 +78,12 @@ Rectangle {
                     anchors.centerIn: parent
                     spacing: Theme.space2
 
-                    Icon {
+                    TurningIcon {
                         anchors.verticalCenter: parent.verticalCenter
                         color: Theme.accentInk
                         size: 17
                         text: bar.busy ? "autorenew" : "south_east"
-
-                        RotationAnimation on rotation {
-                            alwaysRunToEnd: true
-                            duration: 900
-                            from: 0
-                            loops: Animation.Infinite
-                            running: bar.busy && button.visible && !Theme.reducedMotion
-                            to: 360
-                        }
+                        turning: bar.busy && button.visible
                     }
                     Label {
                         anchors.verticalCenter: parent.verticalCenter

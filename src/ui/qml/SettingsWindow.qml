@@ -74,19 +74,14 @@ T.Popup {
             Repeater {
                 model: settings.titles
 
-                GlassButton {
+                GlassTab {
                     required property int index
                     required property string modelData
 
+                    checked: settings.page === index
                     focus: index === 0
-                    implicitHeight: 34
-                    prominent: settings.page === index
                     symbol: settings.symbols[index]
                     text: modelData
-
-                    Accessible.role: Accessible.PageTab
-                    Accessible.selectable: true
-                    Accessible.selected: settings.page === index
 
                     onClicked: settings.page = index
                 }
