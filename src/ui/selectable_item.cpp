@@ -11,7 +11,7 @@ void SelectableItem::setSelected(bool selected)
     m_selected = selected;
     Q_EMIT
     selectedChanged();
-    if (!isComponentComplete() || !QAccessible::isActive())
+    if (!isComponentComplete())
         return;
     QAccessibleEvent event(this, selected ? QAccessible::SelectionAdd : QAccessible::SelectionRemove);
     QAccessible::updateAccessibility(&event);

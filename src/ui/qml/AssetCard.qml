@@ -26,9 +26,14 @@ SelectableItem {
     required property bool showName
     required property bool showBadge
 
+    readonly property bool hovered: face.containsMouse
+    // What lies on the card moves with it when its parent is this.
+    readonly property Item surface: face
+    // From the picture's upper right corner to the middle of the star, both ways.
+    readonly property int cornerOffset: 14
+
     signal clicked(modifiers: int)
     signal insertAsked
-    signal favoriteToggled
 
     Accessible.role: Accessible.ListItem
     Accessible.name: name
@@ -44,7 +49,7 @@ SelectableItem {
 
         width: card.width
         height: card.height
-        y: containsMouse ? -2 : 0
+        y: card.hovered ? -2 : 0
         hoverEnabled: true
         onClicked: (mouse) => card.clicked(mouse.modifiers)
         onDoubleClicked: (mouse) => {
@@ -62,8 +67,8 @@ SelectableItem {
         Rectangle {
             anchors.fill: parent
             radius: card.radius
-            color: Qt.rgba(1, 1, 1, Theme.glassFill.a + (face.containsMouse ? 0.045 : 0))
-            border.color: face.containsMouse ? Theme.popupBorder : Theme.glassBorder
+            color: Qt.rgba(1, 1, 1, Theme.glassFill.a + (card.hovered ? 0.045 : 0))
+            border.color: card.hovered ? Theme.popupBorder : Theme.glassBorder
         }
 
         ThumbnailItem {
@@ -90,12 +95,16 @@ SelectableItem {
             radius: Theme.badgeRadius
             color: "#8c000000"
 
-            Icon {
-                x: 5
-                height: parent.height
+            Text {
                 color: "white"
-                size: 12
+                font.family: Theme.iconFamily
+                font.pixelSize: 12
+                height: parent.height
+                renderType: Text.NativeRendering
                 text: picture.kindIcon
+                textFormat: Text.PlainText
+                verticalAlignment: Text.AlignVCenter
+                x: 5
             }
 
             Text {
@@ -116,39 +125,19 @@ SelectableItem {
             }
         }
 
-        MouseArea {
-            id: star
-
-            anchors.right: picture.right
-            anchors.top: picture.top
-            width: 28
-            height: 28
-            visible: card.favorite || face.containsMouse
-            hoverEnabled: true
-            onClicked: card.favoriteToggled()
-
-            Accessible.role: Accessible.Button
-            Accessible.name: card.favorite ? qsTr("Remove from Favorites") : qsTr("Add to Favorites")
-            Accessible.onPressAction: card.favoriteToggled()
-
-            Rectangle {
-                anchors.centerIn: parent
-                width: 22
-                height: 22
-                radius: 11
-                visible: face.containsMouse
-                color: star.containsMouse ? "#b3000000" : "#73000000"
-            }
-
-            Text {
-                anchors.centerIn: parent
-                font.family: Theme.iconFamily
-                font.pixelSize: 16
-                color: card.favorite ? Theme.amber : "white"
-                text: card.favorite ? "star" : "star_border"
-            }
+        Text {
+            anchors.horizontalCenter: picture.right
+            anchors.horizontalCenterOffset: -card.cornerOffset
+            anchors.verticalCenter: picture.top
+            anchors.verticalCenterOffset: card.cornerOffset
+            color: Theme.amber
+            font.family: Theme.iconFamily
+            font.pixelSize: 16
+            renderType: Text.NativeRendering
+            text: "star"
+            textFormat: Text.PlainText
+            visible: card.favorite
         }
-
         Text {
             x: card.inset + 4
             y: picture.y + picture.height
@@ -167,16 +156,16 @@ SelectableItem {
         }
 
         SelectionFrame {
-            x: -1
-            y: -1
-            width: card.width + 2
+            color: Theme.accent
             height: card.height + 2
-            visible: card.selected || card.focused
+            lineWidth: card.selected ? 2 : 1
             radius: card.radius + 1
             reach: 14
-            color: Theme.accent
-            lineWidth: card.selected ? 2 : 1
             strength: !card.selected ? 0 : card.focused ? 0.6 : 0.25
+            visible: card.selected || card.focused
+            width: card.width + 2
+            x: -1
+            y: -1
         }
     }
 }

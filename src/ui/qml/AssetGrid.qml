@@ -120,8 +120,6 @@ T.Control {
             readonly property real firstLine: lineAt(contentY)
             readonly property real endLine: lineAt(contentY + height) + cellHeight
 
-            // Another choice of assets comes, of which the beginning is to be seen.
-            property bool fresh: false
             property bool anchored: false
             property location anchor
             property real anchorOffset: 0
@@ -133,18 +131,17 @@ T.Control {
                 const end = originY + contentHeight + bottomMargin - height;
                 return Math.max(originY - topMargin, Math.min(y, end));
             }
+            // Another choice of assets comes or has just come.
             function startOver(): void {
                 glide.stop();
-                fresh = true;
                 contentY = originY - topMargin;
-                settling.restart();
             }
             // Keeps in mind which card lies at the top edge, and how; at the very top nothing is kept, so that
             // what is new there shows.
             function remember(newCount: int): void {
                 glide.stop();
                 const row = Math.max(0, Math.floor((contentY - originY) / cellHeight)) * columns;
-                anchored = !fresh && contentY > originY && row < assets.count;
+                anchored = contentY > originY && row < assets.count;
                 if (!anchored)
                     return;
                 anchor = assets.urlAt(row);
@@ -197,6 +194,8 @@ T.Control {
             onMovementStarted: glide.stop()
 
             delegate: AssetCard {
+                id: card
+
                 required property int index
 
                 footer: grid.cardFooter
@@ -214,8 +213,21 @@ T.Control {
                     grid.forceActiveFocus(Qt.MouseFocusReason);
                     assets.click(index, modifiers);
                 }
-                onFavoriteToggled: assets.toggleFavorite(index)
+                onHoveredChanged: {
+                    if (hovered)
+                        star.card = card;
+                    else if (star.card === card)
+                        star.card = null;
+                }
                 onInsertAsked: Inserter.insertSelected()
+            }
+
+            CardStar {
+                id: star
+
+                card: null
+
+                onToggled: assets.toggleFavorite(assets.rowOf(card.url))
             }
 
             T.ScrollBar.vertical: ThinScrollBar {
@@ -224,13 +236,6 @@ T.Control {
                 x: parent.width - width
             }
 
-            Timer {
-                id: settling
-
-                interval: 0
-
-                onTriggered: view.fresh = false
-            }
             NumberAnimation {
                 id: glide
 
