@@ -50,7 +50,8 @@ private:
 };
 
 // The grid thumbnails of the vault's assets, each looked up afresh, so that a rewritten file gets the picture
-// of its newest version. Every picture is missing until it knows its vault.
+// of its newest version. Every picture is missing until it knows its vault. (The QML tools find a base by its
+// full name only.)
 class ThumbnailSource : public cratewell::PictureSource, public QQmlParserStatus
 {
     Q_OBJECT

@@ -78,12 +78,20 @@ Rectangle {
                     anchors.centerIn: parent
                     spacing: Theme.space2
 
-                    TurningIcon {
+                    Icon {
                         anchors.verticalCenter: parent.verticalCenter
                         color: Theme.accentInk
                         size: 17
                         text: bar.busy ? "autorenew" : "south_east"
-                        turning: bar.busy && button.visible
+
+                        RotationAnimation on rotation {
+                            alwaysRunToEnd: true
+                            duration: 900
+                            from: 0
+                            loops: Animation.Infinite
+                            running: bar.busy && button.visible && !Theme.reducedMotion
+                            to: 360
+                        }
                     }
                     Label {
                         anchors.verticalCenter: parent.verticalCenter

@@ -9,7 +9,8 @@ T.Popup {
     id: settings
 
     property int page: 0
-    readonly property list<string> titles: [qsTr("Look"), qsTr("Library"), qsTr("Preview"), qsTr("Integrations")]
+    readonly property list<string> titles: [qsTr("Look"), qsTr("Library"), qsTr("Preview"),
+        qsTr("Integrations")]
     readonly property list<string> symbols: ["palette", "grid_view", "play_circle", "extension"]
 
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
@@ -99,7 +100,13 @@ T.Popup {
         }
     }
     enter: Transition {
-        NumberAnimation { duration: Theme.panelTime; easing.type: Easing.OutCubic; from: 0; property: "opacity"; to: 1 }
+        NumberAnimation {
+            duration: Theme.panelTime
+            easing.type: Easing.OutCubic
+            from: 0
+            property: "opacity"
+            to: 1
+        }
     }
     exit: Transition {
         NumberAnimation { duration: Theme.hoverTime; from: 1; property: "opacity"; to: 0 }
