@@ -2,6 +2,7 @@
 
 #include "ui/soft_mask.h"
 
+#include <QPainter>
 #include <QPainterPath>
 #include <algorithm>
 #include <atomic>
@@ -23,22 +24,39 @@ QRect coverCrop(QSize source, QSize target)
     return {QPoint((source.width() - size.width()) / 2, (source.height() - size.height()) / 2), size};
 }
 
+QImage scaled(const QImage &picture, QSize size)
+{
+    return picture.convertToFormat(QImage::Format_ARGB32_Premultiplied)
+        .scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+        .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+QImage contained(const QImage &picture, QSize size)
+{
+    const QImage whole = scaled(picture, picture.size().scaled(size, Qt::KeepAspectRatio).expandedTo({1, 1}));
+    QImage result(size, QImage::Format_ARGB32_Premultiplied);
+    result.fill(Qt::transparent);
+    QPainter painter(&result);
+    painter.drawImage((size.width() - whole.width()) / 2, (size.height() - whole.height()) / 2, whole);
+    return result;
+}
+
 } // namespace
 
-QImage cutPicture(const QImage &picture, const PictureShape &shape)
+QImage cutPicture(const QImage &source, const PictureShape &shape)
 {
-    if (picture.isNull() || shape.size.isEmpty())
+    if (source.isNull() || shape.size.isEmpty())
         return {};
-    QImage cut = picture.copy(coverCrop(picture.size(), shape.size))
-                     .convertToFormat(QImage::Format_ARGB32_Premultiplied)
-                     .scaled(shape.size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-                     .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    QImage picture = source;
+    picture.setDevicePixelRatio(1);
+    QImage cut = shape.fit == PictureFit::Contain
+                     ? contained(picture, shape.size)
+                     : scaled(picture.copy(coverCrop(picture.size(), shape.size)), shape.size);
     if (shape.radius > 0) {
         QPainterPath outline;
         outline.addRoundedRect(QRectF(QPointF(), shape.size), shape.radius, shape.radius);
         keepInside(cut, coverage(outline, shape.size));
     }
-    cut.setDevicePixelRatio(1);
     return cut;
 }
 

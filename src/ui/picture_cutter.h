@@ -10,20 +10,24 @@
 
 namespace cratewell {
 
+// Which part of a picture is seen: its middle, filling the shape, or all of it, with clear margins.
+enum class PictureFit : quint8 { Cover, Contain };
+
 // How a picture is to lie on the screen, in device pixels.
 struct PictureShape
 {
     QSize size;
     int radius = 0; // of the rounded corners
+    PictureFit fit = PictureFit::Cover;
 
     friend bool operator==(const PictureShape &, const PictureShape &) = default;
     friend size_t qHash(const PictureShape &shape, size_t seed = 0)
     {
-        return qHashMulti(seed, shape.size.width(), shape.size.height(), shape.radius);
+        return qHashMulti(seed, shape.size.width(), shape.size.height(), shape.radius, int(shape.fit));
     }
 };
 
-// The middle of a picture, scaled to fill the shape, corners cut; premultiplied. Null when either is empty.
+// A picture scaled into the shape, corners cut; premultiplied. Null when either is empty.
 QImage cutPicture(const QImage &picture, const PictureShape &shape);
 
 // Cuts pictures into shape on its own threads, newest wish first, and remembers the results (64 MB). Main

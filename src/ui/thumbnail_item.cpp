@@ -77,6 +77,15 @@ void ThumbnailItem::setRadius(qreal radius)
     radiusChanged();
 }
 
+void ThumbnailItem::setWhole(bool whole)
+{
+    if (whole == isWhole())
+        return;
+    m_fit = whole ? PictureFit::Contain : PictureFit::Cover;
+    polish();
+    Q_EMIT wholeChanged();
+}
+
 void ThumbnailItem::setIconFamily(const QString &family)
 {
     if (family == m_iconFamily)
@@ -90,7 +99,7 @@ void ThumbnailItem::setIconFamily(const QString &family)
 PictureShape ThumbnailItem::shape() const
 {
     const qreal ratio = window() ? window()->effectiveDevicePixelRatio() : 1.0;
-    return {(size() * ratio).toSize(), int(std::lround(m_radius * ratio))};
+    return {(size() * ratio).toSize(), int(std::lround(m_radius * ratio)), m_fit};
 }
 
 // Another file: nothing of the old one may be seen.

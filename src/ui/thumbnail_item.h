@@ -20,6 +20,8 @@ class ThumbnailItem : public QQuickItem
     // Lies where the user can see it.
     Q_PROPERTY(bool active READ isActive WRITE setActive NOTIFY activeChanged FINAL)
     Q_PROPERTY(qreal radius READ radius WRITE setRadius NOTIFY radiusChanged FINAL)
+    // Shows the whole picture, with clear margins, rather than its middle.
+    Q_PROPERTY(bool whole READ isWhole WRITE setWhole NOTIFY wholeChanged FINAL)
     // The font of the placeholders' signs.
     Q_PROPERTY(QString iconFamily READ iconFamily WRITE setIconFamily NOTIFY iconFamilyChanged FINAL)
     // The sign of the kind, as a ligature of such a font.
@@ -39,6 +41,8 @@ public:
     void setActive(bool active);
     qreal radius() const { return m_radius; }
     void setRadius(qreal radius);
+    bool isWhole() const { return m_fit == PictureFit::Contain; }
+    void setWhole(bool whole);
     const QString &iconFamily() const { return m_iconFamily; }
     void setIconFamily(const QString &family);
     QString kindIcon() const { return cratewell::kindIcon(m_kind); }
@@ -50,6 +54,7 @@ Q_SIGNALS:
     void kindChanged();
     void activeChanged();
     void radiusChanged();
+    void wholeChanged();
     void iconFamilyChanged();
     void shownChanged();
 
@@ -74,6 +79,7 @@ private:
     AssetKind m_kind = AssetKind::Video;
     bool m_active = true;
     qreal m_radius = 0;
+    PictureFit m_fit = PictureFit::Cover;
     QString m_iconFamily;
 
     std::unique_ptr<PreviewRequest> m_request;

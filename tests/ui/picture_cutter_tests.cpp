@@ -35,6 +35,17 @@ TEST(CutPicture, FillsTheShapeWithTheMiddleOfThePicture)
     EXPECT_EQ(tall.size(), QSize(80, 40));
 }
 
+TEST(CutPicture, ShowsTheWholePictureWithClearMarginsWhenAsked)
+{
+    const QImage tall = cutPicture(stripes({100, 300}, Qt::Vertical), {{90, 60}, 0, PictureFit::Contain});
+    ASSERT_EQ(tall.size(), QSize(90, 60));
+    EXPECT_EQ(tall.pixelColor(45, 5), QColor(Qt::red));
+    EXPECT_EQ(tall.pixelColor(45, 30), QColor(Qt::green));
+    EXPECT_EQ(tall.pixelColor(45, 55), QColor(Qt::blue));
+    EXPECT_EQ(tall.pixelColor(20, 30).alpha(), 0);
+    EXPECT_EQ(tall.pixelColor(70, 30).alpha(), 0);
+}
+
 TEST(CutPicture, CutsCornersAndKeepsWhatIsTransparent)
 {
     QImage picture(64, 64, QImage::Format_ARGB32);

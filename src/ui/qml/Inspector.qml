@@ -75,6 +75,7 @@ GlassPanel {
             radius: Theme.controlRadius
             source: thumbnails
             url: selection.url
+            whole: true
             width: parent.width
             y: 44
 
