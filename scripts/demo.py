@@ -30,30 +30,55 @@ PROJECT = HOME / "Stand-in Resolve project.json"
 LEAKS, FILM = "Overlays/Light Leaks", "LUTs/Film"
 # The library opens on what was added last, so these arrive last, the first of them at the very end.
 SHELF_FRONT = [
-    f"{LEAKS}/Amber Sweep 04.mov", f"{LEAKS}/Prism Edge.mov", f"{LEAKS}/Streak Warm 2.mov",
-    f"{FILM}/Teal & Orange 33.cube", "SFX/Whooshes/Whoosh Deep 07.wav", f"{LEAKS}/Aurora Bloom.png",
-    f"{LEAKS}/Sun Flare Soft.mp4", f"{FILM}/Dusk Fade.cube", "Overlays/Glitches/Scan Glitch.mp4",
-    "SFX/Hits/Impact Low.wav", f"{FILM}/Noir.cube", "SFX/Risers/Riser 12.wav",
-    "Overlays/Bokeh/Bokeh Drift.mp4", "Overlays/Flashes/Lightning Cold.mp4", f"{FILM}/Neon Night.cube",
-    f"{LEAKS}/Film Burns/Burn Edge 02.mp4", "SFX/Whooshes/Vortex.wav", f"{LEAKS}/Lens Ghosts.mov",
-    "Overlays/Transitions/Light Wipe.mp4", "Overlays/Bokeh/Bokeh Lights 7.jpg",
+    f"{LEAKS}/Amber Sweep 04.mov",
+    f"{LEAKS}/Prism Edge.mov",
+    f"{LEAKS}/Streak Warm 2.mov",
+    f"{FILM}/Teal & Orange 33.cube",
+    "SFX/Whooshes/Whoosh Deep 07.wav",
+    f"{LEAKS}/Aurora Bloom.png",
+    f"{LEAKS}/Sun Flare Soft.mp4",
+    f"{FILM}/Dusk Fade.cube",
+    "Overlays/Glitches/Scan Glitch.mp4",
+    "SFX/Hits/Impact Low.wav",
+    f"{FILM}/Noir.cube",
+    "SFX/Risers/Riser 12.wav",
+    "Overlays/Bokeh/Bokeh Drift.mp4",
+    "Overlays/Flashes/Lightning Cold.mp4",
+    f"{FILM}/Neon Night.cube",
+    f"{LEAKS}/Film Burns/Burn Edge 02.mp4",
+    "SFX/Whooshes/Vortex.wav",
+    f"{LEAKS}/Lens Ghosts.mov",
+    "Overlays/Transitions/Light Wipe.mp4",
+    "Overlays/Bokeh/Bokeh Lights 7.jpg",
 ]
 FAVORITES = [SHELF_FRONT[0], SHELF_FRONT[4], f"{FILM}/Cold Harbor.cube", "Overlays/Bokeh/Bokeh Lights 3.jpg"]
 RECENT = [SHELF_FRONT[2], "SFX/Hits/Impact Low.wav", "Overlays/Flashes/White Pop.mov"]
 FOLDER_COLORS = {
-    "Overlays/Flashes": "#FF9F43", "Overlays/Glitches": "#FF4ECD", LEAKS: "#FFD54A", "SFX/Whooshes": "#2FD6FF",
+    "Overlays/Flashes": "#FF9F43",
+    "Overlays/Glitches": "#FF4ECD",
+    LEAKS: "#FFD54A",
+    "SFX/Whooshes": "#2FD6FF",
     FILM: "#4A5CFF",
 }
 
 # name of the picture, settings that differ from the demo's own, place, selected files
 SNAPSHOTS = [
     ("main", {}, "", ["Amber Sweep 04.mov"]),
-    ("light", {"appearance": "light"}, "", ["Amber Sweep 04.mov", "Streak Warm 2.mov", "Teal & Orange 33.cube"]),
+    (
+        "light",
+        {"appearance": "light"},
+        "",
+        ["Amber Sweep 04.mov", "Streak Warm 2.mov", "Teal & Orange 33.cube"],
+    ),
     ("lut-midnight", {"background": "midnight", "accentHex": "#2FD6FF"}, "", ["Teal & Orange 33.cube"]),
     ("sound-chrome", {"background": "chrome", "accentHex": "#62D991"}, "", ["Whoosh Deep 07.wav"]),
     ("small-plain", {"background": "plain", "cardSize": 140, "cornerRadius": 6}, "", ["Lens Ghosts.mov"]),
-    ("large-light-chrome", {"appearance": "light", "background": "chrome", "cardSize": 320, "accentHex": "#FF5A5F"},
-     "", ["Aurora Bloom.png"]),
+    (
+        "large-light-chrome",
+        {"appearance": "light", "background": "chrome", "cardSize": 320, "accentHex": "#FF5A5F"},
+        "",
+        ["Aurora Bloom.png"],
+    ),
     ("trash", {}, "trash", []),
 ]
 
@@ -91,7 +116,9 @@ def furnish_home() -> None:
 
 
 def environment() -> dict[str, str]:
-    inherited = {name: value for name, value in os.environ.items() if not name.startswith(("XDG_", "CRATEWELL_"))}
+    inherited = {
+        name: value for name, value in os.environ.items() if not name.startswith(("XDG_", "CRATEWELL_"))
+    }
     runtime = os.environ.get("XDG_RUNTIME_DIR")
     if not runtime:
         runtime = str(DEMO / "runtime")
@@ -121,9 +148,11 @@ def stand_in_resolve() -> Iterator[None]:
 
 
 def show() -> int:
-    print(f"demo: a home of its own in {HOME}\n"
-          f"demo: what lands on the stand-in's timeline: {STAND_IN.relative_to(ROOT)}/resolve.py show '{PROJECT}'",
-          flush=True)
+    print(
+        f"demo: a home of its own in {HOME}\n"
+        f"demo: what lands on the stand-in's timeline: {STAND_IN.relative_to(ROOT)}/resolve.py show '{PROJECT}'",
+        flush=True,
+    )
     return subprocess.run([PROGRAM], env=environment()).returncode
 
 
@@ -166,7 +195,9 @@ def take_snapshot(folder: pathlib.Path, name: str, settings: dict, place: str, s
 
 def main() -> int:
     parser = argparse.ArgumentParser(prog="./dev demo")
-    parser.add_argument("--snapshot", metavar="DIR", type=pathlib.Path, help="save pictures of the window into DIR")
+    parser.add_argument(
+        "--snapshot", metavar="DIR", type=pathlib.Path, help="save pictures of the window into DIR"
+    )
     options = parser.parse_args()
     furnish_home()
     with stand_in_resolve():

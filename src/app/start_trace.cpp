@@ -3,6 +3,7 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -15,9 +16,14 @@ namespace {
 bool showsCards(const QQuickWindow &window)
 {
     const auto *grid = window.findChild<QQuickItem *>(u"assetGrid"_s);
-    if (!grid || grid->property("count").toInt() == 0)
+    if (!grid)
         return false;
-    const auto *content = grid->property("contentItem").value<QQuickItem *>();
+    const auto items = grid->findChildren<QQuickItem *>();
+    const auto view =
+        std::ranges::find_if(items, [](const QQuickItem *item) { return item->inherits("QQuickGridView"); });
+    if (view == items.end() || (*view)->property("count").toInt() == 0)
+        return false;
+    const auto *content = (*view)->property("contentItem").value<QQuickItem *>();
     constexpr int leastCards = 9;
     return content && content->childItems().size() >= leastCards;
 }

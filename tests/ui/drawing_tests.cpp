@@ -137,6 +137,13 @@ TEST(GradientTileDrawing, RunsFromCornerToCornerWithRoundCorners)
     EXPECT_EQ(qAlpha(image.pixel(22, 22)), 255);
     EXPECT_GT(qRed(image.pixel(6, 6)), qBlue(image.pixel(6, 6)) + 100);
     EXPECT_GT(qBlue(image.pixel(37, 37)), qRed(image.pixel(37, 37)) + 100);
+
+    tile.setDirection(GradientTile::Down);
+    tile.setRim(Qt::white);
+    const QImage upright = tile.draw({44, 44}, 2);
+    EXPECT_EQ(upright.pixel(8, 12), upright.pixel(36, 12));
+    EXPECT_NE(upright.pixel(20, 8), upright.pixel(20, 36));
+    EXPECT_EQ(upright.pixel(22, 0), QColor(Qt::white).rgb());
 }
 
 TEST(ByteText, IsDecimalAndRoundsIntoTheNextUnit)

@@ -153,7 +153,7 @@ TEST_F(Window, CommandsReachTheDesktopAndTheSettings)
     ASSERT_TRUE(world.controls().click(QAccessible::Button, u"Show or hide the preview"_s));
     EXPECT_FALSE(state.showInspector());
     world.key(Qt::Key_Comma, Qt::ControlModifier);
-    EXPECT_TRUE(waitUntil([this] { return world.controls().find(QAccessible::Button, u"Look"_s); }));
+    EXPECT_TRUE(waitUntil([this] { return world.controls().find(QAccessible::PageTab, u"Look"_s); }));
 }
 
 TEST_F(Window, ClosingLeavesTheProgramRunning)

@@ -10,18 +10,24 @@ Row {
     required property real size
     readonly property real smallest: 140
     readonly property real largest: 340
+    // Also while it is hidden.
+    readonly property real fullWidth: fewer.width + slider.width + more.width + 2 * spacing
 
     signal chosen(real size)
 
     spacing: 8
 
     Icon {
+        id: more
+
         anchors.verticalCenter: parent.verticalCenter
         color: Theme.textSecondary
         size: 13
         text: "grid_on"
     }
     GlassSlider {
+        id: slider
+
         anchors.verticalCenter: parent.verticalCenter
         from: control.smallest
         label: qsTr("Card size")
@@ -32,6 +38,8 @@ Row {
         onMoved: control.chosen(value)
     }
     Icon {
+        id: fewer
+
         anchors.verticalCenter: parent.verticalCenter
         color: Theme.textSecondary
         size: 15

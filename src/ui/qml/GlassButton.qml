@@ -50,39 +50,16 @@ T.Button {
         text: control.text
     }
 
-    background: Item {
-        ControlGlass {
-            anchors.fill: parent
-            hovered: control.hovered
-            pressed: control.down
-            visible: !control.prominent
-        }
-        AccentGlass {
-            anchors.fill: parent
-            hovered: control.hovered
-            pressed: control.down
-            visible: control.prominent
-        }
-        FocusRing { shown: control.visualFocus }
+    background: ButtonPane {
+        focused: control.visualFocus
+        hovered: control.hovered
+        pressed: control.down
+        prominent: control.prominent
     }
-    contentItem: Row {
-        spacing: 7
-
-        Icon {
-            anchors.verticalCenter: parent.verticalCenter
-            color: control.ink
-            text: control.symbol
-            visible: text.length > 0
-        }
-        Label {
-            anchors.verticalCenter: parent.verticalCenter
-            color: control.ink
-            font.weight: Font.DemiBold
-            text: control.text
-            visible: !control.compact
-
-            Accessible.ignored: true
-        }
+    contentItem: ButtonFace {
+        ink: control.ink
+        symbol: control.symbol
+        text: control.compact ? "" : control.text
     }
 
     HelpTip {

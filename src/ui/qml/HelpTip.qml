@@ -2,8 +2,8 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-// Says what a control does after the pointer has rested on it; a press silences it until the pointer comes back.
-// The bubble is made only while it is wanted.
+// Says what a control does after the pointer has rested on it; a press silences it until the pointer comes
+// back. The bubble is made only while it is wanted.
 Loader {
     id: tip
 

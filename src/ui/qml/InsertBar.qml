@@ -55,21 +55,17 @@ Rectangle {
                     clicked();
             }
 
-            background: Rectangle {
+            background: GradientTile {
+                direction: GradientTile.Across
+                end: Theme.pink
                 radius: Theme.controlRadius
-
-                gradient: Gradient {
-                    orientation: Gradient.Horizontal
-
-                    GradientStop { color: Theme.accent; position: 0 }
-                    GradientStop { color: Theme.pink; position: 1 }
-                }
+                start: Theme.accent
 
                 Rectangle {
                     anchors.fill: parent
                     color: button.down ? Qt.rgba(0, 0, 0, 0.14)
                                        : Qt.rgba(1, 1, 1, button.hovered && button.enabled ? 0.1 : 0)
-                    radius: parent.radius
+                    radius: Theme.controlRadius
                 }
                 FocusRing {
                     anchors.margins: -4

@@ -9,7 +9,8 @@ FocusScope {
 
     required property Window window
     required property Commands commands
-    readonly property bool showsGrid: Navigator.place !== Navigator.Importer && Navigator.place !== Navigator.Trash
+    readonly property bool showsGrid: Navigator.place !== Navigator.Importer
+                                      && Navigator.place !== Navigator.Trash
                                       && Navigator.place !== Navigator.Plugin
 
     function focusSearch(): void {

@@ -9,7 +9,8 @@ T.Popup {
     id: settings
 
     property int page: 0
-    readonly property list<string> titles: [qsTr("Look"), qsTr("Library"), qsTr("Preview"), qsTr("Integrations")]
+    readonly property list<string> titles: [qsTr("Look"), qsTr("Library"), qsTr("Preview"),
+        qsTr("Integrations")]
     readonly property list<string> symbols: ["palette", "grid_view", "play_circle", "extension"]
 
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
@@ -74,19 +75,14 @@ T.Popup {
             Repeater {
                 model: settings.titles
 
-                GlassButton {
+                GlassTab {
                     required property int index
                     required property string modelData
 
+                    checked: settings.page === index
                     focus: index === 0
-                    implicitHeight: 34
-                    prominent: settings.page === index
                     symbol: settings.symbols[index]
                     text: modelData
-
-                    Accessible.role: Accessible.PageTab
-                    Accessible.selectable: true
-                    Accessible.selected: settings.page === index
 
                     onClicked: settings.page = index
                 }
@@ -104,7 +100,13 @@ T.Popup {
         }
     }
     enter: Transition {
-        NumberAnimation { duration: Theme.panelTime; easing.type: Easing.OutCubic; from: 0; property: "opacity"; to: 1 }
+        NumberAnimation {
+            duration: Theme.panelTime
+            easing.type: Easing.OutCubic
+            from: 0
+            property: "opacity"
+            to: 1
+        }
     }
     exit: Transition {
         NumberAnimation { duration: Theme.hoverTime; from: 1; property: "opacity"; to: 0 }

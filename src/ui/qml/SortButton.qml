@@ -17,7 +17,6 @@ GlassButton {
     text: names[order]
 
     Accessible.description: qsTr("Sort")
-    Accessible.role: Accessible.ButtonMenu
 
     onClicked: menu.visible ? menu.close() : menu.open()
 

@@ -15,9 +15,9 @@ Item {
     readonly property int searchWidest: 220
     readonly property int searchNarrowest: 88
     readonly property real titleWidth: Math.max(title.implicitWidth, countLine.implicitWidth)
-    readonly property real cardSizeWidth: cardSize.implicitWidth + gap
-    // Title, compact buttons, the sort button in full, margins and gaps; what is left of the width may go to the
-    // search field, the card size and the buttons' texts.
+    readonly property real cardSizeWidth: cardSize.fullWidth + gap
+    // What title, compact buttons, the sort button in full, margins and gaps leave for the search field, the
+    // card size and the buttons' texts.
     readonly property real room: width - titleWidth - newFolderButton.compactWidth - importButton.compactWidth
                                  - sortButton.fullWidth - inspectorButton.width - 5 * gap - 14
     readonly property real textsWidth: newFolderButton.fullWidth + importButton.fullWidth
