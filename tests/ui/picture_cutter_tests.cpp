@@ -57,8 +57,8 @@ TEST(CutPicture, CutsCornersAndLaysWhatIsTransparentOnBlack)
     for (const QPoint inside : {QPoint(32, 32), QPoint(32, 0)}) {
         const QColor seen = cut.pixelColor(inside);
         EXPECT_EQ(seen.alpha(), 255);
-        EXPECT_NEAR(seen.red(), 200 * 128 / 255, 2);
-        EXPECT_NEAR(seen.blue(), 50 * 128 / 255, 2);
+        EXPECT_NEAR(seen.red(), 200 * 0.502, 2);
+        EXPECT_NEAR(seen.blue(), 50 * 0.502, 2);
     }
 }
 

@@ -17,7 +17,7 @@ T.Control {
     readonly property int cardInset: 7
     readonly property int cardFooter: Prefs.showNames ? 32 : cardInset
 
-    // The row a key leads to, or -1 when it moves nothing. Lines keep the column as far as the last one reaches.
+    // The row a key leads to, or -1 when it moves nothing. The column stays as far as the last line reaches.
     function rowFor(key: int): int {
         const row = Math.max(0, assets.currentRow);
         const last = assets.count - 1;
@@ -116,7 +116,7 @@ T.Control {
             readonly property int columns: Math.max(1, Math.round(width / (Prefs.cardSize + grid.gap)))
             readonly property int cardWidth: cellWidth - grid.gap
             readonly property int linesInView: Math.floor(height / cellHeight)
-            // Where the visible lines begin and end; they move by whole lines, so that scrolling rebinds little.
+            // Where the visible lines begin and end; whole lines, so that scrolling rebinds little.
             readonly property real firstLine: lineAt(contentY)
             readonly property real endLine: lineAt(contentY + height) + cellHeight
 
@@ -136,8 +136,8 @@ T.Control {
                 glide.stop();
                 contentY = originY - topMargin;
             }
-            // Keeps in mind which card lies at the top edge, and how; at the very top nothing is kept, so that
-            // what is new there shows.
+            // Keeps in mind which card lies at the top edge, and how. At the very top nothing is kept, so
+            // that what is new there shows.
             function remember(newCount: int): void {
                 glide.stop();
                 const row = Math.max(0, Math.floor((contentY - originY) / cellHeight)) * columns;
@@ -178,8 +178,8 @@ T.Control {
             bottomMargin: Theme.space1
             boundsBehavior: Flickable.StopAtBounds
             cacheBuffer: 2 * cellHeight
-            cellHeight: grid.cardInset + Math.round((cardWidth - 2 * grid.cardInset) * 0.625) + grid.cardFooter
-                        + grid.gap
+            cellHeight: grid.cardInset + Math.round((cardWidth - 2 * grid.cardInset) * 0.625)
+                        + grid.cardFooter + grid.gap
             cellWidth: Math.floor(width / columns)
             currentIndex: assets.currentRow
             highlightFollowsCurrentItem: false

@@ -3,8 +3,8 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Cratewell
 
-// The favorite button of the card under the pointer; one for the whole grid, because cards are made in numbers.
-// The keyboard reaches the same through the menu command.
+// The favorite button of the card under the pointer; one for the whole grid, because cards are made in
+// numbers. The keyboard reaches the same through the menu command.
 MouseArea {
     id: star
 

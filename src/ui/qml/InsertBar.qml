@@ -108,7 +108,9 @@ Rectangle {
             color: Theme.textSecondary
             font.pixelSize: Theme.secondarySize
             horizontalAlignment: Text.AlignHCenter
+            leftPadding: bar.insertable ? 0 : Theme.space4
             lineHeight: 1.15
+            rightPadding: leftPadding
             text: bar.destination
             width: parent.width
             wrapMode: Text.Wrap
