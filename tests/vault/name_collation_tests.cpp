@@ -17,16 +17,29 @@ int sign(int value)
 // Short alphabets, so that names often share beginnings, numbers and ties.
 QByteArray randomName(std::mt19937 &random)
 {
-    static const QByteArrayView alphabets[] = {
-        "abAB",        "aA0129 ",      "012", "cChHlLdDzZ", "sSzZ1", " -_.()[]'!,+&@#~$%{}=;^`",
-        "aeE\xc3\xa9", "x1\x01\x7f\t",
+    static const QStringView alphabets[] = {
+        u"abAB",
+        u"aA0129 ",
+        u"012",
+        u"cChHlLdDzZ",
+        u"sSzZ1",
+        u" -_.()[]'!,+&@#~$%{}=;^`",
+        u"aAáÁàåäã1\u0301",
+        u"eEéÉèêëēė 2",
+        u"oOóöőøoõuüűů",
+        u"nñńlłgğiıİíïjĳ",
+        u"cçčćsšşzžżdđ",
+        u"x1\x01\x7f\t",
     };
-    const QByteArrayView alphabet = alphabets[random() % std::size(alphabets)];
-    QByteArray name(qsizetype(random() % 9), Qt::Uninitialized);
-    for (char &byte : name)
-        byte = random() % 12 == 0 ? char(0x20 + random() % 0x5f)
-                                  : alphabet[qsizetype(random()) % alphabet.size()];
-    return name;
+    const QStringView alphabet = alphabets[random() % std::size(alphabets)];
+    QString name(qsizetype(random() % 9), Qt::Uninitialized);
+    for (QChar &letter : name) {
+        const int dice = int(random() % 24);
+        letter = dice == 0   ? QChar(char16_t(0x20 + random() % 0x5f))
+                 : dice == 1 ? QChar(char16_t(0xa0 + random() % 0x100))
+                             : alphabet[qsizetype(random()) % alphabet.size()];
+    }
+    return name.toUtf8();
 }
 
 class NameCollationProperty : public testing::TestWithParam<const char *>
@@ -62,7 +75,7 @@ TEST_P(NameCollationProperty, AgreesWithTheCollator)
 INSTANTIATE_TEST_SUITE_P(Languages, NameCollationProperty,
                          testing::Values("C", "en_US", "de_DE", "fr_CA", "cs_CZ", "sk_SK", "da_DK", "hu_HU",
                                          "hr_HR", "es_ES", "cy_GB", "et_EE", "lt_LT", "tr_TR", "ja_JP",
-                                         "th_TH"));
+                                         "th_TH", "sv_SE", "vi_VN", "de_DE@collation=phonebook"));
 
 TEST(NameCollation, OrdersNumbersByValueAndIgnoresCase)
 {
@@ -71,8 +84,9 @@ TEST(NameCollation, OrdersNumbersByValueAndIgnoresCase)
     EXPECT_EQ(collation.compare("CLIP 007", "clip 7"), 0);
     EXPECT_LT(collation.compare("a", "B"), 0);
     EXPECT_LT(collation.compare("take 99999999999999999998", "take 99999999999999999999"), 0);
-    std::array<uchar, 8> key;
+    std::array<uchar, 24> key;
     EXPECT_NE(collation.writeKey("a1", key.data()), nullptr) << "plain names have keys";
+    EXPECT_NE(collation.writeKey("\u00c9t\u00e9 1", key.data()), nullptr) << "so have accented ones";
 }
 
 } // namespace

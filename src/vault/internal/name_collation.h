@@ -11,9 +11,9 @@ namespace cratewell {
 // The order a file manager gives names: case-insensitive, runs of digits by value, by the rules of the user's
 // language. Names are file-system bytes. One object per thread: the collator inside must not be shared.
 //
-// Names of printable ASCII are ordered by weights asked of the collator once, which is some thirty times
-// faster than asking it for each pair; a language that has letters of two ASCII characters is left to the
-// collator altogether.
+// Names of printable ASCII and of Latin letters with one accent are ordered by weights asked of the collator
+// once, which is some thirty times faster than asking it for each pair. Letters that the language sorts as
+// letters of their own are left to the collator, and all names where two ASCII characters make one letter.
 class NameCollation
 {
 public:
@@ -21,22 +21,32 @@ public:
 
     int compare(QByteArrayView a, QByteArrayView b) const;
 
-    // Longest key: a number gives two bytes beside its digits, and the end gives one.
-    static constexpr qsizetype keySize(qsizetype nameSize) { return 2 * nameSize + 2; }
+    // Longest key: a number gives two bytes beside its digits, in a name with accents each letter and each
+    // number one more, and the end gives one.
+    static constexpr qsizetype keySize(qsizetype nameSize) { return 3 * nameSize + 1; }
     // Writes a key that orders by its bytes, closed by 0, for a name that the weights can order. Returns the
     // place behind it, or null when this name needs the collator. `key` has room for keySize().
     uchar *writeKey(QByteArrayView name, uchar *key) const;
     QCollatorSortKey collatorKey(QByteArrayView name) const;
 
 private:
-    using Weights = std::array<uchar, 128>; // 0: not for the weights
+    // How a character sorts: by weight, and where all weights of two names are the same, by accent.
+    struct Letter
+    {
+        uchar weight = 0; // 0: not for the weights
+        uchar accent = 0;
+    };
+    using Letters = std::array<Letter, 0x180>; // by code point, to the end of Latin Extended-A
 
-    static std::optional<Weights> deriveWeights(const QCollator &collator);
-    static bool agrees(const Weights &weights, const QCollator &collator);
+    static std::optional<Letters> deriveLetters(const QCollator &collator);
+    static void deriveAccents(const QCollator &collator, Letters &letters);
+    static bool agrees(const Letters &letters, const QCollator &collator);
     bool isPlain(QByteArrayView name) const;
+    Letter takeLetter(QByteArrayView name, qsizetype &at) const;
+    uchar *writeAccents(QByteArrayView name, uchar *key) const;
 
     QCollator m_collator;
-    Weights m_weights{};
+    Letters m_letters{};
     uchar m_digit = 0; // the weight of every number; 0 when there are no weights
 };
 
