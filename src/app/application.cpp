@@ -103,7 +103,7 @@ bool Application::launch()
 void Application::applyIcon()
 {
     // Drawing the glow takes longer than a frame, so the icon arrives a little later.
-    constexpr int pixels = 512;
+    constexpr int pixels = 256; // the largest that docks and switchers show
     const IconStyle style = iconStyleFromRawValue(d->prefs.iconStyle());
     QThreadPool::globalInstance()->start([this, guard = QPointer(this), style] {
         const QImage icon = renderIcon(style, pixels);

@@ -27,8 +27,8 @@ Shade shadeOf(const QColor &color)
 
 Shade mixed(const Shade &from, const Shade &to, float amount)
 {
-    return {std::lerp(from.red, to.red, amount), std::lerp(from.green, to.green, amount),
-            std::lerp(from.blue, to.blue, amount)};
+    return {from.red + (to.red - from.red) * amount, from.green + (to.green - from.green) * amount,
+            from.blue + (to.blue - from.blue) * amount};
 }
 
 // An ellipse of light, in fractions of the window; strengths at full intensity.
@@ -144,10 +144,23 @@ constexpr auto ditherMatrix = [] {
 // Shades change slowly: they are worked out every `cell` pixels and blended between.
 constexpr int cell = 8;
 
+void writeCell(QRgb *pixels, int count, const Shade &from, const Shade &to, const float *dither)
+{
+    std::array<QRgb, cell> whole;
+    for (int i = 0; i < cell; ++i) {
+        const Shade shade = mixed(from, to, float(i) / cell);
+        const auto channel = [&](float value) { return quint32(int(value + dither[i])); };
+        whole[size_t(i)] = 0xff000000 | channel(shade.red) << 16 | channel(shade.green) << 8 | channel(shade.blue);
+    }
+    std::copy_n(whole.begin(), count, pixels);
+}
+
 } // namespace
 
-QImage drawBackdrop(const BackdropLook &look, QSize pixels)
+QImage drawBackdrop(const BackdropLook &given, QSize pixels)
 {
+    BackdropLook look = given;
+    look.intensity = std::clamp(look.intensity, 0.0, 1.0);
     QImage image(pixels, QImage::Format_RGB32);
     if (image.isNull())
         return image;
@@ -174,14 +187,10 @@ QImage drawBackdrop(const BackdropLook &look, QSize pixels)
         for (size_t column = 0; column < row.size(); ++column)
             row[column] = mixed(above[column], below[column], float(y % cell) / cell);
         auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
-        for (int x = 0; x < pixels.width(); ++x) {
-            const Shade shade =
-                mixed(row[size_t(x / cell)], row[size_t(x / cell + 1)], float(x % cell) / cell);
-            const float dither = ditherMatrix[size_t((y % 8) * 8 + x % 8)];
-            const auto channel = [dither](float value) {
-                return int(std::clamp(value + dither, 0.f, 255.f));
-            };
-            line[x] = qRgb(channel(shade.red), channel(shade.green), channel(shade.blue));
+        for (int x = 0; x < pixels.width(); x += cell) {
+            const size_t column = size_t(x / cell);
+            writeCell(line + x, std::min(cell, pixels.width() - x), row[column], row[column + 1],
+                      &ditherMatrix[size_t(y % 8) * 8]);
         }
     }
     return image;

@@ -51,7 +51,8 @@ SelectionFrame::SelectionFrame(QQuickItem *parent) : QQuickItem(parent)
 QSGNode *SelectionFrame::updatePaintNode(QSGNode *old, UpdatePaintNodeData *)
 {
     auto *node = static_cast<QSGNinePatchNode *>(old);
-    if (size().isEmpty()) {
+    // The toolkit asks hidden items, too, and every card has a frame.
+    if (size().isEmpty() || !isVisible()) {
         delete node;
         return nullptr;
     }
@@ -78,6 +79,8 @@ void SelectionFrame::itemChange(ItemChange change, const ItemChangeData &data)
 {
     if (change == ItemDevicePixelRatioHasChanged) {
         m_lookChanged = true;
+        update();
+    } else if (change == ItemVisibleHasChanged) {
         update();
     }
     QQuickItem::itemChange(change, data);
