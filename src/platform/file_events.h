@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+#include <chrono>
+
 namespace cratewell {
 
 // Tells that something below a folder changed, at any depth, hidden folders (a leading dot) and what lies
@@ -13,9 +15,12 @@ class FileEvents : public QObject
 {
     Q_OBJECT
 public:
+    using Time = std::chrono::system_clock::time_point;
+
     // Starts following `root` (replacing what was followed), also while it does not exist yet or again.
-    // Returns at once; what may have changed until the system follows is told when it does.
-    virtual void watch(const Location &root) = 0;
+    // Returns at once. Folders that changed after `since` and before the system follows are told of when it
+    // does.
+    virtual void watch(const Location &root, Time since) = 0;
     virtual void stop() = 0;
 
 Q_SIGNALS:

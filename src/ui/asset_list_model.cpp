@@ -39,7 +39,8 @@ void AssetListModel::setState(AppState *state)
     }
 
     beginResetModel();
-    show(state ? carriedOver(state->visibleAssets(), {}) : Rows());
+    show(state ? carriedOver(state->visibleAssets(), formerRows({}, state->visibleAssets().indices, {}))
+               : Rows());
     endResetModel();
     Q_EMIT
     stateChanged();
@@ -143,8 +144,8 @@ void AssetListModel::follow(const VaultChanges *changes)
     }
     const int countBefore = count();
     const VisibleAssets &fresh = m_state->visibleAssets();
-    const std::vector<int> former = formerRowsOf(fresh, changes);
-    const RowChanges rows = rowChanges(count(), former);
+    const FormerRows former = formerRowsOf(fresh, changes);
+    const RowChanges rows = rowChanges(former);
     if (rows.isEmpty()) {
         show(carriedOver(fresh, former));
     } else {
@@ -178,30 +179,33 @@ void AssetListModel::follow(const VaultChanges *changes)
     }
 }
 
-std::vector<int> AssetListModel::formerRowsOf(const VisibleAssets &fresh, const VaultChanges *changes) const
+FormerRows AssetListModel::formerRowsOf(const VisibleAssets &fresh, const VaultChanges *changes) const
 {
     const VisibleAssets &shown = m_head.assets;
     if (fresh.picture == shown.picture)
-        return formerRows(shown.rows, fresh.indices, {});
+        return formerRows(shown, fresh.indices, {});
     if (changes && changes->before == shown.picture && changes->after == fresh.picture)
-        return formerRows(shown.rows, fresh.indices, changes->previous);
-    return formerRows(shown.rows, fresh.indices, VaultScan::compare(shown.picture, fresh.picture).previous);
+        return formerRows(shown, fresh.indices, changes->previous);
+    return formerRows(shown, fresh.indices, VaultScan::compare(shown.picture, fresh.picture).previous);
 }
 
 // Rows that stay are as selected as the views know them; the difference is told afterwards.
-AssetListModel::Rows AssetListModel::carriedOver(const VisibleAssets &fresh,
-                                                 const std::vector<int> &former) const
+AssetListModel::Rows AssetListModel::carriedOver(const VisibleAssets &fresh, const FormerRows &former) const
 {
-    Rows rows{fresh, std::vector<bool>(fresh.indices.size())};
-    for (size_t row = 0; row < fresh.indices.size(); ++row) {
-        const int old = former.empty() ? -1 : former[row];
-        rows.selected[row] =
-            old >= 0 ? m_head.selected[size_t(old)] : m_state->isSelected(fresh.indices[row]);
+    Rows rows{fresh, std::vector<bool>(fresh.indices.size()), 0};
+    if (m_head.selectedCount == 0 && m_state->selectedCount() == 0)
+        return rows;
+    for (int row = 0; row < fresh.count(); ++row) {
+        const int old = former.at(row);
+        const bool selected =
+            old >= 0 ? m_head.selected[size_t(old)] : m_state->isSelected(fresh.indices[size_t(row)]);
+        rows.selected[size_t(row)] = selected;
+        rows.selectedCount += int(selected);
     }
     return rows;
 }
 
-void AssetListModel::apply(Rows fresh, const std::vector<int> &former, const RowChanges &changes)
+void AssetListModel::apply(Rows fresh, const FormerRows &former, const RowChanges &changes)
 {
     if (changes.relayout)
         relayout(std::move(fresh), former);
@@ -212,9 +216,9 @@ void AssetListModel::apply(Rows fresh, const std::vector<int> &former, const Row
 void AssetListModel::applyRuns(Rows fresh, const RowChanges &changes)
 {
     m_tail.assets = without(fresh.assets, changes.inserts);
-    m_tail.selected.clear();
-    for (const AssetIndex index : m_tail.assets.indices)
-        m_tail.selected.push_back(fresh.selected[size_t(fresh.assets.rows[index])]);
+    m_tail.selected.assign(m_tail.assets.indices.size(), false);
+    for (size_t row = 0; fresh.selectedCount > 0 && row < m_tail.selected.size(); ++row)
+        m_tail.selected[row] = fresh.selected[size_t(fresh.assets.rows[m_tail.assets.indices[row]])];
     m_tailFirst = m_tail.assets.count();
 
     for (auto run = changes.removes.rbegin(); run != changes.removes.rend(); ++run) {
@@ -240,7 +244,7 @@ void AssetListModel::applyRuns(Rows fresh, const RowChanges &changes)
     m_tailFirst = 0;
 }
 
-void AssetListModel::relayout(Rows fresh, const std::vector<int> &former)
+void AssetListModel::relayout(Rows fresh, const FormerRows &former)
 {
     const int newCount = fresh.assets.count();
     const int common = std::min(m_headCount, newCount);
@@ -255,7 +259,7 @@ void AssetListModel::relayout(Rows fresh, const std::vector<int> &former)
     layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
     std::vector<int> later(size_t(common), -1);
     for (int row = 0; row < common; ++row) {
-        if (const int old = former[size_t(row)]; old >= 0 && old < common)
+        if (const int old = former.at(row); old >= 0 && old < common)
             later[size_t(old)] = row;
     }
     m_head = std::move(fresh);
@@ -285,11 +289,14 @@ void AssetListModel::updateSelected()
     // Flags of another picture are told once its rows are shown.
     if (!m_state || m_applying || m_state->visibleAssets().picture != m_head.assets.picture)
         return;
+    if (m_head.selectedCount == 0 && m_state->selectedCount() == 0)
+        return;
     std::vector<int> changed;
     for (int row = 0; row < m_headCount; ++row) {
         const bool selected = m_state->isSelected(m_head.assets.indices[size_t(row)]);
         if (selected != m_head.selected[size_t(row)]) {
             m_head.selected[size_t(row)] = selected;
+            m_head.selectedCount += selected ? 1 : -1;
             changed.push_back(row);
         }
     }

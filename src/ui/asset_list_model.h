@@ -75,6 +75,7 @@ private:
     {
         VisibleAssets assets;
         std::vector<bool> selected;
+        int selectedCount = 0;
     };
     struct Place
     {
@@ -85,11 +86,11 @@ private:
 
     Place place(int row) const;
     void follow(const VaultChanges *changes);
-    std::vector<int> formerRowsOf(const VisibleAssets &fresh, const VaultChanges *changes) const;
-    Rows carriedOver(const VisibleAssets &fresh, const std::vector<int> &former) const;
-    void apply(Rows fresh, const std::vector<int> &former, const RowChanges &changes);
+    FormerRows formerRowsOf(const VisibleAssets &fresh, const VaultChanges *changes) const;
+    Rows carriedOver(const VisibleAssets &fresh, const FormerRows &former) const;
+    void apply(Rows fresh, const FormerRows &former, const RowChanges &changes);
     void applyRuns(Rows fresh, const RowChanges &changes);
-    void relayout(Rows fresh, const std::vector<int> &former);
+    void relayout(Rows fresh, const FormerRows &former);
     void show(Rows rows);
     void updateSelected();
     void updateFocused();

@@ -1,5 +1,8 @@
 #include "ui/row_changes.h"
 
+#include <algorithm>
+#include <ranges>
+
 namespace cratewell {
 
 void appendRow(std::vector<RowRun> &runs, int row)
@@ -10,7 +13,19 @@ void appendRow(std::vector<RowRun> &runs, int row)
         runs.push_back({row, 1});
 }
 
-RowChanges rowChanges(int oldCount, std::span<const int> formerRows, int runLimit)
+int FormerRows::at(int row) const
+{
+    if (row < sameBegin)
+        return row;
+    if (row >= newCount - sameEnd)
+        return row - newCount + oldCount;
+    const int old = between.empty() ? -1 : between[size_t(row - sameBegin)];
+    return old < 0 ? -1 : old + sameBegin;
+}
+
+namespace {
+
+RowChanges changesBetween(int oldCount, std::span<const int> formerRows, int runLimit)
 {
     const int newCount = int(formerRows.size());
     std::vector<int> laterRows(size_t(oldCount), -1);
@@ -47,14 +62,52 @@ RowChanges rowChanges(int oldCount, std::span<const int> formerRows, int runLimi
     return changes;
 }
 
-std::vector<int> formerRows(std::span<const int> oldRows, std::span<const AssetIndex> assets,
-                            std::span<const AssetIndex> previous)
+} // namespace
+
+RowChanges rowChanges(const FormerRows &former, int runLimit)
 {
-    std::vector<int> former;
-    former.reserve(assets.size());
-    for (const AssetIndex asset : assets) {
-        const AssetIndex old = previous.empty() ? asset : previous[asset];
-        former.push_back(old == noAsset ? -1 : oldRows[old]);
+    const int removed = former.oldCount - former.sameBegin - former.sameEnd;
+    const int inserted = former.newCount - former.sameBegin - former.sameEnd;
+    RowChanges changes;
+    if (former.between.empty()) {
+        if (removed > 0)
+            changes.removes.push_back({0, removed});
+        if (inserted > 0)
+            changes.inserts.push_back({0, inserted});
+    } else {
+        changes = changesBetween(removed, former.between, runLimit);
+    }
+    for (std::vector<RowRun> *runs : {&changes.removes, &changes.inserts}) {
+        for (RowRun &run : *runs)
+            run.first += former.sameBegin;
+    }
+    return changes;
+}
+
+FormerRows formerRows(const VisibleAssets &before, std::span<const AssetIndex> after,
+                      std::span<const AssetIndex> previous)
+{
+    const std::span<const AssetIndex> rows = before.indices;
+    const auto earlier = [previous](AssetIndex asset) { return previous.empty() ? asset : previous[asset]; };
+    const auto same = [&](AssetIndex old, AssetIndex now) { return old == earlier(now); };
+    const auto begin = std::ranges::mismatch(rows, after, same);
+    const std::span<const AssetIndex> oldRest(begin.in1, rows.end());
+    const std::span<const AssetIndex> newRest(begin.in2, after.end());
+    const auto end = std::ranges::mismatch(std::views::reverse(oldRest), std::views::reverse(newRest), same);
+
+    FormerRows former;
+    former.oldCount = int(rows.size());
+    former.newCount = int(after.size());
+    former.sameBegin = int(begin.in1 - rows.begin());
+    former.sameEnd = int(end.in1 - std::views::reverse(oldRest).begin());
+    if (former.sameBegin + former.sameEnd == former.oldCount)
+        return former;
+    const auto between = newRest.first(newRest.size() - size_t(former.sameEnd));
+    former.between.reserve(between.size());
+    for (const AssetIndex asset : between) {
+        const AssetIndex old = earlier(asset);
+        const int row = old == noAsset ? -1 : before.rows[old];
+        former.between.push_back(row < 0 ? -1 : row - former.sameBegin);
     }
     return former;
 }

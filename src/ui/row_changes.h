@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vault/vault_picture.h"
+#include "state/visible_assets.h"
 
 namespace cratewell {
 
@@ -10,6 +10,21 @@ struct RowRun
     int count = 0;
 
     friend bool operator==(const RowRun &, const RowRun &) = default;
+};
+
+// For each row of a new list its row in the old one. Most changes leave a long beginning and a long end as
+// they were; only what lies between is looked up row by row.
+struct FormerRows
+{
+    int oldCount = 0;
+    int newCount = 0;
+    int sameBegin = 0; // the first rows of both lists
+    int sameEnd = 0;   // the last rows of both lists, none of them among the first
+    // For each row between them its row between them in the old list, or -1; empty when all are new.
+    std::vector<int> between;
+
+    // -1 for a row that is new.
+    int at(int row) const;
 };
 
 // Adds a row, which is greater than those before, to ascending runs.
@@ -29,13 +44,12 @@ struct RowChanges
 
 inline constexpr int rowRunLimit = 400;
 
-// `formerRows` has for each row of the new list its row in the old one, or -1; no old row twice. Takes time
-// in proportion to the lists and is minimal when what both hold stands in the same order.
-RowChanges rowChanges(int oldCount, std::span<const int> formerRows, int runLimit = rowRunLimit);
+// No old row may stand twice in `former`. Takes time in proportion to what differs and is minimal when what
+// both lists hold stands in the same order.
+RowChanges rowChanges(const FormerRows &former, int runLimit = rowRunLimit);
 
-// The `formerRows` of a list of assets. `oldRows` has for each asset of the old picture its row or -1,
-// `previous` leads from the new picture to the old one and is empty when they are the same.
-std::vector<int> formerRows(std::span<const int> oldRows, std::span<const AssetIndex> assets,
-                            std::span<const AssetIndex> previous);
+// `previous` leads from the new list's picture to the old one's and is empty when they are the same.
+FormerRows formerRows(const VisibleAssets &before, std::span<const AssetIndex> after,
+                      std::span<const AssetIndex> previous);
 
 } // namespace cratewell

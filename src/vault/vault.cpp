@@ -30,6 +30,7 @@ struct Vault::Private
 
     void startScan();
     void takeResult();
+    void follow();
 
     Vault &q;
     Location root;
@@ -42,7 +43,9 @@ struct Vault::Private
     bool waiting = false;
     bool rootChanged = false; // since the scan under way was started
     bool published = false;   // a picture of this root
-    ScanWorker worker;        // last: its thread ends before the rest goes
+    bool following = false;   // this root
+    FileEvents::Time scanStarted;
+    ScanWorker worker; // last: its thread ends before the rest goes
 };
 
 void Vault::Private::startScan()
@@ -50,6 +53,7 @@ void Vault::Private::startScan()
     scanning = true;
     waiting = false;
     rootChanged = false;
+    scanStarted = std::chrono::system_clock::now();
     worker.start(root, picture);
 }
 
@@ -58,6 +62,8 @@ void Vault::Private::takeResult()
     std::optional<VaultChanges> changes = worker.takeResult();
     const bool newer = changes && !rootChanged && (!published || changes->after != picture);
     scanning = false;
+    if (!rootChanged && !following)
+        follow();
     if (newer) {
         published = true;
         picture = changes->after;
@@ -69,6 +75,13 @@ void Vault::Private::takeResult()
         q.rescanned(*changes);
         worker.release(std::move(*changes));
     }
+}
+
+// Only after the first scan: both read every folder, and the user waits for the scan.
+void Vault::Private::follow()
+{
+    following = true;
+    events->watch(root, scanStarted);
 }
 
 Vault::Vault(Location root, Defaults &defaults, std::unique_ptr<FileEvents> events)
@@ -96,8 +109,6 @@ Vault::~Vault() = default;
 void Vault::start()
 {
     ensureVaultStructure(d->root, d->defaults);
-    // Followed before it is listed, so that no change falls between the two.
-    d->events->watch(d->root);
     rescan();
 }
 
@@ -110,6 +121,7 @@ void Vault::changeRoot(const Location &root)
     Q_EMIT
     rootChanged(root);
     d->events->stop();
+    d->following = false;
     d->coalescing.stop();
     start();
     Q_EMIT

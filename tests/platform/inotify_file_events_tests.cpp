@@ -52,7 +52,10 @@ public:
     }
     // Not QTemporaryDir's own removal: it cannot name what is not UTF-8.
     ~Followed() { fs::remove_all(top()); }
-    void watch() { events.watch(Location::fromBytes((top() / "root").c_str())); }
+    void watch()
+    {
+        events.watch(Location::fromBytes((top() / "root").c_str()), std::chrono::system_clock::now());
+    }
     fs::path top() const { return m_folder.path().toStdString(); }
     bool isQuiet() const { return !m_last.isValid() || m_last.elapsed() > 600; }
 
@@ -224,7 +227,7 @@ TEST(InotifyFileEvents, WaitForARootThatDoesNotExistYet)
 {
     Followed followed;
     const fs::path root = followed.top() / "not/yet/there";
-    followed.events.watch(Location::fromBytes(root.c_str()));
+    followed.events.watch(Location::fromBytes(root.c_str()), std::chrono::system_clock::now());
     fs::create_directories(followed.top() / "not/yet");
     fs::create_directories(root / "inner");
     ASSERT_TRUE(test::waitUntil([&] { return followed.told > 0; }));
@@ -262,7 +265,8 @@ TEST(InotifyFileEvents, StopAndChangeRootsAtOnce)
     write(followed.top() / "root/file");
     write(followed.top() / "next/file");
     followed.watch();
-    followed.events.watch(Location::fromBytes((followed.top() / "next").c_str()));
+    followed.events.watch(Location::fromBytes((followed.top() / "next").c_str()),
+                          std::chrono::system_clock::now());
     ASSERT_TRUE(test::waitUntil([&] { return followed.told > 0; }));
     ASSERT_TRUE(test::waitUntil([&] { return followed.isQuiet(); }));
     followed.told = 0;
@@ -275,7 +279,7 @@ TEST(InotifyFileEvents, StopAndChangeRootsAtOnce)
     overwriteInPlace(followed.top() / "next/file");
     followed.events.stop();
     followed.told = 0;
-    followed.events.watch(Location());
+    followed.events.watch(Location(), std::chrono::system_clock::now());
     QElapsedTimer clock;
     clock.start();
     ASSERT_TRUE(test::waitUntil([&] { return clock.hasExpired(700); }));

@@ -187,8 +187,8 @@ TEST(WatcherFileEvents, FollowTheTreeAndWhatTheWatcherDoesNotTell)
         {"the root back", [&] { write(top / "root/a/file"); }},
     };
     // The second watch hears nothing of what happened before it.
-    events.watch(Location::fromBytes((top / "elsewhere").c_str()));
-    events.watch(Location::fromBytes((top / "root").c_str()));
+    events.watch(Location::fromBytes((top / "elsewhere").c_str()), std::chrono::system_clock::now());
+    events.watch(Location::fromBytes((top / "root").c_str()), std::chrono::system_clock::now());
     QElapsedTimer quiet;
     for (const auto &[name, act] : steps) {
         quiet.start();

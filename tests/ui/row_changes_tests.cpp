@@ -11,6 +11,21 @@ using testing::IsEmpty;
 
 namespace {
 
+// What leads from a list of `oldCount` rows to one with these former rows.
+FormerRows leadingTo(int oldCount, const std::vector<int> &former)
+{
+    VisibleAssets before;
+    before.indices.resize(size_t(oldCount));
+    std::iota(before.indices.begin(), before.indices.end(), AssetIndex(0));
+    before.rows.assign(before.indices.begin(), before.indices.end());
+    std::vector<AssetIndex> after(former.size());
+    std::iota(after.begin(), after.end(), AssetIndex(0));
+    std::vector<AssetIndex> previous;
+    for (const int row : former)
+        previous.push_back(row < 0 ? noAsset : AssetIndex(row));
+    return formerRows(before, after, previous);
+}
+
 // Takes the changes as a view does: what the rows of the new list must then be.
 std::vector<int> applied(int oldCount, const std::vector<int> &former, const RowChanges &changes)
 {
@@ -49,7 +64,7 @@ TEST(RowChanges, AreTheFewestForSimpleChanges)
         {"moved past a new one", 4, {1, 2, -1, 0, 3}, {{0, 1}}, {{2, 2}}},
     };
     for (const Case &each : cases) {
-        const RowChanges changes = rowChanges(each.oldCount, each.former);
+        const RowChanges changes = rowChanges(leadingTo(each.oldCount, each.former));
         EXPECT_EQ(changes.removes, each.removes) << each.what;
         EXPECT_EQ(changes.inserts, each.inserts) << each.what;
         EXPECT_FALSE(changes.relayout) << each.what;
@@ -68,8 +83,10 @@ TEST(RowChanges, LeadFromAnyListToAnyOther)
         for (unsigned added = random() % 5; added > 0; --added)
             former.insert(former.begin() + long(random() % (former.size() + 1)), -1);
 
-        const RowChanges changes = rowChanges(oldCount, former);
-        ASSERT_EQ(applied(oldCount, former, changes), former) << testing::PrintToString(former);
+        const FormerRows leading = leadingTo(oldCount, former);
+        for (int row = 0; row < int(former.size()); ++row)
+            ASSERT_EQ(leading.at(row), former[size_t(row)]) << testing::PrintToString(former);
+        ASSERT_EQ(applied(oldCount, former, rowChanges(leading)), former) << testing::PrintToString(former);
     }
 }
 
@@ -78,12 +95,12 @@ TEST(RowChanges, BecomeARelayoutPastTheLimit)
     std::vector<int> former;
     for (int row = 0; row < 2 * rowRunLimit; row += 2)
         former.push_back(row);
-    EXPECT_FALSE(rowChanges(2 * rowRunLimit, former).relayout);
+    EXPECT_FALSE(rowChanges(leadingTo(2 * rowRunLimit, former)).relayout);
 
     former.erase(former.begin());
     former.push_back(2 * rowRunLimit);
     former.push_back(2 * rowRunLimit + 2);
-    const RowChanges changes = rowChanges(2 * rowRunLimit + 4, former);
+    const RowChanges changes = rowChanges(leadingTo(2 * rowRunLimit + 4, former));
     EXPECT_TRUE(changes.relayout);
     EXPECT_THAT(changes.removes, IsEmpty());
     EXPECT_THAT(changes.inserts, IsEmpty());
@@ -91,11 +108,17 @@ TEST(RowChanges, BecomeARelayoutPastTheLimit)
 
 TEST(RowChanges, FindFormerRowsThroughTheChangeOfThePicture)
 {
-    const std::vector<int> oldRows{2, -1, 0, 1};
-    const std::vector<AssetIndex> assets{3, 0, 1};
-    EXPECT_THAT(formerRows(oldRows, assets, {}), ElementsAre(1, 2, -1));
-    const std::vector<AssetIndex> previous{noAsset, 2, 1, 0};
-    EXPECT_THAT(formerRows(oldRows, assets, previous), ElementsAre(2, -1, 0));
+    const VisibleAssets before{nullptr, {2, 3, 0}, {2, -1, 0, 1}};
+    const auto rowsOf = [&](const std::vector<AssetIndex> &after, const std::vector<AssetIndex> &previous) {
+        const FormerRows former = formerRows(before, after, previous);
+        std::vector<int> rows;
+        for (int row = 0; row < int(after.size()); ++row)
+            rows.push_back(former.at(row));
+        return rows;
+    };
+    EXPECT_THAT(rowsOf({3, 0, 1}, {}), ElementsAre(1, 2, -1));
+    EXPECT_THAT(rowsOf({3, 0, 1}, {noAsset, 2, 1, 0}), ElementsAre(2, -1, 0));
+    EXPECT_THAT(rowsOf({2, 1, 0}, {}), ElementsAre(0, -1, 2));
 }
 
 } // namespace cratewell

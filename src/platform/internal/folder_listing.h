@@ -17,8 +17,9 @@ struct FolderListing
     std::vector<QByteArray> folders;
     // Changes when a visible entry comes, goes or changes its size, time or inode. Only with Detail::Digest.
     quint64 digest = 0;
-    // The folder's own last change.
+    // The folder's own last change. File systems date with a coarser clock than ours.
     std::chrono::system_clock::time_point changed;
+    static constexpr std::chrono::seconds clockSlack{2};
 
     static FolderListing read(const QByteArray &path, Detail detail, Links links);
 };

@@ -32,7 +32,7 @@ public:
     {
     }
 
-    void order(const Location &root);
+    void order(const Location &root, Time since);
     void finish();
 
     InotifyFileEvents &q;
@@ -49,7 +49,7 @@ private:
     struct Order
     {
         Location root;
-        InotifyTree::Time since;
+        Time since;
         quint64 generation = 0;
     };
 
@@ -70,12 +70,12 @@ private:
     std::atomic<bool> m_posted = false;
 };
 
-void InotifyFileEvents::Private::order(const Location &root)
+void InotifyFileEvents::Private::order(const Location &root, Time since)
 {
     throttle.reset();
     {
         const std::lock_guard lock(m_mutex);
-        m_order = {root, std::chrono::system_clock::now(), ++generation};
+        m_order = {root, since, ++generation};
         m_interrupted = true;
     }
     ::eventfd_write(m_wake, 1);
@@ -173,14 +173,14 @@ InotifyFileEvents::~InotifyFileEvents()
     d->finish();
 }
 
-void InotifyFileEvents::watch(const Location &root)
+void InotifyFileEvents::watch(const Location &root, Time since)
 {
-    d->order(root);
+    d->order(root, since);
 }
 
 void InotifyFileEvents::stop()
 {
-    d->order({});
+    d->order({}, {});
 }
 
 } // namespace cratewell

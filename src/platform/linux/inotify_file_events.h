@@ -14,7 +14,7 @@ public:
     InotifyFileEvents();
     ~InotifyFileEvents() override;
 
-    void watch(const Location &root) override;
+    void watch(const Location &root, Time since) override;
     void stop() override;
 
 private:

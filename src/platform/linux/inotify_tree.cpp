@@ -11,9 +11,6 @@ namespace cratewell {
 namespace {
 
 constexpr size_t bufferSize = 256 << 10;
-// File systems date changes with a coarser clock than ours.
-constexpr std::chrono::seconds clockSlack(2);
-
 constexpr quint32 entryEvents = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
 constexpr quint32 treeEvents =
     entryEvents | IN_CLOSE_WRITE | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF | IN_EXCL_UNLINK;
@@ -45,7 +42,7 @@ bool InotifyTree::follow(const Location &root, Time since)
     m_root = root;
     m_newestChange = {};
     restart();
-    return m_newestChange >= since - clockSlack;
+    return m_newestChange >= since - FolderListing::clockSlack;
 }
 
 InotifyTree::Identity InotifyTree::rootIdentity() const

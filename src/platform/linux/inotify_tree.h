@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/file_events.h"
 #include "platform/internal/folder_listing.h"
-#include "platform/location.h"
 
 #include <atomic>
 #include <chrono>
@@ -19,7 +19,7 @@ namespace cratewell {
 class InotifyTree
 {
 public:
-    using Time = std::chrono::system_clock::time_point;
+    using Time = FileEvents::Time;
 
     // While `interrupted` is true walks end early; the tree is then good for nothing but a new start.
     explicit InotifyTree(const std::atomic<bool> &interrupted);

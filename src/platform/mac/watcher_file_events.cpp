@@ -15,8 +15,12 @@ namespace {
 
 constexpr std::chrono::seconds checkInterval(4);
 
-// A digest of every visible folder's listing, by path.
-using Picture = QHash<QByteArray, quint64>;
+struct Picture
+{
+    // Of every visible folder's listing, by path.
+    QHash<QByteArray, quint64> digests;
+    FileEvents::Time newestChange;
+};
 
 Picture pictureOf(const Location &root, const std::atomic<bool> &interrupted)
 {
@@ -29,7 +33,8 @@ Picture pictureOf(const Location &root, const std::atomic<bool> &interrupted)
         const FolderListing listing = FolderListing::read(path, FolderListing::Detail::Digest, links);
         if (!listing.opened)
             continue;
-        picture.insert(path, listing.digest);
+        picture.digests.insert(path, listing.digest);
+        picture.newestChange = std::max(picture.newestChange, listing.changed);
         for (const QByteArray &name : listing.folders)
             waiting.push_back(Location::fromStandardized(path).child(name).bytes());
     }
@@ -39,8 +44,8 @@ Picture pictureOf(const Location &root, const std::atomic<bool> &interrupted)
 QStringList pathsOf(const Picture &picture)
 {
     QStringList paths;
-    paths.reserve(picture.size());
-    for (auto folder = picture.keyBegin(); folder != picture.keyEnd(); ++folder)
+    paths.reserve(picture.digests.size());
+    for (auto folder = picture.digests.keyBegin(); folder != picture.digests.keyEnd(); ++folder)
         paths += textFromBytes(*folder);
     return paths;
 }
@@ -60,6 +65,7 @@ struct WatcherFileEvents::Private
     QFileSystemWatcher watcher;
     QTimer timer;
     Location root;
+    Time since;
     // Nothing before the first look at a root.
     std::optional<Picture> picture;
     quint64 generation = 0;
@@ -95,7 +101,7 @@ void WatcherFileEvents::Private::take(const Picture &now)
 {
     const std::optional<Picture> before = std::exchange(picture, now);
     follow(pathsOf(now));
-    if (before && *before != now)
+    if (before ? before->digests != now.digests : now.newestChange >= since - FolderListing::clockSlack)
         throttle.notice();
     timer.start();
 }
@@ -128,10 +134,11 @@ WatcherFileEvents::~WatcherFileEvents()
     d->worker.waitForDone();
 }
 
-void WatcherFileEvents::watch(const Location &root)
+void WatcherFileEvents::watch(const Location &root, Time since)
 {
     stop();
     d->root = root;
+    d->since = since;
     d->check();
 }
 

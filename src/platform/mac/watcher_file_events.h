@@ -15,7 +15,7 @@ public:
     WatcherFileEvents();
     ~WatcherFileEvents() override;
 
-    void watch(const Location &root) override;
+    void watch(const Location &root, Time since) override;
     void stop() override;
 
 private:
