@@ -4,29 +4,34 @@ import QtQuick
 import Cratewell
 
 // The program's menu, where the system has no menu bar for it.
-GlassMenu {
-    id: menu
+Item {
+    id: place
 
     required property Commands commands
 
-    implicitWidth: 292
+    GlassMenu {
+        implicitWidth: 292
+        visible: true
 
-    MenuHeading { text: qsTr("File") }
-    CommandItem { command: menu.commands.newFolder }
-    CommandItem { command: menu.commands.importAssets }
-    MenuDivider {}
-    MenuHeading { text: qsTr("Asset") }
-    CommandItem { command: menu.commands.insert }
-    CommandItem { command: menu.commands.playPause }
-    CommandItem { command: menu.commands.reveal }
-    CommandItem { command: menu.commands.toggleFavorite }
-    CommandItem { command: menu.commands.newFolderWithSelection }
-    CommandItem {
-        command: menu.commands.moveToTrash
-        destructive: true
+        onClosed: (place.parent as PopupLoader).release()
+
+        MenuHeading { text: qsTr("File") }
+        CommandItem { command: place.commands.newFolder }
+        CommandItem { command: place.commands.importAssets }
+        MenuDivider {}
+        MenuHeading { text: qsTr("Asset") }
+        CommandItem { command: place.commands.insert }
+        CommandItem { command: place.commands.playPause }
+        CommandItem { command: place.commands.reveal }
+        CommandItem { command: place.commands.toggleFavorite }
+        CommandItem { command: place.commands.newFolderWithSelection }
+        CommandItem {
+            command: place.commands.moveToTrash
+            destructive: true
+        }
+        MenuDivider {}
+        CommandItem { command: place.commands.selectAll }
+        CommandItem { command: place.commands.settings }
+        CommandItem { command: place.commands.quit }
     }
-    MenuDivider {}
-    CommandItem { command: menu.commands.selectAll }
-    CommandItem { command: menu.commands.settings }
-    CommandItem { command: menu.commands.quit }
 }

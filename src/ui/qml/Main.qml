@@ -33,7 +33,7 @@ T.ApplicationWindow {
 
         typing: window.typing
 
-        onSettingsWanted: settings.open()
+        onSettingsWanted: settings.open({})
     }
     Shortcut {
         sequence: "Ctrl+F"
@@ -98,5 +98,10 @@ T.ApplicationWindow {
         widest: parent.width - 80
     }
     ResizeEdges { window: window }
-    SettingsWindow { id: settings }
+    PopupLoader {
+        id: settings
+
+        anchors.fill: parent
+        file: "SettingsWindow.qml"
+    }
 }

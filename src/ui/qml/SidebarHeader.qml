@@ -52,12 +52,12 @@ Item {
         symbol: "menu"
         text: qsTr("Menu")
 
-        onClicked: menu.visible ? menu.close() : menu.open()
+        onClicked: menu.open({ commands: header.commands })
 
-        CommandMenu {
+        PopupLoader {
             id: menu
 
-            commands: header.commands
+            file: "CommandMenu.qml"
             y: menuButton.height + 4
         }
     }

@@ -18,29 +18,12 @@ GlassButton {
 
     Accessible.description: qsTr("Sort")
 
-    onClicked: menu.visible ? menu.close() : menu.open()
+    onClicked: menu.open({ button: button })
 
-    GlassMenu {
+    PopupLoader {
         id: menu
 
-        implicitWidth: 148
-        title: qsTr("Sort")
+        file: "SortMenu.qml"
         y: button.height + 4
-
-        Repeater {
-            model: button.names
-
-            GlassMenuItem {
-                required property string modelData
-                required property int index
-
-                checkable: true
-                checked: index === button.order
-                implicitWidth: 136
-                text: modelData
-
-                onTriggered: button.chosen(index)
-            }
-        }
     }
 }
