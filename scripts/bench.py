@@ -26,7 +26,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 PROGRAMS = ROOT / "build" / "release" / "bin"
 HOME = ROOT / "build" / "bench" / "home"
 VAULT = HOME / "Movies" / "Cratewell Vault"
-# Another home, on the demo vault: workers have real pictures to make there.
+# Another home, whose vault is the demo's overlays: workers have pictures to make from the first page on.
 PICTURE_HOME = ROOT / "build" / "bench" / "picture home"
 DEMO_VAULT = ROOT / "build" / "demo" / "vault"
 
@@ -129,17 +129,23 @@ def started(program: str, home: pathlib.Path = HOME) -> Iterator[tuple[subproces
         process.communicate()
 
 
+def status_of(process: int) -> dict[str, str]:
+    lines = pathlib.Path(f"/proc/{process}/status").read_text().splitlines()
+    return {key: value.strip() for key, _, value in (line.partition(":") for line in lines)}
+
+
 def resident_megabytes(process: int) -> float:
-    status = pathlib.Path(f"/proc/{process}/status").read_text()
-    line = next(line for line in status.splitlines() if line.startswith("VmRSS"))
-    return int(line.split()[1]) * 1024 / 1e6
+    return int(status_of(process)["VmRSS"].split()[0]) * 1024 / 1e6
 
 
 def worker_megabytes(program: int) -> float:
     """The largest of the helper programs of this one."""
-    children = " ".join(path.read_text() for path in pathlib.Path(f"/proc/{program}/task").glob("*/children"))
-    names = {child: pathlib.Path(f"/proc/{child}/comm").read_text() for child in children.split()}
-    workers = [int(child) for child, name in names.items() if name.startswith("cratewell-work")]
+    workers = []
+    for folder in pathlib.Path("/proc").glob("[0-9]*"):
+        with contextlib.suppress(FileNotFoundError, ProcessLookupError):
+            status = status_of(int(folder.name))
+            if int(status["PPid"]) == program and status["Name"].startswith("cratewell-work"):
+                workers.append(int(folder.name))
     if not workers:
         sys.exit("bench: the program runs no worker")
     return max(map(resident_megabytes, workers))
@@ -147,9 +153,13 @@ def worker_megabytes(program: int) -> float:
 
 def worker_rows() -> list[Row]:
     make_vault(DEMO_VAULT)
+    overlays = PICTURE_HOME / "vault" / "Overlays"
+    overlays.parent.mkdir(parents=True, exist_ok=True)
+    if not overlays.is_symlink():
+        overlays.symlink_to(DEMO_VAULT / "Overlays")
     settings = PICTURE_HOME / ".config" / "cratewell" / "defaults.json"
     settings.parent.mkdir(parents=True, exist_ok=True)
-    settings.write_text(json.dumps({"vaultPath": str(DEMO_VAULT), "cardSize": 140}))
+    settings.write_text(json.dumps({"vaultPath": str(overlays.parent), "cardSize": 140}))
     figures = []
     for _ in range(STARTS):
         with started("cratewell", PICTURE_HOME) as (process, _milliseconds):
