@@ -10,6 +10,7 @@ GlassMenu {
     required property Commands commands
 
     implicitWidth: 292
+    title: qsTr("Menu")
 
     MenuHeading { text: qsTr("File") }
     CommandItem { command: menu.commands.newFolder }

@@ -22,6 +22,9 @@ T.Popup {
     x: Math.round((parent.width - width) / 2)
     y: Math.max(32, Math.round((parent.height - height) / 2) - 20)
 
+    // The item that has the keyboard is the popup's own, which cannot be named where it is declared.
+    onAboutToShow: contentItem.parent.Accessible.name = qsTr("Settings")
+
     T.Overlay.modal: Rectangle { color: Theme.scrim }
 
     background: Rectangle {
@@ -39,9 +42,6 @@ T.Popup {
         }
     }
     contentItem: FocusScope {
-        Accessible.name: qsTr("Settings")
-        Accessible.role: Accessible.Dialog
-
         Label {
             anchors.horizontalCenter: parent.horizontalCenter
             font.weight: Font.Bold
