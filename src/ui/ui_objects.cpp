@@ -5,6 +5,7 @@
 #include "platform/appearance.h"
 #include "state/app_state.h"
 #include "state/prefs.h"
+#include "ui/accessible_item.h"
 #include "ui/singletons.h"
 #include "vault/vault.h"
 
@@ -50,6 +51,7 @@ template<typename T> T *fromProgram(T &object)
 void installUiObjects(QQmlEngine &engine, const UiObjects &objects)
 {
     loadFonts();
+    installAccessibleItems();
     auto *holder = new Holder(objects, &engine);
     holder->setObjectName(holderName);
 }

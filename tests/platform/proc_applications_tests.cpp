@@ -6,6 +6,7 @@
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <array>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>
@@ -173,6 +174,16 @@ TEST_F(OnX11, EditorsAreSeenAndBroughtToTheFront)
 
     endServer();
     EXPECT_FALSE(applications.bringToFront(resolve));
+}
+
+// Qt holds a lock of the vanishing listener meanwhile; there are 131, chosen by address, so these side by
+// side have all of them.
+TEST(ProcApplications, LosingAListenerNeverWaitsForItself)
+{
+    ProcApplications applications(Location::fromBytes("/no/such/place"));
+    std::array<QObject, 262> listeners;
+    for (QObject &listener : listeners)
+        QObject::connect(&applications, &Applications::changed, &listener, [] {});
 }
 
 TEST(ProcApplications, KnowNoWindowsWithoutAnXServer)

@@ -28,6 +28,18 @@ bool isPressable(QAccessible::Role role)
     }
 }
 
+// Every text that a control's own properties say it shows, or tells as help.
+QStringList shownTexts(const QObject &control)
+{
+    QStringList texts;
+    for (const char *property : {"text", "helpText", "placeholderText", "title", "name", "label"}) {
+        const QString text = control.property(property).toString();
+        if (!text.isEmpty())
+            texts.append(text);
+    }
+    return texts;
+}
+
 bool mustHaveName(QAccessible::Role role)
 {
     return isPressable(role) || role == QAccessible::EditableText || role == QAccessible::Slider ||
@@ -104,6 +116,11 @@ std::string Controls::faults() const
                                  .arg(interface.rect().y());
         if (mustHaveName(role) && name.trimmed().isEmpty())
             faults.append(what + u": no name"_s);
+        if (mustHaveName(role) && interface.object()) {
+            const QStringList texts = shownTexts(*interface.object());
+            if (!texts.isEmpty() && !texts.contains(name))
+                faults.append(what + u": shows "_s + texts.join(u" / "_s));
+        }
         const QAccessibleActionInterface *actions = interface.actionInterface();
         if (isPressable(role) && (!actions || actions->actionNames().isEmpty()))
             faults.append(what + u": no action"_s);

@@ -25,8 +25,8 @@ public:
     [[nodiscard]] bool doubleClick(QAccessible::Role role, const QString &name) const;
     // Names of all visible controls of that role, in tree order.
     QStringList names(QAccessible::Role role) const;
-    // One line for each visible control that has something wrong with it as a control: no name, no way to
-    // press it.
+    // One line for each visible control that has something wrong with it as a control: no name, a name that
+    // is neither its text nor its help, no way to press it.
     std::string faults() const;
 
 private:

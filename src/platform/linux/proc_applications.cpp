@@ -108,8 +108,14 @@ void ProcApplications::connectNotify(const QMetaMethod &signal)
 
 void ProcApplications::disconnectNotify(const QMetaMethod &)
 {
-    if (!isSignalConnected(QMetaMethod::fromSignal(&Applications::changed)))
-        m_timer.stop();
+    // Not here: Qt calls this under a lock of the vanishing listener that may be the one asked for below.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (!isSignalConnected(QMetaMethod::fromSignal(&Applications::changed)))
+                m_timer.stop();
+        },
+        Qt::QueuedConnection);
 }
 
 } // namespace cratewell

@@ -112,9 +112,15 @@ void ListedApplications::connectNotify(const QMetaMethod &)
 
 void ListedApplications::disconnectNotify(const QMetaMethod &)
 {
-    if (!isSignalConnected(QMetaMethod::fromSignal(&Applications::changed)) &&
-        !isSignalConnected(QMetaMethod::fromSignal(&Applications::activated)))
-        m_timer.stop();
+    // Not here: Qt calls this under a lock of the vanishing listener that may be the one asked for below.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (!isSignalConnected(QMetaMethod::fromSignal(&Applications::changed)) &&
+                !isSignalConnected(QMetaMethod::fromSignal(&Applications::activated)))
+                m_timer.stop();
+        },
+        Qt::QueuedConnection);
 }
 
 } // namespace cratewell

@@ -63,6 +63,9 @@ T.Control {
     focusPolicy: Qt.StrongFocus
     objectName: "assetGrid"
 
+    // A control's own role wins on Qt 6.4, so that assistive tools meet the view instead.
+    Accessible.ignored: true
+
     Keys.onPressed: event => {
         const other = Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier;
         if (event.modifiers & other || assets.count === 0)
@@ -188,6 +191,8 @@ T.Control {
             pixelAligned: true
             topMargin: Theme.space2
 
+            Accessible.focusable: true
+            Accessible.focused: grid.activeFocus
             Accessible.name: qsTr("Assets")
             Accessible.role: Accessible.List
 

@@ -31,11 +31,11 @@ Row {
         anchors.verticalCenter: parent.verticalCenter
         from: control.smallest
         label: qsTr("Card size")
+        shown: control.size
         stepSize: 1
         to: control.largest
-        value: control.size
 
-        onMoved: control.chosen(value)
+        onChosen: size => control.chosen(size)
     }
     Icon {
         id: fewer

@@ -11,6 +11,7 @@ Item {
 
     GlassMenu {
         implicitWidth: 292
+        title: qsTr("Menu")
         visible: true
 
         onClosed: (place.parent as PopupLoader).release()

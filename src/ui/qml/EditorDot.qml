@@ -14,7 +14,7 @@ Row {
 
     Accessible.description: running ? qsTr("Running") : qsTr("Not running")
     Accessible.name: name
-    Accessible.role: Accessible.Indicator
+    Accessible.role: Accessible.StaticText
 
     Item {
         anchors.verticalCenter: parent.verticalCenter

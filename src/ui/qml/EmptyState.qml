@@ -57,6 +57,8 @@ Column {
         text: empty.action
         visible: empty.action.length > 0
 
+        Accessible.ignored: !visible
+
         onClicked: empty.acted()
     }
 }

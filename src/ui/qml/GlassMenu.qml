@@ -15,6 +15,9 @@ T.Menu {
     rightPadding: 6
     topPadding: 6
 
+    // The item that has the keyboard is the menu's own, which cannot be named where it is declared.
+    onAboutToShow: contentItem.parent.Accessible.name = title
+
     background: Rectangle {
         border.color: Theme.popupBorder
         color: Theme.popup
@@ -35,8 +38,6 @@ T.Menu {
         implicitHeight: contentHeight
         interactive: contentHeight > height
         model: menu.contentModel
-
-        Accessible.role: Accessible.PopupMenu
     }
     enter: Transition {
         NumberAnimation { duration: Theme.hoverTime; from: 0; property: "opacity"; to: 1 }

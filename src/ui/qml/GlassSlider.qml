@@ -9,23 +9,29 @@ T.Slider {
     id: control
 
     required property string label
+    required property real shown
+    property bool complete: false
+
+    // The user wants another value than the one shown: by pointer, keys or assistive tools.
+    signal chosen(real value)
 
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
     hoverEnabled: true
     implicitHeight: 22
     implicitWidth: 90
+    value: shown
+
+    onValueChanged: {
+        if (complete && value !== Math.max(from, Math.min(to, shown)))
+            chosen(value);
+    }
+    Component.onCompleted: complete = true
 
     Accessible.name: label
     Accessible.role: Accessible.Slider
-    Accessible.onDecreaseAction: {
-        control.decrease();
-        control.moved();
-    }
-    Accessible.onIncreaseAction: {
-        control.increase();
-        control.moved();
-    }
+    Accessible.onDecreaseAction: control.decrease()
+    Accessible.onIncreaseAction: control.increase()
 
     background: Rectangle {
         color: Theme.track

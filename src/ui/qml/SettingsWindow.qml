@@ -26,6 +26,8 @@ Item {
         x: Math.round((parent.width - width) / 2)
         y: Math.max(32, Math.round((parent.height - height) / 2) - 20)
 
+        // The item that has the keyboard is the popup's own, which cannot be named where it is declared.
+        onAboutToShow: contentItem.parent.Accessible.name = qsTr("Settings")
         onClosed: (place.parent as PopupLoader).release()
 
         T.Overlay.modal: Rectangle { color: Theme.scrim }
@@ -45,9 +47,6 @@ Item {
             }
         }
         contentItem: FocusScope {
-            Accessible.name: qsTr("Settings")
-            Accessible.role: Accessible.Dialog
-
             Label {
                 anchors.horizontalCenter: parent.horizontalCenter
                 font.weight: Font.Bold

@@ -14,6 +14,9 @@ T.ScrollBar {
     padding: 2
     visible: size < 1
 
+    // Assistive tools move the view by its entries.
+    Accessible.ignored: true
+
     contentItem: Rectangle {
         color: Theme.ink(control.pressed ? 0.5 : control.hovered ? 0.38 : 0.22)
         implicitHeight: 6

@@ -102,7 +102,7 @@ Item {
                             Math.min(toolbar.searchWidest,
                                      toolbar.room - (toolbar.showCardSize ? toolbar.cardSizeWidth : 0)))
 
-            onTextEdited: AppState.search = text
+            onTextChanged: AppState.search = text
         }
         SortButton {
             id: sortButton
@@ -125,12 +125,10 @@ Item {
         GlassButton {
             id: inspectorButton
 
+            checked: AppState.showInspector
             compact: true
             helpText: qsTr("Show or hide the preview")
             symbol: "view_sidebar"
-
-            Accessible.checkable: true
-            Accessible.checked: AppState.showInspector
 
             onClicked: AppState.showInspector = !AppState.showInspector
         }
