@@ -76,7 +76,9 @@ private:
 
 void settle(std::chrono::milliseconds time = settlingTime)
 {
-    QTest::qWait(int(time.count()));
+    QEventLoop loop;
+    QTimer::singleShot(time, &loop, &QEventLoop::quit);
+    loop.exec();
 }
 
 [[noreturn]] void giveUp(const char *what)
