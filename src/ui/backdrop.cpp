@@ -150,7 +150,8 @@ void writeCell(QRgb *pixels, int count, const Shade &from, const Shade &to, cons
     for (int i = 0; i < cell; ++i) {
         const Shade shade = mixed(from, to, float(i) / cell);
         const auto channel = [&](float value) { return quint32(int(value + dither[i])); };
-        whole[size_t(i)] = 0xff000000 | channel(shade.red) << 16 | channel(shade.green) << 8 | channel(shade.blue);
+        whole[size_t(i)] =
+            0xff000000 | channel(shade.red) << 16 | channel(shade.green) << 8 | channel(shade.blue);
     }
     std::copy_n(whole.begin(), count, pixels);
 }

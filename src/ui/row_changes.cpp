@@ -1,7 +1,6 @@
 #include "ui/row_changes.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace cratewell {
 
@@ -90,16 +89,17 @@ FormerRows formerRows(const VisibleAssets &before, std::span<const AssetIndex> a
     const std::span<const AssetIndex> rows = before.indices;
     const auto earlier = [previous](AssetIndex asset) { return previous.empty() ? asset : previous[asset]; };
     const auto same = [&](AssetIndex old, AssetIndex now) { return old == earlier(now); };
-    const auto begin = std::ranges::mismatch(rows, after, same);
-    const std::span<const AssetIndex> oldRest(begin.in1, rows.end());
-    const std::span<const AssetIndex> newRest(begin.in2, after.end());
-    const auto end = std::ranges::mismatch(std::views::reverse(oldRest), std::views::reverse(newRest), same);
+    const auto begin =
+        std::mismatch(rows.begin(), rows.end(), after.begin(), after.end(), same).first - rows.begin();
+    const std::span<const AssetIndex> oldRest = rows.subspan(size_t(begin));
+    const std::span<const AssetIndex> newRest = after.subspan(size_t(begin));
+    const auto end = std::mismatch(oldRest.rbegin(), oldRest.rend(), newRest.rbegin(), newRest.rend(), same);
 
     FormerRows former;
     former.oldCount = int(rows.size());
     former.newCount = int(after.size());
-    former.sameBegin = int(begin.in1 - rows.begin());
-    former.sameEnd = int(end.in1 - std::views::reverse(oldRest).begin());
+    former.sameBegin = int(begin);
+    former.sameEnd = int(end.first - oldRest.rbegin());
     if (former.sameBegin + former.sameEnd == former.oldCount)
         return former;
     const auto between = newRest.first(newRest.size() - size_t(former.sameEnd));

@@ -125,8 +125,7 @@ void NameCollation::deriveAccents(const QCollator &collator, Letters &letters)
         accents.push_back(parts[1]);
     }
     std::ranges::sort(accents, [&](QChar a, QChar b) { return less(carried(a), carried(b)); });
-    const auto [end, last] = std::ranges::unique(accents);
-    accents.erase(end, last);
+    accents.erase(std::unique(accents.begin(), accents.end()), accents.end());
     for (char16_t point = firstAccented; point < letters.size(); ++point) {
         if (letters[point].weight == 0)
             continue;
