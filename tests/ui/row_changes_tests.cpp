@@ -21,6 +21,7 @@ FormerRows leadingTo(int oldCount, const std::vector<int> &former)
     std::vector<AssetIndex> after(former.size());
     std::iota(after.begin(), after.end(), AssetIndex(0));
     std::vector<AssetIndex> previous;
+    previous.reserve(former.size());
     for (const int row : former)
         previous.push_back(row < 0 ? noAsset : AssetIndex(row));
     return formerRows(before, after, previous);
@@ -111,9 +112,9 @@ TEST(RowChanges, FindFormerRowsThroughTheChangeOfThePicture)
     const VisibleAssets before{nullptr, {2, 3, 0}, {2, -1, 0, 1}};
     const auto rowsOf = [&](const std::vector<AssetIndex> &after, const std::vector<AssetIndex> &previous) {
         const FormerRows former = formerRows(before, after, previous);
-        std::vector<int> rows;
-        for (int row = 0; row < int(after.size()); ++row)
-            rows.push_back(former.at(row));
+        std::vector<int> rows(after.size());
+        for (size_t row = 0; row < rows.size(); ++row)
+            rows[row] = former.at(int(row));
         return rows;
     };
     EXPECT_THAT(rowsOf({3, 0, 1}, {}), ElementsAre(1, 2, -1));
