@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Measures Cratewell beside tools that do the same work, prints a table and writes build/bench.json.
 
-usage: bench.py [FILTER]    FILTER: scan, window, start or worker, or a part of a row's name
+usage: bench.py [FILTER]    FILTER: scan, window, start, worker or files, or a part of a row's name
 
 Every figure is a median of at least five, ours and the peer's taken in turn. A row holds when its ratio, or where it
 has no peer our own figure, is at most the bar; `bar_on` says which. A row without a bar is there to be looked at.
@@ -201,6 +201,17 @@ def start_rows(scan: float) -> list[Row]:
     ]
 
 
+def file_rows() -> list[Row]:
+    figures = figures_of("file_bench", str(ROOT / "build" / "bench" / "file home"))
+    bars = {
+        "import of 2,000 files of 100 KiB": 1.3,
+        "import of one file of 2 GiB": 1.1,
+        "trashing 5,000 assets": 1000,
+        "main thread held by trashing 5,000 assets": 16,
+    }
+    return [Row(name, figures[name]["ours"], figures[name]["peer"], bar=bar) for name, bar in bars.items()]
+
+
 def print_table(rows: list[dict]) -> None:
     width = max(len(row["name"]) for row in rows)
     print(f"{'':{width}}  {'ours':>10}  {'peer':>10}        {'ratio':>6}  {'bar':>6}")
@@ -224,6 +235,7 @@ def main() -> int:
         "window": lambda: window_rows(scan[0].ours),
         "start": lambda: start_rows(scan[0].ours),
         "worker": worker_rows,
+        "files": file_rows,
     }
     if wanted in groups:
         results = [row.as_json() for row in groups[wanted]()]
