@@ -10,12 +10,14 @@ T.MenuItem {
 
     property string keys: ""
     property bool destructive: false
+    // Left of the text, where a menu has them.
+    property string symbol: ""
     readonly property color ink: highlighted ? Theme.accentInk : destructive ? Theme.destructive : Theme.text
 
     hoverEnabled: true
     implicitHeight: 27
     implicitWidth: 224
-    leftPadding: checkable ? 26 : 10
+    leftPadding: checkable || symbol ? 26 : 10
     rightPadding: 10
 
     Accessible.checkable: checkable
@@ -27,7 +29,8 @@ T.MenuItem {
         if (!item.enabled)
             return;
         item.triggered();
-        item.menu?.dismiss();
+        if (!item.subMenu)
+            item.menu?.dismiss();
     }
 
     background: Rectangle {
@@ -43,11 +46,21 @@ T.MenuItem {
     }
     indicator: Icon {
         anchors.left: parent.left
-        anchors.leftMargin: 7
+        anchors.leftMargin: item.leftPadding - 19
         anchors.verticalCenter: parent.verticalCenter
         color: item.ink
         size: 14
-        text: "check"
-        visible: item.checkable && item.checked
+        text: item.checkable ? "check" : item.symbol
+        visible: item.checkable ? item.checked : item.symbol.length > 0
+    }
+    arrow: Icon {
+        anchors.right: parent.right
+        anchors.rightMargin: 6
+        anchors.verticalCenter: parent.verticalCenter
+        color: item.highlighted ? item.ink : Theme.textTertiary
+        opacity: item.enabled ? 1 : 0.4
+        size: 15
+        text: "chevron_right"
+        visible: item.subMenu !== null
     }
 }

@@ -1,0 +1,33 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Cratewell
+
+// Where to move the selected assets; stands on its loader's upper edge.
+Item {
+    id: place
+
+    GlassMenu {
+        id: menu
+
+        implicitWidth: 240
+        title: qsTr("Move to")
+        visible: true
+        y: -height - 6
+
+        onClosed: (place.parent as PopupLoader)?.release()
+
+        MoveItems { id: folders }
+        GlassMenuItem {
+            id: none
+
+            enabled: false
+            text: qsTr("No folder takes all of these")
+        }
+
+        Component.onCompleted: {
+            if (folders.count > 0)
+                removeItem(none);
+        }
+    }
+}
