@@ -78,6 +78,12 @@ protected:
 
     void SetUp() override
     {
+        // Room for every folder.
+        window.resize(1320, 1400);
+        ASSERT_TRUE(waitUntil([this] {
+            const QAccessibleInterface *grid = controls.find(QAccessible::List, u"Assets"_s);
+            return grid && grid->rect().height() > 1200;
+        }));
         state.setSort(AssetOrder::Name);
         ASSERT_TRUE(world.showsCards({u"Hit 1"_s, u"Hit 2"_s, u"Hit 3"_s, u"Rush"_s, u"White"_s}));
     }
@@ -193,8 +199,6 @@ TEST_F(WindowDrops, DropsFromOutsideAreCopiedEvenWhenImportsMove)
     ASSERT_TRUE(Hover(window, files({pack})).drop(grid()));
     EXPECT_TRUE(waitUntil([this] { return onDisk(u"SFX/Whooshes/Pack/Low/Thud.wav"_s); }));
 
-    ASSERT_TRUE(Hover(window, files({door, inVault(u"SFX/Hits/Hit 2.wav"_s)})).drop(folder(u"Soft"_s)) ||
-                controls.click(QAccessible::Button, u"Expand Whooshes"_s));
     EXPECT_TRUE(QFileInfo::exists(door.text()) && QFileInfo::exists(pack.text() + u"/Low/Thud.wav"_s));
     EXPECT_TRUE(onDisk(u"SFX/Hits/Hit 1.wav"_s)) << "what is in the vault already stays";
 }

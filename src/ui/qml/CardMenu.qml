@@ -33,7 +33,7 @@ Item {
         }
         MenuDivider {}
         GlassMenuItem {
-            text: SelectionActions.favorite ? qsTr("Remove from Favorites") : qsTr("Add to Favorites")
+            text: SelectionActions.favorite ? qsTr("Unfavorite") : qsTr("Favorite")
 
             onTriggered: SelectionActions.toggleFavorite()
         }

@@ -64,7 +64,7 @@ Rectangle {
         GlassButton {
             compact: true
             symbol: SelectionActions.favorite ? "star" : "star_border"
-            text: SelectionActions.favorite ? qsTr("Remove from Favorites") : qsTr("Add to Favorites")
+            text: SelectionActions.favorite ? qsTr("Unfavorite") : qsTr("Favorite")
 
             onClicked: SelectionActions.toggleFavorite()
         }
