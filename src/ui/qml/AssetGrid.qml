@@ -18,37 +18,9 @@ T.Control {
     readonly property int cardFooter: Prefs.showNames ? 32 : cardInset
     readonly property int barHeight: 46
 
-    // The row a key leads to, or -1 when it moves nothing. The column stays as far as the last line reaches.
-    function rowFor(key: int): int {
-        const row = Math.max(0, assets.currentRow);
-        const last = assets.count - 1;
-        const linesAbove = Math.floor(row / columns);
-        const linesBelow = Math.floor(last / columns) - linesAbove;
-        const page = Math.max(1, view.linesInView);
-        switch (key) {
-        case Qt.Key_Left:
-            return Math.max(0, row - 1);
-        case Qt.Key_Right:
-            return Math.min(last, row + 1);
-        case Qt.Key_Up:
-            return row - Math.min(1, linesAbove) * columns;
-        case Qt.Key_Down:
-            return Math.min(last, row + Math.min(1, linesBelow) * columns);
-        case Qt.Key_PageUp:
-            return row - Math.min(page, linesAbove) * columns;
-        case Qt.Key_PageDown:
-            return Math.min(last, row + Math.min(page, linesBelow) * columns);
-        case Qt.Key_Home:
-            return 0;
-        case Qt.Key_End:
-            return last;
-        }
-        return -1;
-    }
-
     // False for a key that moves nothing. The first press of a key that moves by steps only starts.
     function move(key: int, modifiers: int): bool {
-        const row = rowFor(key);
+        const row = steps.rowFor(key, assets.currentRow);
         if (row < 0)
             return false;
         if (assets.currentRow < 0)
@@ -105,6 +77,13 @@ T.Control {
 
         onAboutToApply: newCount => view.remember(newCount)
         onApplied: view.restore()
+    }
+    GridSteps {
+        id: steps
+
+        columns: grid.columns
+        count: assets.count
+        linesInView: view.linesInView
     }
     ThumbnailSource { id: thumbnails }
     EmptyNotice { id: notice }

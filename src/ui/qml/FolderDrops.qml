@@ -18,9 +18,6 @@ DropArea {
     // Per step; negative for up.
     property real roll: 0
 
-    function ownData(drag: DragEvent): string {
-        return drag.formats.includes(Drops.ownType) ? drag.getDataAsString(Drops.ownType) : "";
-    }
     function follow(y: real): void {
         row = list.indexAt(list.width / 2, y + list.contentY);
         roll = y < edge ? -6 : y > height - edge ? 6 : 0;
@@ -35,15 +32,15 @@ DropArea {
     onDropped: drop => {
         follow(drop.y);
         const folder = tree.folderAt(row);
-        const wanted = effect !== Drops.Nothing;
+        const wanted = Drops.effectOn(folder) !== Drops.Nothing;
         leave();
         if (!wanted)
             return;
         drop.accept(Qt.CopyAction);
-        Drops.dropOn(folder, drop.urls, ownData(drop));
+        Drops.dropOn(folder, drop.urls, drop.getDataAsString(Drops.ownType));
     }
     onEntered: drag => {
-        Drops.weigh(drag.urls, ownData(drag));
+        Drops.weigh(drag.urls, drag.getDataAsString(Drops.ownType));
         follow(drag.y);
     }
     onExited: leave()

@@ -9,10 +9,6 @@ DropArea {
 
     property bool taking: false
 
-    function ownData(drag: DragEvent): string {
-        return drag.formats.includes(Drops.ownType) ? drag.getDataAsString(Drops.ownType) : "";
-    }
-
     keys: ["text/uri-list"]
 
     onDropped: drop => {
@@ -21,10 +17,10 @@ DropArea {
         if (!wanted)
             return;
         drop.accept(Qt.CopyAction);
-        Drops.dropOnGrid(drop.urls, ownData(drop));
+        Drops.dropOnGrid(drop.urls, drop.getDataAsString(Drops.ownType));
     }
     onEntered: drag => {
-        Drops.weigh(drag.urls, ownData(drag));
+        Drops.weigh(drag.urls, drag.getDataAsString(Drops.ownType));
         taking = Drops.imports();
         drag.accepted = taking;
     }
