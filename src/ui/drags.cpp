@@ -72,7 +72,7 @@ void Drags::run(QQuickWindow &window)
     auto *drag = new QDrag(&window);
     drag->setMimeData(dragData(items).release());
     drag->setPixmap(picture(assets, window.effectiveDevicePixelRatio()));
-    drag->setHotSpot({dragPictureSize.width() / 2, dragPictureSize.height() / 2});
+    drag->setHotSpot({-10, -18}); // beside the pointer, so that what lies under it can be read
     drag->exec(Qt::CopyAction);
     if (alive)
         releaseButton(*alive);
