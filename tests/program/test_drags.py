@@ -3,7 +3,6 @@
 import os
 import pathlib
 import subprocess
-import unittest
 import urllib.parse
 
 from case import ProgramCase
@@ -19,6 +18,8 @@ def pointer(*command: object) -> None:
 
 class Drags(ProgramCase):
     def setUp(self) -> None:
+        # Where the pointer rests on nothing that the next program shows.
+        self.addCleanup(pointer, "mousemove", 2, 2)
         super().setUp()
         self.home.add_sound("SFX/Hits/100% %20 ünï;#?.wav")
         self.window.find(CARD, "100% %20 ünï;#?")
@@ -87,7 +88,3 @@ class Drags(ProgramCase):
         pointer("mouseup", 1)
         self.select("Noir")
         self.assertTrue((self.home.vault / "SFX" / "Hits" / "Boom.wav").exists())
-
-
-if __name__ == "__main__":
-    unittest.main()
