@@ -9,15 +9,15 @@ T.MenuItem {
     id: item
 
     property string keys: ""
-    property bool destructive: false
-    // Left of the text, where a menu has them.
     property string symbol: ""
+    property int symbolIndent: 0
+    property bool destructive: false
     readonly property color ink: highlighted ? Theme.accentInk : destructive ? Theme.destructive : Theme.text
 
     hoverEnabled: true
     implicitHeight: 27
     implicitWidth: 224
-    leftPadding: checkable || symbol ? 26 : 10
+    leftPadding: checkable ? 26 : 10
     rightPadding: 10
 
     Accessible.checkable: checkable
@@ -38,20 +38,22 @@ T.MenuItem {
         radius: 7
     }
     contentItem: MenuLine {
+        indent: item.symbolIndent
         ink: item.ink
         keys: item.keys
         keysInk: item.highlighted ? Theme.accentInk : Theme.textTertiary
         opacity: item.enabled ? 1 : 0.4
+        symbol: item.symbol
         text: item.text
     }
     indicator: Icon {
         anchors.left: parent.left
-        anchors.leftMargin: item.leftPadding - 19
+        anchors.leftMargin: 7
         anchors.verticalCenter: parent.verticalCenter
         color: item.ink
         size: 14
-        text: item.checkable ? "check" : item.symbol
-        visible: item.checkable ? item.checked : item.symbol.length > 0
+        text: "check"
+        visible: item.checkable && item.checked
     }
     arrow: Icon {
         anchors.right: parent.right

@@ -15,8 +15,8 @@ Repeater {
         required property int depth
 
         implicitWidth: 228
-        leftPadding: 30 + 14 * depth
-        symbol: depth > 0 ? "folder" : "folder_special"
+        symbol: "folder"
+        symbolIndent: 14 * depth
         text: name
 
         onTriggered: SelectionActions.moveTo(folder)
