@@ -79,12 +79,14 @@ class Drags(ProgramCase):
             until((self.home.vault / "SFX" / name).exists, f"{name} in its new folder")
         self.assertFalse((self.home.vault / "SFX" / "Hits" / "Boom.wav").exists())
 
-    def test_escape_ends_a_drag_and_changes_nothing(self) -> None:
-        start = self.select("Boom")
+    def test_a_drag_outlives_its_card_and_escape_ends_it(self) -> None:
+        start = self.select("Click", "Boom")
         self.pull(start, self.window.find(FOLDER, "SFX").place())
         self.window.find(TEXT, "Move")
+        (self.home.vault / "SFX" / "Hits" / "Boom.wav").unlink()
+        self.window.until_gone(CARD, "Boom")
         pointer("key", "Escape")
         self.window.until_gone(TEXT, "Move")
         pointer("mouseup", 1)
         self.select("Noir")
-        self.assertTrue((self.home.vault / "SFX" / "Hits" / "Boom.wav").exists())
+        self.assertTrue((self.home.vault / "SFX" / "Hits" / "Click.wav").exists())

@@ -8,6 +8,7 @@
 #include "vault/vault.h"
 
 #include <QFileInfo>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -208,6 +209,9 @@ TEST_F(Menus, TheSelectionBarActsOnAllAndLeavesWithThem)
     EXPECT_NE(controls.find(QAccessible::StaticText, u"3 selected"_s), nullptr);
     EXPECT_EQ(controls.faults(), "");
 
+    world.key(Qt::Key_Tab);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(window.activeFocusItem())->text(QAccessible::Name),
+              u"Move to…"_s);
     ASSERT_TRUE(controls.click(QAccessible::Button, u"Favorite"_s));
     EXPECT_EQ(world.program().prefs().favorites().size(), 3);
     ASSERT_TRUE(controls.click(QAccessible::Button, u"Unfavorite"_s));
