@@ -14,8 +14,11 @@ void MoveTargets::componentComplete()
 void MoveTargets::fill(const Vault &vault, const AppState &state)
 {
     QSet<AssetKind> kinds;
-    for (const Asset &asset : state.selectedAssets())
-        kinds.insert(asset.kind);
+    const VisibleAssets &visible = state.visibleAssets();
+    for (const AssetIndex index : visible.indices) {
+        if (state.isSelected(index))
+            kinds.insert(visible.picture->asset(index).kind);
+    }
     beginResetModel();
     m_folders = vault.flatFolders(kinds);
     endResetModel();

@@ -49,10 +49,18 @@ std::vector<Location> SelectionActions::items() const
 
 bool SelectionActions::isFavorite() const
 {
-    const std::vector<Location> all = items();
+    const AppState &state = m_objects.state;
+    const VisibleAssets &visible = state.visibleAssets();
     const LocationSet favorites = m_objects.prefs.favorites();
-    return !all.empty() &&
-           std::ranges::all_of(all, [&](const Location &item) { return favorites.contains(item); });
+    bool any = false;
+    for (const AssetIndex index : visible.indices) {
+        if (!state.isSelected(index))
+            continue;
+        if (!favorites.contains(visible.picture->asset(index).url))
+            return false;
+        any = true;
+    }
+    return any;
 }
 
 bool SelectionActions::isInsertable() const

@@ -54,8 +54,7 @@ protected:
         const QAccessibleInterface *control = controls.find(role, name);
         if (!control)
             return false;
-        QTest::mouseClick(&window, Qt::RightButton, {},
-                          control->rect().center() - window.position());
+        QTest::mouseClick(&window, Qt::RightButton, {}, control->rect().center() - window.position());
         return true;
     }
     QStringList entries() const { return controls.names(QAccessible::MenuItem); }
@@ -163,9 +162,9 @@ TEST_F(Menus, ACardOffersItsCommandsAndActsOnTheSelection)
     ASSERT_TRUE(rightClick(QAccessible::ListItem, u"Hit 1"_s));
     ASSERT_TRUE(opens(u"Rename…"_s));
     EXPECT_EQ(state.selected(), QSet{inVault(u"SFX/Hits/Hit 1.wav"_s)});
-    EXPECT_EQ(entries(), (QStringList{u"DaVinci Resolve"_s, u"Premiere Pro"_s, u"Favorite"_s,
-                                      u"Move to"_s, u"New Folder with Item…"_s, u"Rename…"_s,
-                                      u"Reveal in Finder"_s, u"Move to Trash"_s}));
+    EXPECT_EQ(entries(), (QStringList{u"DaVinci Resolve"_s, u"Premiere Pro"_s, u"Favorite"_s, u"Move to"_s,
+                                      u"New Folder with Item…"_s, u"Rename…"_s, u"Reveal in Finder"_s,
+                                      u"Move to Trash"_s}));
     EXPECT_EQ(controls.faults(), "");
     ASSERT_TRUE(choose(u"Rename…"_s));
     EXPECT_EQ(state.renameTarget(), inVault(u"SFX/Hits/Hit 1.wav"_s));
@@ -195,8 +194,22 @@ TEST_F(Menus, MoveToListsTheFoldersThatTakeTheSelection)
     ASSERT_TRUE(opens(u"Overlays"_s));
     EXPECT_TRUE(entries().contains(u"Flashes"_s));
     EXPECT_FALSE(entries().contains(u"SFX"_s));
+    EXPECT_EQ(controls.faults(), "");
     ASSERT_TRUE(choose(u"Overlays"_s));
     EXPECT_TRUE(waitUntil([this] { return state.visibleRow(inVault(u"Overlays/White.png"_s)) >= 0; }));
+
+    // Back with the keyboard: from the submenu's first line to its second.
+    ASSERT_TRUE(rightClick(QAccessible::ListItem, u"White"_s));
+    ASSERT_TRUE(opens(u"Move to"_s));
+    for (int line = 0; line < 4; ++line)
+        world.key(Qt::Key_Down);
+    world.key(Qt::Key_Right);
+    ASSERT_TRUE(opens(u"Flashes"_s));
+    world.key(Qt::Key_Down);
+    world.key(Qt::Key_Return);
+    EXPECT_TRUE(
+        waitUntil([this] { return state.visibleRow(inVault(u"Overlays/Flashes/White.png"_s)) >= 0; }));
+    EXPECT_TRUE(waitUntil([this] { return entries().isEmpty(); }));
 }
 
 TEST_F(Menus, TheSelectionBarActsOnAllAndLeavesWithThem)

@@ -38,11 +38,22 @@ Item {
             onTriggered: SelectionActions.toggleFavorite()
         }
         GlassMenu {
+            id: moveMenu
+
             enabled: folders.count > 0
             implicitWidth: 240
             title: qsTr("Move to")
 
-            MoveItems { id: folders }
+            onVisibleChanged: {
+                if (visible)
+                    folders.forceActiveFocus(Qt.PopupFocusReason);
+            }
+
+            MoveList {
+                id: folders
+
+                onChosen: moveMenu.dismiss()
+            }
         }
         GlassMenuItem {
             text: place.several ? qsTr("New Folder with Selection…") : qsTr("New Folder with Item…")

@@ -15,9 +15,14 @@ Item {
         visible: true
         y: -height - 6
 
+        onOpened: folders.forceActiveFocus(Qt.PopupFocusReason)
         onClosed: (place.parent as PopupLoader)?.release()
 
-        MoveItems { id: folders }
+        MoveList {
+            id: folders
+
+            onChosen: menu.dismiss()
+        }
         GlassMenuItem {
             id: none
 
