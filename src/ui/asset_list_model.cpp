@@ -129,6 +129,18 @@ void AssetListModel::click(int row, int modifiers)
         m_state->click(Asset(*asset), Qt::KeyboardModifiers(modifiers));
 }
 
+void AssetListModel::pick(int row)
+{
+    const Asset *asset = assetAt(row);
+    if (!asset || !m_state)
+        return;
+    const Asset picked = *asset;
+    if (data(index(row), SelectedRole).toBool())
+        m_state->setSelection(picked);
+    else
+        m_state->click(picked, Qt::NoModifier);
+}
+
 void AssetListModel::toggleFavorite(int row)
 {
     const Location url = urlAt(row);

@@ -57,6 +57,9 @@ public:
     Q_INVOKABLE int rowOf(const cratewell::Location &url) const { return m_head.assets.row(url); }
     // `modifiers` are Qt::KeyboardModifiers.
     Q_INVOKABLE void click(int row, int modifiers);
+    // As when something is about to be done with the row and all that is selected beside it: focuses it, and
+    // selects it alone unless it is among the selected.
+    Q_INVOKABLE void pick(int row);
     Q_INVOKABLE void toggleFavorite(int row);
 
 Q_SIGNALS:

@@ -3,6 +3,7 @@
 #include "platform/workspace.h"
 #include "state/app_state.h"
 #include "state/prefs.h"
+#include "vault/vault.h"
 
 #include <QQmlEngine>
 
@@ -29,6 +30,26 @@ void Requests::openInFileManager(const Location &folder)
 void Requests::revealInFileManager(const Location &item)
 {
     m_objects.workspace.reveal({item});
+}
+
+void Requests::newFolderInside(const Location &folder)
+{
+    m_objects.state.requestNewFolder(folder);
+}
+
+void Requests::rename(const Location &item)
+{
+    m_objects.state.setRenameTarget(item);
+}
+
+void Requests::importInto(const Location &folder)
+{
+    m_objects.state.setScope(Scope::inFolder(folder));
+}
+
+void Requests::moveToTrash(const Location &item)
+{
+    m_objects.vault.moveToTrash({item});
 }
 
 } // namespace cratewell

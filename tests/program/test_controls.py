@@ -17,7 +17,7 @@ SYMBOL_BUTTONS = ["Close", "Minimize", "Maximize", "Menu", "New folder in Overla
                   "Customize Cratewell", "Show or hide the preview", "Add to Favorites", "Clear"]
 # Arrows of the folder trees; they show no text at all and are named by what they do.
 ARROWS = ["Collapse Overlays", "Expand Light Leaks", "Collapse SFX"]
-DISABLED = {"New Folder", "New folder in Overlays", "New folder in LUTs", "New folder in SFX"}
+DISABLED = {"New Folder"}
 COMMANDS = ["New Folder", "Import Assets…", "Insert at Playhead", "Play / Pause Preview", "Reveal in Finder",
             "Toggle Favorite", "New Folder with Selection…", "Move to Trash", "Select All", "Settings…",
             "Quit"]

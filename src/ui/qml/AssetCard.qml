@@ -34,6 +34,9 @@ SelectableItem {
 
     signal clicked(modifiers: int)
     signal insertAsked
+    // The pointer pulls at it.
+    signal dragAsked
+    signal menuAsked(at: point)
 
     Accessible.role: Accessible.ListItem
     Accessible.name: name
@@ -50,10 +53,34 @@ SelectableItem {
         width: card.width
         height: card.height
         y: card.hovered ? -2 : 0
+        // A mouse drags the card; a finger scrolls the grid.
+        property bool draggable: false
+        property bool dragged: false
+        property point start
+
+        acceptedButtons: Qt.LeftButton | Qt.RightButton
         hoverEnabled: true
-        onClicked: (mouse) => card.clicked(mouse.modifiers)
+        preventStealing: draggable
+        onPressed: (mouse) => {
+            draggable = mouse.button === Qt.LeftButton && mouse.source === Qt.MouseEventNotSynthesized;
+            dragged = false;
+            start = Qt.point(mouse.x, mouse.y);
+            if (mouse.button === Qt.RightButton)
+                card.menuAsked(start);
+        }
+        onPositionChanged: (mouse) => {
+            if (!pressed || !draggable || dragged)
+                return;
+            dragged = Math.abs(mouse.x - start.x) + Math.abs(mouse.y - start.y) >= 10;
+            if (dragged)
+                card.dragAsked();
+        }
+        onClicked: (mouse) => {
+            if (mouse.button === Qt.LeftButton && !dragged)
+                card.clicked(mouse.modifiers);
+        }
         onDoubleClicked: (mouse) => {
-            if (mouse.modifiers === Qt.NoModifier)
+            if (mouse.button === Qt.LeftButton && mouse.modifiers === Qt.NoModifier)
                 card.insertAsked();
         }
 

@@ -16,38 +16,11 @@ T.Control {
     // Around a card's picture, and below it with its name.
     readonly property int cardInset: 7
     readonly property int cardFooter: Prefs.showNames ? 32 : cardInset
-
-    // The row a key leads to, or -1 when it moves nothing. The column stays as far as the last line reaches.
-    function rowFor(key: int): int {
-        const row = Math.max(0, assets.currentRow);
-        const last = assets.count - 1;
-        const linesAbove = Math.floor(row / columns);
-        const linesBelow = Math.floor(last / columns) - linesAbove;
-        const page = Math.max(1, view.linesInView);
-        switch (key) {
-        case Qt.Key_Left:
-            return Math.max(0, row - 1);
-        case Qt.Key_Right:
-            return Math.min(last, row + 1);
-        case Qt.Key_Up:
-            return row - Math.min(1, linesAbove) * columns;
-        case Qt.Key_Down:
-            return Math.min(last, row + Math.min(1, linesBelow) * columns);
-        case Qt.Key_PageUp:
-            return row - Math.min(page, linesAbove) * columns;
-        case Qt.Key_PageDown:
-            return Math.min(last, row + Math.min(page, linesBelow) * columns);
-        case Qt.Key_Home:
-            return 0;
-        case Qt.Key_End:
-            return last;
-        }
-        return -1;
-    }
+    readonly property int barHeight: 46
 
     // False for a key that moves nothing. The first press of a key that moves by steps only starts.
     function move(key: int, modifiers: int): bool {
-        const row = rowFor(key);
+        const row = steps.rowFor(key, assets.currentRow);
         if (row < 0)
             return false;
         if (assets.currentRow < 0)
@@ -58,6 +31,18 @@ T.Control {
             AppState.moveBy(row - assets.currentRow);
         view.reveal(assets.currentRow);
         return true;
+    }
+
+    // `at` is where in the grid.
+    function showMenu(row: int, at: point): void {
+        forceActiveFocus(Qt.PopupFocusReason);
+        assets.pick(row);
+        cardMenu.reopen({ at: at });
+    }
+    function showMenuAtFocus(): void {
+        const card = view.itemAtIndex(assets.currentRow);
+        if (card)
+            showMenu(assets.currentRow, mapFromItem(card, card.width / 2, card.height / 2));
     }
 
     focusPolicy: Qt.StrongFocus
@@ -74,6 +59,11 @@ T.Control {
             Inserter.insertSelected();
         else if (event.key === Qt.Key_Space)
             AppState.togglePlay();
+        else if (event.key === Qt.Key_Menu || (event.key === Qt.Key_F10
+                                                && event.modifiers & Qt.ShiftModifier))
+            showMenuAtFocus();
+        else if (event.key === Qt.Key_Escape && AppState.selectedCount > 1)
+            SelectionActions.clear();
         else if (!move(event.key, event.modifiers))
             return;
         event.accepted = true;
@@ -87,6 +77,13 @@ T.Control {
 
         onAboutToApply: newCount => view.remember(newCount)
         onApplied: view.restore()
+    }
+    GridSteps {
+        id: steps
+
+        columns: grid.columns
+        count: assets.count
+        linesInView: view.linesInView
     }
     ThumbnailSource { id: thumbnails }
     EmptyNotice { id: notice }
@@ -178,7 +175,8 @@ T.Control {
             anchors.fill: parent
             anchors.leftMargin: grid.spill + 2
             anchors.rightMargin: grid.spill + 2 - grid.gap
-            bottomMargin: Theme.space1
+            // The last line can be scrolled free of what floats over it.
+            bottomMargin: bar.wanted ? grid.barHeight + 2 * Theme.space3 : Theme.space1
             boundsBehavior: Flickable.StopAtBounds
             cacheBuffer: 2 * cellHeight
             cellHeight: grid.cardInset + Math.round((cardWidth - 2 * grid.cardInset) * 0.625)
@@ -224,7 +222,13 @@ T.Control {
                     else if (star.card === card)
                         star.card = null;
                 }
+                onDragAsked: {
+                    grid.forceActiveFocus(Qt.MouseFocusReason);
+                    assets.pick(index);
+                    Drags.start(card);
+                }
                 onInsertAsked: Inserter.insertSelected()
+                onMenuAsked: at => grid.showMenu(index, grid.mapFromItem(card, at))
             }
 
             CardStar {
@@ -272,5 +276,31 @@ T.Control {
         }
 
         onActed: notice.act()
+    }
+    PopupLoader {
+        id: bar
+
+        readonly property bool wanted: SelectionActions.count > 1
+
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Theme.space3
+        anchors.horizontalCenter: parent.horizontalCenter
+        file: "SelectionBar.qml"
+
+        onWantedChanged: {
+            if (wanted) {
+                open({ height: grid.barHeight });
+                return;
+            }
+            if (activeFocus)
+                grid.forceActiveFocus(Qt.OtherFocusReason);
+            release();
+        }
+    }
+    GridDrops { anchors.fill: parent }
+    PopupLoader {
+        id: cardMenu
+
+        file: "CardMenu.qml"
     }
 }

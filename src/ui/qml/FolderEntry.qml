@@ -19,11 +19,14 @@ Item {
     required property bool current
     required property bool showCount
     required property bool canAdd
+    // What a drop here would do: a Drops.Effect.
+    required property int drop
     readonly property bool first: depth === 0
 
     signal activated
     signal toggled
     signal addWanted
+    signal menuAsked(at: point)
 
     height: (first ? heading.height : 0) + row.height
 
@@ -44,6 +47,7 @@ Item {
         count: entry.count
         current: entry.current
         depth: entry.depth
+        drop: entry.drop
         expandable: entry.expandable
         expanded: entry.expanded
         name: entry.name
@@ -55,6 +59,7 @@ Item {
         width: entry.width
 
         onActivated: entry.activated()
+        onMenuAsked: at => entry.menuAsked(mapToItem(entry, at))
         onToggled: entry.toggled()
     }
 }

@@ -18,8 +18,11 @@ Item {
     required property bool selected
     required property bool current
     required property bool showCount
+    // What a drop here would do: a Drops.Effect.
+    required property int drop
 
     signal activated
+    signal menuAsked(at: point)
     signal toggled
 
     height: 28
@@ -39,10 +42,22 @@ Item {
 
         onTapped: row.activated()
     }
+    TapHandler {
+        acceptedButtons: Qt.RightButton
+        gesturePolicy: TapHandler.ReleaseWithinBounds
+
+        onPressedChanged: {
+            if (pressed)
+                row.menuAsked(point.position);
+        }
+    }
 
     Rectangle {
         anchors.fill: parent
-        color: row.selected ? Theme.rowSelected : hover.hovered ? Theme.rowHover : "transparent"
+        border.color: Theme.accent
+        border.width: row.drop === Drops.Nothing ? 0 : 2
+        color: row.drop !== Drops.Nothing ? Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.22)
+             : row.selected ? Theme.rowSelected : hover.hovered ? Theme.rowHover : "transparent"
         radius: 8
 
         FocusRing {
@@ -91,7 +106,7 @@ Item {
     Label {
         anchors.left: symbolIcon.right
         anchors.leftMargin: 7
-        anchors.right: counter.left
+        anchors.right: row.drop === Drops.Nothing ? counter.left : landing.left
         anchors.rightMargin: Theme.space2
         anchors.verticalCenter: parent.verticalCenter
         color: Theme.textFolder
@@ -108,7 +123,31 @@ Item {
         color: Theme.textTertiary
         font.pixelSize: Theme.secondarySize
         text: row.showCount ? row.count : ""
+        visible: row.drop === Drops.Nothing
 
         Accessible.ignored: true
+    }
+    Rectangle {
+        id: landing
+
+        anchors.right: parent.right
+        anchors.rightMargin: 5
+        anchors.verticalCenter: parent.verticalCenter
+        color: Theme.accent
+        height: 18
+        radius: Theme.badgeRadius
+        visible: row.drop !== Drops.Nothing
+        width: effect.implicitWidth + 12
+
+        Label {
+            id: effect
+
+            anchors.centerIn: parent
+            color: Theme.accentInk
+            font.pixelSize: Theme.secondarySize
+            font.weight: Font.DemiBold
+            text: row.drop === Drops.Move ? qsTr("Move") : row.drop === Drops.Copy ? qsTr("Copy")
+                                                                                  : qsTr("Move and copy")
+        }
     }
 }

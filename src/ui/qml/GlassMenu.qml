@@ -32,6 +32,8 @@ T.Menu {
             radius: 12
         }
     }
+    // The line of a menu inside this one.
+    delegate: GlassMenuItem {}
     contentItem: ListView {
         clip: true
         currentIndex: menu.currentIndex

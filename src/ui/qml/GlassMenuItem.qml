@@ -9,6 +9,8 @@ T.MenuItem {
     id: item
 
     property string keys: ""
+    property string symbol: ""
+    property int symbolIndent: 0
     property bool destructive: false
     readonly property color ink: highlighted ? Theme.accentInk : destructive ? Theme.destructive : Theme.text
 
@@ -27,7 +29,8 @@ T.MenuItem {
         if (!item.enabled)
             return;
         item.triggered();
-        item.menu?.dismiss();
+        if (!item.subMenu)
+            item.menu?.dismiss();
     }
 
     background: Rectangle {
@@ -35,10 +38,12 @@ T.MenuItem {
         radius: 7
     }
     contentItem: MenuLine {
+        indent: item.symbolIndent
         ink: item.ink
         keys: item.keys
         keysInk: item.highlighted ? Theme.accentInk : Theme.textTertiary
         opacity: item.enabled ? 1 : 0.4
+        symbol: item.symbol
         text: item.text
     }
     indicator: Icon {
@@ -49,5 +54,15 @@ T.MenuItem {
         size: 14
         text: "check"
         visible: item.checkable && item.checked
+    }
+    arrow: Icon {
+        anchors.right: parent.right
+        anchors.rightMargin: 6
+        anchors.verticalCenter: parent.verticalCenter
+        color: item.highlighted ? item.ink : Theme.textTertiary
+        opacity: item.enabled ? 1 : 0.4
+        size: 15
+        text: "chevron_right"
+        visible: item.subMenu !== null
     }
 }

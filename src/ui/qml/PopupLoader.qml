@@ -13,6 +13,11 @@ Loader {
         if (status === Loader.Null)
             setSource(file, properties);
     }
+    // Anew where one is still open.
+    function reopen(properties: var): void {
+        source = "";
+        setSource(file, properties);
+    }
     function release(): void {
         source = "";
     }

@@ -11,6 +11,11 @@ GlassPanel {
     required property Window window
     required property Commands commands
 
+    // `at` is where in the sidebar.
+    function showMenu(row: int, at: point): void {
+        folderMenu.reopen({ at: at, folder: tree.folderAt(row), root: tree.parentOf(row) < 0 });
+    }
+
     LibraryCounts { id: libraryCounts }
     FolderTreeModel { id: tree }
 
@@ -60,6 +65,13 @@ GlassPanel {
             positionViewAtIndex(row, ListView.Contain);
         }
 
+        // For the keyboard's row.
+        function showMenu(): void {
+            const entry = itemAtIndex(currentIndex);
+            if (entry)
+                sidebar.showMenu(currentIndex, sidebar.mapFromItem(entry, 48, entry.height));
+        }
+
         onTopMarginChanged: contentY = originY - topMargin
         onActiveFocusChanged: {
             if (activeFocus && currentIndex < 0)
@@ -73,6 +85,13 @@ GlassPanel {
                 tree.setExpanded(currentIndex, false);
             else
                 moveTo(tree.parentOf(currentIndex));
+        }
+        Keys.onMenuPressed: showMenu()
+        Keys.onPressed: event => {
+            if (event.key !== Qt.Key_F10 || event.modifiers !== Qt.ShiftModifier)
+                return;
+            showMenu();
+            event.accepted = true;
         }
         Keys.onReturnPressed: Navigator.showFolder(tree.folderAt(currentIndex))
         Keys.onRightPressed: {
@@ -88,16 +107,19 @@ GlassPanel {
             required property int index
             required property var folder
 
-            canAdd: sidebar.commands.newFolder.enabled
+            canAdd: true
             current: list.activeFocus && ListView.isCurrentItem
+            drop: drops.row === index ? drops.effect : Drops.Nothing
             selected: Navigator.folder === folder.text
             showCount: Prefs.showCounts
             width: ListView.view.width
 
+            onAddWanted: Requests.newFolderInside(folder)
             onActivated: {
                 list.currentIndex = index;
                 Navigator.showFolder(folder);
             }
+            onMenuAsked: at => sidebar.showMenu(index, sidebar.mapFromItem(this, at))
             onToggled: tree.setExpanded(index, !expanded)
         }
 
@@ -111,6 +133,19 @@ GlassPanel {
             width: list.width
             y: list.originY - height
         }
+    }
+
+    FolderDrops {
+        id: drops
+
+        anchors.fill: list
+        list: list
+        tree: tree
+    }
+    PopupLoader {
+        id: folderMenu
+
+        file: "FolderMenu.qml"
     }
 
     SidebarFooter {

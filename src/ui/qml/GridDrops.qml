@@ -1,0 +1,59 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Cratewell
+
+// Takes files from outside that are dropped on the grid, and says where they will go.
+DropArea {
+    id: drops
+
+    property bool taking: false
+
+    keys: ["text/uri-list"]
+
+    onDropped: drop => {
+        const wanted = taking;
+        taking = false;
+        if (!wanted)
+            return;
+        drop.accept(Qt.CopyAction);
+        Drops.dropOnGrid(drop.urls, drop.getDataAsString(Drops.ownType));
+    }
+    onEntered: drag => {
+        Drops.weigh(drag.urls, drag.getDataAsString(Drops.ownType));
+        taking = Drops.imports();
+        drag.accepted = taking;
+    }
+    onExited: taking = false
+
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: 2
+        border.color: Theme.accent
+        border.width: 2
+        color: Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.12)
+        radius: Theme.panelRadius
+        visible: drops.taking
+
+        Rectangle {
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: Theme.space4
+            anchors.horizontalCenter: parent.horizontalCenter
+            color: Theme.accent
+            height: 34
+            radius: 17
+            width: Math.min(line.implicitWidth + 32, parent.width - 2 * Theme.space4)
+
+            Label {
+                id: line
+
+                anchors.centerIn: parent
+                color: Theme.accentInk
+                font.weight: Font.DemiBold
+                text: Navigator.place === Navigator.Folder ? qsTr("Copy into %1").arg(AppState.scopeTitle)
+                                                           : qsTr("Copy, sorted by type")
+                width: Math.min(implicitWidth, parent.width - 24)
+            }
+        }
+    }
+}

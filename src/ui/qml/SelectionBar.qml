@@ -1,0 +1,94 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Cratewell
+
+// What can be done with several selected assets, floating over the grid.
+Rectangle {
+    id: bar
+
+    border.color: Theme.popupBorder
+    color: Theme.popup
+    radius: 14
+    width: row.width + 2 * row.x
+
+    Accessible.name: qsTr("Selection")
+    Accessible.role: Accessible.ToolBar
+
+    Keys.onEscapePressed: SelectionActions.clear()
+
+    SoftShadow {
+        anchors.fill: parent
+        anchors.margins: -blur
+        blur: 22
+        color: Qt.rgba(0, 0, 0, Theme.dark ? 0.5 : 0.2)
+        drop: 6
+        radius: bar.radius
+        z: -1
+    }
+    // What lies below is not meant.
+    MouseArea { anchors.fill: parent }
+    Row {
+        id: row
+
+        anchors.verticalCenter: parent.verticalCenter
+        spacing: Theme.space2
+        x: Theme.space4
+
+        Label {
+            anchors.verticalCenter: parent.verticalCenter
+            font.weight: Font.Bold
+            rightPadding: 2
+            text: qsTr("%1 selected").arg(SelectionActions.count)
+        }
+        GlassButton {
+            helpText: qsTr("Move to another folder")
+            symbol: "drive_file_move"
+            text: qsTr("Move to…")
+
+            onClicked: moveMenu.open({})
+
+            PopupLoader {
+                id: moveMenu
+
+                file: "MoveMenu.qml"
+            }
+        }
+        GlassButton {
+            compact: true
+            symbol: "create_new_folder"
+            text: qsTr("New Folder with Selection…")
+
+            onClicked: AppState.newFolderFromSelection()
+        }
+        GlassButton {
+            compact: true
+            symbol: SelectionActions.favorite ? "star" : "star_border"
+            text: SelectionActions.favorite ? qsTr("Unfavorite") : qsTr("Favorite")
+
+            onClicked: SelectionActions.toggleFavorite()
+        }
+        GlassButton {
+            compact: true
+            symbol: "search"
+            text: qsTr("Reveal in Finder")
+
+            onClicked: AppState.revealSelected()
+        }
+        GlassButton {
+            compact: true
+            destructive: true
+            symbol: "delete"
+            text: qsTr("Move to Trash")
+
+            onClicked: SelectionActions.moveToTrash()
+        }
+        IconButton {
+            anchors.verticalCenter: parent.verticalCenter
+            symbol: "close"
+            text: qsTr("Clear Selection")
+
+            onClicked: SelectionActions.clear()
+        }
+    }
+}

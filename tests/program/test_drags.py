@@ -1,0 +1,92 @@
+"""Drags with a real pointer, inside the window and out of it."""
+
+import os
+import pathlib
+import subprocess
+import urllib.parse
+
+from case import ProgramCase
+from controls import CARD, FOLDER, TEXT
+from wait import until
+
+RECEIVER_PLACE = (1515, 210)
+
+
+def pointer(*command: object) -> None:
+    subprocess.run(["xdotool", *map(str, command)], check=True, timeout=20)
+
+
+class Drags(ProgramCase):
+    def setUp(self) -> None:
+        # Where the pointer rests on nothing that the next program shows.
+        self.addCleanup(pointer, "mousemove", 2, 2)
+        super().setUp()
+        self.home.add_sound("SFX/Hits/100% %20 ünï;#?.wav")
+        self.window.find(CARD, "100% %20 ünï;#?")
+
+    def select(self, *names: str) -> tuple[int, int]:
+        """Gives the place of the last card."""
+        for name in names:
+            place = self.window.find(CARD, name).place()
+            pointer("mousemove", *place)
+            if name != names[0]:
+                pointer("keydown", "ctrl")
+            pointer("click", 1)
+            pointer("keyup", "ctrl")
+            self.window.find(CARD, name, "selected")
+        return place
+
+    @staticmethod
+    def pull(start: tuple[int, int], end: tuple[int, int], steps: int = 12) -> None:
+        pointer("mousemove", *start, "mousedown", 1)
+        for step in range(1, steps + 1):
+            share = step / steps
+            pointer("mousemove", *(round(a + (b - a) * share) for a, b in zip(start, end)), "sleep", "0.03")
+
+    def receiver(self) -> subprocess.Popen:
+        process = subprocess.Popen([os.environ["CRATEWELL_DROP_RECEIVER"]], stdout=subprocess.PIPE, text=True,
+                                   env=os.environ | {"QT_QPA_PLATFORM": "xcb"})
+        self.addCleanup(process.stdout.close)
+        self.addCleanup(process.wait, 20)
+        self.addCleanup(process.terminate)
+        self.assertEqual(process.stdout.readline(), "ready\n")
+        return process
+
+    def test_another_program_gets_every_path(self) -> None:
+        receiver = self.receiver()
+        names = ("Amber", "Boom", "100% %20 ünï;#?")
+        self.pull(self.select(*names), RECEIVER_PLACE)
+        pointer("mouseup", 1)
+        lines = [receiver.stdout.readline().rstrip("\n") for _ in range(len(names) + 1)]
+        self.assertEqual(lines.pop(), "copy")
+        given = {urllib.parse.unquote(urllib.parse.urlsplit(line).path) for line in lines}
+        wanted = {"Overlays/Light Leaks/Warm/Amber.png", "SFX/Hits/Boom.wav", "SFX/Hits/100% %20 ünï;#?.wav"}
+        self.assertEqual(given, {str(self.home.vault / name) for name in wanted})
+        for path in given:
+            self.assertTrue(pathlib.Path(path).exists(), path)
+
+        # The pointer has come back to life: the very next click counts.
+        self.select("Noir")
+        until(lambda: [card.name for card in self.window.all(CARD) if "selected" in card.states] == ["Noir"],
+              "one card selected")
+
+    def test_cards_move_to_the_folder_they_are_dropped_on(self) -> None:
+        start = self.select("Boom", "Click")
+        self.pull(start, self.window.find(FOLDER, "SFX").place())
+        self.window.find(TEXT, "Move")
+        pointer("mouseup", 1)
+        for name in ("Boom.wav", "Click.wav"):
+            until((self.home.vault / "SFX" / name).exists, f"{name} in its new folder")
+        self.assertFalse((self.home.vault / "SFX" / "Hits" / "Boom.wav").exists())
+
+    def test_a_drag_outlives_its_card_and_escape_ends_it(self) -> None:
+        start = self.select("Click", "Boom")
+        self.pull(start, self.window.find(FOLDER, "SFX").place())
+        self.window.find(TEXT, "Move")
+        (self.home.vault / "SFX" / "Hits" / "Boom.wav").unlink()
+        self.window.until_gone(CARD, "Boom")
+        pointer("key", "Escape")
+        self.window.until_gone(TEXT, "Move")
+        pointer("mouseup", 1)
+        self.select("Noir")
+        self.assertTrue((self.home.vault / "SFX" / "Hits" / "Click.wav").exists())
