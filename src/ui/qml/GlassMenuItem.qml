@@ -9,6 +9,8 @@ T.MenuItem {
     id: item
 
     property string keys: ""
+    property string symbol: ""
+    property int symbolIndent: 0
     property bool destructive: false
     readonly property color ink: highlighted ? Theme.accentInk : destructive ? Theme.destructive : Theme.text
 
@@ -35,10 +37,12 @@ T.MenuItem {
         radius: 7
     }
     contentItem: MenuLine {
+        indent: item.symbolIndent
         ink: item.ink
         keys: item.keys
         keysInk: item.highlighted ? Theme.accentInk : Theme.textTertiary
         opacity: item.enabled ? 1 : 0.4
+        symbol: item.symbol
         text: item.text
     }
     indicator: Icon {

@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Cratewell
 
-// The grid under its toolbar, or one of the pages.
+// The grid under its toolbar, or one of the pages; below them the work on files, while there is any.
 FocusScope {
     id: area
 
@@ -17,9 +17,22 @@ FocusScope {
         if (showsGrid)
             toolbar.focusSearch();
     }
+    function offerImport(): void {
+        importMenu.open({});
+    }
 
+    FileWork { id: work }
     Item {
-        anchors.fill: parent
+        id: view
+
+        anchors.bottom: progress.shown ? progress.top : parent.bottom
+        anchors.bottomMargin: progress.shown ? Theme.space3 : 0
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: parent.top
+    }
+    Item {
+        anchors.fill: view
         visible: area.showsGrid
 
         Toolbar {
@@ -38,16 +51,42 @@ FocusScope {
             focus: true
         }
     }
+    Loader {
+        active: Navigator.place === Navigator.Importer
+        anchors.fill: view
+
+        sourceComponent: ImportPage { window: area.window }
+    }
+    Loader {
+        active: Navigator.place === Navigator.Trash
+        anchors.fill: view
+
+        sourceComponent: TrashPage { window: area.window }
+    }
     Page {
-        anchors.fill: parent
-        subtitle: Navigator.place === Navigator.Importer
-                  ? qsTr("Add overlays, LUTs and sound effects to your vault.")
-                  : Navigator.place === Navigator.Trash
-                    ? qsTr("Deleted items stay here for 30 days, then they're removed for good.")
-                    : qsTr("Panels that bring your vault into the editor.")
+        anchors.fill: view
+        subtitle: qsTr("Panels that bring your vault into the editor.")
         title: AppState.scopeTitle
-        visible: !area.showsGrid
+        visible: Navigator.place === Navigator.Plugin
         window: area.window
+    }
+    ProgressPanel {
+        id: progress
+
+        readonly property bool shown: work.active
+
+        anchors.bottom: parent.bottom
+        anchors.left: parent.left
+        anchors.leftMargin: 6
+        anchors.right: parent.right
+        anchors.rightMargin: 6
+        detail: work.detail
+        fraction: work.fraction
+        remaining: work.remaining
+        title: work.title
+        visible: shown
+
+        onCancelled: work.cancel()
     }
     ErrorBanner {
         anchors.left: parent.left
@@ -58,5 +97,14 @@ FocusScope {
         y: 4
 
         onDismissed: Vault.clearLastError()
+    }
+    ImportMenuLoader {
+        id: importMenu
+
+        x: area.showsGrid ? toolbar.importMenuX : 6
+        y: area.showsGrid ? toolbar.importMenuY : 60
+
+        onFilesWanted: AppState.importFiles()
+        onFolderWanted: AppState.importFolder()
     }
 }

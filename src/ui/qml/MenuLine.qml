@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Cratewell
 
-// What a menu item shows: its text and its keys.
+// What a menu item shows: its symbol, if it has one, its text and its keys.
 Item {
     id: line
 
@@ -11,13 +11,23 @@ Item {
     required property string keys
     required property color ink
     required property color keysInk
+    property string symbol: ""
+    property int indent: 0
 
     implicitHeight: label.implicitHeight
 
+    Icon {
+        anchors.verticalCenter: parent.verticalCenter
+        color: line.ink
+        text: line.symbol
+        visible: line.symbol.length > 0
+        x: line.indent
+    }
     Label {
         id: label
 
         anchors.left: parent.left
+        anchors.leftMargin: line.indent + (line.symbol ? 23 : 0)
         anchors.right: keysLabel.left
         anchors.verticalCenter: parent.verticalCenter
         color: line.ink
