@@ -1,11 +1,8 @@
 #include "vault/vault.h"
 
 #include "platform/defaults.h"
-#include "platform/file_events.h"
-#include "vault/internal/scan_worker.h"
+#include "vault/internal/vault_private.h"
 #include "vault/internal/vault_structure.h"
-
-#include <QTimer>
 
 namespace cratewell {
 
@@ -14,39 +11,18 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr std::chrono::milliseconds coalescingDelay{300};
+constexpr std::chrono::seconds purgeInterval{3600};
 
-}
+} // namespace
 
-struct Vault::Private
+Vault::Private::Private(Vault &vault, Location firstRoot, Defaults &store,
+                        std::unique_ptr<FileEvents> fileEvents)
+    : q(vault), root(std::move(firstRoot)), defaults(store), events(std::move(fileEvents)), worker([this] {
+          QMetaObject::invokeMethod(
+              &q, [this] { takeResult(); }, Qt::QueuedConnection);
+      })
 {
-    Private(Vault &vault, Location firstRoot, Defaults &store, std::unique_ptr<FileEvents> fileEvents)
-        : q(vault), root(std::move(firstRoot)), defaults(store), events(std::move(fileEvents)),
-          worker([this] {
-              QMetaObject::invokeMethod(
-                  &q, [this] { takeResult(); }, Qt::QueuedConnection);
-          })
-    {
-    }
-
-    void startScan();
-    void takeResult();
-    void follow();
-
-    Vault &q;
-    Location root;
-    Defaults &defaults;
-    std::unique_ptr<FileEvents> events;
-    std::shared_ptr<const VaultPicture> picture = std::make_shared<VaultPicture>();
-    QString lastError;
-    QTimer coalescing;
-    bool scanning = false;
-    bool waiting = false;
-    bool rootChanged = false; // since the scan under way was started
-    bool published = false;   // a picture of this root
-    bool following = false;   // this root
-    FileEvents::Time scanStarted;
-    ScanWorker worker; // last: its thread ends before the rest goes
-};
+}
 
 void Vault::Private::startScan()
 {
@@ -102,6 +78,8 @@ Vault::Vault(Location root, Defaults &defaults, std::unique_ptr<FileEvents> even
               true);
     };
     connect(d->events.get(), &FileEvents::limitReached, this, tellLimit, Qt::SingleShotConnection);
+    d->purging.setInterval(purgeInterval);
+    connect(&d->purging, &QTimer::timeout, this, &Vault::purgeExpired);
 }
 
 Vault::~Vault() = default;
@@ -109,6 +87,8 @@ Vault::~Vault() = default;
 void Vault::start()
 {
     ensureVaultStructure(d->root, d->defaults);
+    d->openTrash();
+    d->purging.start();
     rescan();
 }
 
@@ -118,6 +98,7 @@ void Vault::changeRoot(const Location &root)
     d->published = false;
     d->rootChanged = true;
     d->worker.cancel();
+    d->queue.cancelAll();
     Q_EMIT
     rootChanged(root);
     d->events->stop();

@@ -1,0 +1,34 @@
+#include "vault/internal/file_names.h"
+
+#include <cerrno>
+
+namespace cratewell {
+
+const int FreeNames::alreadyThere = EEXIST;
+
+QString cleanedName(const QString &typed)
+{
+    QString name = typed.trimmed();
+    name.replace(u'/', u'-');
+    return name;
+}
+
+bool isPlainName(QByteArrayView name)
+{
+    constexpr qsizetype longest = 255;
+    return !name.isEmpty() && name.size() <= longest && name != "." && name != ".." && !name.contains('/') &&
+           !name.contains('\0');
+}
+
+QByteArray FreeNames::numbered(const QByteArray &name, int number, Naming naming)
+{
+    if (number == 1)
+        return name;
+    const Location place = Location::fromStandardized("/" + name);
+    const QByteArray extension = naming == Naming::File ? place.extensionBytes().toByteArray() : QByteArray();
+    if (extension.isEmpty())
+        return name + ' ' + QByteArray::number(number);
+    return name.chopped(extension.size() + 1) + ' ' + QByteArray::number(number) + '.' + extension;
+}
+
+} // namespace cratewell
