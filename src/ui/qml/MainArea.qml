@@ -21,7 +21,7 @@ FocusScope {
         importMenu.open({});
     }
 
-    FileWork { id: work }
+    WorkStatus { id: work }
     Item {
         id: view
 

@@ -1,4 +1,4 @@
-#include "ui/file_work.h"
+#include "ui/work_status.h"
 
 #include "ui/formats.h"
 #include "ui/ui_objects.h"
@@ -6,46 +6,46 @@
 
 namespace cratewell {
 
-void FileWork::follow(FileProgress &progress)
+void WorkStatus::follow(FileProgress &progress)
 {
     m_progress = &progress;
-    connect(&progress, &FileProgress::changed, this, &FileWork::changed);
+    connect(&progress, &FileProgress::changed, this, &WorkStatus::changed);
     Q_EMIT changed();
 }
 
-void FileWork::componentComplete()
+void WorkStatus::componentComplete()
 {
     follow(uiObjects(*this).vault.progress());
 }
 
-bool FileWork::isActive() const
+bool WorkStatus::isActive() const
 {
     return m_progress && m_progress->isActive();
 }
 
-QString FileWork::title() const
+QString WorkStatus::title() const
 {
     return m_progress ? m_progress->title() : QString();
 }
 
-QString FileWork::detail() const
+QString WorkStatus::detail() const
 {
     return m_progress ? progressText(m_progress->filesDone(), m_progress->filesTotal(),
                                      m_progress->bytesDone(), m_progress->bytesTotal())
                       : QString();
 }
 
-QString FileWork::remaining() const
+QString WorkStatus::remaining() const
 {
     return m_progress ? remainingText(m_progress->secondsLeft()) : QString();
 }
 
-double FileWork::fraction() const
+double WorkStatus::fraction() const
 {
     return m_progress ? m_progress->fraction() : 0;
 }
 
-void FileWork::cancel()
+void WorkStatus::cancel()
 {
     if (m_progress)
         m_progress->cancel();
