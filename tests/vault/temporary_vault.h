@@ -13,9 +13,10 @@ namespace cratewell::test {
 class TemporaryVault
 {
 public:
-    TemporaryVault()
+    // In a folder of its own below `parent`.
+    explicit TemporaryVault(const std::filesystem::path &parent = std::filesystem::temp_directory_path())
     {
-        std::string pattern = std::filesystem::temp_directory_path() / "cratewell-vault-XXXXXX";
+        std::string pattern = parent / "cratewell-vault-XXXXXX";
         m_folder = mkdtemp(pattern.data()) ? pattern : std::string();
     }
     ~TemporaryVault()
