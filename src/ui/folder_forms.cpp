@@ -18,7 +18,7 @@ void NewFolderForm::follow(AppState &state)
                               : u"Inside %1"_s.arg(name);
 }
 
-void NewFolderForm::componentComplete()
+void NewFolderForm::classBegin()
 {
     follow(uiObjects(*this).state);
 }
@@ -34,7 +34,7 @@ void RenameForm::follow(const AppState &state, const Vault &vault)
     m_isFile = vault.picture()->find(m_item).has_value();
 }
 
-void RenameForm::componentComplete()
+void RenameForm::classBegin()
 {
     const UiObjects &objects = uiObjects(*this);
     follow(objects.state, objects.vault);

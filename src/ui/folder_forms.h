@@ -28,8 +28,9 @@ public:
     Q_INVOKABLE static QString problem(const QString &name);
 
 private:
-    void classBegin() override {}
-    void componentComplete() override;
+    // Before the sheet reads anything: what it asks does not change while it is open.
+    void classBegin() override;
+    void componentComplete() override {}
 
     QString m_explanation;
 };
@@ -54,8 +55,9 @@ public:
     Q_INVOKABLE QString warning(const QString &name) const;
 
 private:
-    void classBegin() override {}
-    void componentComplete() override;
+    // Before the sheet reads anything: what it asks does not change while it is open.
+    void classBegin() override;
+    void componentComplete() override {}
 
     Location m_item;
     bool m_isFile = false;

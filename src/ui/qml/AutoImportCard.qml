@@ -41,7 +41,7 @@ GlassPanel {
 
             anchors.centerIn: parent
             font.letterSpacing: 0.6
-            font.pixelSize: 9.5
+            font.pixelSize: 10
             font.weight: Font.Bold
             text: "COMING SOON"
         }

@@ -20,7 +20,7 @@ T.Button {
 
     Accessible.description: qsTr("Destination")
     Accessible.name: text
-    Accessible.role: Accessible.ButtonMenu
+    Accessible.role: Accessible.Button
     Accessible.onPressAction: control.clicked()
 
     Keys.onDownPressed: clicked()

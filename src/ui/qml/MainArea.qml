@@ -51,17 +51,17 @@ FocusScope {
             focus: true
         }
     }
-    Loader {
-        active: Navigator.place === Navigator.Importer
+    PageLoader {
         anchors.fill: view
-
-        sourceComponent: ImportPage { window: area.window }
+        file: "ImportPage.qml"
+        wanted: Navigator.place === Navigator.Importer
+        window: area.window
     }
-    Loader {
-        active: Navigator.place === Navigator.Trash
+    PageLoader {
         anchors.fill: view
-
-        sourceComponent: TrashPage { window: area.window }
+        file: "TrashPage.qml"
+        wanted: Navigator.place === Navigator.Trash
+        window: area.window
     }
     Page {
         anchors.fill: view

@@ -26,7 +26,7 @@ Item {
         onAboutToHide: AppState.showNewFolder = false
         onClosed: (place.parent as PopupLoader).release()
         onConfirmed: AppState.createNewFolder(field.text)
-        onOpened: {
+        onShown: {
             field.forceActiveFocus(Qt.PopupFocusReason);
             field.selectAll();
         }

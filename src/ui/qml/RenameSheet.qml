@@ -26,7 +26,7 @@ Item {
         onAboutToHide: AppState.stopRenaming()
         onClosed: (place.parent as PopupLoader).release()
         onConfirmed: AppState.renameTo(field.text)
-        onOpened: {
+        onShown: {
             field.forceActiveFocus(Qt.PopupFocusReason);
             field.select(0, form.selectionLength);
         }

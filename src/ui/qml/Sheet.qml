@@ -14,13 +14,18 @@ T.Popup {
     property bool destructive: false
     default property alias body: column.data
 
+    property bool answered: false
+
+    // It can be seen and has the keyboard.
+    signal shown
     signal confirmed
 
     function confirm(): void {
-        if (!confirmable || !opened)
+        if (!confirmable || answered)
             return;
-        close();
+        answered = true;
         confirmed();
+        close();
     }
 
     closePolicy: T.Popup.CloseOnEscape
@@ -35,6 +40,13 @@ T.Popup {
 
     // The item that has the keyboard is the popup's own, which cannot be named where it is declared.
     onAboutToShow: contentItem.parent.Accessible.name = title
+    onAboutToHide: answered = true
+    onVisibleChanged: {
+        if (!visible)
+            return;
+        scope.forceActiveFocus(Qt.PopupFocusReason);
+        shown();
+    }
 
     T.Overlay.modal: Rectangle { color: Theme.scrim }
 
@@ -53,6 +65,8 @@ T.Popup {
         }
     }
     contentData: FocusScope {
+        id: scope
+
         focus: true
         height: content.height
         width: sheet.availableWidth

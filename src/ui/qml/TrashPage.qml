@@ -88,6 +88,7 @@ Page {
 
             onDeleteAsked: trash.deleteNow(index)
             onPickAsked: {
+                list.forceActiveFocus(Qt.MouseFocusReason);
                 list.currentIndex = index;
                 trash.togglePick(index);
             }

@@ -89,7 +89,7 @@ Rectangle {
         anchors.rightMargin: 8
         anchors.verticalCenter: parent.verticalCenter
         color: Theme.textSecondary
-        font.pixelSize: 12.5
+        font.pixelSize: Theme.bodySize
         text: row.size
         visible: row.width >= 440
         width: 62
@@ -101,7 +101,7 @@ Rectangle {
         anchors.rightMargin: 6
         anchors.verticalCenter: parent.verticalCenter
         color: row.urgent ? Theme.warning : Theme.dark ? "white" : Theme.text
-        font.pixelSize: 12.5
+        font.pixelSize: Theme.bodySize
         font.weight: Font.Medium
         text: row.timeLeft
         width: 84
