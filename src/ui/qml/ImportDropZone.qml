@@ -37,7 +37,7 @@ Item {
         id: content
 
         anchors.centerIn: parent
-        spacing: 10
+        spacing: 8
         width: Math.min(430, parent.width - 32)
 
         IconTile {

@@ -104,7 +104,7 @@ Rectangle {
         font.pixelSize: Theme.bodySize
         font.weight: Font.Medium
         text: row.timeLeft
-        width: 84
+        width: 88
     }
     Row {
         id: buttons
