@@ -58,6 +58,14 @@ private:
     QObject *m_dialog = nullptr;
 };
 
+// The toolkit's dialogs end the program where this module of theirs is missing.
+bool canShowDialogs(QQmlEngine &engine)
+{
+    QQmlComponent probe(&engine);
+    probe.setData("import Qt.labs.folderlistmodel\nFolderListModel {}", QUrl());
+    return probe.isReady();
+}
+
 QString fileFor(ChooseRequest::What what)
 {
     const QString name = what == ChooseRequest::What::Folders ? u"FolderQuestion"_s : u"FileQuestion"_s;
@@ -77,9 +85,9 @@ void DialogFileChooser::choose(const ChooseRequest &request, Done done)
         properties.insert(u"imagesOnly"_s, request.what == ChooseRequest::What::Images);
     }
     QQmlComponent component(m_engine, QUrl(fileFor(request.what)));
-    QObject *dialog = component.createWithInitialProperties(properties);
+    QObject *dialog = canShowDialogs(*m_engine) ? component.createWithInitialProperties(properties) : nullptr;
     if (!dialog) {
-        qWarning("The file dialog is not there: %s", qPrintable(component.errorString()));
+        qWarning("The file dialog cannot be shown. %s", qPrintable(component.errorString()));
         QMetaObject::invokeMethod(question, &Question::reject, Qt::QueuedConnection);
         return;
     }

@@ -3,12 +3,13 @@
 #include "platform/fakes/fake_file_chooser.h"
 #include "state/app_state.h"
 #include "support/wait.h"
+#include "ui/dialog_file_chooser.h"
 #include "vault/vault.h"
 
 #include <QFile>
-#include <QGuiApplication>
-#include <QQuickItem>
+#include <QQmlEngine>
 #include <QQuickWindow>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace cratewell::test {
@@ -175,6 +176,33 @@ TEST_F(Sheets, KeysOfTheWindowRestWhileASheetAsks)
     ASSERT_TRUE(world.controls().click(QAccessible::MenuItem, u"Folder…"_s));
     ASSERT_TRUE(waitUntil([&] { return world.chooser().requests().size() == 1; }));
     EXPECT_EQ(world.chooser().requests().first().what, ChooseRequest::What::Folders);
+}
+
+TEST_F(Sheets, OwnFileDialogOpensOverTheWindowAndAnswersOnce)
+{
+    QQmlEngine &engine = *qmlEngine(&world.window());
+    DialogFileChooser chooser(engine);
+    const auto dialogShows = [&engine] {
+        const QList<QObject *> objects = engine.findChildren<QObject *>();
+        return std::any_of(objects.begin(), objects.end(), [](const QObject *object) {
+            return object->property("acceptLabel") == u"Import"_s && object->property("visible").toBool();
+        });
+    };
+    for (const auto what : {ChooseRequest::What::Files, ChooseRequest::What::Folders}) {
+        int answers = 0;
+        QList<Location> chosen{path(u"SFX"_s)};
+        chooser.choose({what, u"Choose overlays"_s, u"Import"_s, true}, [&](const QList<Location> &answer) {
+            ++answers;
+            chosen = answer;
+        });
+        EXPECT_EQ(answers, 0);
+        ASSERT_TRUE(waitUntil(dialogShows));
+        world.key(Qt::Key_Escape);
+        ASSERT_TRUE(waitUntil([&] { return answers > 0; }));
+        EXPECT_TRUE(chosen.isEmpty());
+        ASSERT_TRUE(waitUntil([&] { return !dialogShows(); }));
+        EXPECT_EQ(answers, 1);
+    }
 }
 
 } // namespace cratewell::test

@@ -19,7 +19,7 @@ Page {
         id: scroll
 
         anchors.fill: parent
-        anchors.topMargin: 62
+        anchors.topMargin: 62 + page.push
         boundsBehavior: Flickable.StopAtBounds
         clip: true
         contentHeight: column.height + 16

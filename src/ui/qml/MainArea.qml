@@ -13,6 +13,9 @@ FocusScope {
                                       && Navigator.place !== Navigator.Trash
                                       && Navigator.place !== Navigator.Plugin
 
+    // What the work on files takes at the bottom.
+    readonly property real footHeight: progress.shown ? progress.height + Theme.space3 : 0
+
     function focusSearch(): void {
         if (showsGrid)
             toolbar.focusSearch();
@@ -25,8 +28,8 @@ FocusScope {
     Item {
         id: view
 
-        anchors.bottom: progress.shown ? progress.top : parent.bottom
-        anchors.bottomMargin: progress.shown ? Theme.space3 : 0
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: area.footHeight
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: parent.top

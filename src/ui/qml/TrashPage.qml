@@ -17,7 +17,7 @@ Page {
         spacing: Theme.space2
         visible: trash.pickedCount > 0
         x: 6
-        y: 64
+        y: 64 + page.push
 
         GlassButton {
             prominent: true
@@ -39,7 +39,7 @@ Page {
         symbol: "delete_forever"
         text: qsTr("Empty Trash")
         visible: trash.count > 0
-        y: 64
+        y: 64 + page.push
 
         onClicked: question.open({ trash: trash })
     }
@@ -53,7 +53,7 @@ Page {
         anchors.right: parent.right
         anchors.rightMargin: 6
         anchors.top: parent.top
-        anchors.topMargin: 104
+        anchors.topMargin: 104 + page.push
         bottomMargin: Theme.space3
         boundsBehavior: Flickable.StopAtBounds
         clip: true
