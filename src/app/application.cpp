@@ -1,5 +1,6 @@
 #include "app/application.h"
 
+#include "app/lazy_file_chooser.h"
 #include "app/start_trace.h"
 #include "integrations/inserter.h"
 #include "integrations/premiere_bridge.h"
@@ -8,11 +9,13 @@
 #include "platform/appearance.h"
 #include "platform/applications.h"
 #include "platform/defaults.h"
+#include "platform/file_chooser.h"
 #include "platform/file_events.h"
 #include "platform/native.h"
 #include "platform/workspace.h"
 #include "state/app_state.h"
 #include "state/prefs.h"
+#include "ui/dialog_file_chooser.h"
 #include "ui/icon_renderer.h"
 #include "ui/ui_objects.h"
 #include "vault/vault.h"
@@ -22,6 +25,8 @@
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
 #include <QThreadPool>
+
+#include <algorithm>
 
 namespace cratewell {
 
@@ -49,21 +54,55 @@ struct Application::Private
     Private(const SystemPaths &systemPaths, Services given)
         : services(std::move(given)), prefs(*services.defaults, systemPaths),
           vault(Location::fromText(prefs.vaultPath()), *services.defaults, std::move(services.fileEvents)),
-          state(vault, prefs, *services.workspace), media(vault, prefs, systemPaths),
-          resolve(prefs, systemPaths), inserter(prefs, state, *services.applications, resolve, premiere)
+          chooser([this] { return makeChooser(); }), state(vault, prefs, *services.workspace, &chooser),
+          media(vault, prefs, systemPaths), resolve(prefs, systemPaths),
+          inserter(prefs, state, *services.applications, resolve, premiere)
     {
     }
+
+    std::unique_ptr<FileChooser> makeChooser();
+    void showToast(const QString &text, bool ok);
 
     Services services;
     Prefs prefs;
     Vault vault;
+    LazyFileChooser chooser;
     AppState state;
     Media media;
     ResolveBridge resolve;
     PremiereBridge premiere;
     Inserter inserter;
+    std::vector<TrashItem> trashed; // the toast that tells of it comes next
     QQmlApplicationEngine engine;
 };
+
+std::unique_ptr<FileChooser> Application::Private::makeChooser()
+{
+    if (services.fileChooser)
+        return std::move(services.fileChooser);
+    if (auto desktop = makeFileChooser())
+        return desktop;
+    return std::make_unique<DialogFileChooser>(engine);
+}
+
+void Application::Private::showToast(const QString &text, bool ok)
+{
+    const std::vector<TrashItem> items = std::exchange(trashed, {});
+    if (items.empty()) {
+        inserter.toast(text, ok);
+        return;
+    }
+    inserter.toast(text, ok, {u"Undo"_s, [this, items] {
+                                  // Some may have been deleted for good since.
+                                  const std::vector<TrashItem> &present = vault.trashItems();
+                                  const QSet<TrashItem> kept(present.begin(), present.end());
+                                  std::vector<TrashItem> wanted;
+                                  std::ranges::copy_if(items, std::back_inserter(wanted),
+                                                       [&](const auto &item) { return kept.contains(item); });
+                                  if (!wanted.empty())
+                                      vault.restore(wanted);
+                              }});
+}
 
 Application::Application(const SystemPaths &paths, Services services)
     : d(std::make_unique<Private>(paths, std::move(services)))
@@ -77,7 +116,8 @@ void Application::connectRooms()
 {
     connect(&d->vault, &Vault::rootChanged, &d->prefs,
             [this](const Location &root) { d->prefs.setVaultPath(root.text()); });
-    connect(&d->vault, &Vault::toast, &d->inserter, &Inserter::toast);
+    connect(&d->vault, &Vault::itemsTrashed, this, [this](const auto &items) { d->trashed = items; });
+    connect(&d->vault, &Vault::toast, this, [this](const auto &text, bool ok) { d->showToast(text, ok); });
 }
 
 bool Application::launch()
@@ -133,6 +173,7 @@ void Application::bringToFront()
 
 void Application::drain()
 {
+    d->vault.drain();
     d->services.defaults->drain();
 }
 

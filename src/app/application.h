@@ -13,6 +13,7 @@ class Appearance;
 class Applications;
 class AppState;
 class Defaults;
+class FileChooser;
 class FileEvents;
 class Inserter;
 class Media;
@@ -28,6 +29,8 @@ struct Services
     std::unique_ptr<Applications> applications;
     std::unique_ptr<Appearance> appearance;
     std::unique_ptr<Workspace> workspace;
+    // Null for the desktop's own, which is looked for when it is needed.
+    std::unique_ptr<FileChooser> fileChooser;
 
     static Services native(const SystemPaths &paths);
     ~Services();
@@ -50,7 +53,7 @@ public:
     bool launch();
     // Shows the window, also when it was closed, and asks for the focus.
     void bringToFront();
-    // Everything that was changed is on disk when this returns.
+    // Ends the work on files. Everything that was changed is on disk when this returns.
     void drain();
 
     Prefs &prefs();

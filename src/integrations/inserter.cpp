@@ -56,6 +56,7 @@ struct Inserter::Private
     std::optional<Target> lastEditor;
     QString toastText;
     bool toastOk = true;
+    ToastAction toastAction;
     QTimer toastTimer;
 
     static QCoro::Task<> carry(QPointer<Inserter> inserter, EditorBridge &bridge, Asset asset);
@@ -69,6 +70,7 @@ Inserter::Inserter(Prefs &prefs, AppState &state, Applications &applications, Ed
     d->toastTimer.setTimerType(Qt::PreciseTimer);
     connect(&d->toastTimer, &QTimer::timeout, this, [this] {
         d->toastText.clear();
+        d->toastAction = {};
         Q_EMIT
         toastChanged();
     });
@@ -126,6 +128,10 @@ QString Inserter::toastText() const
 bool Inserter::toastOk() const
 {
     return d->toastOk;
+}
+QString Inserter::toastAction() const
+{
+    return d->toastAction.text;
 }
 bool Inserter::resolveRunning() const
 {
@@ -215,11 +221,28 @@ void Inserter::insertSelected()
 
 void Inserter::toast(const QString &text, bool ok)
 {
+    toast(text, ok, {});
+}
+
+void Inserter::toast(const QString &text, bool ok, const ToastAction &action)
+{
     d->toastText = text;
     d->toastOk = ok;
-    d->toastTimer.start(ok ? d->times.ok : d->times.failed);
+    d->toastAction = action;
+    d->toastTimer.start(!ok ? d->times.failed : action.act ? d->times.offering : d->times.ok);
     Q_EMIT
     toastChanged();
+}
+
+void Inserter::takeToastAction()
+{
+    const ToastAction action = std::exchange(d->toastAction, {});
+    d->toastText.clear();
+    d->toastTimer.stop();
+    Q_EMIT
+    toastChanged();
+    if (action.act)
+        action.act();
 }
 
 } // namespace cratewell

@@ -7,6 +7,7 @@
 #include <QJsonObject>
 #include <QObject>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -40,6 +41,14 @@ struct ToastTimes
 {
     std::chrono::milliseconds ok{3500};
     std::chrono::milliseconds failed{7000};
+    std::chrono::milliseconds offering{7000}; // something to do
+};
+
+// What a toast offers to do.
+struct ToastAction
+{
+    QString text; // of its button
+    std::function<void()> act;
 };
 
 // The one way by which assets reach an editor's timeline, and the owner of the program's one toast. Main
@@ -50,6 +59,8 @@ class Inserter : public QObject
     Q_PROPERTY(bool busy READ busy NOTIFY busyChanged FINAL)
     Q_PROPERTY(QString toastText READ toastText NOTIFY toastChanged FINAL)
     Q_PROPERTY(bool toastOk READ toastOk NOTIFY toastChanged FINAL)
+    // The text of the button that the toast offers; empty: none.
+    Q_PROPERTY(QString toastAction READ toastAction NOTIFY toastChanged FINAL)
     Q_PROPERTY(bool resolveRunning READ resolveRunning NOTIFY runningChanged FINAL)
     Q_PROPERTY(bool premiereRunning READ premiereRunning NOTIFY runningChanged FINAL)
 public:
@@ -63,6 +74,7 @@ public:
     bool busy() const;
     QString toastText() const; // empty: no toast
     bool toastOk() const;
+    QString toastAction() const;
     bool resolveRunning() const;
     bool premiereRunning() const;
     std::optional<Target> lastEditor() const;
@@ -77,6 +89,9 @@ public:
     Q_INVOKABLE void insertSelected();
     // Replaces the toast; it leaves by itself after its time.
     void toast(const QString &text, bool ok);
+    void toast(const QString &text, bool ok, const ToastAction &action);
+    // Does what the toast offers; the toast leaves.
+    Q_INVOKABLE void takeToastAction();
 
 Q_SIGNALS:
     void busyChanged();

@@ -6,14 +6,18 @@
 #include "vault/category.h"
 #include "vault/vault.h"
 
+#include <QPointer>
 #include <algorithm>
 
 namespace cratewell {
 
+using namespace Qt::StringLiterals;
+
 struct AppState::Private
 {
-    Private(Vault &theVault, Prefs &thePrefs, Workspace &theWorkspace)
-        : prefs(thePrefs), workspace(theWorkspace), picture(theVault.picture()), selected(picture)
+    Private(Vault &theVault, Prefs &thePrefs, Workspace &theWorkspace, FileChooser *theChooser)
+        : vault(theVault), prefs(thePrefs), workspace(theWorkspace), chooser(theChooser),
+          picture(theVault.picture()), selected(picture)
     {
         refresh();
     }
@@ -28,8 +32,10 @@ struct AppState::Private
     // The focused asset as the picture has it now, if it still has it.
     std::optional<Asset> repairedSelection() const;
 
+    Vault &vault;
     Prefs &prefs;
     Workspace &workspace;
+    FileChooser *chooser;
     std::shared_ptr<const VaultPicture> picture;
 
     Scope scope;
@@ -89,10 +95,13 @@ std::optional<Asset> AppState::Private::repairedSelection() const
     return index ? std::optional(picture->asset(*index)) : std::nullopt;
 }
 
-AppState::AppState(Vault &vault, Prefs &prefs, Workspace &workspace)
-    : d(std::make_unique<Private>(vault, prefs, workspace))
+AppState::AppState(Vault &vault, Prefs &prefs, Workspace &workspace, FileChooser *chooser)
+    : d(std::make_unique<Private>(vault, prefs, workspace, chooser))
 {
     connect(&vault, &Vault::rescanned, this, &AppState::follow);
+    connect(&vault, &Vault::itemRenamed, this, &AppState::followRename);
+    connect(&vault, &Vault::itemsMoved, this, [this] { setSelected({}); });
+    connect(&vault, &Vault::itemsTrashed, this, &AppState::followTrash);
     connect(&vault, &Vault::opened, this, [this] {
         setSelected({});
         setScope(Scope::all());
@@ -125,6 +134,30 @@ void AppState::follow(const VaultChanges &changes)
     if (d->selection != before)
         Q_EMIT
     selectionChanged();
+}
+
+// Only the folder in view itself is followed to its new name.
+void AppState::followRename(const Location &from, const Location &to)
+{
+    d->prefs.followRename(from, to);
+    if (d->scope == Scope::inFolder(from))
+        setScope(Scope::inFolder(to));
+}
+
+void AppState::followTrash(const std::vector<TrashItem> &items)
+{
+    QSet<Location> gone;
+    gone.reserve(qsizetype(items.size()));
+    for (const TrashItem &item : items)
+        gone.insert(Location::fromText(item.original));
+
+    const Location folder = d->scope.folder();
+    const auto holdsScope = [&](const Location &place) { return folder == place || folder.isInside(place); };
+    if (d->scope.kind() == Scope::Kind::Folder && std::any_of(gone.begin(), gone.end(), holdsScope))
+        setScope(Scope::all());
+    setSelected(selected().subtract(gone));
+    if (d->selection && gone.contains(d->selection->url))
+        setSelection({});
 }
 
 const Scope &AppState::scope() const
@@ -402,6 +435,67 @@ void AppState::newFolderFromSelection()
         d->pendingMove.push_back(asset.url);
     d->newFolderParent = assets.front().url.parent();
     setShowNewFolder(true);
+}
+
+void AppState::createNewFolder(const QString &name)
+{
+    setShowNewFolder(false);
+    if (!d->newFolderParent)
+        return;
+    const auto done = [guard = QPointer(this), items = d->pendingMove, from = d->scope,
+                       root = d->vault.root()](const std::optional<Location> &folder) {
+        if (!guard || !folder)
+            return;
+        Private &state = *guard->d;
+        if (!items.empty()) {
+            state.vault.move(items, *folder);
+            if (state.pendingMove == items)
+                state.pendingMove.clear();
+        } else if (state.scope == from && state.vault.root() == root) {
+            guard->setScope(Scope::inFolder(*folder));
+        }
+    };
+    d->vault.createFolder(name, *d->newFolderParent, done);
+}
+
+void AppState::renameTo(const QString &name)
+{
+    if (const std::optional<Location> target = d->renameTarget) {
+        setRenameTarget({});
+        d->vault.rename(*target, name);
+    }
+}
+
+void AppState::trashSelected()
+{
+    std::vector<Location> items;
+    for (const Asset &asset : selectedAssets())
+        items.push_back(asset.url);
+    if (items.empty() && d->selection)
+        items.push_back(d->selection->url);
+    if (!items.empty())
+        d->vault.moveToTrash(items);
+}
+
+void AppState::importPanel(ChooseRequest::What what)
+{
+    const bool inFolder = d->scope.kind() == Scope::Kind::Folder;
+    importPanel(what, inFolder ? std::optional(d->scope.folder()) : std::nullopt);
+}
+
+void AppState::importPanel(ChooseRequest::What what, const std::optional<Location> &into)
+{
+    if (!d->chooser)
+        return;
+    const ChooseRequest request{what, u"Choose overlays, LUTs or sound effects to add to your vault."_s,
+                                u"Import"_s, true};
+    d->chooser->choose(request, [guard = QPointer(this), into, root = d->vault.root()](const auto &chosen) {
+        // A folder that was meant in one vault is none in the next.
+        if (!guard || chosen.isEmpty() || guard->d->vault.root() != root)
+            return;
+        guard->d->vault.importItems({chosen.begin(), chosen.end()}, into,
+                                    guard->d->prefs.importMove() ? ImportMode::Move : ImportMode::Copy);
+    });
 }
 
 void AppState::revealSelected()

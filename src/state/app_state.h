@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/file_chooser.h"
 #include "state/visible_assets.h"
 
 #include <QObject>
@@ -12,6 +13,7 @@ namespace cratewell {
 class Prefs;
 class Vault;
 class Workspace;
+struct TrashItem;
 
 // What the user is looking at: scope, selection, search, sort and the requests that become sheets. Main
 // thread; never saved. `visibleAssets` is memoised: it is made anew only after something it depends on
@@ -25,12 +27,15 @@ class AppState : public QObject
     Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged FINAL)
     Q_PROPERTY(cratewell::AssetOrder sort READ sort WRITE setSort NOTIFY sortChanged FINAL)
     Q_PROPERTY(bool showNewFolder READ showNewFolder WRITE setShowNewFolder NOTIFY showNewFolderChanged FINAL)
+    // The rename sheet is shown.
+    Q_PROPERTY(bool renaming READ isRenaming NOTIFY renameTargetChanged FINAL)
     Q_PROPERTY(bool showInspector READ showInspector WRITE setShowInspector NOTIFY showInspectorChanged FINAL)
     Q_PROPERTY(int playToggle READ playToggle NOTIFY playToggleChanged FINAL)
     Q_PROPERTY(int visibleCount READ visibleCount NOTIFY visibleAssetsChanged FINAL)
     Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectedChanged FINAL)
 public:
-    AppState(Vault &vault, Prefs &prefs, Workspace &workspace);
+    // Without a chooser nothing can be chosen.
+    AppState(Vault &vault, Prefs &prefs, Workspace &workspace, FileChooser *chooser = nullptr);
     ~AppState() override;
 
     const Scope &scope() const;
@@ -60,6 +65,8 @@ public:
     const std::vector<Location> &pendingMove() const;
     const std::optional<Location> &renameTarget() const;
     void setRenameTarget(const std::optional<Location> &target);
+    Q_INVOKABLE void stopRenaming() { setRenameTarget({}); }
+    bool isRenaming() const { return renameTarget().has_value(); }
     int playToggle() const;
 
     const VisibleAssets &visibleAssets() const;
@@ -74,8 +81,22 @@ public:
     Q_INVOKABLE void selectAll();
     Q_INVOKABLE void togglePlay();
     void requestNewFolder(const std::optional<Location> &parent);
+    Q_INVOKABLE void newFolderHere() { requestNewFolder({}); }
     Q_INVOKABLE void newFolderFromSelection();
+    // What the new-folder sheet was opened for, with the name typed there; closes the sheet. The new folder
+    // takes what is to be moved, or else comes into view if the user has not gone elsewhere meanwhile.
+    Q_INVOKABLE void createNewFolder(const QString &name);
+    // The same for the rename sheet.
+    Q_INVOKABLE void renameTo(const QString &name);
     Q_INVOKABLE void revealSelected();
+    // The visible ones among `selected`, or else the focused asset.
+    Q_INVOKABLE void trashSelected();
+    // Lets the user choose what to import into the scope's folder, or by type in other scopes.
+    void importPanel(ChooseRequest::What what);
+    // The same into any folder; without one by type.
+    void importPanel(ChooseRequest::What what, const std::optional<Location> &into);
+    Q_INVOKABLE void importFiles() { importPanel(ChooseRequest::What::Files); }
+    Q_INVOKABLE void importFolder() { importPanel(ChooseRequest::What::Folders); }
 
 Q_SIGNALS:
     void scopeChanged();
@@ -95,6 +116,8 @@ Q_SIGNALS:
 private:
     void refresh();
     void follow(const VaultChanges &changes);
+    void followRename(const Location &from, const Location &to);
+    void followTrash(const std::vector<TrashItem> &items);
     void focus(const std::optional<Asset> &asset);
 
     struct Private;

@@ -179,6 +179,15 @@ void Prefs::setFolderColor(const Location &folder, const QString &hex)
     setFolderColors(changed);
 }
 
+void Prefs::followRename(const Location &from, const Location &to)
+{
+    const QString hex = m_folderColors.value(from);
+    if (hex.isNull())
+        return;
+    setFolderColor(to, hex);
+    setFolderColor(from, {});
+}
+
 void Prefs::resetAll()
 {
     const QMetaObject &description = staticMetaObject;

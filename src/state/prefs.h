@@ -96,6 +96,8 @@ public:
     Q_INVOKABLE QColor color(const cratewell::Location &folder) const;
     // An empty text takes the folder's colour away.
     Q_INVOKABLE void setFolderColor(const cratewell::Location &folder, const QString &hex);
+    // A renamed folder keeps its colour.
+    void followRename(const Location &from, const Location &to);
     // Gives the look, the grid and the previews their defaults; keeps what the user collected.
     Q_INVOKABLE void resetAll();
 

@@ -40,6 +40,35 @@ QString byteText(qint64 bytes)
     return number + u' ' + unit->name;
 }
 
+QString remainingText(int seconds)
+{
+    const auto about = [](int count, const QString &unit) {
+        return u"About %1 %2%3 left"_s.arg(count).arg(unit, count == 1 ? QString() : u"s"_s);
+    };
+    if (seconds < 0)
+        return {};
+    if (seconds < 5)
+        return u"A few seconds left"_s;
+    // Steps that a person can read before they change.
+    if (seconds < 55)
+        return about((seconds + 4) / 5 * 5, u"second"_s);
+    if (seconds < 59 * 60)
+        return about((seconds + 30) / 60, u"minute"_s);
+    return about((seconds + 1800) / 3600, u"hour"_s);
+}
+
+QString progressText(int filesDone, int filesTotal, qint64 bytesDone, qint64 bytesTotal)
+{
+    if (filesTotal <= 0)
+        return u"Counting files…"_s;
+    const QLocale locale;
+    const QString files = u"%1 of %2 %3"_s.arg(locale.toString(filesDone), locale.toString(filesTotal),
+                                               filesTotal == 1 ? u"file"_s : u"files"_s);
+    if (bytesTotal <= 0)
+        return files;
+    return u"%1, %2 of %3"_s.arg(files, byteText(bytesDone), byteText(bytesTotal));
+}
+
 QString Formats::keys(const QString &sequence)
 {
     return QKeySequence(sequence, QKeySequence::PortableText).toString(QKeySequence::NativeText);

@@ -9,6 +9,11 @@ namespace cratewell {
 // A number of bytes as a file browser shows it: decimal units, "988 KB", "48.2 MB", "1.28 GB".
 QString byteText(qint64 bytes);
 
+// How long something will still take; empty for a negative number, which stands for "unknown".
+QString remainingText(int seconds);
+// "3 of 12 files, 1.2 MB of 48.2 MB"; what is not known yet is left out.
+QString progressText(int filesDone, int filesTotal, qint64 bytesDone, qint64 bytesTotal);
+
 // Texts that the views make out of values.
 class Formats : public QObject
 {

@@ -258,5 +258,25 @@ TEST_F(InserterTest, MayGoWhileAnInsertIsUnderWay)
     EXPECT_EQ(m_prefs.recent().size(), 0);
 }
 
+TEST_F(InserterTest, ToastOffersItsActionOnce)
+{
+    int undone = 0;
+    const auto offer = [&](const QString &text) {
+        m_inserter->toast(text, true, {u"Undo"_s, [&] { ++undone; }});
+    };
+    offer(u"Moved"_s);
+    EXPECT_EQ(m_inserter->toastAction(), u"Undo"_s);
+    m_inserter->takeToastAction();
+    m_inserter->takeToastAction();
+    EXPECT_EQ(undone, 1);
+    EXPECT_EQ(m_inserter->toastText() + m_inserter->toastAction(), QString());
+
+    offer(u"Moved"_s);
+    m_inserter->toast(u"Inserted"_s, true);
+    EXPECT_EQ(m_inserter->toastAction(), QString());
+    m_inserter->takeToastAction();
+    EXPECT_EQ(undone, 1) << "another toast has taken its place";
+}
+
 } // namespace
 } // namespace cratewell::test

@@ -7,6 +7,7 @@
 #include "state/app_state.h"
 #include "state/prefs.h"
 #include "support/wait.h"
+#include "vault/category.h"
 #include "vault/vault.h"
 
 #include <QTemporaryDir>
@@ -40,6 +41,15 @@ public:
         const bool done = waitUntil([&told] { return told; });
         QObject::disconnect(connection);
         return done;
+    }
+    // Opens the vault, with the folders it has and no others, so that its files can be changed; then scans.
+    [[nodiscard]] bool start()
+    {
+        for (const VaultCategory category : allCategories)
+            defaults.setValue(QStringLiteral("seeded.%1.%2").arg(vault.root().text(), rawValue(category)),
+                              true);
+        vault.start();
+        return scan();
     }
     std::optional<Asset> asset(const QString &relative) const
     {

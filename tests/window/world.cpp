@@ -4,6 +4,7 @@
 #include "platform/defaults.h"
 #include "platform/fakes/fake_appearance.h"
 #include "platform/fakes/fake_applications.h"
+#include "platform/fakes/fake_file_chooser.h"
 #include "platform/fakes/fake_workspace.h"
 #include "platform/native.h"
 #include "state/app_state.h"
@@ -58,9 +59,12 @@ void World::start()
     auto applications = std::make_unique<FakeApplications>();
     auto workspace = std::make_unique<FakeWorkspace>();
     m_applications = applications.get();
+    auto chooser = std::make_unique<FakeFileChooser>();
     m_workspace = workspace.get();
+    m_chooser = chooser.get();
     services.applications = std::move(applications);
     services.workspace = std::move(workspace);
+    services.fileChooser = std::move(chooser);
     services.appearance = std::make_unique<FakeAppearance>();
     m_program = std::make_unique<Application>(m_paths, std::move(services));
     if (!m_program->launch())

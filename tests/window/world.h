@@ -8,6 +8,7 @@
 
 namespace cratewell {
 class FakeApplications;
+class FakeFileChooser;
 class FakeWorkspace;
 } // namespace cratewell
 
@@ -31,6 +32,7 @@ public:
     const SystemPaths &paths() const { return m_paths; }
     FakeApplications &applications() { return *m_applications; }
     FakeWorkspace &workspace() { return *m_workspace; }
+    FakeFileChooser &chooser() { return *m_chooser; }
     QString vaultFolder() const;
     QString home() const { return m_home.path(); }
     // Complaints of the QML engine since the start, a line each; must stay empty.
@@ -48,6 +50,7 @@ private:
     SystemPaths m_paths;
     FakeApplications *m_applications = nullptr;
     FakeWorkspace *m_workspace = nullptr;
+    FakeFileChooser *m_chooser = nullptr;
     std::unique_ptr<Application> m_program;
 };
 

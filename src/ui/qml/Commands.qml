@@ -3,24 +3,27 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Cratewell
 
-// Every menu command of the window with its keys. Commands whose work the program cannot do yet are disabled.
+// Every menu command of the window with its keys.
 Item {
     id: commands
 
     // Whether the keyboard is in a text field.
     required property bool typing
 
+    signal importWanted
     signal settingsWanted
 
     readonly property Command newFolder: Command {
-        enabled: false
         keys: "Ctrl+Shift+N"
         text: qsTr("New Folder")
+
+        onTriggered: AppState.newFolderHere()
     }
     readonly property Command importAssets: Command {
-        enabled: false
         keys: "Ctrl+I"
         text: qsTr("Import Assets…")
+
+        onTriggered: commands.importWanted()
     }
     readonly property Command insert: Command {
         enabled: AppState.hasSelection && !Inserter.busy
@@ -52,15 +55,19 @@ Item {
         onTriggered: Requests.toggleFavorite()
     }
     readonly property Command newFolderWithSelection: Command {
-        enabled: false
+        enabled: AppState.selectedCount > 0
         keys: "Ctrl+Alt+N"
         text: qsTr("New Folder with Selection…")
+
+        onTriggered: AppState.newFolderFromSelection()
     }
     readonly property Command moveToTrash: Command {
-        enabled: false
+        enabled: AppState.hasSelection || AppState.selectedCount > 0
         keys: "Ctrl+Delete"
         text: qsTr("Move to Trash")
         whileTyping: false
+
+        onTriggered: AppState.trashSelected()
     }
     readonly property Command selectAll: Command {
         enabled: AppState.visibleCount > 0

@@ -33,6 +33,7 @@ T.ApplicationWindow {
 
         typing: window.typing
 
+        onImportWanted: mainArea.offerImport()
         onSettingsWanted: settings.open({})
     }
     Shortcut {
@@ -90,12 +91,15 @@ T.ApplicationWindow {
     }
 
     ToastView {
+        action: Inserter.toastAction
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: 30
+        anchors.bottomMargin: 30 + mainArea.footHeight
         anchors.horizontalCenter: parent.horizontalCenter
         ok: Inserter.toastOk
         text: Inserter.toastText
         widest: parent.width - 80
+
+        onActed: Inserter.takeToastAction()
     }
     ResizeEdges { window: window }
     PopupLoader {
@@ -103,5 +107,15 @@ T.ApplicationWindow {
 
         anchors.fill: parent
         file: "SettingsWindow.qml"
+    }
+    SheetLoader {
+        anchors.fill: parent
+        file: "NewFolderSheet.qml"
+        wanted: AppState.showNewFolder
+    }
+    SheetLoader {
+        anchors.fill: parent
+        file: "RenameSheet.qml"
+        wanted: AppState.renaming
     }
 }

@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Cratewell
 
-// The grid under its toolbar, or one of the pages.
+// The grid under its toolbar, or one of the pages; below them the work on files, while there is any.
 FocusScope {
     id: area
 
@@ -13,13 +13,29 @@ FocusScope {
                                       && Navigator.place !== Navigator.Trash
                                       && Navigator.place !== Navigator.Plugin
 
+    // What the work on files takes at the bottom.
+    readonly property real footHeight: progress.shown ? progress.height + Theme.space3 : 0
+
     function focusSearch(): void {
         if (showsGrid)
             toolbar.focusSearch();
     }
+    function offerImport(): void {
+        importMenu.open({});
+    }
 
+    WorkStatus { id: work }
     Item {
-        anchors.fill: parent
+        id: view
+
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: area.footHeight
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: parent.top
+    }
+    Item {
+        anchors.fill: view
         visible: area.showsGrid
 
         Toolbar {
@@ -38,16 +54,42 @@ FocusScope {
             focus: true
         }
     }
-    Page {
-        anchors.fill: parent
-        subtitle: Navigator.place === Navigator.Importer
-                  ? qsTr("Add overlays, LUTs and sound effects to your vault.")
-                  : Navigator.place === Navigator.Trash
-                    ? qsTr("Deleted items stay here for 30 days, then they're removed for good.")
-                    : qsTr("Panels that bring your vault into the editor.")
-        title: AppState.scopeTitle
-        visible: !area.showsGrid
+    PageLoader {
+        anchors.fill: view
+        file: "ImportPage.qml"
+        wanted: Navigator.place === Navigator.Importer
         window: area.window
+    }
+    PageLoader {
+        anchors.fill: view
+        file: "TrashPage.qml"
+        wanted: Navigator.place === Navigator.Trash
+        window: area.window
+    }
+    Page {
+        anchors.fill: view
+        subtitle: qsTr("Panels that bring your vault into the editor.")
+        title: AppState.scopeTitle
+        visible: Navigator.place === Navigator.Plugin
+        window: area.window
+    }
+    ProgressPanel {
+        id: progress
+
+        readonly property bool shown: work.active
+
+        anchors.bottom: parent.bottom
+        anchors.left: parent.left
+        anchors.leftMargin: 6
+        anchors.right: parent.right
+        anchors.rightMargin: 6
+        detail: work.detail
+        fraction: work.fraction
+        remaining: work.remaining
+        title: work.title
+        visible: shown
+
+        onCancelled: work.cancel()
     }
     ErrorBanner {
         anchors.left: parent.left
@@ -58,5 +100,14 @@ FocusScope {
         y: 4
 
         onDismissed: Vault.clearLastError()
+    }
+    ImportMenuLoader {
+        id: importMenu
+
+        x: area.showsGrid ? toolbar.importMenuX : 6
+        y: area.showsGrid ? toolbar.importMenuY : 60
+
+        onFilesWanted: AppState.importFiles()
+        onFolderWanted: AppState.importFolder()
     }
 }

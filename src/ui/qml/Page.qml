@@ -10,6 +10,8 @@ Item {
     required property string title
     required property string subtitle
     required property Window window
+    // How far a subtitle of several lines pushes down what lies below it.
+    readonly property real push: Math.max(0, subtitleLabel.height - 17)
 
     WindowDragArea {
         anchors.left: parent.left
@@ -31,6 +33,8 @@ Item {
         Accessible.role: Accessible.Heading
     }
     Label {
+        id: subtitleLabel
+
         anchors.left: parent.left
         anchors.leftMargin: 6
         anchors.right: parent.right

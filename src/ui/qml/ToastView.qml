@@ -9,16 +9,20 @@ Item {
 
     required property string text
     required property bool ok
+    // The text of the button; empty for none.
+    property string action: ""
     readonly property bool shown: text.length > 0
     property real widest: 640
     // Stays while the toast fades away.
     property string lastText: ""
     property bool lastOk: true
 
+    signal acted
+
     height: Math.max(40, label.height + 20)
     opacity: shown ? 1 : 0
     visible: opacity > 0
-    width: label.width + 66
+    width: label.width + 66 + (button.visible ? button.width - 4 : 0)
 
     Accessible.name: lastText
     Accessible.role: Accessible.AlertMessage
@@ -72,11 +76,25 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             font.weight: Font.Medium
             text: toast.lastText
-            width: Math.min(implicitWidth, toast.widest - 66)
+            width: Math.min(implicitWidth, toast.widest - 66 - (button.visible ? button.width : 0))
             wrapMode: Text.Wrap
             x: 43
 
             Accessible.ignored: true
+        }
+        GlassButton {
+            id: button
+
+            anchors.right: parent.right
+            anchors.rightMargin: 6
+            anchors.verticalCenter: parent.verticalCenter
+            implicitHeight: 28
+            text: toast.action
+            visible: toast.shown && text.length > 0
+
+            Accessible.ignored: !visible
+
+            onClicked: toast.acted()
         }
     }
 }

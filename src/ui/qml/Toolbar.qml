@@ -26,6 +26,9 @@ Item {
     readonly property bool showCardSize: room >= searchNarrowest + cardSizeWidth
     readonly property bool fullSort: room >= searchNarrowest
 
+    readonly property real importMenuX: controls.x + importButton.x
+    readonly property real importMenuY: controls.y + importButton.y + importButton.height + 4
+
     function focusSearch(): void {
         searchField.forceActiveFocus(Qt.ShortcutFocusReason);
         searchField.selectAll();

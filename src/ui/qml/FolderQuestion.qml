@@ -1,0 +1,7 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Dialogs
+
+// The program's own dialog for choosing a folder.
+FolderDialog {}
