@@ -3,7 +3,7 @@
 #include "ui/row_changes.h"
 
 #include <QHash>
-#include <ranges>
+#include <QSet>
 
 namespace cratewell {
 
@@ -40,13 +40,13 @@ void KeyedListModel::showKeys(const std::vector<QByteArray> &keys)
     const RowChanges changes = rowChanges(former);
     if (changes.relayout) {
         beginResetModel();
-        m_keys = std::move(fresh);
+        m_keys = fresh;
         endResetModel();
     }
-    for (const RowRun &run : changes.removes | std::views::reverse) {
-        beginRemoveRows({}, run.first, run.first + run.count - 1);
-        const auto first = m_keys.begin() + run.first;
-        m_keys.erase(first, first + run.count);
+    for (auto run = changes.removes.rbegin(); run != changes.removes.rend(); ++run) {
+        beginRemoveRows({}, run->first, run->first + run->count - 1);
+        const auto first = m_keys.begin() + run->first;
+        m_keys.erase(first, first + run->count);
         endRemoveRows();
     }
     for (const RowRun &run : changes.inserts) {

@@ -4,12 +4,11 @@
 
 #include <QFile>
 #include <QSignalSpy>
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace cratewell {
 
 using test::waitUntil;
-using testing::ElementsAre;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -35,21 +35,16 @@ public:
     // Waits until the state shows what the disk holds.
     [[nodiscard]] bool scan()
     {
-        bool told = false;
-        const auto connection = QObject::connect(&vault, &Vault::rescanned, [&told] { told = true; });
-        vault.rescan();
-        const bool done = waitUntil([&told] { return told; });
-        QObject::disconnect(connection);
-        return done;
+        return scanned([this] { vault.rescan(); });
     }
-    // Opens the vault, with the folders it has and no others, so that its files can be changed; then scans.
+    // The same for a vault that opens, with the folders it has and no others, so that its files can be
+    // changed.
     [[nodiscard]] bool start()
     {
         for (const VaultCategory category : allCategories)
             defaults.setValue(QStringLiteral("seeded.%1.%2").arg(vault.root().text(), rawValue(category)),
                               true);
-        vault.start();
-        return scan();
+        return scanned([this] { vault.start(); });
     }
     std::optional<Asset> asset(const QString &relative) const
     {
@@ -58,6 +53,16 @@ public:
     }
 
 private:
+    template<typename Begin> bool scanned(const Begin &begin)
+    {
+        bool told = false;
+        const auto connection = QObject::connect(&vault, &Vault::rescanned, [&told] { told = true; });
+        begin();
+        const bool done = waitUntil([&told] { return told; });
+        QObject::disconnect(connection);
+        return done;
+    }
+
     QTemporaryDir m_folder;
 
 public:

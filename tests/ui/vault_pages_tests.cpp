@@ -21,7 +21,6 @@ namespace {
 using test::waitUntil;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
-using testing::IsEmpty;
 using namespace Qt::StringLiterals;
 
 class PlainKeys : public KeyedListModel
@@ -99,6 +98,7 @@ protected:
     std::vector<std::string> texts(TrashModel::Role role) const
     {
         std::vector<std::string> texts;
+        texts.reserve(size_t(model.count()));
         for (int row = 0; row < model.count(); ++row)
             texts.push_back(model.data(model.index(row), role).toString().toStdString());
         return texts;
