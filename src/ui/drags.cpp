@@ -48,12 +48,11 @@ void Drags::start(QQuickItem *pressed)
     if (m_running || !pressed || !pressed->window())
         return;
     m_running = true;
-    const auto go = [this, window = QPointer(pressed->window())] {
-        const QPointer self(this);
-        if (window && (QGuiApplication::mouseButtons() & Qt::LeftButton))
-            run(*window);
-        if (self)
-            m_running = false;
+    const auto go = [self = QPointer(this), window = QPointer(pressed->window())] {
+        if (self && window && (QGuiApplication::mouseButtons() & Qt::LeftButton))
+            self->run(*window);
+        if (self) // both may go during the drag
+            self->m_running = false;
     };
     QMetaObject::invokeMethod(this, go, Qt::QueuedConnection);
 }
