@@ -1,32 +1,22 @@
 #include "ui/name_check.h"
 
 #include "vault/asset.h"
+#include "vault/item_name.h"
 
 using namespace Qt::StringLiterals;
 
 namespace cratewell {
 
-namespace {
-
-constexpr qsizetype longestName = 255; // bytes, on every file system that matters
-
-QString cleaned(const QString &typed)
-{
-    return typed.trimmed().replace(u'/', u'-');
-}
-
-} // namespace
-
 QString nameProblem(const QString &typed)
 {
-    const QString name = cleaned(typed);
+    const QString name = cleanedName(typed);
     if (name.isEmpty())
         return u"Type a name."_s;
     if (name == u"."_s || name == u".."_s)
         return u"“%1” stands for a folder of its own on every disk."_s.arg(name);
     if (name.contains(QChar::Null))
         return u"This name has a character that no file can have."_s;
-    if (bytesFromText(name).size() > longestName)
+    if (!isPlainName(bytesFromText(name)))
         return u"This name is too long for a disk."_s;
     return {};
 }
@@ -35,7 +25,7 @@ QString extensionWarning(const Location &file, const QString &typed)
 {
     if (!nameProblem(typed).isEmpty())
         return {};
-    const Location renamed = file.parent().child(cleaned(typed));
+    const Location renamed = file.parent().child(cleanedName(typed));
     const QString before = file.extension();
     const QString after = renamed.extension();
     if (after.compare(before, Qt::CaseInsensitive) == 0)

@@ -42,11 +42,6 @@ void Requests::rename(const Location &item)
     m_objects.state.setRenameTarget(item);
 }
 
-void Requests::importInto(const Location &folder)
-{
-    m_objects.state.setScope(Scope::inFolder(folder));
-}
-
 void Requests::moveToTrash(const Location &item)
 {
     m_objects.vault.moveToTrash({item});

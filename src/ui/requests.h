@@ -29,7 +29,6 @@ public:
     // For the commands of a folder of the sidebar.
     Q_INVOKABLE void newFolderInside(const cratewell::Location &folder);
     Q_INVOKABLE void rename(const cratewell::Location &item);
-    Q_INVOKABLE void importInto(const cratewell::Location &folder);
     Q_INVOKABLE void moveToTrash(const cratewell::Location &item);
 
 private:

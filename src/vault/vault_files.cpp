@@ -1,5 +1,5 @@
-#include "vault/internal/file_names.h"
 #include "vault/internal/vault_private.h"
+#include "vault/item_name.h"
 
 namespace cratewell {
 
@@ -22,6 +22,8 @@ void Vault::Private::change(const QString &title, DiskPart disk, MainPart after)
 {
     const auto work = [this, files = files, disk = std::move(disk),
                        after = std::move(after)](WorkMonitor &monitor) -> FileQueue::Effects {
+        if (!files->isOpen())
+            files->open();
         const FileWork::Outcome outcome = disk(*files, monitor);
         return [this, files, outcome, trashNow = files->trash(), after] {
             if (files->root() != root)
@@ -41,13 +43,6 @@ void Vault::Private::change(const QString &title, DiskPart disk, MainPart after)
 void Vault::Private::openTrash()
 {
     files = std::make_shared<FileWork>(root);
-    change(
-        {},
-        [](FileWork &work, WorkMonitor &) {
-            work.open();
-            return FileWork::Outcome();
-        },
-        [](const FileWork::Outcome &) {});
     q.purgeExpired();
 }
 

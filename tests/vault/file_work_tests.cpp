@@ -2,6 +2,7 @@
 #include "vault/internal/disk.h"
 #include "vault/internal/file_names.h"
 #include "vault/internal/file_work.h"
+#include "vault/item_name.h"
 
 #include <QCoreApplication>
 #include <QProcess>

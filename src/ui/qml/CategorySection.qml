@@ -8,7 +8,6 @@ Item {
     id: heading
 
     required property string title
-    required property bool canAdd
 
     signal addWanted
 
@@ -27,7 +26,6 @@ Item {
         anchors.bottomMargin: 1
         anchors.right: parent.right
         anchors.rightMargin: 2
-        enabled: heading.canAdd
         size: 16
         symbol: "add"
         text: qsTr("New folder in %1").arg(heading.title)

@@ -18,7 +18,6 @@ Item {
     required property bool selected
     required property bool current
     required property bool showCount
-    required property bool canAdd
     // What a drop here would do: a Drops.Effect.
     required property int drop
     readonly property bool first: depth === 0
@@ -33,7 +32,6 @@ Item {
     CategorySection {
         id: heading
 
-        canAdd: entry.canAdd
         title: entry.name
         visible: entry.first
         width: entry.width

@@ -10,6 +10,7 @@ Item {
     required property location folder
     required property bool root
     required property point at
+    required property Commands commands
 
     readonly property color current: Prefs.color(folder)
     // Names are for those who do not see the colours.
@@ -77,7 +78,10 @@ Item {
         GlassMenuItem {
             text: qsTr("Import Into This Folder…")
 
-            onTriggered: Requests.importInto(place.folder)
+            onTriggered: {
+                Navigator.showFolder(place.folder);
+                place.commands.importAssets.triggered();
+            }
         }
         GlassMenuItem {
             text: qsTr("Reveal in Finder")

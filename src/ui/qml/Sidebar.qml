@@ -13,7 +13,12 @@ GlassPanel {
 
     // `at` is where in the sidebar.
     function showMenu(row: int, at: point): void {
-        folderMenu.reopen({ at: at, folder: tree.folderAt(row), root: tree.parentOf(row) < 0 });
+        folderMenu.reopen({
+            at: at,
+            commands: sidebar.commands,
+            folder: tree.folderAt(row),
+            root: tree.parentOf(row) < 0
+        });
     }
 
     LibraryCounts { id: libraryCounts }
@@ -107,7 +112,6 @@ GlassPanel {
             required property int index
             required property var folder
 
-            canAdd: true
             current: list.activeFocus && ListView.isCurrentItem
             drop: drops.row === index ? drops.effect : Drops.Nothing
             selected: Navigator.folder === folder.text

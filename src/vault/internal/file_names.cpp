@@ -6,20 +6,6 @@ namespace cratewell {
 
 const int FreeNames::alreadyThere = EEXIST;
 
-QString cleanedName(const QString &typed)
-{
-    QString name = typed.trimmed();
-    name.replace(u'/', u'-');
-    return name;
-}
-
-bool isPlainName(QByteArrayView name)
-{
-    constexpr qsizetype longest = 255;
-    return !name.isEmpty() && name.size() <= longest && name != "." && name != ".." && !name.contains('/') &&
-           !name.contains('\0');
-}
-
 QByteArray FreeNames::numbered(const QByteArray &name, int number, Naming naming)
 {
     if (number == 1)

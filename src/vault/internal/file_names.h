@@ -6,11 +6,6 @@
 
 namespace cratewell {
 
-// What a typed name becomes on disk: white space and line breaks off both ends, "-" for "/". May be empty.
-QString cleanedName(const QString &typed);
-// One component of a path, as a file system takes it: not empty, not "." or "..", at most 255 bytes.
-bool isPlainName(QByteArrayView name);
-
 // Names for items that must not replace others: the name itself, then "base 2.ext", "base 3.ext" and so on,
 // by the first that is free. Remembers where it stopped, so that many items of one name do not begin anew
 // each time.

@@ -52,6 +52,7 @@ QSet<QString> idsOf(const std::vector<TrashItem> &items)
 
 void FileWork::open()
 {
+    m_open = true;
     Temporaries::cleanUp(m_root);
     bool readable = true;
     const Location index = trashIndexFile(m_root);

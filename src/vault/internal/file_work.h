@@ -19,8 +19,9 @@ public:
     // Newest first.
     const std::vector<TrashItem> &trash() const { return m_trash; }
 
-    // Clears up after a program that was killed, and reads the trash.
+    // Clears up after a program that was killed, and reads the trash. To be called before anything else.
     void open();
+    bool isOpen() const { return m_open; }
 
     struct Outcome
     {
@@ -53,6 +54,7 @@ private:
 
     const Location m_root;
     std::vector<TrashItem> m_trash;
+    bool m_open = false;
 };
 
 } // namespace cratewell

@@ -1,6 +1,6 @@
 #include "vault/internal/trash_index.h"
 
-#include "vault/internal/file_names.h"
+#include "vault/item_name.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

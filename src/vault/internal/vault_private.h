@@ -45,7 +45,7 @@ struct Vault::Private
     std::vector<Location> recentImports;
     FileProgress progress;
     // The file thread's own, one for each root.
-    std::shared_ptr<FileWork> files;
+    std::shared_ptr<FileWork> files = std::make_shared<FileWork>(root);
     ScanWorker worker; // their threads end before the rest goes
     FileQueue queue{progress};
 };
