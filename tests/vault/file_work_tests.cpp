@@ -9,6 +9,7 @@
 #include <QScopeGuard>
 
 #include <gmock/gmock.h>
+#include <thread>
 
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -300,6 +301,20 @@ TEST_F(FileWorkTest, ImportKeepsDatesAndPermissionsAndCanBeBrokenOff)
     EXPECT_EQ(nothing.error, QString());
     EXPECT_TRUE(fs::exists(disk.native("../in/a.mov")));
     EXPECT_THAT(listed(), ElementsAre("Overlays/a.mov"));
+
+    for (int i = 0; i < 40; ++i)
+        disk.write("../many/" + std::to_string(i) + ".mov", 16 << 20);
+    WorkMonitor halfway;
+    std::jthread person([&] {
+        while (halfway.bytesDone < 24 << 20)
+            std::this_thread::yield();
+        halfway.cancelled = true;
+    });
+    const auto some = work.import(at({"../many"}), {}, ImportMode::Copy, halfway);
+    EXPECT_LT(some.count, 40);
+    EXPECT_EQ(listed("Overlays/many").size(), size_t(some.count)) << "no half of a file";
+    for (const std::string &name : listed("Overlays/many"))
+        EXPECT_EQ(fs::file_size(disk.native("Overlays/many/" + name)), 16u << 20);
 }
 
 TEST_F(FileWorkTest, FoldersMoveWholeBetweenFileSystems)

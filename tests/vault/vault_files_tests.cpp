@@ -2,9 +2,11 @@
 #include "platform/fakes/memory_defaults.h"
 #include "support/wait.h"
 #include "temporary_vault.h"
+#include "vault/internal/file_queue.h"
 #include "vault/vault.h"
 
 #include <gmock/gmock.h>
+#include <thread>
 
 namespace cratewell {
 namespace {
@@ -125,28 +127,40 @@ TEST_F(VaultFilesTest, ListsTheFoldersThatAcceptAllKinds)
     EXPECT_EQ(vault.flatFolders().front().url, disk.at("Overlays"));
 }
 
-TEST_F(VaultFilesTest, LongWorkShowsItselfAndCanBeCancelled)
+TEST_F(VaultFilesTest, NothingIsBegunAfterTheEnd)
 {
-    // So much that it takes a while on any disk.
-    for (int i = 0; i < 60; ++i)
-        disk.write("../in/" + std::to_string(i) + ".mov", 16 << 20);
-    vault.importItems({disk.at("../in")}, {}, ImportMode::Copy);
-    ASSERT_TRUE(waitUntil([this] { return vault.progress().isActive(); }));
-    EXPECT_EQ(vault.progress().title(), u"Importing"_s);
-    EXPECT_EQ(vault.progress().filesTotal(), 60);
-    EXPECT_GT(vault.progress().fraction(), 0);
-    vault.progress().cancel();
-    until(u"recent"_s);
-    EXPECT_FALSE(vault.progress().isActive());
-    const size_t imported = vault.recentImports().size();
-    EXPECT_LT(imported, 60u);
-    size_t complete = 0;
-    for (const auto &entry : fs::directory_iterator(disk.native("Overlays/in")))
-        complete += entry.file_size() == 16u << 20 ? 1 : 1000;
-    EXPECT_EQ(complete, imported) << "what is done stays, what is half done is gone";
+    disk.write("SFX/a.wav");
     vault.drain();
-    vault.moveToTrash({disk.at("Overlays/in")});
-    EXPECT_TRUE(fs::exists(disk.native("Overlays/in"))) << "nothing is begun after the end";
+    vault.moveToTrash({disk.at("SFX/a.wav")});
+    EXPECT_TRUE(fs::exists(disk.native("SFX/a.wav")));
+}
+
+TEST(FileQueue, ShowsLongWorkAndCancelsIt)
+{
+    FileProgress progress;
+    FileQueue queue(progress);
+    std::vector<QString> done;
+    queue.add(u"Importing"_s, [&](WorkMonitor &monitor) -> FileQueue::Effects {
+        monitor.filesTotal = 60;
+        monitor.filesDone = 15;
+        while (!monitor.cancelled)
+            std::this_thread::yield();
+        return [&] { done.push_back(u"first"_s); };
+    });
+    queue.add(u"Moving"_s, [&](WorkMonitor &monitor) -> FileQueue::Effects {
+        return [&, cancelled = monitor.cancelled.load()] {
+            done.push_back(cancelled ? u"cancelled"_s : u"second"_s);
+        };
+    });
+    ASSERT_TRUE(waitUntil([&] { return progress.secondsLeft() >= 0; }));
+    EXPECT_TRUE(progress.isActive());
+    EXPECT_EQ(progress.title(), u"Importing"_s);
+    EXPECT_EQ(progress.fraction(), 0.25);
+    EXPECT_TRUE(done.empty());
+    progress.cancel();
+    ASSERT_TRUE(waitUntil([&] { return done.size() == 2; }));
+    EXPECT_THAT(done, ElementsAre(u"first"_s, u"second"_s)) << "what waits is done after it";
+    EXPECT_FALSE(progress.isActive());
 }
 
 } // namespace

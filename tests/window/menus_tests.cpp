@@ -75,6 +75,16 @@ protected:
     {
         return press(QAccessible::MenuItem, entry) && waitUntil([this] { return entries().isEmpty(); });
     }
+    // A sheet lies over everything until it has gone.
+    bool dismissSheets()
+    {
+        state.setShowNewFolder(false);
+        state.setRenameTarget({});
+        return waitUntil([this] {
+            return !controls.find(QAccessible::EditableText, u"Folder name"_s) &&
+                   !controls.find(QAccessible::EditableText, u"Name"_s);
+        });
+    }
     bool closes()
     {
         world.key(Qt::Key_Escape);
@@ -130,15 +140,18 @@ TEST_F(Menus, FolderCommandsDoWhatTheySay)
     ASSERT_TRUE(command(folderEntries[0]));
     EXPECT_TRUE(state.showNewFolder());
     EXPECT_EQ(state.newFolderParent(), inVault(u"SFX/Hits"_s));
-    state.setShowNewFolder(false);
+    ASSERT_TRUE(dismissSheets());
 
     ASSERT_TRUE(press(QAccessible::Button, u"New folder in LUTs"_s));
     EXPECT_TRUE(state.showNewFolder());
     EXPECT_EQ(state.newFolderParent(), inVault(u"LUTs"_s));
-    state.setShowNewFolder(false);
+    ASSERT_TRUE(dismissSheets());
 
-    ASSERT_TRUE(command(folderEntries[3]));
+    ASSERT_TRUE(rightClick(QAccessible::TreeItem, u"Hits"_s) && opens(folderEntries[3]));
+    ASSERT_TRUE(press(QAccessible::MenuItem, folderEntries[3]));
+    EXPECT_TRUE(opens(u"Files…"_s)) << "what is to be imported";
     EXPECT_EQ(state.scope(), Scope::inFolder(inVault(u"SFX/Hits"_s)));
+    ASSERT_TRUE(closes());
     ASSERT_TRUE(command(folderEntries[4]));
     EXPECT_EQ(world.workspace().revealed().value(0), QList{inVault(u"SFX/Hits"_s)});
 
@@ -168,6 +181,7 @@ TEST_F(Menus, ACardOffersItsCommandsAndActsOnTheSelection)
     EXPECT_EQ(controls.faults(), "");
     ASSERT_TRUE(choose(u"Rename…"_s));
     EXPECT_EQ(state.renameTarget(), inVault(u"SFX/Hits/Hit 1.wav"_s));
+    ASSERT_TRUE(dismissSheets());
 
     // On the selection it keeps it.
     ASSERT_TRUE(select({u"Hit 1"_s, u"Hit 3"_s}));
@@ -176,7 +190,7 @@ TEST_F(Menus, ACardOffersItsCommandsAndActsOnTheSelection)
     ASSERT_TRUE(choose(u"New Folder with Selection…"_s));
     EXPECT_EQ(state.pendingMove(),
               (std::vector{inVault(u"SFX/Hits/Hit 1.wav"_s), inVault(u"SFX/Hits/Hit 3.wav"_s)}));
-    state.setShowNewFolder(false);
+    ASSERT_TRUE(dismissSheets());
 
     // From the keyboard, on the focused card.
     ASSERT_TRUE(controls.click(QAccessible::ListItem, u"White"_s));
@@ -234,7 +248,7 @@ TEST_F(Menus, TheSelectionBarActsOnAllAndLeavesWithThem)
     EXPECT_EQ(world.workspace().revealed()[0].size(), 3);
     ASSERT_TRUE(controls.click(QAccessible::Button, u"New Folder with Selection…"_s));
     EXPECT_EQ(state.pendingMove().size(), 3U);
-    state.setShowNewFolder(false);
+    ASSERT_TRUE(dismissSheets());
 
     ASSERT_TRUE(controls.click(QAccessible::Button, clear));
     EXPECT_EQ(state.selectedCount(), 0);
