@@ -20,7 +20,6 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace test;
 using testing::ElementsAre;
-using testing::UnorderedElementsAre;
 namespace fs = std::filesystem;
 
 class FileWorkTest : public testing::Test
@@ -51,9 +50,9 @@ protected:
     }
     std::vector<Location> at(const std::vector<std::string> &paths) const
     {
-        std::vector<Location> places;
-        for (const std::string &path : paths)
-            places.push_back(disk.at(path));
+        std::vector<Location> places(paths.size());
+        std::ranges::transform(paths, places.begin(),
+                               [this](const std::string &path) { return disk.at(path); });
         return places;
     }
     std::vector<std::string> slots() const
