@@ -90,6 +90,15 @@ std::string World::complaints()
     return heardComplaints().join(u'\n').toStdString();
 }
 
+bool World::makesRoom()
+{
+    window().resize(1320, 1400);
+    return waitUntil([this] {
+        const QAccessibleInterface *grid = controls().find(QAccessible::List, u"Assets"_s);
+        return grid && grid->rect().height() > 1200;
+    });
+}
+
 bool World::showsCards(const QStringList &names)
 {
     QStringList wanted = names;

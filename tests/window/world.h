@@ -40,6 +40,8 @@ public:
 
     // Waits until the window shows cards of exactly these names, in any order.
     [[nodiscard]] bool showsCards(const QStringList &names);
+    // Makes the window so tall that it shows every folder and card.
+    [[nodiscard]] bool makesRoom();
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
     void type(const QString &text);
 
