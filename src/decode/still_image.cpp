@@ -126,7 +126,8 @@ Picture pictureOf(const uint8_t *rgb, int width, int height, int bands)
         out[2] = rgb[0];
         out[3] = bands == 4 ? rgb[3] : 255;
     }
-    if (bands == 4)
+    picture.hasAlpha = bands == 4 && hasTransparency(picture.pixels.data(), int64_t{width} * height);
+    if (picture.hasAlpha)
         premultiply(picture.pixels.data(), width, height, int64_t{width} * 4);
     return picture;
 }

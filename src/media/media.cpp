@@ -101,7 +101,7 @@ std::unique_ptr<PreviewRequest> Media::requestThumbnail(const Asset &asset)
                            .wish = thumbnailWish(asset),
                            .finished = [this, url = asset.url, version = asset.version,
                                         turn = ++d->turn](const DecodeResult &result) {
-                               if (d->thumbnails.put(url, version, turn, result ? result->image : QImage()))
+                               if (d->thumbnails.put(url, version, turn, result ? std::get<DecodedPicture>(*result).image : QImage()))
                                    Q_EMIT
                                thumbnailChanged(url);
                            }});

@@ -37,12 +37,12 @@ void limitThisProcess()
 #endif
 }
 
-uint8_t *mapPictureMemory()
+uint8_t *mapMemory()
 {
     struct stat facts = {};
-    if (fstat(memoryDescriptor, &facts) != 0 || facts.st_size < off_t(pictureBytes))
+    if (fstat(memoryDescriptor, &facts) != 0 || facts.st_size < off_t(memoryBytes))
         return nullptr;
-    void *memory = mmap(nullptr, pictureBytes, PROT_READ | PROT_WRITE, MAP_SHARED, memoryDescriptor, 0);
+    void *memory = mmap(nullptr, memoryBytes, PROT_READ | PROT_WRITE, MAP_SHARED, memoryDescriptor, 0);
     return memory == MAP_FAILED ? nullptr : static_cast<uint8_t *>(memory);
 }
 
@@ -57,6 +57,9 @@ decode::Decoded<decode::Picture> decodePicture(const ReceivedJob &job)
             return decode::videoFrame(job.file(), request.fraction, request.maxSide);
         case JobKind::StillImage:
             return decode::stillImage(job.file(), request.maxSide);
+        case JobKind::AudioPeaks:
+        case JobKind::Facts:
+            break;
         }
     } catch (const std::exception &problem) {
         return decode::failed(problem.what());
@@ -69,7 +72,7 @@ Reply answer(const ReceivedJob &job, uint8_t *memory)
     Reply reply;
     reply.job = job.request().job;
     const auto picture = decodePicture(job);
-    if (!picture || picture->pixels.size() > pictureBytes) {
+    if (!picture || picture->pixels.size() > memoryBytes) {
         const std::string text = picture ? "the picture is too large" : picture.error();
         std::snprintf(reply.error, sizeof reply.error, "%s", text.c_str());
         return reply;
@@ -79,6 +82,7 @@ Reply answer(const ReceivedJob &job, uint8_t *memory)
     reply.width = picture->width;
     reply.height = picture->height;
     reply.bytes = picture->pixels.size();
+    reply.hasAlpha = picture->hasAlpha ? 1 : 0;
     reply.duration = picture->duration;
     return reply;
 }
@@ -88,7 +92,7 @@ Reply answer(const ReceivedJob &job, uint8_t *memory)
 int main()
 {
     limitThisProcess();
-    uint8_t *memory = mapPictureMemory();
+    uint8_t *memory = mapMemory();
     if (!memory) {
         std::fputs("This program decodes media for Cratewell, which starts it.\n", stderr);
         return 1;
