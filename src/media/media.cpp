@@ -95,13 +95,15 @@ std::unique_ptr<PreviewRequest> Media::requestThumbnail(const Asset &asset)
 {
     if (thumbnailState(asset) != State::Missing)
         return nullptr;
-    return d->pool.submit({.key = thumbnailKey(asset),
-                           .wish = thumbnailWish(asset),
-                           .finished = [this, url = asset.url, version = asset.version,
-                                        turn = ++d->turn](const DecodeResult &result) {
-                               if (d->thumbnails.put(url, version, turn, result ? result->image : QImage()))
-                                   Q_EMIT thumbnailChanged(url);
-                           }});
+    return d->pool.submit(
+        {.key = thumbnailKey(asset),
+         .wish = thumbnailWish(asset),
+         .finished = [this, url = asset.url, version = asset.version,
+                      turn = ++d->turn](const DecodeResult &result) {
+             if (d->thumbnails.put(url, version, turn,
+                                   result ? std::get<DecodedPicture>(*result).image : QImage()))
+                 Q_EMIT thumbnailChanged(url);
+         }});
 }
 
 QImage Media::still() const

@@ -35,7 +35,7 @@ void PreviewStill::take(const Location &file, const DecodeResult &result)
 {
     if (file != m_file || !result)
         return;
-    m_users = result->image;
+    m_users = std::get<DecodedPicture>(*result).image;
     Q_EMIT changed();
 }
 
