@@ -3,7 +3,6 @@
 #include "media/internal/cube_reader.h"
 #include "media/internal/lut_lookup.h"
 
-#include <QColorSpace>
 #include <cerrno>
 #include <fcntl.h>
 #include <mutex>
@@ -66,85 +65,6 @@ std::optional<Bytes> readWhole(int descriptor)
     return bytes;
 }
 
-// How the pixels of a format lie, if the lookups take them as they are.
-struct Layout
-{
-    enum class Depth : quint8 { Bytes, Floats } depth;
-    AlphaKind alpha;
-    ChannelOrder order;
-};
-
-std::optional<Layout> layoutOf(QImage::Format format)
-{
-    using enum Layout::Depth;
-    using enum AlphaKind;
-    using enum ChannelOrder;
-    switch (format) {
-    case QImage::Format_RGB32:
-    case QImage::Format_ARGB32:
-        return Layout{Bytes, Straight, BGRA};
-    case QImage::Format_ARGB32_Premultiplied:
-        return Layout{Bytes, Premultiplied, BGRA};
-    case QImage::Format_RGBX8888:
-    case QImage::Format_RGBA8888:
-        return Layout{Bytes, Straight, RGBA};
-    case QImage::Format_RGBA8888_Premultiplied:
-        return Layout{Bytes, Premultiplied, RGBA};
-    case QImage::Format_RGBX32FPx4:
-    case QImage::Format_RGBA32FPx4:
-        return Layout{Floats, Straight, RGBA};
-    case QImage::Format_RGBA32FPx4_Premultiplied:
-        return Layout{Floats, Premultiplied, RGBA};
-    default:
-        return std::nullopt;
-    }
-}
-
-// What an image of a format without a layout is looked up in, and what it becomes afterwards.
-struct Detour
-{
-    QImage::Format lookup;
-    QImage::Format result;
-};
-
-Detour detourOf(const QImage &image)
-{
-    switch (image.format()) {
-    case QImage::Format_RGBX64:
-    case QImage::Format_RGBX16FPx4:
-    case QImage::Format_BGR30:
-    case QImage::Format_RGB30:
-        return {QImage::Format_RGBX32FPx4, image.format()};
-    case QImage::Format_RGBA64:
-    case QImage::Format_RGBA16FPx4:
-        return {QImage::Format_RGBA32FPx4, image.format()};
-    case QImage::Format_RGBA64_Premultiplied:
-    case QImage::Format_RGBA16FPx4_Premultiplied:
-    case QImage::Format_A2BGR30_Premultiplied:
-    case QImage::Format_A2RGB30_Premultiplied:
-        return {QImage::Format_RGBA32FPx4_Premultiplied, image.format()};
-    case QImage::Format_Grayscale16:
-        return {QImage::Format_RGBX32FPx4, QImage::Format_RGBX64};
-    case QImage::Format_RGB888:
-    case QImage::Format_BGR888:
-        return {QImage::Format_RGB32, image.format()};
-    default:
-        return image.hasAlphaChannel() ? Detour{QImage::Format_ARGB32, QImage::Format_ARGB32}
-                                       : Detour{QImage::Format_RGB32, QImage::Format_RGB32};
-    }
-}
-
-template<typename Channel, typename Image> PixelRows<Channel> rowsOf(Image &image)
-{
-    using Byte = std::conditional_t<std::is_const_v<Channel>, const uchar, uchar>;
-    Byte *bits = nullptr;
-    if constexpr (std::is_const_v<Channel>)
-        bits = image.constBits();
-    else
-        bits = image.bits();
-    return {reinterpret_cast<Channel *>(bits), image.bytesPerLine(), image.width(), image.height()};
-}
-
 } // namespace
 
 LUT::LUT(std::shared_ptr<const Private> shared) : d(std::move(shared)) {}
@@ -196,31 +116,6 @@ std::array<float, 3> LUT::sample(qint64 red, qint64 green, qint64 blue) const
 {
     const float *point = d->table.points.get() + 4 * ((blue * size() + green) * size() + red);
     return {point[0], point[1], point[2]};
-}
-
-QImage LUT::apply(const QImage &image) const
-{
-    if (image.isNull())
-        return image;
-    const std::optional<Layout> layout = layoutOf(image.format());
-    if (!layout) {
-        const Detour detour = detourOf(image);
-        const QImage converted = image.convertToFormat(detour.lookup);
-        const QImage result = converted.isNull() ? QImage() : apply(converted).convertToFormat(detour.result);
-        return result.isNull() ? image : result;
-    }
-    QImage result(image.size(), image.format());
-    if (result.isNull())
-        return image;
-    result.setDevicePixelRatio(image.devicePixelRatio());
-    result.setDotsPerMeterX(image.dotsPerMeterX());
-    result.setDotsPerMeterY(image.dotsPerMeterY());
-    result.setColorSpace(image.colorSpace());
-    if (layout->depth == Layout::Depth::Bytes)
-        apply(rowsOf<const quint8>(image), rowsOf<quint8>(result), layout->order, layout->alpha);
-    else
-        apply(rowsOf<const float>(image), rowsOf<float>(result), layout->alpha);
-    return result;
 }
 
 void LUT::apply(PixelRows<const quint8> source, PixelRows<quint8> target, ChannelOrder order,
