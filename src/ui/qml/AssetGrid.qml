@@ -210,6 +210,7 @@ T.Control {
                 keyboard: grid.activeFocus
                 radius: Prefs.cornerRadius
                 showBadge: Prefs.showBadges
+                scrubs: Prefs.hoverScrub
                 showName: Prefs.showNames
                 source: thumbnails
                 width: view.cardWidth
