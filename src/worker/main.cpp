@@ -33,9 +33,11 @@ void limitThisProcess()
     setpriority(PRIO_PROCESS, 0, 5);
 #if defined(__linux__)
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    // Pictures come and go in big blocks; from threads they should not leave arenas behind.
+    // While jobs follow each other, what one frees the next takes, without asking the system for fresh pages;
+    // giveBackMemory() returns it when they do not.
     mallopt(M_ARENA_MAX, 2);
-    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+    mallopt(M_MMAP_THRESHOLD, 32 << 20);
+    mallopt(M_TRIM_THRESHOLD, 256 << 20);
 #endif
 }
 
