@@ -33,6 +33,7 @@ bool startLibrary()
     static bool started = false;
     std::call_once(once, [] {
         g_setenv("VIPS_WARNING", "0", TRUE);
+        g_setenv("VIPS_DISC_THRESHOLD", "100g", TRUE); // no files on the way, however large the picture
         started = VIPS_INIT("cratewell") == 0;
         if (!started)
             return;
@@ -184,6 +185,11 @@ Picture pictureOf(const uint8_t *rgb, int width, int height, int bands)
 }
 
 } // namespace
+
+void prepareStillImages()
+{
+    startLibrary();
+}
 
 Decoded<Size> stillImageSize(int descriptor)
 {
