@@ -96,11 +96,16 @@ Decoded<void> CodedSoundReader::seek(int64_t frame)
 {
     m_next = std::max<int64_t>(frame, 0);
     const int64_t runUp = sampleRate() / 5;
-    const int64_t ticks =
-        av_rescale_q(std::max<int64_t>(m_next - runUp, 0), {1, sampleRate()}, m_stream->time_base);
-    if (const int code =
-            av_seek_frame(&m_container->format(), m_stream->index, beginning() + ticks, AVSEEK_FLAG_BACKWARD);
-        code < 0)
+    const auto seekTo = [&](int64_t wanted) {
+        const int64_t ticks = av_rescale_q(wanted, {1, sampleRate()}, m_stream->time_base);
+        return av_seek_frame(&m_container->format(), m_stream->index, beginning() + ticks,
+                             AVSEEK_FLAG_BACKWARD);
+    };
+    // Some formats keep part of the run-up before the beginning, others know no such time.
+    int code = seekTo(m_next - runUp);
+    if (code < 0)
+        code = seekTo(0);
+    if (code < 0)
         return failed("the sound has no such place: " + errorText(code));
     avcodec_flush_buffers(m_codec.get());
     av_frame_unref(m_frame.get());
