@@ -19,16 +19,16 @@ public:
 
     virtual int sampleRate() const = 0; // above 0
     virtual int channels() const = 0;   // above 0
-    // In frames as the container tells it; 0 when unknown. What can be read may differ, unless every frame
-    // has a place of its own in the file.
+    // In frames; 0 when unknown. When it is told, what can be read differs only where the file is damaged.
     virtual int64_t length() const = 0;
-    // Samples are stored as they are: any frame is read at the cost of reading it, and the length is true.
-    virtual bool isRandomAccess() const = 0;
+    enum class Length { Told, Guessed };
+    virtual Length lengthIs() const = 0;
 
     // The next read begins with this frame, counted from the beginning of the sound.
     virtual Decoded<void> seek(int64_t frame) = 0;
-    // Fills as many as `count` frames of each channel's plane; fewer at the end of the sound only, where it
-    // is 0.
+    // Passes over as many frames; over fewer at the end of the sound only. Costs less than reading them.
+    virtual Decoded<int64_t> skip(int64_t count) = 0;
+    // Fills as many frames of each channel's plane; fewer at the end of the sound only.
     virtual Decoded<int> read(float *const *planes, int count) = 0;
 };
 

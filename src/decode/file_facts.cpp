@@ -41,6 +41,19 @@ double frameRateOf(const AVStream &stream)
     return 0;
 }
 
+// The sound of a film, as its header tells it.
+void addSoundBeside(const MediaContainer &container, FileFacts &facts)
+{
+    const AVStream *audio = container.firstAudio();
+    if (!audio)
+        return;
+    facts.hasAudio = true;
+    facts.sampleRate = std::max(audio->codecpar->sample_rate, 0);
+    facts.channels = std::max(audio->codecpar->ch_layout.nb_channels, 0);
+    if (facts.sampleRate > 0 && audio->duration > 0)
+        facts.frames = av_rescale_q(audio->duration, audio->time_base, {1, facts.sampleRate});
+}
+
 } // namespace
 
 Decoded<FileFacts> fileFacts(int descriptor)
@@ -54,23 +67,24 @@ Decoded<FileFacts> fileFacts(int descriptor)
     const auto container = MediaContainer::open(descriptor, MediaContainer::Purpose::Facts);
     if (!container)
         return failed(container.error());
-    facts.duration = (*container)->duration();
     if (const AVStream *video = (*container)->firstVideo()) {
         facts.hasVideo = true;
+        facts.duration = (*container)->duration();
         facts.width = std::max(video->codecpar->width, 0);
         facts.height = std::max(video->codecpar->height, 0);
         facts.frameRate = frameRateOf(*video);
         facts.codec = codecOf(*video->codecpar);
+        addSoundBeside(**container, facts);
+        return facts;
     }
     const auto sound = AudioReader::open(descriptor);
     if (!sound)
-        return facts.hasVideo ? Decoded<FileFacts>(facts) : failed(sound.error());
+        return failed(sound.error());
     facts.hasAudio = true;
     facts.sampleRate = (*sound)->sampleRate();
     facts.channels = (*sound)->channels();
     facts.frames = (*sound)->length();
-    if (!facts.hasVideo)
-        facts.duration = double(facts.frames) / facts.sampleRate;
+    facts.duration = double(facts.frames) / facts.sampleRate;
     return facts;
 }
 

@@ -19,9 +19,13 @@ using ImagePointer = std::unique_ptr<VipsImage, Unreference>;
 using SourcePointer = std::unique_ptr<VipsSource, Unreference>;
 
 // Only the formats a library holds; libvips knows dozens more, some through whole document renderers.
-constexpr std::array<std::string_view, 6> loaders{"VipsForeignLoadJpeg",  "VipsForeignLoadPng",
-                                                  "VipsForeignLoadTiff",  "VipsForeignLoadWebp",
-                                                  "VipsForeignLoadNsgif", "VipsForeignLoadHeif"};
+constexpr std::string_view jpegLoader = "VipsForeignLoadJpeg";
+constexpr std::array<std::string_view, 6> loaders{jpegLoader,
+                                                  "VipsForeignLoadPng",
+                                                  "VipsForeignLoadTiff",
+                                                  "VipsForeignLoadWebp",
+                                                  "VipsForeignLoadNsgif",
+                                                  "VipsForeignLoadHeif"};
 
 bool startLibrary()
 {
@@ -29,6 +33,7 @@ bool startLibrary()
     static bool started = false;
     std::call_once(once, [] {
         g_setenv("VIPS_WARNING", "0", TRUE);
+        g_setenv("VIPS_DISC_THRESHOLD", "100g", TRUE); // no files on the way, however large the picture
         started = VIPS_INIT("cratewell") == 0;
         if (!started)
             return;
@@ -59,8 +64,14 @@ Decoded<SourcePointer> sourceOf(int descriptor)
     return source;
 }
 
+struct Header
+{
+    Size size;
+    bool isJpeg = false;
+};
+
 // Refuses what is no picture, or claims more pixels than anybody has.
-Decoded<Size> sizeInHeader(VipsSource *source)
+Decoded<Header> readHeader(VipsSource *source)
 {
     const char *name = vips_foreign_find_load_source(source);
     if (!name)
@@ -75,7 +86,37 @@ Decoded<Size> sizeInHeader(VipsSource *source)
     const Size size{vips_image_get_width(header.get()), vips_image_get_height(header.get())};
     if (int64_t{size.width} * size.height > maxStillPixels)
         return failed("a picture of an impossible size");
-    return size;
+    return Header{size, loader.starts_with(jpegLoader)};
+}
+
+// A JPEG decoder averages blocks of pixels at next to no cost. libvips would use that for half of the way at
+// most; an average of whole blocks needs no finer filter, so it may go as far as the picture stays larger
+// than wanted.
+int shrinkOnLoad(Size size, int maxSide)
+{
+    constexpr double margin = 1.15;
+    const double most = std::max(size.width, size.height) / (maxSide * margin);
+    int shrink = 8;
+    while (shrink > 1 && shrink > most)
+        shrink /= 2;
+    return shrink;
+}
+
+// Null on failure.
+ImagePointer thumbnail(VipsSource *source, const Header &header, int maxSide)
+{
+    VipsImage *result = nullptr;
+    if (!header.isJpeg) {
+        vips_thumbnail_source(source, &result, maxSide, "height", maxSide, "size", VIPS_SIZE_DOWN, nullptr);
+        return ImagePointer(result);
+    }
+    VipsImage *loaded = nullptr;
+    if (vips_jpegload_source(source, &loaded, "shrink", shrinkOnLoad(header.size, maxSide), "access",
+                             VIPS_ACCESS_SEQUENTIAL, nullptr) != 0)
+        return nullptr;
+    const ImagePointer reduced(loaded);
+    vips_thumbnail_image(reduced.get(), &result, maxSide, "height", maxSide, "size", VIPS_SIZE_DOWN, nullptr);
+    return ImagePointer(result);
 }
 
 using Step = int (*)(VipsImage *, VipsImage **);
@@ -145,10 +186,17 @@ Picture pictureOf(const uint8_t *rgb, int width, int height, int bands)
 
 } // namespace
 
+void prepareStillImages()
+{
+    startLibrary();
+}
+
 Decoded<Size> stillImageSize(int descriptor)
 {
     const auto source = sourceOf(descriptor);
-    return source ? sizeInHeader(source->get()) : failed(source.error());
+    if (!source)
+        return failed(source.error());
+    return readHeader(source->get()).map([](const Header &header) { return header.size; });
 }
 
 Decoded<Picture> stillImage(int descriptor, int maxSide)
@@ -157,14 +205,13 @@ Decoded<Picture> stillImage(int descriptor, int maxSide)
     if (!opened)
         return failed(opened.error());
     const SourcePointer &source = *opened;
-    if (const auto size = sizeInHeader(source.get()); !size)
-        return failed(size.error());
+    const auto header = readHeader(source.get());
+    if (!header)
+        return failed(header.error());
 
-    VipsImage *thumbnail = nullptr;
-    if (vips_thumbnail_source(source.get(), &thumbnail, maxSide, "height", maxSide, "size", VIPS_SIZE_DOWN,
-                              nullptr) != 0)
+    ImagePointer image = thumbnail(source.get(), *header, maxSide);
+    if (!image)
         return failure("not a readable picture");
-    ImagePointer image(thumbnail);
     if (!makeRgb(image))
         return failure("colours of an unknown kind");
 

@@ -9,6 +9,9 @@ namespace cratewell::decode {
 // thread; blocks while it decodes.
 Decoded<Picture> stillImage(int descriptor, int maxSide);
 
+// Loads all that stillImage() needs from the disk, so that it works where no path can be opened any more.
+void prepareStillImages();
+
 // In pixels, as stored. Fails for what stillImage() would not read.
 Decoded<Size> stillImageSize(int descriptor);
 

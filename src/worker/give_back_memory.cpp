@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstring>
 #include <malloc.h>
-#include <memory>
 #include <sys/mman.h>
 #endif
 
@@ -32,14 +31,22 @@ bool parse(const char *line, Mapping &mapping)
     return fields == 4;
 }
 
+FILE *maps = nullptr; // stays open for the life of the process
+
 } // namespace
+
+void prepareGiveBackMemory()
+{
+    maps = std::fopen("/proc/self/maps", "re");
+}
 
 void giveBackMemory()
 {
     malloc_trim(0);
-    const std::unique_ptr<FILE, int (*)(FILE *)> maps(std::fopen("/proc/self/maps", "re"), &std::fclose);
+    if (maps)
+        std::rewind(maps);
     char line[4096 + 128];
-    while (maps && std::fgets(line, sizeof line, maps.get())) {
+    while (maps && std::fgets(line, sizeof line, maps)) {
         // Only code, which nobody has written to: dropping a page that differs from its file would lose it.
         Mapping mapping;
         if (parse(line, mapping) && mapping.ofFile && std::strcmp(mapping.access, "r-xp") == 0)
@@ -48,6 +55,8 @@ void giveBackMemory()
 }
 
 #else
+
+void prepareGiveBackMemory() {}
 
 void giveBackMemory() {}
 

@@ -4,40 +4,19 @@
 #include "decode/video_frame.h"
 #include "worker/give_back_memory.h"
 #include "worker/job_channel.h"
+#include "worker/limits.h"
 
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <stdexcept>
 #include <sys/mman.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#if defined(__linux__)
-#include <malloc.h>
-#include <sys/prctl.h>
-#endif
 
 namespace {
 
 using namespace cratewell;
 using namespace cratewell::worker;
-
-// A worker dies with the program, leaves no core file of the user's media behind, and gives way to the
-// window.
-void limitThisProcess()
-{
-    const rlimit none{.rlim_cur = 0, .rlim_max = 0};
-    setrlimit(RLIMIT_CORE, &none);
-    setpriority(PRIO_PROCESS, 0, 5);
-#if defined(__linux__)
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    // Pictures come and go in big blocks; from threads they should not leave arenas behind.
-    mallopt(M_ARENA_MAX, 2);
-    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
-#endif
-}
 
 uint8_t *mapMemory()
 {
@@ -125,22 +104,30 @@ Reply answer(const ReceivedJob &job, uint8_t *memory)
 
 int main()
 {
-    limitThisProcess();
+    behaveAsHelper();
     uint8_t *memory = mapMemory();
     if (!memory) {
         std::fputs("This program decodes media for Cratewell, which starts it.\n", stderr);
         return 1;
     }
 
+    prepareGiveBackMemory();
+    decode::prepareStillImages();
+    closeDoors();
+
     const JobChannel channel(socketDescriptor);
     const std::chrono::milliseconds idle(300);
+    const std::chrono::seconds longestJob(20);
     for (;;) {
         if (!channel.wait(idle)) {
             giveBackMemory();
             channel.wait(std::chrono::milliseconds(-1));
         }
         const auto job = channel.receive();
-        if (!job || !channel.send(answer(*job, memory)))
+        if (!job)
+            return 0;
+        allowProcessorTime(longestJob);
+        if (!channel.send(answer(*job, memory)))
             return 0;
     }
 }

@@ -53,6 +53,7 @@ const ColourCase colourCases[]{
     {"FullJpegInMov", "a.mov", words("-c:v mjpeg -pix_fmt yuvj444p -q:v 2"), {320, 180}},
     {"QuickTimePng", "a.mov", words("-c:v png -pix_fmt rgb24"), {320, 180}},
     {"QuickTimeAnimation", "a.mov", words("-c:v qtrle -pix_fmt rgb24"), {320, 180}},
+    {"Opaque4444", "a.mov", words("-c:v prores_ks -profile:v 4444 -pix_fmt yuva444p10le"), {320, 180}},
     {"Hevc", "a.mp4", words("-pix_fmt yuv444p -c:v libx265 -x265-params log-level=none:qp=6"), {320, 180}},
     {"TurnedLeft", "a.mp4", words("-c:v libx264 -qp 4 -pix_fmt yuv444p"), {180, 320}, "GY RB", 90},
     {"UpsideDown", "a.mp4", words("-c:v libx264 -qp 4 -pix_fmt yuv444p"), {320, 180}, "YB GR", 180},
@@ -78,6 +79,7 @@ TEST_P(VideoColours, AreReadBackUprightInSquarePixels)
     ASSERT_TRUE(picture) << picture.error();
     EXPECT_EQ(QSize(picture->width, picture->height), GetParam().size);
     EXPECT_EQ(quarters(*picture, 6), GetParam().quarters);
+    EXPECT_FALSE(picture->hasAlpha);
     EXPECT_NEAR(picture->duration, 0.4, 0.01);
 }
 
@@ -120,6 +122,7 @@ TEST_P(VideoAlpha, IsKeptPremultipliedAndHiddenColoursStayHidden)
         EXPECT_NEAR(qAlpha(left), 128, GetParam().tolerance);
         EXPECT_NEAR(qRed(left), 128, GetParam().tolerance + 2);
         EXPECT_EQ(qAlpha(right), 0);
+        EXPECT_TRUE(picture->hasAlpha);
         for (int x = 0; x < width; ++x) {
             const QRgb at = pixel(*picture, {x, middle});
             EXPECT_LE(std::max({qRed(at), qGreen(at), qBlue(at)}), qAlpha(at)) << x;
@@ -135,8 +138,72 @@ INSTANTIATE_TEST_SUITE_P(
                     AlphaCase{"QuickTimeAnimation", "a.mov", words("-c:v qtrle -pix_fmt argb"), 1},
                     AlphaCase{"QuickTimePng", "a.mov", words("-c:v png -pix_fmt rgba"), 1},
                     AlphaCase{"Vp9", "a.webm",
-                              words("-c:v libvpx-vp9 -pix_fmt yuva420p -lossless 1 -auto-alt-ref 0"), 2, 24}),
+                              words("-c:v libvpx-vp9 -pix_fmt yuva420p -lossless 1 -auto-alt-ref 0"), 2, 24},
+                    AlphaCase{"Vp8", "a.webm",
+                              words("-c:v libvpx -pix_fmt yuva420p -crf 4 -b:v 4M -auto-alt-ref 0"), 3, 24}),
     [](const auto &test) { return std::string(test.param.name); });
+
+struct BrightCase
+{
+    const char *transfer;
+    double code; // 0 to 1
+    int grey;    // 8 bit, sRGB
+};
+
+// Light over the reference white of 203 cd/m2, rolled off towards it: grey stays grey, and what is darker
+// than half of it is shown as it is.
+TEST(VideoBrightness, IsToldInLightThatAScreenCanShow)
+{
+    MadeMedia media;
+    for (const auto &[transfer, code, grey] : {BrightCase{"smpte2084", 0, 0},
+                                               {"smpte2084", 0.4401, 136}, // 50 cd/m2
+                                               {"smpte2084", 0.5807, 229}, // reference white
+                                               {"smpte2084", 0.7518, 255}, // 1000 cd/m2
+                                               {"smpte2084", 1, 255},
+                                               {"arib-std-b67", 0, 0},
+                                               {"arib-std-b67", 0.5, 137},
+                                               {"arib-std-b67", 0.75, 229},
+                                               {"arib-std-b67", 1, 255}}) {
+        const QString level = QString::number(qRound(64 + 876 * code));
+        const QString picture =
+            u"color=black:s=64x64:r=25:d=0.2,format=yuv420p10le,geq=lum=%1:cb=512:cr=512"_s.arg(level);
+        const QString file = media.ffmpeg(
+            u"bright.mp4"_s, {},
+            QStringList{u"-f"_s, u"lavfi"_s, u"-i"_s, picture} +
+                words("-c:v libx264 -qp 1 -color_primaries bt2020 -colorspace bt2020nc -color_trc") +
+                QStringList{QString::fromLatin1(transfer)});
+        const auto frame = video(file);
+        ASSERT_TRUE(frame) << frame.error();
+        const QRgb found = pixel(*frame, {32, 32});
+        EXPECT_NEAR(qGreen(found), grey, 3) << transfer << ' ' << code;
+        EXPECT_NEAR(qRed(found), qGreen(found), 1) << transfer << ' ' << code;
+        EXPECT_NEAR(qBlue(found), qGreen(found), 1) << transfer << ' ' << code;
+    }
+}
+
+// sRGB's green as wider primaries name it.
+TEST(VideoPrimaries, AreBroughtToThoseOfTheScreen)
+{
+    MadeMedia media;
+    for (const auto &[primaries, colour] :
+         {std::pair{"smpte432", qRgb(117, 251, 76)}, {"bt709", qRgb(0, 255, 0)}}) {
+        QImage image(64, 64, QImage::Format_RGB32);
+        image.fill(colour);
+        const QString file = media.ffmpeg(
+            u"wide.mov"_s, media.image(u"source.png"_s, image),
+            QStringList{u"-loop"_s, u"1"_s, u"-t"_s, u"0.2"_s, u"-i"_s, u"IN"_s} +
+                words(
+                    "-vf scale=out_color_matrix=bt709,format=yuv444p10le -colorspace bt709 -color_trc bt709 "
+                    "-c:v libx264 -qp 1 -color_primaries") +
+                QStringList{QString::fromLatin1(primaries)});
+        const auto frame = video(file);
+        ASSERT_TRUE(frame) << frame.error();
+        const QRgb found = pixel(*frame, {32, 32});
+        EXPECT_NEAR(qRed(found), 0, 12) << primaries;
+        EXPECT_NEAR(qGreen(found), 255, 3) << primaries;
+        EXPECT_NEAR(qBlue(found), 0, 12) << primaries;
+    }
+}
 
 TEST(VideoTime, IsWithinATenthOfASecondAndNeverAfterNinetyEightHundredths)
 {

@@ -33,12 +33,15 @@ protected:
     Location at(const QString &name) const { return Location::fromText(m_files.path(name)); }
 
     std::unique_ptr<PreviewRequest> submit(DecodePool &pool, const Location &place,
-                                           worker::JobKind kind = worker::JobKind::StillImage)
+                                           worker::JobKind kind = worker::JobKind::StillImage,
+                                           DecodeJob::Rank rank = DecodeJob::Rank::Usual)
     {
         const std::string name = place.name().toStdString();
         return pool.submit({.key = place.bytes(),
                             .wish = {.file = place, .kind = kind, .maxSide = 64, .fraction = 0.5},
+                            .rank = rank,
                             .finished = [this, name](const DecodeResult &result) {
+                                m_last = result;
                                 m_results.push_back(name + (result ? "" : " failed"));
                             }});
     }
@@ -59,6 +62,7 @@ protected:
 
     MadeMedia m_files;
     std::vector<std::string> m_results;
+    DecodeResult m_last;
 };
 
 TEST_F(DecodePoolTest, StartsTheNewestFirstAndNeverWhatWasDropped)
@@ -97,16 +101,115 @@ TEST_F(DecodePoolTest, DoesWhatWasStartedAndOnlyOnceAtATime)
     EXPECT_THAT(log(), ElementsAre("hang", "now quick", "now quick"));
 }
 
+TEST_F(DecodePoolTest, WhatIsUnderThePointerComesFirst)
+{
+    DecodePool pool(standIn(), {.slots = 1});
+    std::vector<std::unique_ptr<PreviewRequest>> requests;
+    const auto ask = [&](const QString &name, DecodeJob::Rank rank) {
+        requests.push_back(submit(pool, file(name, name.toUtf8()), worker::JobKind::StillImage, rank));
+    };
+    ask(u"a"_s, DecodeJob::Rank::Usual);
+    ask(u"b"_s, DecodeJob::Rank::UnderPointer);
+    ask(u"c"_s, DecodeJob::Rank::UnderPointer);
+    ask(u"d"_s, DecodeJob::Rank::Usual);
+    ask(u"a"_s, DecodeJob::Rank::UnderPointer);
+    ask(u"a"_s, DecodeJob::Rank::Usual); // does not lower it
+    ASSERT_TRUE(waitForResults(4));
+    EXPECT_THAT(m_results, ElementsAre("a", "c", "b", "d"));
+}
+
 TEST_F(DecodePoolTest, AWorkerThatGoesWrongCostsItsJobAlone)
 {
+    using worker::JobKind;
     DecodePool pool(standIn(), {.slots = 1, .budget = 2s});
-    for (const QByteArray deed : {"die", "hang", "huge", "short", "unasked", "garbage"}) {
+    for (const auto &[kind, deeds] : std::initializer_list<std::pair<JobKind, std::vector<QByteArray>>>{
+             {JobKind::StillImage, {"die", "crash", "hang", "huge", "short", "unasked", "garbage"}},
+             {JobKind::AudioPeaks, {"few", "many", "nan", "loud", "crash"}},
+             {JobKind::Facts, {"endless", "backwards", "channels", "flag"}}}) {
+        for (const QByteArray &deed : deeds) {
+            m_results.clear();
+            const auto after = submit(pool, file(u"after"_s, "fine"), kind);
+            const auto bad = submit(pool, file(u"bad"_s, deed), kind);
+            const auto before = submit(pool, file(u"before"_s, "fine"), kind);
+            ASSERT_TRUE(waitForResults(3)) << deed.toStdString();
+            EXPECT_THAT(m_results, ElementsAre("before", "bad failed", "after")) << deed.toStdString();
+        }
+    }
+}
+
+TEST_F(DecodePoolTest, TheRestOfAPageArrives)
+{
+    DecodePool pool(standIn(), {.slots = 2, .budget = 1s});
+    const std::vector<QByteArray> deeds{"fine", "crash",   "fine", "hang", "fine",
+                                        "die",  "garbage", "fine", "hang", "fine"};
+    std::vector<std::unique_ptr<PreviewRequest>> requests;
+    std::vector<std::string> expected;
+    for (size_t i = 0; i < deeds.size(); ++i) {
+        const QString name = u"%1"_s.arg(i);
+        requests.push_back(submit(pool, file(name, deeds[i])));
+        expected.push_back(name.toStdString() + (deeds[i] == "fine" ? "" : " failed"));
+    }
+    ASSERT_TRUE(waitForResults(deeds.size()));
+    EXPECT_THAT(m_results, testing::UnorderedElementsAreArray(expected));
+}
+
+TEST_F(DecodePoolTest, HandsOverPeaksAndFacts)
+{
+    DecodePool pool(standIn(), {.slots = 1});
+    const auto peaks = submit(pool, file(u"peaks"_s, "fine"), worker::JobKind::AudioPeaks);
+    ASSERT_TRUE(waitForResults(1));
+    EXPECT_EQ(std::get<WaveformPeaks>(*m_last), WaveformPeaks(240, 0.5F));
+    for (const auto &[deed, codec] : {std::pair{"fine", u"avc1"_s}, {"unprintable", u"?"_s}}) {
         m_results.clear();
-        const auto after = submit(pool, file(u"after"_s, "fine"));
-        const auto bad = submit(pool, file(u"bad"_s, deed));
-        const auto before = submit(pool, file(u"before"_s, "fine"));
-        ASSERT_TRUE(waitForResults(3)) << deed.toStdString();
-        EXPECT_THAT(m_results, ElementsAre("before", "bad failed", "after")) << deed.toStdString();
+        const auto facts = submit(pool, file(u"facts"_s, deed), worker::JobKind::Facts);
+        ASSERT_TRUE(waitForResults(1));
+        const MediaFacts expected{.duration = 2, .frameRate = 25, .codec = codec, .hasVideo = true};
+        EXPECT_EQ(std::get<MediaFacts>(*m_last), expected);
+    }
+}
+
+// Whatever a decoder has to load or to start must be there before the worker closes its doors.
+TEST_F(DecodePoolTest, TheRealWorkerReadsEveryFormat)
+{
+    using worker::JobKind;
+    const QString still = m_files.image(u"a.png"_s, fourColours({640, 360}));
+    const QString film = u"-f lavfi -i testsrc2=s=320x180:d=0.4 -f lavfi -i sine=d=0.4 -pix_fmt yuv420p"_s;
+    const auto vips = [&](const QString &name) {
+        return m_files.vips(name, still, {u"copy"_s, u"IN"_s, u"OUT"_s});
+    };
+    const auto ffmpeg = [&](const QString &name, const QString &encoder = {}) {
+        return m_files.ffmpeg(name, {}, (film + encoder).split(u' '));
+    };
+    const QString wide = m_files.path(u"wide.jpg"_s);
+    m_files.vips(u"wide.jpg"_s, still,
+                 {u"icc_transform"_s, u"IN"_s, u"OUT"_s, u"p3"_s, u"--input-profile"_s, u"srgb"_s});
+    std::vector<std::pair<JobKind, QString>> jobs;
+    for (const QString &file :
+         {still, vips(u"a.jpg"_s), vips(u"a.webp"_s), vips(u"a.tif"_s), wide,
+          m_files.heif(u"a.heic"_s, still), m_files.ffmpeg(u"a.gif"_s, still, {u"-i"_s, u"IN"_s})})
+        jobs.emplace_back(JobKind::StillImage, file);
+    const std::vector<QString> films{ffmpeg(u"a.mp4"_s),
+                                     ffmpeg(u"hevc.mp4"_s, u" -c:v libx265 -x265-params log-level=none"_s),
+                                     ffmpeg(u"av1.mp4"_s, u" -c:v libsvtav1 -preset 12"_s),
+                                     ffmpeg(u"vp9.webm"_s, u" -c:v libvpx-vp9 -pix_fmt yuva420p"_s),
+                                     ffmpeg(u"prores.mov"_s, u" -c:v prores_ks"_s),
+                                     ffmpeg(u"a.mkv"_s),
+                                     ffmpeg(u"a.ts"_s)};
+    for (const QString &file : films)
+        jobs.emplace_back(JobKind::VideoFrame, file);
+    for (const QString &file :
+         {ffmpeg(u"a.wav"_s, u" -vn"_s), ffmpeg(u"a.mp3"_s, u" -vn"_s), ffmpeg(u"a.m4a"_s, u" -vn"_s),
+          ffmpeg(u"a.flac"_s, u" -vn"_s), ffmpeg(u"a.caf"_s, u" -vn"_s)})
+        jobs.emplace_back(JobKind::AudioPeaks, file);
+
+    for (const auto &[kind, path] : jobs) {
+        DecodePool pool(realWorker(), {.slots = 1, .budget = 60s}); // a worker that has seen nothing before
+        for (const JobKind one : {kind, JobKind::Facts}) {
+            m_results.clear();
+            const auto request = submit(pool, Location::fromText(path), one);
+            ASSERT_TRUE(waitForResults(1));
+            EXPECT_TRUE(m_last) << path.toStdString() << ": " << m_last.error().message.toStdString();
+        }
     }
 }
 

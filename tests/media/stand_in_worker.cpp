@@ -3,10 +3,13 @@
 
 #include "worker/job_channel.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <limits>
 #include <string>
+#include <sys/mman.h>
 #include <unistd.h>
 
 using namespace cratewell::worker;
@@ -20,6 +23,38 @@ std::string textOf(int file)
     return std::string(text, got > 0 ? size_t(got) : 0);
 }
 
+void answerWithPeaks(const Request &request, const std::string &text, Reply &reply)
+{
+    void *memory = mmap(nullptr, memoryBytes, PROT_READ | PROT_WRITE, MAP_SHARED, memoryDescriptor, 0);
+    auto *peaks = static_cast<float *>(memory);
+    std::fill_n(peaks, request.count, 0.5F);
+    reply.bytes = uint64_t(request.count) * sizeof(float);
+    if (text == "few")
+        reply.bytes -= sizeof(float);
+    else if (text == "many")
+        reply.bytes = memoryBytes * 2;
+    else if (text == "nan")
+        peaks[request.count - 1] = std::numeric_limits<float>::quiet_NaN();
+    else if (text == "loud")
+        peaks[0] = 1.01F;
+    munmap(memory, memoryBytes);
+}
+
+void answerWithFacts(const std::string &text, Reply &reply)
+{
+    reply.facts = {.duration = 2, .frameRate = 25, .codec = 0x61766331, .hasVideo = 1};
+    if (text == "endless")
+        reply.facts.duration = std::numeric_limits<double>::infinity();
+    else if (text == "backwards")
+        reply.facts.frames = -1;
+    else if (text == "channels")
+        reply.facts.channels = 1 << 30;
+    else if (text == "flag")
+        reply.facts.hasAudio = 2;
+    else if (text == "unprintable")
+        reply.facts.codec = 0x01020304;
+}
+
 Reply answer(const Request &request, const std::string &text)
 {
     Reply reply;
@@ -28,8 +63,14 @@ Reply answer(const Request &request, const std::string &text)
     reply.width = 1;
     reply.height = 1;
     reply.bytes = 4;
+    if (request.kind == JobKind::AudioPeaks)
+        answerWithPeaks(request, text, reply);
+    else if (request.kind == JobKind::Facts)
+        answerWithFacts(text, reply);
     if (text == "die")
         raise(SIGKILL);
+    else if (text == "crash")
+        raise(SIGSEGV);
     else if (text == "hang")
         pause();
     else if (text == "huge")
@@ -45,6 +86,7 @@ Reply answer(const Request &request, const std::string &text)
 
 int main()
 {
+    std::signal(SIGSEGV, SIG_DFL);
     const JobChannel channel(socketDescriptor);
     while (const auto job = channel.receive()) {
         const std::string text = textOf(job->file());

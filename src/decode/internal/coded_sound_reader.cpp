@@ -48,6 +48,12 @@ int64_t CodedSoundReader::length() const
     return std::max<int64_t>(toFrames(m_stream->duration - before), 0);
 }
 
+AudioReader::Length CodedSoundReader::lengthIs() const
+{
+    const bool told = m_end != INT64_MAX || (m_container->isNamed("flac") && m_stream->duration > 0);
+    return told ? Length::Told : Length::Guessed;
+}
+
 std::optional<int64_t> CodedSoundReader::timeOfFrame() const
 {
     if (m_frame->best_effort_timestamp == AV_NOPTS_VALUE)
@@ -90,11 +96,16 @@ Decoded<void> CodedSoundReader::seek(int64_t frame)
 {
     m_next = std::max<int64_t>(frame, 0);
     const int64_t runUp = sampleRate() / 5;
-    const int64_t ticks =
-        av_rescale_q(std::max<int64_t>(m_next - runUp, 0), {1, sampleRate()}, m_stream->time_base);
-    if (const int code =
-            av_seek_frame(&m_container->format(), m_stream->index, beginning() + ticks, AVSEEK_FLAG_BACKWARD);
-        code < 0)
+    const auto seekTo = [&](int64_t wanted) {
+        const int64_t ticks = av_rescale_q(wanted, {1, sampleRate()}, m_stream->time_base);
+        return av_seek_frame(&m_container->format(), m_stream->index, beginning() + ticks,
+                             AVSEEK_FLAG_BACKWARD);
+    };
+    // Some formats keep part of the run-up before the beginning, others know no such time.
+    int code = seekTo(m_next - runUp);
+    if (code < 0)
+        code = seekTo(0);
+    if (code < 0)
         return failed("the sound has no such place: " + errorText(code));
     avcodec_flush_buffers(m_codec.get());
     av_frame_unref(m_frame.get());
@@ -103,35 +114,53 @@ Decoded<void> CodedSoundReader::seek(int64_t frame)
     return {};
 }
 
+int CodedSoundReader::ready(int64_t wanted)
+{
+    wanted = std::min(wanted, m_end - m_next);
+    while (wanted > 0 && m_used == m_frame->nb_samples) {
+        if (decodeFrame() == Step::End)
+            return 0;
+        if (m_seekPending) {
+            const int64_t ahead = m_next - timeOfFrame().value_or(m_next);
+            m_used = int(std::clamp<int64_t>(ahead, 0, m_frame->nb_samples));
+            m_seekPending = m_used == m_frame->nb_samples;
+        }
+    }
+    return int(std::clamp<int64_t>(wanted, 0, m_frame->nb_samples - m_used));
+}
+
+void CodedSoundReader::use(int frames)
+{
+    m_used += frames;
+    m_next += frames;
+}
+
+Decoded<int64_t> CodedSoundReader::skip(int64_t count)
+{
+    int64_t done = 0;
+    while (const int now = ready(count - done)) {
+        use(now);
+        done += now;
+    }
+    return done;
+}
+
 Decoded<int> CodedSoundReader::read(float *const *planes, int count)
 {
     int done = 0;
-    count = int(std::min<int64_t>(count, std::max<int64_t>(m_end - m_next, 0)));
-    while (done < count) {
-        if (m_used == m_frame->nb_samples) {
-            if (decodeFrame() == Step::End)
-                break;
-            if (m_seekPending) {
-                const int64_t ahead = m_next - timeOfFrame().value_or(m_next);
-                m_used = int(std::clamp<int64_t>(ahead, 0, m_frame->nb_samples));
-                m_seekPending = m_used == m_frame->nb_samples;
-                continue;
-            }
-        }
+    while (const int now = ready(count - done)) {
         const auto format = AVSampleFormat(m_frame->format);
         const auto kind = SampleKind::ofDecoded(format);
         if (!kind || m_frame->ch_layout.nb_channels != channels() || m_frame->sample_rate != sampleRate())
             return failed("the sound changes its kind");
         const bool planar = av_sample_fmt_is_planar(format) != 0;
         const int stride = planar ? kind->bytes() : kind->bytes() * channels();
-        const int now = std::min(count - done, m_frame->nb_samples - m_used);
         for (int channel = 0; channel < channels(); ++channel) {
             const uint8_t *samples = planar ? m_frame->extended_data[channel]
                                             : m_frame->extended_data[0] + channel * kind->bytes();
             toFloats(*kind, samples + int64_t{m_used} * stride, stride, planes[channel] + done, now);
         }
-        m_used += now;
-        m_next += now;
+        use(now);
         done += now;
     }
     if (done == 0 && count > 0 && !m_decodedAnything)

@@ -15,8 +15,9 @@ public:
     int sampleRate() const override { return m_stream->codecpar->sample_rate; }
     int channels() const override { return m_stream->codecpar->ch_layout.nb_channels; }
     int64_t length() const override;
-    bool isRandomAccess() const override { return false; }
+    Length lengthIs() const override;
     Decoded<void> seek(int64_t frame) override;
+    Decoded<int64_t> skip(int64_t count) override;
     Decoded<int> read(float *const *planes, int count) override;
 
 private:
@@ -24,6 +25,9 @@ private:
     enum class Step { Frame, End };
     Step decodeFrame();
     void feed();
+    // Of the sound that is decoded and not used yet, decoding more when there is none; 0 at the end.
+    int ready(int64_t wanted);
+    void use(int frames);
     // Of the decoded frame, in frames from the beginning of the sound.
     std::optional<int64_t> timeOfFrame() const;
     int64_t toFrames(int64_t ticks) const;

@@ -1,5 +1,7 @@
 #include "decode/internal/frame_picture.h"
 
+#include "decode/internal/colour_mapping.h"
+
 extern "C" {
 #include <libavutil/pixdesc.h>
 }
@@ -54,28 +56,50 @@ bool hasAlpha(const AVFrame &frame)
     return format && (format->flags & AV_PIX_FMT_FLAG_ALPHA);
 }
 
-// The frame as BGRA of another size; alpha as it is.
-Decoded<FramePointer> scaled(const AVFrame &frame, Size size)
+Decoded<FramePointer> newFrame(AVPixelFormat format, Size size)
 {
-    FramePointer result(av_frame_alloc());
-    if (!result)
+    FramePointer frame(av_frame_alloc());
+    if (!frame)
         return failed("out of memory");
-    result->format = AV_PIX_FMT_BGRA;
-    result->width = size.width;
-    result->height = size.height;
-    if (av_frame_get_buffer(result.get(), 0) < 0)
+    frame->format = format;
+    frame->width = size.width;
+    frame->height = size.height;
+    if (av_frame_get_buffer(frame.get(), 0) < 0)
         return failed("out of memory");
+    return frame;
+}
 
+// The frame as RGB of some kind and of another size; alpha as it is.
+Decoded<FramePointer> scaledTo(AVPixelFormat format, const AVFrame &frame, Size size)
+{
+    auto result = newFrame(format, size);
+    if (!result)
+        return result;
     const ScalerPointer scaler(sws_getContext(frame.width, frame.height, AVPixelFormat(frame.format),
-                                              size.width, size.height, AV_PIX_FMT_BGRA, scalerFlags, nullptr,
-                                              nullptr, nullptr));
+                                              size.width, size.height, format, scalerFlags, nullptr, nullptr,
+                                              nullptr));
     if (!scaler)
         return failed("pixels of an unknown format");
     sws_setColorspaceDetails(scaler.get(), sws_getCoefficients(matrixOf(frame)), isFullRange(frame),
                              sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, 1 << 16, 1 << 16);
-    if (sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height, result->data,
-                  result->linesize) <= 0)
+    if (sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height, (*result)->data,
+                  (*result)->linesize) <= 0)
         return failed("the frame could not be scaled");
+    return result;
+}
+
+// The frame as straight sRGB of another size.
+Decoded<FramePointer> scaled(const AVFrame &frame, Size size)
+{
+    const auto mapping = ColourMapping::of(frame);
+    if (!mapping)
+        return scaledTo(AV_PIX_FMT_BGRA, frame, size);
+    const auto deep = scaledTo(AV_PIX_FMT_RGBA64, frame, size);
+    if (!deep)
+        return failed(deep.error());
+    auto result = newFrame(AV_PIX_FMT_BGRA, size);
+    if (result)
+        mapping->apply(**deep, **result);
     return result;
 }
 
@@ -99,7 +123,7 @@ Decoded<FramePointer> scaledWithAlpha(const AVFrame &frame, Size size)
         return result;
     premultiply((*result)->data[0], frame.width, frame.height, (*result)->linesize[0]);
     if (size != Size{frame.width, frame.height})
-        result = scaled(**result, size);
+        result = scaledTo(AV_PIX_FMT_BGRA, **result, size);
     if (result)
         limitToAlpha(**result);
     return result;

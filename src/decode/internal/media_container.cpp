@@ -115,6 +115,7 @@ Decoded<CodecPointer> MediaContainer::openDecoder(const AVStream &stream, const 
         return failed("out of memory");
     int code = avcodec_parameters_to_context(decoder.get(), stream.codecpar);
     decoder->thread_count = 1;
+    decoder->request_sample_fmt = AV_SAMPLE_FMT_S16P; // planar, of whatever kind there is
     decoder->max_pixels = maxFramePixels;
     decoder->pkt_timebase = stream.time_base;
     if (code >= 0)

@@ -9,7 +9,7 @@ namespace cratewell::decode {
 
 namespace {
 
-constexpr int64_t bufferBytes = 64 * 1024;
+constexpr int64_t bufferBytes = 128 * 1024;
 
 int64_t sizeOf(int descriptor)
 {
@@ -17,19 +17,19 @@ int64_t sizeOf(int descriptor)
     return fstat(descriptor, &facts) == 0 ? facts.st_size : 0;
 }
 
-bool readWholly(int descriptor, uint8_t *to, size_t size, int64_t position)
+// As much as there is of what was asked for.
+int64_t readAt(int descriptor, uint8_t *to, int64_t count, int64_t position)
 {
-    while (size > 0) {
-        const ssize_t got = pread(descriptor, to, size, position);
+    int64_t done = 0;
+    while (done < count) {
+        const ssize_t got = pread(descriptor, to + done, size_t(count - done), position + done);
         if (got < 0 && errno == EINTR)
             continue;
         if (got <= 0)
-            return false;
-        to += got;
-        position += got;
-        size -= size_t(got);
+            break;
+        done += got;
     }
-    return true;
+    return done;
 }
 
 } // namespace
@@ -61,16 +61,14 @@ std::unique_ptr<PcmReader> PcmReader::create(MediaContainer &container, const AV
     return reader;
 }
 
-// The first packet lies at the beginning of the samples.
+// The header has been read up to where the samples begin. Reading a packet would tell as well, but makes
+// FFmpeg search the samples for compressed sound in disguise, which takes longer than all the rest.
 void PcmReader::findSingleRun(MediaContainer &container, const AVStream &stream, int64_t fileSize)
 {
-    const PacketPointer packet(av_packet_alloc());
-    if (!packet || av_read_frame(&container.format(), packet.get()) < 0 || packet->pos < 0)
-        return;
     const int64_t claimed = stream.duration > 0 && av_cmp_q(stream.time_base, {1, m_sampleRate}) == 0
                                 ? stream.duration
                                 : INT64_MAX;
-    addRun(packet->pos, claimed, fileSize);
+    addRun(avio_tell(container.format().pb), claimed, fileSize);
 }
 
 void PcmReader::findIndexedRuns(const AVStream &stream, int64_t fileSize)
@@ -112,6 +110,31 @@ Decoded<void> PcmReader::seek(int64_t frame)
     return {};
 }
 
+// Places that are less than a page of memory apart are read together, for reading every page costs less than
+// asking for most of them one by one.
+const uint8_t *PcmReader::bytesAt(int64_t position, int64_t count)
+{
+    if (position < m_bufferBegin || position + count > m_bufferEnd) {
+        constexpr int64_t page = 4096;
+        const bool isNear = position >= m_bufferBegin && position < m_bufferEnd + page;
+        m_bufferBegin = position;
+        m_bufferEnd =
+            position + readAt(m_descriptor, m_buffer.data(), isNear ? bufferBytes : count, position);
+        if (m_bufferEnd < position + count)
+            return nullptr;
+    }
+    return m_buffer.data() + (position - m_bufferBegin);
+}
+
+Decoded<int64_t> PcmReader::skip(int64_t count)
+{
+    const int64_t before = m_frame;
+    m_frame += std::min(count, m_length - m_frame);
+    while (m_frame >= m_runs[m_run].firstFrame + m_runs[m_run].frames && m_run + 1 < m_runs.size())
+        ++m_run;
+    return m_frame - before;
+}
+
 Decoded<int> PcmReader::read(float *const *planes, int count)
 {
     int done = 0;
@@ -124,12 +147,11 @@ Decoded<int> PcmReader::read(float *const *planes, int count)
         }
         const auto now =
             int(std::min({int64_t{count} - done, run.frames - within, bufferBytes / m_frameBytes}));
-        if (!readWholly(m_descriptor, m_buffer.data(), size_t(now) * size_t(m_frameBytes),
-                        run.position + within * m_frameBytes))
+        const uint8_t *bytes = bytesAt(run.position + within * m_frameBytes, int64_t{now} * m_frameBytes);
+        if (!bytes)
             return failed("the sound cannot be read");
         for (int channel = 0; channel < m_channels; ++channel)
-            toFloats(m_kind, m_buffer.data() + channel * m_kind.bytes(), m_frameBytes, planes[channel] + done,
-                     now);
+            toFloats(m_kind, bytes + channel * m_kind.bytes(), m_frameBytes, planes[channel] + done, now);
         done += now;
         m_frame += now;
     }

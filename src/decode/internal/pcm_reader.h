@@ -17,8 +17,9 @@ public:
     int sampleRate() const override { return m_sampleRate; }
     int channels() const override { return m_channels; }
     int64_t length() const override { return m_length; }
-    bool isRandomAccess() const override { return true; }
+    Length lengthIs() const override { return Length::Told; }
     Decoded<void> seek(int64_t frame) override;
+    Decoded<int64_t> skip(int64_t count) override;
     Decoded<int> read(float *const *planes, int count) override;
 
 private:
@@ -34,6 +35,8 @@ private:
     void findSingleRun(MediaContainer &container, const AVStream &stream, int64_t fileSize);
     void findIndexedRuns(const AVStream &stream, int64_t fileSize);
     void addRun(int64_t position, int64_t frames, int64_t fileSize);
+    // Null when they cannot be read. Valid until the next call.
+    const uint8_t *bytesAt(int64_t position, int64_t count);
 
     int m_descriptor;
     int m_sampleRate;
@@ -44,7 +47,10 @@ private:
     int64_t m_length = 0;
     int64_t m_frame = 0; // the next to be read
     size_t m_run = 0;    // where it lies
+    // A piece of the file.
     std::vector<uint8_t> m_buffer;
+    int64_t m_bufferBegin = 0;
+    int64_t m_bufferEnd = 0;
 };
 
 } // namespace cratewell::decode

@@ -29,7 +29,7 @@ template<typename Number> float scaled(Number number)
     if constexpr (std::is_same_v<Number, uint8_t>)
         return float(int(number) - 128) / 128;
     else if constexpr (std::is_integral_v<Number>)
-        return float(double(number) * std::ldexp(1.0, 1 - int(sizeof(Number)) * 8));
+        return float(number) * (1.0F / float(uint64_t{1} << (sizeof(Number) * 8 - 1)));
     else
         return std::isfinite(float(number)) ? float(number) : 0.0F;
 }
@@ -37,6 +37,11 @@ template<typename Number> float scaled(Number number)
 template<typename Number, ByteOrder order>
 void convert(const uint8_t *from, int64_t stride, float *to, int count)
 {
+    if (stride == sizeof(Number)) { // a constant, so that the compiler can use vectors
+        for (int i = 0; i < count; ++i)
+            to[i] = scaled(numberAt<Number, order>(from + size_t(i) * sizeof(Number)));
+        return;
+    }
     for (int i = 0; i < count; ++i, from += stride)
         to[i] = scaled(numberAt<Number, order>(from));
 }
