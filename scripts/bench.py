@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Measures Cratewell beside tools that do the same work, prints a table and writes build/bench.json.
 
-usage: bench.py [FILTER]    FILTER: scan, window, start, worker or files, or a part of a row's name
+usage: bench.py [FILTER]    FILTER: scan, window, start, worker, files or lut, or a part of a row's name
 
 Every figure is a median of at least five, ours and the peer's taken in turn. A row holds when its ratio, or where it
 has no peer our own figure, is at most the bar; `bar_on` says which. A row without a bar is there to be looked at.
@@ -9,6 +9,7 @@ has no peer our own figure, is at most the bar; `bar_on` says which. A row witho
 
 import contextlib
 import dataclasses
+import functools
 import json
 import os
 import pathlib
@@ -78,7 +79,10 @@ def figures_of(program: str, *arguments: str) -> dict[str, dict]:
     return {row["name"]: row for row in json.loads(result.stdout)}
 
 
+@functools.cache
 def scan_rows() -> list[Row]:
+    VAULT.parent.mkdir(parents=True, exist_ok=True)
+    ensure_big_vault(VAULT)
     figures = figures_of("vault_scan_bench", str(VAULT))
     first = figures["first scan"]
     rest = [
@@ -212,6 +216,17 @@ def file_rows() -> list[Row]:
     return [Row(name, figures[name]["ours"], figures[name]["peer"], bar=bar) for name, bar in bars.items()]
 
 
+def lut_rows() -> list[Row]:
+    figures = figures_of("lut_bench", str(ROOT / "build" / "bench" / "lut"))
+
+    def bar(name: str) -> float:
+        if name.startswith("reading"):
+            return 0.1
+        return 0.33 if name.endswith("FFmpeg") else 0.25
+
+    return [Row(name, row["ours"], row["peer"], bar=bar(name)) for name, row in figures.items()]
+
+
 def print_table(rows: list[dict]) -> None:
     width = max(len(row["name"]) for row in rows)
     print(f"{'':{width}}  {'ours':>10}  {'peer':>10}        {'ratio':>6}  {'bar':>6}")
@@ -227,15 +242,13 @@ def print_table(rows: list[dict]) -> None:
 
 def main() -> int:
     wanted = sys.argv[1].lower() if len(sys.argv) > 1 else ""
-    VAULT.parent.mkdir(parents=True, exist_ok=True)
-    ensure_big_vault(VAULT)
-    scan = scan_rows()
     groups = {
-        "scan": lambda: scan,
-        "window": lambda: window_rows(scan[0].ours),
-        "start": lambda: start_rows(scan[0].ours),
+        "scan": scan_rows,
+        "window": lambda: window_rows(scan_rows()[0].ours),
+        "start": lambda: start_rows(scan_rows()[0].ours),
         "worker": worker_rows,
         "files": file_rows,
+        "lut": lut_rows,
     }
     if wanted in groups:
         results = [row.as_json() for row in groups[wanted]()]

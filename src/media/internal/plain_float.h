@@ -42,8 +42,8 @@ inline std::uint64_t joinDigits(std::uint64_t digits)
            32;
 }
 
-// Up to eight digits of a fraction; gives how many there were.
-inline int readFraction(const char *text, std::uint64_t &mantissa)
+// Up to eight digits, behind those of `mantissa`; gives how many there were.
+[[gnu::always_inline]] inline int readDigits(const char *text, std::uint64_t &mantissa)
 {
     std::uint64_t bytes = 0;
     std::memcpy(&bytes, text, sizeof bytes);
@@ -54,22 +54,31 @@ inline int readFraction(const char *text, std::uint64_t &mantissa)
         return 8;
     }
     const int count = std::countr_zero(others) / 8;
-    if (count > 0)
-        mantissa = mantissa * wholePowersOfTen[size_t(count)] + joinDigits(bytes << (64 - 8 * count));
+    // Shifted in two steps, because there may be none.
+    mantissa = mantissa * wholePowersOfTen[size_t(count)] + joinDigits(bytes << 8 << (56 - 8 * count));
     return count;
 }
 
-} // namespace plain_float
-
-// The common short form of a number read fast: a sign or none, at most three digits, a point and at most
-// sixteen digits or none, an exponent of at most two digits or none. Gives the end of the number, or null
-// where it is written otherwise or one product of doubles cannot tell its nearest float; then
-// floatFromText() decides. All of the reach must be readable.
-[[gnu::always_inline]] inline const char *readPlainFloat(const char *text, float &value)
+// The float nearest to mantissa * 10^exponent, for up to 53 bits and a power of the list; false where that is
+// hard to tell.
+[[gnu::always_inline]] inline bool round(std::uint64_t mantissa, int exponent, bool negative, float &value)
 {
-    using namespace plain_float;
-    const bool negative = *text == '-';
-    text += negative || *text == '+' ? 1 : 0;
+    // The power and the product are both rounded, so the product lies up to two units of its last place
+    // beside the number. Its float is the right one unless the middle between two floats may lie there too,
+    // or floats are no longer normal.
+    const double near = double(std::int64_t(mantissa)) * powersOfTen[size_t(exponent + largestExponent)];
+    constexpr std::uint64_t middle = 0x10000000U;
+    const std::uint64_t belowFloat = std::bit_cast<std::uint64_t>(near) & (2 * middle - 1);
+    const bool decided = belowFloat - (middle - 3) > 6;
+    const bool normal = near >= double(std::numeric_limits<float>::min()) &&
+                        near <= double(std::numeric_limits<float>::max());
+    value = negative ? -float(near) : float(near);
+    return decided && (normal || mantissa == 0);
+}
+
+// What the shortest form below leaves over.
+inline const char *readLongerFloat(const char *text, bool negative, float &value)
+{
     const char *const start = text;
     std::uint64_t mantissa = 0;
     while (isDigit(*text)) {
@@ -80,9 +89,9 @@ inline int readFraction(const char *text, std::uint64_t &mantissa)
     std::ptrdiff_t digits = text - start;
     int exponent = 0;
     if (*text == '.') {
-        int count = readFraction(++text, mantissa);
+        int count = readDigits(++text, mantissa);
         if (count == 8)
-            count += readFraction(text + 8, mantissa);
+            count += readDigits(text + 8, mantissa);
         text += count;
         if (isDigit(*text))
             return nullptr;
@@ -106,20 +115,29 @@ inline int readFraction(const char *text, std::uint64_t &mantissa)
     }
     if (exponent < -largestExponent || exponent > largestExponent)
         return nullptr;
-    const double near = double(mantissa) * powersOfTen[size_t(exponent + largestExponent)];
+    return round(mantissa, exponent, negative, value) ? text : nullptr;
+}
 
-    // The power and the product are both rounded, so the product lies up to two units of its last place
-    // beside the number. Its float is the right one unless the middle between two floats may lie there too,
-    // or floats are no longer normal.
-    constexpr std::uint64_t middle = 0x10000000U;
-    const std::uint64_t belowFloat = std::bit_cast<std::uint64_t>(near) & (2 * middle - 1);
-    const bool decided = belowFloat < middle - 3 || belowFloat > middle + 3;
-    const bool normal = near >= double(std::numeric_limits<float>::min()) &&
-                        near <= double(std::numeric_limits<float>::max());
-    if (!decided || (mantissa != 0 && !normal))
-        return nullptr;
-    value = negative ? -float(near) : float(near);
-    return text;
+} // namespace plain_float
+
+// The common short form of a number read fast: a sign or none, at most three digits, a point and at most
+// sixteen digits or none, an exponent of at most two digits or none. Gives the end of the number, or null
+// where it is written otherwise or one product of doubles cannot tell its nearest float; then
+// floatFromText() decides. All of the reach must be readable.
+[[gnu::always_inline]] inline const char *readPlainFloat(const char *text, float &value)
+{
+    using namespace plain_float;
+    const bool negative = *text == '-';
+    text += negative || *text == '+' ? 1 : 0;
+    // Mostly one digit, a point and some more.
+    if (isDigit(*text) && text[1] == '.') {
+        auto mantissa = std::uint64_t(*text - '0');
+        const int count = readDigits(text + 2, mantissa);
+        const char *const end = text + 2 + count;
+        if (count < 8 && (*end | 0x20) != 'e')
+            return round(mantissa, -count, negative, value) ? end : nullptr;
+    }
+    return readLongerFloat(text, negative, value);
 }
 
 } // namespace cratewell
