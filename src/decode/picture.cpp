@@ -14,6 +14,20 @@ Size fittedInside(double width, double height, int maxSide)
     return {side(width), side(height)};
 }
 
+bool hasTransparency(const uint8_t *pixels, int64_t count)
+{
+    // In blocks without branches, which the compiler turns into vector instructions.
+    constexpr int64_t block = 1024;
+    for (int64_t at = 0; at < count; at += block) {
+        uint8_t opaque = 255;
+        for (int64_t i = at, end = std::min(at + block, count); i < end; ++i)
+            opaque &= pixels[i * 4 + 3];
+        if (opaque != 255)
+            return true;
+    }
+    return false;
+}
+
 void premultiply(uint8_t *pixels, int width, int height, int64_t stride)
 {
     for (int y = 0; y < height; ++y, pixels += stride) {

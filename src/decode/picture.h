@@ -14,7 +14,8 @@ struct Picture
 {
     int width = 0;
     int height = 0;
-    double duration = 0; // seconds of the whole file; 0 for a still or when unknown
+    bool hasAlpha = false; // some pixel is not opaque
+    double duration = 0;   // seconds of the whole file; 0 for a still or when unknown
     std::vector<uint8_t> pixels;
 };
 
@@ -39,6 +40,9 @@ struct Size
 
 // The size with the same shape whose sides are at most `maxSide`; never larger than given, never below 1.
 Size fittedInside(double width, double height, int maxSide);
+
+// Whether some pixel of these gapless BGRA rows is not opaque.
+bool hasTransparency(const uint8_t *pixels, int64_t count);
 
 // In place, over rows of `width` straight BGRA pixels that are `stride` bytes apart.
 void premultiply(uint8_t *pixels, int width, int height, int64_t stride);

@@ -49,8 +49,18 @@ tl::unexpected<std::string> failure(const char *fallback)
     return failed(text.empty() ? fallback : text);
 }
 
+Decoded<SourcePointer> sourceOf(int descriptor)
+{
+    if (!startLibrary())
+        return failed("the picture library could not be started");
+    SourcePointer source(vips_source_new_from_descriptor(descriptor));
+    if (!source)
+        return failure("not a readable picture");
+    return source;
+}
+
 // Refuses what is no picture, or claims more pixels than anybody has.
-Decoded<void> checkHeader(VipsSource *source)
+Decoded<Size> sizeInHeader(VipsSource *source)
 {
     const char *name = vips_foreign_find_load_source(source);
     if (!name)
@@ -62,9 +72,10 @@ Decoded<void> checkHeader(VipsSource *source)
         vips_image_new_from_source(source, "", "access", VIPS_ACCESS_SEQUENTIAL, nullptr));
     if (!header)
         return failure("not a readable picture");
-    if (int64_t{vips_image_get_width(header.get())} * vips_image_get_height(header.get()) > maxStillPixels)
+    const Size size{vips_image_get_width(header.get()), vips_image_get_height(header.get())};
+    if (int64_t{size.width} * size.height > maxStillPixels)
         return failed("a picture of an impossible size");
-    return {};
+    return size;
 }
 
 using Step = int (*)(VipsImage *, VipsImage **);
@@ -126,22 +137,28 @@ Picture pictureOf(const uint8_t *rgb, int width, int height, int bands)
         out[2] = rgb[0];
         out[3] = bands == 4 ? rgb[3] : 255;
     }
-    if (bands == 4)
+    picture.hasAlpha = bands == 4 && hasTransparency(picture.pixels.data(), int64_t{width} * height);
+    if (picture.hasAlpha)
         premultiply(picture.pixels.data(), width, height, int64_t{width} * 4);
     return picture;
 }
 
 } // namespace
 
+Decoded<Size> stillImageSize(int descriptor)
+{
+    const auto source = sourceOf(descriptor);
+    return source ? sizeInHeader(source->get()) : failed(source.error());
+}
+
 Decoded<Picture> stillImage(int descriptor, int maxSide)
 {
-    if (!startLibrary())
-        return failed("the picture library could not be started");
-    const SourcePointer source(vips_source_new_from_descriptor(descriptor));
-    if (!source)
-        return failure("not a readable picture");
-    if (const auto checked = checkHeader(source.get()); !checked)
-        return failed(checked.error());
+    const auto opened = sourceOf(descriptor);
+    if (!opened)
+        return failed(opened.error());
+    const SourcePointer &source = *opened;
+    if (const auto size = sizeInHeader(source.get()); !size)
+        return failed(size.error());
 
     VipsImage *thumbnail = nullptr;
     if (vips_thumbnail_source(source.get(), &thumbnail, maxSide, "height", maxSide, "size", VIPS_SIZE_DOWN,

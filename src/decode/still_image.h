@@ -9,4 +9,7 @@ namespace cratewell::decode {
 // thread; blocks while it decodes.
 Decoded<Picture> stillImage(int descriptor, int maxSide);
 
+// In pixels, as stored. Fails for what stillImage() would not read.
+Decoded<Size> stillImageSize(int descriptor);
+
 } // namespace cratewell::decode

@@ -4,15 +4,11 @@
 #include "decode/internal/video_reader.h"
 
 #include <algorithm>
-#include <mutex>
 
 namespace cratewell::decode {
 
 Decoded<Picture> videoFrame(int descriptor, double fraction, int maxSide)
 {
-    static std::once_flag quietOnce;
-    std::call_once(quietOnce, [] { av_log_set_level(AV_LOG_QUIET); });
-
     auto reader = VideoReader::open(descriptor);
     if (!reader)
         return failed(reader.error());

@@ -59,14 +59,12 @@ Media::Media(Vault &vault, Prefs &prefs, const SystemPaths &paths) : d(std::make
         for (const AssetIndex index : changes.altered) {
             const Asset &asset = changes.after->asset(index);
             if (d->thumbnails.forgetOthers(asset.url, asset.version))
-                Q_EMIT
-            thumbnailChanged(asset.url);
+                Q_EMIT thumbnailChanged(asset.url);
         }
         for (const AssetIndex index : changes.removed) {
             const Location &url = changes.before->asset(index).url;
             if (d->thumbnails.forget(url))
-                Q_EMIT
-            thumbnailChanged(url);
+                Q_EMIT thumbnailChanged(url);
         }
     });
 }
@@ -97,14 +95,15 @@ std::unique_ptr<PreviewRequest> Media::requestThumbnail(const Asset &asset)
 {
     if (thumbnailState(asset) != State::Missing)
         return nullptr;
-    return d->pool.submit({.key = thumbnailKey(asset),
-                           .wish = thumbnailWish(asset),
-                           .finished = [this, url = asset.url, version = asset.version,
-                                        turn = ++d->turn](const DecodeResult &result) {
-                               if (d->thumbnails.put(url, version, turn, result ? result->image : QImage()))
-                                   Q_EMIT
-                               thumbnailChanged(url);
-                           }});
+    return d->pool.submit(
+        {.key = thumbnailKey(asset),
+         .wish = thumbnailWish(asset),
+         .finished = [this, url = asset.url, version = asset.version,
+                      turn = ++d->turn](const DecodeResult &result) {
+             if (d->thumbnails.put(url, version, turn,
+                                   result ? std::get<DecodedPicture>(*result).image : QImage()))
+                 Q_EMIT thumbnailChanged(url);
+         }});
 }
 
 QImage Media::still() const

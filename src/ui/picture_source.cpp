@@ -26,8 +26,7 @@ void ThumbnailSource::follow(Vault &vault, Media &media)
     m_vault = &vault;
     m_media = &media;
     connect(&media, &Media::thumbnailChanged, this, &PictureSource::changed);
-    Q_EMIT
-    reset();
+    Q_EMIT reset();
 }
 
 void ThumbnailSource::componentComplete()

@@ -33,8 +33,7 @@ void ThumbnailItem::setSource(PictureSource *source)
         connect(source, &PictureSource::reset, this, &ThumbnailItem::forget);
     }
     forget();
-    Q_EMIT
-    sourceChanged();
+    Q_EMIT sourceChanged();
 }
 
 void ThumbnailItem::setUrl(const Location &url)
@@ -43,8 +42,7 @@ void ThumbnailItem::setUrl(const Location &url)
         return;
     m_url = url;
     forget();
-    Q_EMIT
-    urlChanged();
+    Q_EMIT urlChanged();
 }
 
 void ThumbnailItem::setKind(AssetKind kind)
@@ -53,8 +51,7 @@ void ThumbnailItem::setKind(AssetKind kind)
         return;
     m_kind = kind;
     polish();
-    Q_EMIT
-    kindChanged();
+    Q_EMIT kindChanged();
 }
 
 void ThumbnailItem::setActive(bool active)
@@ -63,8 +60,7 @@ void ThumbnailItem::setActive(bool active)
         return;
     m_active = active;
     withdrawIfUnseen();
-    Q_EMIT
-    activeChanged();
+    Q_EMIT activeChanged();
 }
 
 void ThumbnailItem::setRadius(qreal radius)
@@ -73,8 +69,7 @@ void ThumbnailItem::setRadius(qreal radius)
         return;
     m_radius = radius;
     polish();
-    Q_EMIT
-    radiusChanged();
+    Q_EMIT radiusChanged();
 }
 
 void ThumbnailItem::setWhole(bool whole)
@@ -92,8 +87,7 @@ void ThumbnailItem::setIconFamily(const QString &family)
         return;
     m_iconFamily = family;
     polish();
-    Q_EMIT
-    iconFamilyChanged();
+    Q_EMIT iconFamilyChanged();
 }
 
 PictureShape ThumbnailItem::shape() const
@@ -192,8 +186,7 @@ void ThumbnailItem::draw(const QImage &image, const PictureShape &cutTo, Drawn w
     const bool wasShown = isShown();
     m_drawn = what;
     if (wasShown != isShown())
-        Q_EMIT
-    shownChanged();
+        Q_EMIT shownChanged();
 }
 
 QSGNode *ThumbnailItem::updatePaintNode(QSGNode *old, UpdatePaintNodeData *)

@@ -1,3 +1,5 @@
+#include "decode/audio_peaks.h"
+#include "decode/file_facts.h"
 #include "decode/still_image.h"
 #include "decode/video_frame.h"
 #include "worker/give_back_memory.h"
@@ -6,7 +8,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <exception>
+#include <stdexcept>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -37,49 +39,85 @@ void limitThisProcess()
 #endif
 }
 
-uint8_t *mapPictureMemory()
+uint8_t *mapMemory()
 {
     struct stat facts = {};
-    if (fstat(memoryDescriptor, &facts) != 0 || facts.st_size < off_t(pictureBytes))
+    if (fstat(memoryDescriptor, &facts) != 0 || facts.st_size < off_t(memoryBytes))
         return nullptr;
-    void *memory = mmap(nullptr, pictureBytes, PROT_READ | PROT_WRITE, MAP_SHARED, memoryDescriptor, 0);
+    void *memory = mmap(nullptr, memoryBytes, PROT_READ | PROT_WRITE, MAP_SHARED, memoryDescriptor, 0);
     return memory == MAP_FAILED ? nullptr : static_cast<uint8_t *>(memory);
 }
 
-decode::Decoded<decode::Picture> decodePicture(const ReceivedJob &job)
+template<typename T> const T &orThrow(const decode::Decoded<T> &decoded)
+{
+    if (!decoded)
+        throw std::runtime_error(decoded.error());
+    return *decoded;
+}
+
+void put(const decode::Picture &picture, uint8_t *memory, Reply &reply)
+{
+    if (picture.pixels.size() > memoryBytes)
+        throw std::runtime_error("the picture is too large");
+    std::memcpy(memory, picture.pixels.data(), picture.pixels.size());
+    reply.width = picture.width;
+    reply.height = picture.height;
+    reply.hasAlpha = picture.hasAlpha ? 1 : 0;
+    reply.bytes = picture.pixels.size();
+    reply.duration = picture.duration;
+}
+
+void putSound(int file, int count, uint8_t *memory, Reply &reply)
+{
+    const auto decoded = decode::audioPeaks(file, count);
+    const std::vector<float> &peaks = orThrow(decoded);
+    reply.bytes = peaks.size() * sizeof(float);
+    std::memcpy(memory, peaks.data(), reply.bytes);
+    if (const auto facts = decode::fileFacts(file))
+        reply.duration = facts->duration;
+}
+
+FileFacts factsToSend(const decode::FileFacts &facts)
+{
+    return {.duration = facts.duration,
+            .frameRate = facts.frameRate,
+            .frames = facts.frames,
+            .width = facts.width,
+            .height = facts.height,
+            .codec = facts.codec,
+            .sampleRate = facts.sampleRate,
+            .channels = facts.channels,
+            .hasVideo = facts.hasVideo ? 1U : 0U,
+            .hasAudio = facts.hasAudio ? 1U : 0U};
+}
+
+void work(const ReceivedJob &job, uint8_t *memory, Reply &reply)
 {
     const Request &request = job.request();
-    if (job.file() < 0 || request.maxSide < 1 || request.maxSide > maxPictureSide)
-        return decode::failed("a request without a file or a size");
-    try {
-        switch (request.kind) {
-        case JobKind::VideoFrame:
-            return decode::videoFrame(job.file(), request.fraction, request.maxSide);
-        case JobKind::StillImage:
-            return decode::stillImage(job.file(), request.maxSide);
-        }
-    } catch (const std::exception &problem) {
-        return decode::failed(problem.what());
-    }
-    return decode::failed("a request of an unknown kind");
+    const bool sizeIsPossible = request.maxSide >= 1 && request.maxSide <= maxPictureSide;
+    const bool countIsPossible = request.count >= 1 && request.count <= maxPeakCount;
+    if (job.file() >= 0 && request.kind == JobKind::VideoFrame && sizeIsPossible)
+        put(orThrow(decode::videoFrame(job.file(), request.fraction, request.maxSide)), memory, reply);
+    else if (job.file() >= 0 && request.kind == JobKind::StillImage && sizeIsPossible)
+        put(orThrow(decode::stillImage(job.file(), request.maxSide)), memory, reply);
+    else if (job.file() >= 0 && request.kind == JobKind::AudioPeaks && countIsPossible)
+        putSound(job.file(), request.count, memory, reply);
+    else if (job.file() >= 0 && request.kind == JobKind::Facts)
+        reply.facts = factsToSend(orThrow(decode::fileFacts(job.file())));
+    else
+        throw std::runtime_error("a request that makes no sense");
 }
 
 Reply answer(const ReceivedJob &job, uint8_t *memory)
 {
     Reply reply;
     reply.job = job.request().job;
-    const auto picture = decodePicture(job);
-    if (!picture || picture->pixels.size() > pictureBytes) {
-        const std::string text = picture ? "the picture is too large" : picture.error();
-        std::snprintf(reply.error, sizeof reply.error, "%s", text.c_str());
-        return reply;
+    try {
+        work(job, memory, reply);
+        reply.status = JobStatus::Done;
+    } catch (const std::exception &problem) {
+        std::snprintf(reply.error, sizeof reply.error, "%s", problem.what());
     }
-    std::memcpy(memory, picture->pixels.data(), picture->pixels.size());
-    reply.status = JobStatus::Done;
-    reply.width = picture->width;
-    reply.height = picture->height;
-    reply.bytes = picture->pixels.size();
-    reply.duration = picture->duration;
     return reply;
 }
 
@@ -88,7 +126,7 @@ Reply answer(const ReceivedJob &job, uint8_t *memory)
 int main()
 {
     limitThisProcess();
-    uint8_t *memory = mapPictureMemory();
+    uint8_t *memory = mapMemory();
     if (!memory) {
         std::fputs("This program decodes media for Cratewell, which starts it.\n", stderr);
         return 1;

@@ -33,15 +33,13 @@ public:
         image.fill(color);
         pictures[url] = image;
         states[url] = Media::State::Ready;
-        Q_EMIT
-        changed(url);
+        Q_EMIT changed(url);
     }
     void fail(const Location &url)
     {
         pictures.remove(url);
         states[url] = Media::State::Failed;
-        Q_EMIT
-        changed(url);
+        Q_EMIT changed(url);
     }
     // As a source short of memory does: without a word.
     void letGo(const Location &url)
@@ -52,8 +50,7 @@ public:
     void invalidate(const Location &url)
     {
         states[url] = Media::State::Missing;
-        Q_EMIT
-        changed(url);
+        Q_EMIT changed(url);
     }
 
     QHash<Location, Media::State> states;

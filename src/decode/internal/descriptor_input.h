@@ -16,6 +16,7 @@ public:
 
     // Null when there was no memory.
     AVIOContext *context() const { return m_context; }
+    int descriptor() const { return m_descriptor; }
 
 private:
     static int read(void *self, uint8_t *to, int size);

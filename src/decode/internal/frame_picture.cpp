@@ -115,7 +115,9 @@ Decoded<Picture> framePicture(const AVFrame &frame, double pixelAspect, Orientat
     const auto result = hasAlpha(frame) ? scaledWithAlpha(frame, size) : scaled(frame, size);
     if (!result)
         return failed(result.error());
-    return uprightPicture((*result)->data[0], size, (*result)->linesize[0], orientation);
+    Picture picture = uprightPicture((*result)->data[0], size, (*result)->linesize[0], orientation);
+    picture.hasAlpha = hasTransparency(picture.pixels.data(), int64_t{size.width} * size.height);
+    return picture;
 }
 
 } // namespace cratewell::decode

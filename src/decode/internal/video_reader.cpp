@@ -11,32 +11,6 @@ namespace {
 
 constexpr double tolerance = 0.1; // seconds
 
-// A container may name further files or addresses; a media file is one file.
-int refuseToOpen(AVFormatContext *, AVIOContext **, const char *, int, AVDictionary **)
-{
-    return AVERROR(EPERM);
-}
-
-// QuickTime and Matroska headers tell everything that finding a frame needs; other containers are probed.
-bool headerTellsAll(const AVFormatContext &format, const AVStream *stream)
-{
-    const char *name = format.iformat->name;
-    return (std::strstr(name, "mov") || std::strstr(name, "matroska")) && stream &&
-           stream->codecpar->width > 0 && stream->codecpar->codec_id != AV_CODEC_ID_NONE &&
-           format.duration != AV_NOPTS_VALUE;
-}
-
-AVStream *firstVideo(const AVFormatContext &format)
-{
-    for (unsigned i = 0; i < format.nb_streams; ++i) {
-        AVStream *stream = format.streams[i];
-        if (stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
-            !(stream->disposition & AV_DISPOSITION_ATTACHED_PIC))
-            return stream;
-    }
-    return nullptr;
-}
-
 // FFmpeg's own VP8 and VP9 decoders drop the alpha channel that WebM keeps beside the picture.
 const AVCodec *decoderFor(const AVStream &stream)
 {
@@ -56,67 +30,23 @@ const AVCodec *decoderFor(const AVStream &stream)
 
 Decoded<std::unique_ptr<VideoReader>> VideoReader::open(int descriptor)
 {
-    std::unique_ptr<VideoReader> reader(new VideoReader(descriptor));
-    if (const auto opened = reader->openContainer(); !opened)
-        return failed(opened.error());
-    if (const auto opened = reader->openDecoder(); !opened)
-        return failed(opened.error());
-    return reader;
-}
-
-Decoded<void> VideoReader::openContainer()
-{
-    AVFormatContext *format = avformat_alloc_context();
-    m_packet.reset(av_packet_alloc());
-    if (!format || !m_packet || !m_input.context()) {
-        avformat_free_context(format);
-        return failed("out of memory");
-    }
-    format->pb = m_input.context();
-    format->io_open = &refuseToOpen;
-    format->flags |= AVFMT_FLAG_CUSTOM_IO;
-    if (const int code = avformat_open_input(&format, "", nullptr, nullptr); code < 0)
-        return failed("not a readable video: " + errorText(code));
-    m_format.reset(format);
-
-    if (!headerTellsAll(*format, firstVideo(*format))) {
-        if (const int code = avformat_find_stream_info(format, nullptr); code < 0)
-            return failed("not a readable video: " + errorText(code));
-    }
-    m_stream = firstVideo(*format);
-    if (!m_stream)
+    auto container = MediaContainer::open(descriptor, MediaContainer::Purpose::Frames);
+    if (!container)
+        return failed(container.error());
+    std::unique_ptr<VideoReader> reader(new VideoReader);
+    reader->m_container = std::move(*container);
+    reader->m_stream = reader->m_container->firstVideo();
+    reader->m_packet.reset(av_packet_alloc());
+    if (!reader->m_stream)
         return failed("there is no video in it");
-    for (unsigned i = 0; i < format->nb_streams; ++i)
-        format->streams[i]->discard = format->streams[i] == m_stream ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
-    return {};
-}
-
-Decoded<void> VideoReader::openDecoder()
-{
-    const AVCodec *codec = decoderFor(*m_stream);
-    if (!codec)
-        return failed(std::string("no decoder for ") + avcodec_get_name(m_stream->codecpar->codec_id));
-    m_codec.reset(avcodec_alloc_context3(codec));
-    if (!m_codec)
+    if (!reader->m_packet)
         return failed("out of memory");
-    int code = avcodec_parameters_to_context(m_codec.get(), m_stream->codecpar);
-    m_codec->thread_count = 1;
-    m_codec->max_pixels = maxFramePixels;
-    m_codec->pkt_timebase = m_stream->time_base;
-    if (code >= 0)
-        code = avcodec_open2(m_codec.get(), codec, nullptr);
-    if (code < 0)
-        return failed("the video cannot be decoded: " + errorText(code));
-    return {};
-}
-
-double VideoReader::duration() const
-{
-    if (m_format->duration != AV_NOPTS_VALUE && m_format->duration > 0)
-        return double(m_format->duration) / AV_TIME_BASE;
-    if (m_stream->duration != AV_NOPTS_VALUE && m_stream->duration > 0)
-        return double(m_stream->duration) * av_q2d(m_stream->time_base);
-    return 0;
+    reader->m_container->readOnly(reader->m_stream);
+    auto decoder = reader->m_container->openDecoder(*reader->m_stream, decoderFor(*reader->m_stream));
+    if (!decoder)
+        return failed(decoder.error());
+    reader->m_codec = std::move(*decoder);
+    return reader;
 }
 
 Orientation VideoReader::orientation() const
@@ -132,7 +62,7 @@ Orientation VideoReader::orientation() const
 
 double VideoReader::pixelAspect(AVFrame *frame) const
 {
-    const AVRational ratio = av_guess_sample_aspect_ratio(m_format.get(), m_stream, frame);
+    const AVRational ratio = av_guess_sample_aspect_ratio(&m_container->format(), m_stream, frame);
     const double aspect = ratio.num > 0 && ratio.den > 0 ? av_q2d(ratio) : 1.0;
     return aspect > 0.1 && aspect < 10 ? aspect : 1.0;
 }
@@ -143,8 +73,9 @@ Decoded<FramePointer> VideoReader::frameNear(double seconds)
     const auto ticks = [&](double time) { return int64_t(std::llround(time / unit)); };
     // QuickTime times count from the beginning of the movie, also when the picture begins later.
     int64_t start = 0;
-    if (m_format->start_time != AV_NOPTS_VALUE && !std::strstr(m_format->iformat->name, "mov"))
-        start = av_rescale_q(m_format->start_time, AV_TIME_BASE_Q, m_stream->time_base);
+    const AVFormatContext &format = m_container->format();
+    if (format.start_time != AV_NOPTS_VALUE && !m_container->isNamed("mov"))
+        start = av_rescale_q(format.start_time, AV_TIME_BASE_Q, m_stream->time_base);
     const int64_t earliest = start + ticks(seconds - tolerance), latest = start + ticks(seconds + tolerance);
 
     // Indices count in decoding order, and some are wrong: when the first frame from a key frame is already
@@ -170,7 +101,7 @@ Decoded<FramePointer> VideoReader::frameNear(double seconds)
 
 VideoReader::Seeking VideoReader::seekBefore(int64_t timestamp)
 {
-    const int code = av_seek_frame(m_format.get(), m_stream->index, timestamp, AVSEEK_FLAG_BACKWARD);
+    const int code = av_seek_frame(&m_container->format(), m_stream->index, timestamp, AVSEEK_FLAG_BACKWARD);
     avcodec_flush_buffers(m_codec.get());
     m_awaitingKey = true;
     return code >= 0 ? Seeking::Found : Seeking::Failed;
@@ -179,9 +110,9 @@ VideoReader::Seeking VideoReader::seekBefore(int64_t timestamp)
 void VideoReader::rewind(int64_t start)
 {
     // Formats without an index search for a time by guessing positions, and miss the very first.
-    const bool byPosition = m_format->iformat->flags & AVFMT_TS_DISCONT;
+    const bool byPosition = m_container->format().iformat->flags & AVFMT_TS_DISCONT;
     if (byPosition || seekBefore(start) == Seeking::Failed)
-        av_seek_frame(m_format.get(), -1, 0, AVSEEK_FLAG_BYTE);
+        av_seek_frame(&m_container->format(), -1, 0, AVSEEK_FLAG_BYTE);
     avcodec_flush_buffers(m_codec.get());
     m_awaitingKey = false;
 }
@@ -209,7 +140,7 @@ FramePointer VideoReader::decodeTowards(int64_t earliest, int64_t latest)
 
 VideoReader::Feeding VideoReader::feed(int64_t earliest)
 {
-    while (av_read_frame(m_format.get(), m_packet.get()) >= 0) {
+    while (av_read_frame(&m_container->format(), m_packet.get()) >= 0) {
         const bool ours = m_packet->stream_index == m_stream->index;
         int code = AVERROR(EAGAIN);
         m_awaitingKey = m_awaitingKey && !(ours && (m_packet->flags & AV_PKT_FLAG_KEY));

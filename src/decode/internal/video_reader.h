@@ -1,6 +1,6 @@
 #pragma once
 
-#include "decode/internal/descriptor_input.h"
+#include "decode/internal/media_container.h"
 #include "decode/internal/orientation.h"
 
 namespace cratewell::decode {
@@ -13,7 +13,7 @@ public:
     static Decoded<std::unique_ptr<VideoReader>> open(int descriptor);
 
     // Of the whole file, in seconds; 0 when unknown.
-    double duration() const;
+    double duration() const { return m_container->duration(); }
     Orientation orientation() const;
     // Width over height of one stored pixel of this frame.
     double pixelAspect(AVFrame *frame) const;
@@ -23,10 +23,8 @@ public:
     Decoded<FramePointer> frameNear(double seconds);
 
 private:
-    explicit VideoReader(int descriptor) : m_input(descriptor) {}
+    VideoReader() = default;
 
-    Decoded<void> openContainer();
-    Decoded<void> openDecoder();
     enum class Seeking { Found, Failed };
     Seeking seekBefore(int64_t timestamp);
     void rewind(int64_t start);
@@ -35,8 +33,7 @@ private:
     enum class Feeding { Fed, End };
     Feeding feed(int64_t earliest);
 
-    DescriptorInput m_input;
-    FormatPointer m_format;
+    std::unique_ptr<MediaContainer> m_container;
     CodecPointer m_codec;
     PacketPointer m_packet;
     AVStream *m_stream = nullptr;

@@ -15,7 +15,7 @@ struct DecodePool::Entry
     DecodeJob job;
     Phase phase = Phase::Waiting;
     int requests = 0;
-    quint64 turn = 0; // its place among the waiting
+    std::pair<DecodeJob::Rank, quint64> place = {}; // among the waiting
 };
 
 class DecodePool::Request : public PreviewRequest
@@ -59,15 +59,16 @@ DecodePool::Limits DecodePool::usualLimits()
 
 std::unique_ptr<PreviewRequest> DecodePool::submit(DecodeJob job)
 {
+    const DecodeJob::Rank rank = job.rank;
     std::shared_ptr<Entry> &known = m_entries[job.key];
     if (!known)
         known = std::make_shared<Entry>(Entry{.job = std::move(job)});
     const std::shared_ptr<Entry> entry = known;
     ++entry->requests;
     if (entry->phase == Entry::Phase::Waiting) {
-        m_waiting.erase(entry->turn);
-        entry->turn = ++m_clock;
-        m_waiting.emplace(entry->turn, entry);
+        m_waiting.erase(entry->place);
+        entry->place = {std::max(entry->place.first, rank), ++m_clock};
+        m_waiting.emplace(entry->place, entry);
         scheduleStart();
     }
     return std::make_unique<Request>(this, entry);
@@ -88,7 +89,7 @@ void DecodePool::drop(Entry &entry)
     if (--entry.requests > 0 || entry.phase != Entry::Phase::Waiting)
         return;
     entry.phase = Entry::Phase::Over;
-    m_waiting.erase(entry.turn);
+    m_waiting.erase(entry.place);
     m_entries.remove(entry.job.key);
 }
 

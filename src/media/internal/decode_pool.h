@@ -16,16 +16,21 @@ namespace cratewell {
 class DecodeSlot;
 
 // A job for the workers. Two jobs of one key are the same work: the second joins the first, and `finished` of
-// the first is what is called, once. It is not called for a job that was dropped, nor after the pool's end.
+// the first is what is called, once; its rank is the highest asked for. It is not called for a job that was
+// dropped, nor after the pool's end.
 struct DecodeJob
 {
+    // What the pointer is on comes before everything that merely is on screen.
+    enum class Rank { Usual, UnderPointer };
+
     QByteArray key;
     DecodeWish wish;
+    Rank rank = Rank::Usual;
     std::function<void(const DecodeResult &)> finished;
 };
 
-// Spreads jobs over slots, newest first. Main thread. `finished` is called from the event loop, never from
-// within submit().
+// Spreads jobs over slots: the highest rank first, and of one rank the newest. Main thread. `finished` is
+// called from the event loop, never from within submit().
 class DecodePool : public QObject
 {
     Q_OBJECT
@@ -59,7 +64,8 @@ private:
 
     std::vector<DecodeSlot *> m_slots;
     QHash<QByteArray, std::shared_ptr<Entry>> m_entries;
-    std::map<quint64, std::shared_ptr<Entry>> m_waiting; // by the time of the newest request
+    // By rank, then by the time of the newest request: the last is the next.
+    std::map<std::pair<DecodeJob::Rank, quint64>, std::shared_ptr<Entry>> m_waiting;
     quint64 m_clock = 0;
     bool m_startScheduled = false;
 };

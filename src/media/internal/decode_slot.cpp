@@ -55,6 +55,7 @@ Result<void> DecodeSlot::hand(const OpenFile &file)
     request.job = m_job;
     request.kind = m_wish.kind;
     request.maxSide = m_wish.maxSide;
+    request.count = m_wish.count;
     request.fraction = m_wish.fraction;
     for (int attempt = 0; attempt < 2; ++attempt) {
         if (const auto worker = ensureWorker(); !worker)
@@ -101,12 +102,10 @@ void DecodeSlot::takeAnswer(const worker::Reply &reply)
         const auto length = qsizetype(strnlen(reply.error, sizeof reply.error));
         return finish(tl::unexpected(Error{QString::fromUtf8(reply.error, length)}));
     }
-    const QImage image = m_worker->picture(reply);
-    if (image.isNull() || std::max(image.width(), image.height()) > m_wish.maxSide) {
+    const DecodeResult result = m_worker->answer(m_wish, reply);
+    if (!result)
         dropWorker();
-        return finish(tl::unexpected(Error{u"The decoder told of an impossible picture"_s}));
-    }
-    finish(DecodedPicture{image, reply.duration});
+    finish(result);
 }
 
 void DecodeSlot::workerEnded()

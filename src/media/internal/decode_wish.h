@@ -1,10 +1,13 @@
 #pragma once
 
+#include "media/media_facts.h"
+#include "media/waveform_peaks.h"
 #include "platform/error.h"
 #include "platform/location.h"
 #include "worker/protocol.h"
 
 #include <QImage>
+#include <variant>
 
 namespace cratewell {
 
@@ -12,16 +15,25 @@ struct DecodeWish
 {
     Location file;
     worker::JobKind kind = worker::JobKind::StillImage;
-    int maxSide = 0;     // pixels
+    int maxSide = 0;     // pixels; pictures only
     double fraction = 0; // of the duration; video only
+    int count = 240;     // peaks only
 };
 
 struct DecodedPicture
 {
-    QImage image;        // never null; premultiplied ARGB
-    double duration = 0; // seconds; 0 for a still or when unknown
+    QImage image;          // never null; opaque ones are RGB32, others premultiplied ARGB
+    bool hasAlpha = false; // some pixel is not opaque
+    double duration = 0;   // seconds; 0 for a still or when unknown
 };
 
-using DecodeResult = Result<DecodedPicture>;
+struct DecodedSound
+{
+    WaveformPeaks peaks; // as many as were wished for
+    double duration = 0; // seconds; 0 when unknown
+};
+
+// A frame or a still is answered by a picture, peaks by a sound, facts by facts.
+using DecodeResult = Result<std::variant<DecodedPicture, DecodedSound, MediaFacts>>;
 
 } // namespace cratewell

@@ -10,8 +10,7 @@ void PreviewStill::setFile(const Location &file)
     m_users = {};
     m_asked = false;
     m_request.reset();
-    Q_EMIT
-    changed();
+    Q_EMIT changed();
 }
 
 QImage PreviewStill::image()
@@ -36,9 +35,8 @@ void PreviewStill::take(const Location &file, const DecodeResult &result)
 {
     if (file != m_file || !result)
         return;
-    m_users = result->image;
-    Q_EMIT
-    changed();
+    m_users = std::get<DecodedPicture>(*result).image;
+    Q_EMIT changed();
 }
 
 } // namespace cratewell

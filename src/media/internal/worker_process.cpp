@@ -27,7 +27,7 @@ void inheritOnly(int socket, int memory)
 
 Result<std::unique_ptr<WorkerProcess>> WorkerProcess::start(const Location &program, QObject *keeper)
 {
-    auto memory = PictureMemory::create();
+    auto memory = ReplyMemory::create();
     if (!memory)
         return tl::unexpected(memory.error());
     int pair[2] = {-1, -1};
@@ -39,7 +39,7 @@ Result<std::unique_ptr<WorkerProcess>> WorkerProcess::start(const Location &prog
     return process;
 }
 
-WorkerProcess::WorkerProcess(std::unique_ptr<PictureMemory> memory, int socket)
+WorkerProcess::WorkerProcess(std::unique_ptr<ReplyMemory> memory, int socket)
     : m_memory(std::move(memory)), m_socket(socket),
       m_notifier(new QSocketNotifier(socket, QSocketNotifier::Read, this))
 {
@@ -110,13 +110,11 @@ void WorkerProcess::receive()
     if (got < 0 && (errno == EAGAIN || errno == EINTR))
         return;
     if (got == ssize_t(sizeof reply)) {
-        Q_EMIT
-        answered(reply);
+        Q_EMIT answered(reply);
         return;
     }
     m_notifier->setEnabled(false);
-    Q_EMIT
-    ended();
+    Q_EMIT ended();
 }
 
 } // namespace cratewell

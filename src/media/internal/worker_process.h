@@ -1,6 +1,6 @@
 #pragma once
 
-#include "media/internal/picture_memory.h"
+#include "media/internal/reply_memory.h"
 #include "platform/location.h"
 
 #include <QObject>
@@ -28,7 +28,10 @@ public:
     // False when the worker is gone.
     [[nodiscard]] bool send(const worker::Request &request, int file) const;
     // Valid from `answered` until the next request.
-    QImage picture(const worker::Reply &reply) const { return m_memory->picture(reply); }
+    DecodeResult answer(const DecodeWish &wish, const worker::Reply &reply) const
+    {
+        return m_memory->answer(wish, reply);
+    }
 
 Q_SIGNALS:
     void answered(const cratewell::worker::Reply &reply);
@@ -36,11 +39,11 @@ Q_SIGNALS:
     void ended();
 
 private:
-    WorkerProcess(std::unique_ptr<PictureMemory> memory, int socket);
+    WorkerProcess(std::unique_ptr<ReplyMemory> memory, int socket);
     void launch(const Location &program, int workerSocket, QObject *keeper);
     void receive();
 
-    std::unique_ptr<PictureMemory> m_memory;
+    std::unique_ptr<ReplyMemory> m_memory;
     int m_socket;
     QSocketNotifier *m_notifier;
     QPointer<QProcess> m_process; // owned by the keeper

@@ -1,0 +1,21 @@
+#include "decode/audio_reader.h"
+
+#include "decode/internal/coded_sound_reader.h"
+#include "decode/internal/pcm_reader.h"
+
+namespace cratewell::decode {
+
+Decoded<std::unique_ptr<AudioReader>> AudioReader::open(int descriptor)
+{
+    auto container = MediaContainer::open(descriptor, MediaContainer::Purpose::Sound);
+    if (!container)
+        return failed(container.error());
+    AVStream *stream = (*container)->firstAudio();
+    if (!stream || stream->codecpar->sample_rate <= 0 || stream->codecpar->ch_layout.nb_channels <= 0)
+        return failed("there is no sound in it");
+    if (auto reader = PcmReader::create(**container, *stream))
+        return reader;
+    return CodedSoundReader::create(std::move(*container), stream);
+}
+
+} // namespace cratewell::decode

@@ -1,0 +1,77 @@
+#include "decode/file_facts.h"
+
+#include "decode/audio_reader.h"
+#include "decode/internal/media_container.h"
+#include "decode/still_image.h"
+
+#include <algorithm>
+#include <array>
+
+namespace cratewell::decode {
+
+namespace {
+
+// FFmpeg keeps the first character of a code in the lowest byte.
+uint32_t firstHighest(uint32_t tag)
+{
+    return tag >> 24 | (tag >> 8 & 0xff00) | (tag << 8 & 0xff0000) | tag << 24;
+}
+
+bool isPrintable(uint32_t tag)
+{
+    const std::array<uint32_t, 4> characters{tag & 0xff, tag >> 8 & 0xff, tag >> 16 & 0xff, tag >> 24};
+    return std::all_of(characters.begin(), characters.end(), [](uint32_t c) { return c >= ' ' && c <= '~'; });
+}
+
+// Not every container names codecs by four characters; QuickTime's name stands in.
+uint32_t codecOf(const AVCodecParameters &parameters)
+{
+    if (isPrintable(parameters.codec_tag))
+        return firstHighest(parameters.codec_tag);
+    const std::array<const AVCodecTag *, 2> tables{avformat_get_mov_video_tags(), nullptr};
+    return firstHighest(av_codec_get_tag(tables.data(), parameters.codec_id));
+}
+
+double frameRateOf(const AVStream &stream)
+{
+    for (const AVRational rate : {stream.avg_frame_rate, stream.r_frame_rate}) {
+        if (rate.num > 0 && rate.den > 0)
+            return av_q2d(rate);
+    }
+    return 0;
+}
+
+} // namespace
+
+Decoded<FileFacts> fileFacts(int descriptor)
+{
+    FileFacts facts;
+    if (const auto size = stillImageSize(descriptor)) {
+        facts.width = size->width;
+        facts.height = size->height;
+        return facts;
+    }
+    const auto container = MediaContainer::open(descriptor, MediaContainer::Purpose::Facts);
+    if (!container)
+        return failed(container.error());
+    facts.duration = (*container)->duration();
+    if (const AVStream *video = (*container)->firstVideo()) {
+        facts.hasVideo = true;
+        facts.width = std::max(video->codecpar->width, 0);
+        facts.height = std::max(video->codecpar->height, 0);
+        facts.frameRate = frameRateOf(*video);
+        facts.codec = codecOf(*video->codecpar);
+    }
+    const auto sound = AudioReader::open(descriptor);
+    if (!sound)
+        return facts.hasVideo ? Decoded<FileFacts>(facts) : failed(sound.error());
+    facts.hasAudio = true;
+    facts.sampleRate = (*sound)->sampleRate();
+    facts.channels = (*sound)->channels();
+    facts.frames = (*sound)->length();
+    if (!facts.hasVideo)
+        facts.duration = double(facts.frames) / facts.sampleRate;
+    return facts;
+}
+
+} // namespace cratewell::decode

@@ -1,0 +1,142 @@
+#include "decode/internal/coded_sound_reader.h"
+
+#include "decode/internal/sample_conversion.h"
+
+#include <algorithm>
+
+namespace cratewell::decode {
+
+Decoded<std::unique_ptr<AudioReader>> CodedSoundReader::create(std::unique_ptr<MediaContainer> container,
+                                                               AVStream *stream)
+{
+    std::unique_ptr<CodedSoundReader> reader(new CodedSoundReader);
+    reader->m_stream = stream;
+    reader->m_packet.reset(av_packet_alloc());
+    reader->m_frame.reset(av_frame_alloc());
+    if (!reader->m_packet || !reader->m_frame)
+        return failed("out of memory");
+    container->readOnly(stream);
+    auto decoder = container->openDecoder(*stream, avcodec_find_decoder(stream->codecpar->codec_id));
+    if (!decoder)
+        return failed(decoder.error());
+    reader->m_codec = std::move(*decoder);
+    // The last packet of a QuickTime file is filled up; only the track's length tells where the sound ends.
+    if (container->isNamed("mov") && stream->nb_frames > 0 && stream->duration > 0)
+        reader->m_end = std::max<int64_t>(reader->toFrames(stream->duration - reader->beginning()), 0);
+    reader->m_container = std::move(container);
+    return reader;
+}
+
+int64_t CodedSoundReader::beginning() const
+{
+    return m_stream->start_time == AV_NOPTS_VALUE ? 0 : m_stream->start_time;
+}
+
+int64_t CodedSoundReader::toFrames(int64_t ticks) const
+{
+    return av_rescale_q(ticks, m_stream->time_base, {1, sampleRate()});
+}
+
+int64_t CodedSoundReader::length() const
+{
+    if (m_end != INT64_MAX)
+        return m_end;
+    if (m_stream->duration == AV_NOPTS_VALUE || m_stream->duration <= 0)
+        return int64_t(m_container->duration() * sampleRate());
+    // MP3 counts what encoder and decoder put before the sound.
+    const int64_t before = m_container->isNamed("mp3") ? beginning() : 0;
+    return std::max<int64_t>(toFrames(m_stream->duration - before), 0);
+}
+
+std::optional<int64_t> CodedSoundReader::timeOfFrame() const
+{
+    if (m_frame->best_effort_timestamp == AV_NOPTS_VALUE)
+        return std::nullopt;
+    return toFrames(m_frame->best_effort_timestamp - beginning());
+}
+
+void CodedSoundReader::feed()
+{
+    while (av_read_frame(&m_container->format(), m_packet.get()) >= 0) {
+        const bool fed = m_packet->stream_index == m_stream->index &&
+                         avcodec_send_packet(m_codec.get(), m_packet.get()) >= 0;
+        av_packet_unref(m_packet.get());
+        if (fed)
+            return;
+    }
+    avcodec_send_packet(m_codec.get(), nullptr);
+}
+
+CodedSoundReader::Step CodedSoundReader::decodeFrame()
+{
+    m_used = 0;
+    for (;;) {
+        const int code = avcodec_receive_frame(m_codec.get(), m_frame.get());
+        if (code == AVERROR(EAGAIN)) {
+            feed();
+            continue;
+        }
+        if (code == AVERROR_INVALIDDATA)
+            continue;
+        if (code < 0)
+            return Step::End;
+        m_decodedAnything = true;
+        return Step::Frame;
+    }
+}
+
+// A decoder needs some sound before the wanted place to be in its stride.
+Decoded<void> CodedSoundReader::seek(int64_t frame)
+{
+    m_next = std::max<int64_t>(frame, 0);
+    const int64_t runUp = sampleRate() / 5;
+    const int64_t ticks =
+        av_rescale_q(std::max<int64_t>(m_next - runUp, 0), {1, sampleRate()}, m_stream->time_base);
+    if (const int code =
+            av_seek_frame(&m_container->format(), m_stream->index, beginning() + ticks, AVSEEK_FLAG_BACKWARD);
+        code < 0)
+        return failed("the sound has no such place: " + errorText(code));
+    avcodec_flush_buffers(m_codec.get());
+    av_frame_unref(m_frame.get());
+    m_used = 0;
+    m_seekPending = true;
+    return {};
+}
+
+Decoded<int> CodedSoundReader::read(float *const *planes, int count)
+{
+    int done = 0;
+    count = int(std::min<int64_t>(count, std::max<int64_t>(m_end - m_next, 0)));
+    while (done < count) {
+        if (m_used == m_frame->nb_samples) {
+            if (decodeFrame() == Step::End)
+                break;
+            if (m_seekPending) {
+                const int64_t ahead = m_next - timeOfFrame().value_or(m_next);
+                m_used = int(std::clamp<int64_t>(ahead, 0, m_frame->nb_samples));
+                m_seekPending = m_used == m_frame->nb_samples;
+                continue;
+            }
+        }
+        const auto format = AVSampleFormat(m_frame->format);
+        const auto kind = SampleKind::ofDecoded(format);
+        if (!kind || m_frame->ch_layout.nb_channels != channels() || m_frame->sample_rate != sampleRate())
+            return failed("the sound changes its kind");
+        const bool planar = av_sample_fmt_is_planar(format) != 0;
+        const int stride = planar ? kind->bytes() : kind->bytes() * channels();
+        const int now = std::min(count - done, m_frame->nb_samples - m_used);
+        for (int channel = 0; channel < channels(); ++channel) {
+            const uint8_t *samples = planar ? m_frame->extended_data[channel]
+                                            : m_frame->extended_data[0] + channel * kind->bytes();
+            toFloats(*kind, samples + int64_t{m_used} * stride, stride, planes[channel] + done, now);
+        }
+        m_used += now;
+        m_next += now;
+        done += now;
+    }
+    if (done == 0 && count > 0 && !m_decodedAnything)
+        return failed("no sound could be decoded");
+    return done;
+}
+
+} // namespace cratewell::decode
