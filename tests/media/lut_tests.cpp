@@ -1,4 +1,5 @@
 #include "media/internal/float_text.h"
+#include "media/internal/plain_float.h"
 #include "media/lut.h"
 #include "support/naive_cube_reader.h"
 

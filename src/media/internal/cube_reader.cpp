@@ -1,11 +1,13 @@
 #include "media/internal/cube_reader.h"
 
 #include "media/internal/float_text.h"
+#include "media/internal/plain_float.h"
 #include "media/internal/utf8_lines.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstring>
 #include <new>
 #include <vector>
 
@@ -58,18 +60,49 @@ std::string titleFromLine(std::string_view line)
     return std::string(line.substr(0, line.find_last_not_of('"') + 1));
 }
 
+// Goes from one place of a letter, in either case, to the next.
+class LetterFinder
+{
+public:
+    LetterFinder(char capital, const char *end)
+        : m_capital{capital, nullptr}, m_small{char(capital | 0x20), nullptr}, m_end(end)
+    {
+    }
+    // The first one from `text` on, or the end. `text` never goes back, so that nothing is searched twice.
+    const char *next(const char *text) { return std::min(next(m_capital, text), next(m_small, text)); }
+
+private:
+    struct Case
+    {
+        char letter;
+        const char *found; // null before the first search
+    };
+    const char *next(Case &one, const char *text) const
+    {
+        if (one.found == nullptr || one.found < text) {
+            const void *found = text == m_end ? nullptr : std::memchr(text, one.letter, size_t(m_end - text));
+            one.found = found != nullptr ? static_cast<const char *>(found) : m_end;
+        }
+        return one.found;
+    }
+    Case m_capital;
+    Case m_small;
+    const char *m_end;
+};
+
 // How many points the text has to hold. The size that counts may stand below the points, so it is looked for
 // before any of them is read; nothing when the text cannot fill its table.
-std::optional<std::int64_t> announcedSize(std::string_view text)
+std::optional<std::int64_t> announcedSize(std::string_view text, std::size_t lines)
 {
+    const char *const end = text.data() + text.size();
     std::int64_t size = 0;
-    std::size_t lines = 0;
     Utf8Lines rest(text);
-    for (std::string_view line; rest.next(line);) {
-        ++lines;
-        const char *first = std::find_if_not(line.data(), line.data() + line.size(), isBlank);
-        if (first == line.data() + line.size() || ((*first | 0x20) != 'l' && (*first & 0x80) == 0))
-            continue;
+    std::string_view line;
+    // Hardly any line but those with a keyword has this letter.
+    LetterFinder finder('L', end);
+    for (const char *letter = nullptr; (letter = finder.next(rest.position())) != end;) {
+        rest.moveToLineOf(letter);
+        rest.next(line);
         line = trimmed(line);
         std::string_view words = line;
         const std::string_view keyword = takeWord(words);
@@ -99,7 +132,7 @@ public:
     void write(const Color &row, float *point) const
     {
         for (size_t channel = 0; channel < row.size(); ++channel)
-            point[channel] = (row[channel] - m_start[channel]) / m_range[channel];
+            point[channel] = m_isUnit ? row[channel] : (row[channel] - m_start[channel]) / m_range[channel];
         point[3] = 1;
     }
 
@@ -117,11 +150,13 @@ private:
     }
     void update()
     {
+        m_isUnit = true;
         for (size_t channel = 0; channel < m_start.size(); ++channel) {
             m_start[channel] = m_minimum[std::min(channel, m_minimum.size() - 1)];
             const float end = m_maximum[std::min(channel, m_maximum.size() - 1)];
             const float range = end - m_start[channel];
             m_range[channel] = range <= 0.0001F ? 0.0001F : range;
+            m_isUnit = m_isUnit && m_start[channel] == 0 && range == 1;
         }
     }
 
@@ -129,6 +164,7 @@ private:
     std::vector<float> m_maximum{1, 1, 1};
     Color m_start{};
     Color m_range{};
+    bool m_isUnit = true; // 0 to 1, which leaves every row as it is
 };
 
 std::optional<Color> rowFromLine(std::string_view line)
@@ -218,12 +254,15 @@ private:
 
 std::optional<CubeTable> readCube(std::string_view text)
 {
-    if (text.size() > longestCubeText || !isUtf8(text))
+    if (text.size() > longestCubeText)
+        return std::nullopt;
+    const std::optional<std::size_t> lines = countLines(text);
+    if (!lines)
         return std::nullopt;
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     if (text.starts_with(byteOrderMark))
         text.remove_prefix(byteOrderMark.size());
-    const std::optional<std::int64_t> size = announcedSize(text);
+    const std::optional<std::int64_t> size = announcedSize(text, *lines);
     if (!size)
         return std::nullopt;
 

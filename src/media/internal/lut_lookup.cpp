@@ -111,7 +111,7 @@ int between(const std::int16_t *point, const std::array<size_t, 3> &next, const 
 void gradeSteps(const StepLattice &lattice, std::array<std::uint8_t *, 3> color)
 {
     const auto size = std::uint32_t(lattice.size());
-    const std::array<size_t, 3> next{4, 4 * size_t(size), 4 * size_t(size) * size};
+    const std::array<size_t, 3> next{3, 3 * size_t(size), 3 * size_t(size) * size};
     const std::int16_t *point = lattice.points();
     std::array<int, 3> parts{};
     for (size_t channel = 0; channel < 3; ++channel) {
@@ -150,13 +150,16 @@ std::optional<StepLattice> StepLattice::from(const Lattice &lattice)
     result.m_size = lattice.size;
     result.m_shift = shift;
     result.m_placesPerStep = std::uint32_t(((std::uint64_t(lattice.size - 1) << 22) + 127) / 255);
-    result.m_points.reset(new (std::nothrow) std::int16_t[4 * count]);
+    constexpr size_t readBeyond = 2;
+    result.m_points.reset(new (std::nothrow) std::int16_t[3 * count + readBeyond]());
     if (!result.m_points)
         return std::nullopt;
     const float scale = 255 * float(1 << shift);
-    for (size_t index = 0; index < 4 * count; ++index) {
-        const float scaled = index % 4 == 3 ? 0 : lattice.points[index] * scale;
-        result.m_points[index] = std::int16_t(scaled + (scaled < 0 ? -0.5F : 0.5F));
+    for (size_t point = 0; point < count; ++point) {
+        for (size_t channel = 0; channel < 3; ++channel) {
+            const float scaled = lattice.points[4 * point + channel] * scale;
+            result.m_points[3 * point + channel] = std::int16_t(scaled + (scaled < 0 ? -0.5F : 0.5F));
+        }
     }
     return result;
 }

@@ -16,8 +16,9 @@ struct Lattice
 
 inline constexpr int largestLattice = 512;
 
-// The same points as whole numbers, for 8-bit pixels: half the memory, and one step of an 8-bit channel is
-// 2^shift. Each point is red, green, blue and 0.
+// The same points as whole numbers, for 8-bit pixels: little memory, because far apart pixels read far apart
+// points. One step of an 8-bit channel is 2^shift. Each point is red, green and blue; from any two neighbours
+// along red, 16 bytes can be read.
 class StepLattice
 {
 public:

@@ -52,6 +52,7 @@ using Pairs = hn::Repartition<std::uint64_t, Bytes>;
 using ByteVector = hn::Vec<Bytes>;
 using StepVector = hn::Vec<Steps>;
 using PixelVector = hn::Vec<Pixels>;
+constexpr uint32_t pointBytes = 6;
 constexpr size_t pixelsPerVector = hn::MaxLanes(Pixels());
 
 // The same 16 byte indices for each block.
@@ -83,20 +84,22 @@ class StepLookup
 public:
     StepLookup(const StepLattice &lattice, ChannelOrder order)
         : m_points(reinterpret_cast<const uint8_t *>(lattice.points())),
-          m_rowOffset(8 * uint32_t(lattice.size())), m_planeOffset(m_rowOffset * uint32_t(lattice.size())),
+          m_rowOffset(pointBytes * uint32_t(lattice.size())),
+          m_planeOffset(m_rowOffset * uint32_t(lattice.size())),
           m_places(hn::Set(Pixels(), lattice.placesPerStep())),
           m_lastPlace(hn::Set(Pixels(), (uint32_t(lattice.size() - 1) << 15) - 1)),
           m_rounding(hn::Set(Steps(), int16_t(1 << (15 - lattice.shift()))))
     {
         std::array<uint8_t, 16> swap{};
         std::array<uint8_t, 16> join{};
+        constexpr uint8_t nowhere = 0x80;
         for (uint8_t pixel = 0; pixel < 4; ++pixel) {
             for (uint8_t channel = 0; channel < 4; ++channel) {
                 const bool swapped = order == ChannelOrder::BGRA && channel != 3;
                 const auto from = uint8_t(swapped ? 2 - channel : channel);
                 const auto at = size_t(4 * pixel + channel);
                 swap[at] = uint8_t(4 * pixel + from);
-                join[at] = uint8_t(2 * (4 * (pixel & 1) + from) + (pixel >> 1));
+                join[at] = channel == 3 ? nowhere : uint8_t(2 * (4 * (pixel & 1) + from) + (pixel >> 1));
             }
         }
         m_swap = everyBlock(swap);
@@ -171,7 +174,11 @@ private:
     template<uint8_t pixel>
     HWY_INLINE StepVector alongRed(StepVector first, StepVector second, PixelVector redPart) const
     {
-        const auto pairs = [](StepVector v) { return hn::BitCast(Pairs(), v); };
+        // From three words for each of both neighbours to four.
+        constexpr std::array<uint8_t, 16> halves{0, 1, 2, 3, 4, 5, 6, 7, 6, 7, 8, 9, 10, 11, 12, 13};
+        const auto pairs = [&](StepVector v) {
+            return hn::BitCast(Pairs(), hn::TableLookupBytes(hn::BitCast(Bytes(), v), everyBlock(halves)));
+        };
         const StepVector low =
             hn::BitCast(Steps(), hn::InterleaveLower(Pairs(), pairs(first), pairs(second)));
         const StepVector high =
@@ -195,7 +202,7 @@ private:
         const PixelVector green = place(channels.green);
         const PixelVector blue = place(channels.blue);
         const PixelVector offset =
-            hn::Add(hn::ShiftLeft<3>(hn::ShiftRight<15>(red)),
+            hn::Add(hn::Mul(hn::ShiftRight<15>(red), hn::Set(Pixels(), pointBytes)),
                     hn::Add(hn::Mul(hn::ShiftRight<15>(green), hn::Set(Pixels(), m_rowOffset)),
                             hn::Mul(hn::ShiftRight<15>(blue), hn::Set(Pixels(), m_planeOffset))));
         HWY_ALIGN uint32_t offsets[pixelsPerVector];
@@ -215,7 +222,7 @@ private:
     HWY_INLINE void store(StepVector low, StepVector high, PixelVector source, uint8_t *to) const
     {
         const ByteVector both = hn::BitCast(Bytes(), hn::Or(low, hn::ShiftLeft<8>(high)));
-        const PixelVector colors = hn::BitCast(Pixels(), hn::TableLookupBytes(both, m_join));
+        const PixelVector colors = hn::BitCast(Pixels(), hn::TableLookupBytesOr0(both, m_join));
         const PixelVector alpha = hn::And(source, hn::Set(Pixels(), 0xFF000000U));
         hn::StoreU(hn::BitCast(Bytes(), hn::Or(colors, alpha)), Bytes(), to);
     }
@@ -262,7 +269,7 @@ private:
     PixelVector m_lastPlace;
     StepVector m_rounding;
     ByteVector m_swap; // to red, green, blue, alpha
-    ByteVector m_join; // from the words of two vectors to bytes in the pixels' order
+    ByteVector m_join; // from the words of two vectors to colors in the pixels' order
 };
 
 template<AlphaKind alpha>

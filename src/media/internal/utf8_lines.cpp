@@ -1,5 +1,6 @@
 #include "media/internal/utf8_lines.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -80,14 +81,27 @@ std::size_t lineEndLength(const char *at, const char *end)
     return 0;
 }
 
+// Whether one of the wide ends stands just before `at`.
+bool endsWide(const char *start, const char *at)
+{
+    const std::string_view before(start, size_t(at - start));
+    return (at[-1] & 0x80) != 0 &&
+           std::ranges::any_of(wideLineEnds, [&](std::string_view wide) { return before.ends_with(wide); });
+}
+
+// The highest bit of each byte that ends a line; those above 127 must be looked at by themselves.
+std::uint64_t asciiLineEnds(std::uint64_t bytes)
+{
+    const std::uint64_t low = bytes & everyByte(0x7F);
+    return (low + everyByte(0x80 - '\n')) & ~(low + everyByte(0x7F - '\r')) & everyByte(0x80);
+}
+
 // The first byte from `at` on that ends a line or is no ASCII.
 const char *findNoteworthy(const char *at, const char *end)
 {
     for (; end - at >= 8; at += 8) {
         const std::uint64_t bytes = eightBytes(at);
-        const std::uint64_t low = bytes & everyByte(0x7F);
-        const std::uint64_t ends = (low + everyByte(0x80 - '\n')) & ~(low + everyByte(0x7F - '\r'));
-        if (const std::uint64_t found = (ends | bytes) & everyByte(0x80))
+        if (const std::uint64_t found = asciiLineEnds(bytes) | (bytes & everyByte(0x80)))
             return at + std::countr_zero(found) / 8;
     }
     while (at < end && !isAsciiLineEnd(*at) && (*at & 0x80) == 0)
@@ -97,19 +111,26 @@ const char *findNoteworthy(const char *at, const char *end)
 
 } // namespace
 
-bool isUtf8(std::string_view text)
+std::optional<std::size_t> countLines(std::string_view text)
 {
+    std::size_t ends = 0;
     while (!text.empty()) {
-        if (text.size() >= 8 && (eightBytes(text.data()) & everyByte(0x80)) == 0) {
-            text.remove_prefix(8);
-            continue;
+        if (text.size() >= 8) {
+            const std::uint64_t bytes = eightBytes(text.data());
+            if ((bytes & everyByte(0x80)) == 0) {
+                // Each byte is 0 or 1; the highest one of the product is their sum.
+                ends += ((asciiLineEnds(bytes) >> 7) * everyByte(1)) >> 56;
+                text.remove_prefix(8);
+                continue;
+            }
         }
         const std::size_t length = sequenceLength(text);
         if (length == 0)
-            return false;
+            return std::nullopt;
+        ends += lineEndLength(text.data(), text.data() + text.size()) > 0 ? 1 : 0;
         text.remove_prefix(length);
     }
-    return true;
+    return ends + 1;
 }
 
 std::string_view trimmed(std::string_view line)
@@ -145,6 +166,14 @@ void Utf8Lines::skipLineFrom(const char *within)
         next(rest);
     else
         m_position += m_position[0] == '\r' && m_position[1] == '\n' ? 2 : 1;
+}
+
+void Utf8Lines::moveToLineOf(const char *within)
+{
+    // Going back meets the last byte of an end first.
+    while (within != m_position && !isAsciiLineEnd(within[-1]) && !endsWide(m_position, within))
+        --within;
+    m_position = within;
 }
 
 } // namespace cratewell

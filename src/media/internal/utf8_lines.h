@@ -1,10 +1,13 @@
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string_view>
 
 namespace cratewell {
 
-bool isUtf8(std::string_view text);
+// As many as the text has, or more where CR LF ends them; nothing when it is not UTF-8.
+std::optional<std::size_t> countLines(std::string_view text);
 
 // LF, VT, FF or CR.
 constexpr bool isAsciiLineEnd(char c)
@@ -29,6 +32,8 @@ public:
     bool next(std::string_view &line);
     // `within` lies in the line that begins at the position, or is its end.
     void skipLineFrom(const char *within);
+    // To the start of the line that `within` stands in, which lies at the position or behind.
+    void moveToLineOf(const char *within);
 
 private:
     const char *m_position;
