@@ -127,7 +127,7 @@ INSTANTIATE_TEST_SUITE_P(Targets, LUTLookup, testing::ValuesIn(hwy::SupportedAnd
 
 TEST_P(LUTLookup, OfStepsIsEqualToThePlainOneToTheLastBit)
 {
-    for (unsigned round = 0; round < 60; ++round) {
+    for (unsigned round = 0; round < 30; ++round) {
         const Points points = gradedPoints(2 + int(round) * 7 % 40, round);
         const std::optional<StepLattice> steps = StepLattice::from(latticeOf(points));
         ASSERT_TRUE(steps);
@@ -157,7 +157,7 @@ TEST_P(LUTLookup, OfFloatsIsThePlainOneWithinRounding)
     std::mt19937 random(5);
     std::uniform_real_distribution<float> values(-0.2F, 1.2F);
     const std::array strange{nan, infinity, -infinity, -0.0F, 1e38F, -1e38F, 0.0F, 1.0F};
-    for (unsigned round = 0; round < 40; ++round) {
+    for (unsigned round = 0; round < 24; ++round) {
         const Points points = gradedPoints(2 + int(round) * 7 % 40, round);
         const int width = 1 + int(round) * 37 % 83;
         Picture<float> source(width, 4, int(round % 3) * 4);
