@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Measures Cratewell beside tools that do the same work, prints a table and writes build/bench.json.
 
-usage: bench.py [FILTER]    FILTER: scan, window, start, worker, files, decode or lut, or a part of a row's name
+usage: bench.py [FILTER]    FILTER: scan, window, start, worker, files, decode, page or lut, or a part of a row's name
 
 Every figure is a median of at least five, ours and the peer's taken in turn. A row holds when its ratio, or where it
 has no peer our own figure, is at most the bar; `bar_on` says which. A row without a bar is there to be looked at.
@@ -13,6 +13,7 @@ import functools
 import json
 import os
 import pathlib
+import shutil
 import statistics
 import subprocess
 import sys
@@ -238,6 +239,20 @@ def decode_rows() -> list[Row]:
     ]
 
 
+def page_rows() -> list[Row]:
+    media = ROOT / "build" / "bench" / "decode"
+    ensure_decode_media(media)
+    home = ROOT / "build" / "bench" / "page home"
+    folder = home / "Movies" / "Cratewell Vault" / "Overlays" / "Page"
+    shutil.rmtree(home, ignore_errors=True)
+    folder.mkdir(parents=True)
+    for film in sorted(media.glob("film *")):
+        os.link(film.resolve(), folder / film.name)
+    bars = {"page of 60 videos in the window, after a restart": 200}
+    figures = figures_of("page_bench", str(home))
+    return [Row(name, row["ours"], bar=bars.get(name)) for name, row in figures.items()]
+
+
 def lut_rows() -> list[Row]:
     figures = figures_of("lut_bench", str(ROOT / "build" / "bench" / "lut"))
 
@@ -271,6 +286,7 @@ def main() -> int:
         "worker": worker_rows,
         "files": file_rows,
         "decode": decode_rows,
+        "page": page_rows,
         "lut": lut_rows,
     }
     if wanted in groups:
