@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Measures Cratewell beside tools that do the same work, prints a table and writes build/bench.json.
 
-usage: bench.py [FILTER]    FILTER: scan, window, start, worker, files or decode, or a part of a row's name
+usage: bench.py [FILTER]    FILTER: scan, window, start, worker, files, decode or lut, or a part of a row's name
 
 Every figure is a median of at least five, ours and the peer's taken in turn. A row holds when its ratio, or where it
 has no peer our own figure, is at most the bar; `bar_on` says which. A row without a bar is there to be looked at.
@@ -238,6 +238,17 @@ def decode_rows() -> list[Row]:
     ]
 
 
+def lut_rows() -> list[Row]:
+    figures = figures_of("lut_bench", str(ROOT / "build" / "bench" / "lut"))
+
+    def bar(name: str) -> float:
+        if name.startswith("reading"):
+            return 0.1
+        return 0.33 if name.endswith("FFmpeg") else 0.25
+
+    return [Row(name, row["ours"], row["peer"], bar=bar(name)) for name, row in figures.items()]
+
+
 def print_table(rows: list[dict]) -> None:
     width = max(len(row["name"]) for row in rows)
     print(f"{'':{width}}  {'ours':>10}  {'peer':>10}        {'ratio':>6}  {'bar':>6}")
@@ -260,6 +271,7 @@ def main() -> int:
         "worker": worker_rows,
         "files": file_rows,
         "decode": decode_rows,
+        "lut": lut_rows,
     }
     if wanted in groups:
         results = [row.as_json() for row in groups[wanted]()]

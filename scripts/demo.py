@@ -8,6 +8,7 @@ With --snapshot nothing needs a screen: the window is put into several states an
 
 import argparse
 import contextlib
+import datetime
 import json
 import os
 import pathlib
@@ -15,6 +16,7 @@ import shutil
 import subprocess
 import sys
 import time
+import uuid
 from collections.abc import Iterator
 
 from make_demo_vault import make_vault
@@ -60,6 +62,13 @@ FOLDER_COLORS = {
     "SFX/Whooshes": "#2FD6FF",
     FILM: "#4A5CFF",
 }
+# Asset whose copy lies in the trash, where that was once, days since it was deleted.
+TRASHED = [
+    ("Overlays/Glitches/Scan Glitch.mp4", "Overlays/Glitches/Glitch Burst 11.mp4", 0),
+    ("Overlays/Bokeh/Bokeh Lights 7.jpg", f"{LEAKS}/Old Leak.jpg", 12),
+    ("SFX/Hits/Impact Low.wav", "SFX/Hits/Hit 2.wav", 27),
+    (f"{FILM}/Noir.cube", "LUTs/Bleach.cube", 29.5),
+]
 
 # name of the picture, settings that differ from the demo's own, place, selected files
 SNAPSHOTS = [
@@ -79,6 +88,7 @@ SNAPSHOTS = [
         "",
         ["Aurora Bloom.png"],
     ),
+    ("import", {}, "importer", []),
     ("trash", {}, "trash", []),
 ]
 
@@ -112,7 +122,25 @@ def furnish_home() -> None:
         target = VAULT / path
         target.parent.mkdir(parents=True, exist_ok=True)
         shutil.copyfile(DEMO / "vault" / path, target)
+    fill_trash()
     write_settings(demo_settings())
+
+
+def fill_trash() -> None:
+    trash = VAULT / ".Cratewell Trash"
+    reference = datetime.datetime(2001, 1, 1, tzinfo=datetime.timezone.utc)
+    records = []
+    for asset, original, days in TRASHED:
+        record = {"id": str(uuid.uuid4()).upper(), "name": pathlib.Path(original).name, "isFolder": False}
+        slot = trash / record["id"]
+        slot.mkdir(parents=True)
+        shutil.copyfile(DEMO / "vault" / asset, slot / record["name"])
+        deleted = datetime.datetime.now(datetime.timezone.utc) - datetime.timedelta(days=days)
+        record["original"] = in_vault(original)
+        record["deletedAt"] = (deleted - reference).total_seconds()
+        record["size"] = (slot / record["name"]).stat().st_size
+        records.append(record)
+    (trash / "index.json").write_text(json.dumps(records))
 
 
 def environment() -> dict[str, str]:

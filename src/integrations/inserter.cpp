@@ -71,8 +71,7 @@ Inserter::Inserter(Prefs &prefs, AppState &state, Applications &applications, Ed
     connect(&d->toastTimer, &QTimer::timeout, this, [this] {
         d->toastText.clear();
         d->toastAction = {};
-        Q_EMIT
-        toastChanged();
+        Q_EMIT toastChanged();
     });
     connect(&prefs, &Prefs::insertTargetChanged, this, &Inserter::targetChanged);
     connect(&prefs, &Prefs::overlayTrackChanged, this, &Inserter::targetChanged);
@@ -93,8 +92,7 @@ void Inserter::start()
         if (!editor || editor == d->lastEditor)
             return;
         d->lastEditor = editor;
-        Q_EMIT
-        targetChanged();
+        Q_EMIT targetChanged();
     });
 }
 
@@ -111,10 +109,8 @@ void Inserter::refreshRunning()
         return;
     d->resolveRunning = resolve;
     d->premiereRunning = premiere;
-    Q_EMIT
-    runningChanged();
-    Q_EMIT
-    targetChanged();
+    Q_EMIT runningChanged();
+    Q_EMIT targetChanged();
 }
 
 bool Inserter::busy() const
@@ -195,8 +191,7 @@ void Inserter::insert(const Asset &asset, std::optional<Target> target)
         return;
     }
     d->busy = true;
-    Q_EMIT
-    busyChanged();
+    Q_EMIT busyChanged();
     Private::carry(this, *editor == Target::Resolve ? d->resolve : d->premiere, asset);
 }
 
@@ -206,8 +201,7 @@ QCoro::Task<> Inserter::Private::carry(QPointer<Inserter> inserter, EditorBridge
     if (!inserter)
         co_return;
     inserter->d->busy = false;
-    Q_EMIT
-    inserter->busyChanged();
+    Q_EMIT inserter->busyChanged();
     inserter->toast(result.message, result.ok);
     if (result.ok)
         inserter->d->prefs.noteInserted(asset.url);
@@ -230,8 +224,7 @@ void Inserter::toast(const QString &text, bool ok, const ToastAction &action)
     d->toastOk = ok;
     d->toastAction = action;
     d->toastTimer.start(!ok ? d->times.failed : action.act ? d->times.offering : d->times.ok);
-    Q_EMIT
-    toastChanged();
+    Q_EMIT toastChanged();
 }
 
 void Inserter::takeToastAction()
@@ -239,8 +232,7 @@ void Inserter::takeToastAction()
     const ToastAction action = std::exchange(d->toastAction, {});
     d->toastText.clear();
     d->toastTimer.stop();
-    Q_EMIT
-    toastChanged();
+    Q_EMIT toastChanged();
     if (action.act)
         action.act();
 }

@@ -1,11 +1,17 @@
 #pragma once
 
+#include "media/lut.h"
+#include "media/media_facts.h"
+#include "media/preview_request.h"
+#include "media/preview_state.h"
+#include "media/waveform_peaks.h"
 #include "vault/asset.h"
-#include "vault/vault_picture.h"
 
+#include <QFuture>
 #include <QImage>
 #include <QObject>
 #include <memory>
+#include <optional>
 
 namespace cratewell {
 
@@ -13,40 +19,73 @@ class Prefs;
 class Vault;
 struct SystemPaths;
 
-// A card's wish for a picture. While it lives, the picture is made; dropping it before the work has started
-// takes the work off the list.
-class PreviewRequest
-{
-public:
-    virtual ~PreviewRequest() = default;
-};
-
-// Loads and keeps everything costly that is drawn for an asset. Main thread; accessors never block on
-// decoding, which happens in worker processes, newest wish first, at most one job per file. Ends exactly once
-// a job: with a picture, or remembered as failed for that version of the file. Pictures over the memory
-// budget are let go without a word, the one shown longest ago first (a card on screen holds its own copy).
+// Loads and keeps everything costly that is drawn for an asset or said about it. Main thread. Accessors
+// answer at once with what is there; what is missing is made while somebody holds a request for it: media is
+// decoded in worker processes, LUTs are read on threads, newest wish first, at most one job for each preview.
+// Each job ends exactly once, with a preview or with a failure that is remembered for that version of the
+// file.
+//
+// Memory stays bounded: pictures over the budget are let go without a word, the one shown longest ago first
+// (a card on screen holds its own copy). They come back from a cache on disk, which the next start finds as
+// well.
 class Media : public QObject
 {
     Q_OBJECT
 public:
+    using State = PreviewState;
+
     Media(Vault &vault, Prefs &prefs, const SystemPaths &paths);
     ~Media() override;
 
-    enum class State { Missing, Ready, Failed };
-
-    // Grid thumbnails of video and image assets: largest side at most 640, upright, straight or premultiplied
-    // ARGB, null while Missing or Failed. Other kinds have none (Failed at once).
+    // Grid thumbnails: largest side at most 640, upright; RGB32 when opaque, else premultiplied ARGB; null
+    // while Missing or Failed. Of a LUT the still graded with it. Sounds have none (Failed at once).
     QImage thumbnail(const Asset &asset) const;
     State thumbnailState(const Asset &asset) const;
-    // Null when nothing needs to be done.
+    // This and the requests below are null when nothing needs to be done.
     [[nodiscard]] std::unique_ptr<PreviewRequest> requestThumbnail(const Asset &asset);
 
-    // The frame under overlays and LUTs: the user's, or the built-in sunset (1600 x 900). Never null.
+    // The frames that follow the pointer over a video, largest side at most 480: scrubFrames of them, evenly
+    // over its duration. Null until they are made, or when there is none.
+    static constexpr int scrubFrames = 24;
+    // The frame at a fraction (0 to 1) of the duration: 0 to scrubFrames - 1.
+    static int scrubBucket(double fraction);
+    QImage scrubFrame(const Asset &asset, int bucket) const;
+    // Comes before everything that nobody points at.
+    [[nodiscard]] std::unique_ptr<PreviewRequest> requestScrubFrame(const Asset &asset, int bucket);
+
+    // 240 peaks of a sound; nothing while they are being computed, none for one that cannot be read.
+    std::optional<WaveformPeaks> waveform(const Asset &asset) const;
+    [[nodiscard]] std::unique_ptr<PreviewRequest> requestWaveform(const Asset &asset);
+
+    // Seconds, as far as the thumbnail of a video or the waveform of a sound has told; 0 when unknown.
+    double duration(const Asset &asset) const;
+
+    std::optional<LUT> lut(const Asset &asset) const;
+    State lutState(const Asset &asset) const;
+    [[nodiscard]] std::unique_ptr<PreviewRequest> requestLut(const Asset &asset);
+
+    // What the header of a video, still or sound tells.
+    std::optional<MediaFacts> facts(const Asset &asset) const;
+    State factsState(const Asset &asset) const;
+    [[nodiscard]] std::unique_ptr<PreviewRequest> requestFacts(const Asset &asset);
+
+    // One frame of a video, at most 0.98 of its duration in, that fits inside maxSide x maxSide. Null when
+    // there is none; never finishes when Media ends first.
+    QFuture<QImage> frame(const Location &url, double fraction, int maxSide);
+    // So many small frames in the middles of even parts, in order; those that cannot be had are left out.
+    QFuture<QList<QImage>> filmstrip(const Location &url, int count);
+
+    // The frame under overlays and LUTs: the user's, or the built-in sunset (1600 x 900) until that is
+    // decoded and where there is none. Never null.
     QImage still() const;
 
 Q_SIGNALS:
-    // State or picture of this file changed.
+    // State or value of this preview changed.
     void thumbnailChanged(const cratewell::Location &url);
+    void scrubFrameChanged(const cratewell::Location &url, int bucket);
+    void waveformChanged(const cratewell::Location &url);
+    void lutChanged(const cratewell::Location &url);
+    void factsChanged(const cratewell::Location &url);
     void stillChanged();
 
 private:

@@ -102,8 +102,7 @@ void SingleInstance::Private::receive()
             socket->write(understood ? answer : "?\n");
             socket->disconnectFromServer();
             if (understood)
-                Q_EMIT
-            q.raiseRequested();
+                Q_EMIT q.raiseRequested();
         };
         QObject::connect(socket, &QLocalSocket::readyRead, &q, reply);
         reply();

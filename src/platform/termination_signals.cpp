@@ -47,8 +47,7 @@ TerminationSignals::TerminationSignals() : d(std::make_unique<Private>())
         std::array<char, 16> bytes;
         while (::read(d->pipe[0], bytes.data(), bytes.size()) > 0) {
         }
-        Q_EMIT
-        terminationRequested();
+        Q_EMIT terminationRequested();
     });
     struct sigaction action = {};
     action.sa_handler = notice;

@@ -115,8 +115,7 @@ AppState::~AppState() = default;
 void AppState::refresh()
 {
     if (d->refresh())
-        Q_EMIT
-    visibleAssetsChanged(nullptr);
+        Q_EMIT visibleAssetsChanged(nullptr);
 }
 
 // Everything is brought up to date before anyone is told, and the rows are told first: whoever hears of the
@@ -129,11 +128,9 @@ void AppState::follow(const VaultChanges &changes)
     d->refresh();
     const std::optional<Asset> before = std::exchange(d->selection, d->repairedSelection());
 
-    Q_EMIT
-    visibleAssetsChanged(&changes);
+    Q_EMIT visibleAssetsChanged(&changes);
     if (d->selection != before)
-        Q_EMIT
-    selectionChanged();
+        Q_EMIT selectionChanged();
 }
 
 // Only the folder in view itself is followed to its new name.
@@ -175,14 +172,11 @@ void AppState::setScope(const Scope &scope)
     d->selected.clear();
     const bool differs = d->refresh();
 
-    Q_EMIT
-    scopeChanged();
+    Q_EMIT scopeChanged();
     if (hadSelected)
-        Q_EMIT
-    selectedChanged();
+        Q_EMIT selectedChanged();
     if (differs)
-        Q_EMIT
-    visibleAssetsChanged(nullptr);
+        Q_EMIT visibleAssetsChanged(nullptr);
 }
 
 QString AppState::scopeTitle() const
@@ -199,11 +193,9 @@ const std::optional<Asset> &AppState::selection() const
 void AppState::focus(const std::optional<Asset> &asset)
 {
     const std::optional<Asset> before = std::exchange(d->selection, asset);
-    Q_EMIT
-    selectedChanged();
+    Q_EMIT selectedChanged();
     if (asset != before)
-        Q_EMIT
-    selectionChanged();
+        Q_EMIT selectionChanged();
 }
 
 void AppState::setSelection(const std::optional<Asset> &asset)
@@ -211,8 +203,7 @@ void AppState::setSelection(const std::optional<Asset> &asset)
     if (asset == d->selection)
         return;
     d->selection = asset;
-    Q_EMIT
-    selectionChanged();
+    Q_EMIT selectionChanged();
 }
 
 bool AppState::hasSelection() const
@@ -232,8 +223,7 @@ void AppState::setSelected(const QSet<Location> &selected)
     d->selected.clear();
     for (const Location &place : selected)
         d->selected.insert(place);
-    Q_EMIT
-    selectedChanged();
+    Q_EMIT selectedChanged();
 }
 
 int AppState::selectedCount() const
@@ -258,11 +248,9 @@ void AppState::setSearch(const QString &search)
     d->setSearch(search);
     const bool differs = d->refresh();
 
-    Q_EMIT
-    searchChanged();
+    Q_EMIT searchChanged();
     if (differs)
-        Q_EMIT
-    visibleAssetsChanged(nullptr);
+        Q_EMIT visibleAssetsChanged(nullptr);
 }
 
 AssetOrder AppState::sort() const
@@ -277,11 +265,9 @@ void AppState::setSort(AssetOrder sort)
     d->sort = sort;
     const bool differs = d->refresh();
 
-    Q_EMIT
-    sortChanged();
+    Q_EMIT sortChanged();
     if (differs)
-        Q_EMIT
-    visibleAssetsChanged(nullptr);
+        Q_EMIT visibleAssetsChanged(nullptr);
 }
 
 bool AppState::showInspector() const
@@ -294,8 +280,7 @@ void AppState::setShowInspector(bool show)
     if (show == d->showInspector)
         return;
     d->showInspector = show;
-    Q_EMIT
-    showInspectorChanged();
+    Q_EMIT showInspectorChanged();
 }
 
 bool AppState::showNewFolder() const
@@ -308,8 +293,7 @@ void AppState::setShowNewFolder(bool show)
     if (show == d->showNewFolder)
         return;
     d->showNewFolder = show;
-    Q_EMIT
-    showNewFolderChanged();
+    Q_EMIT showNewFolderChanged();
 }
 
 const std::optional<Location> &AppState::newFolderParent() const
@@ -332,8 +316,7 @@ void AppState::setRenameTarget(const std::optional<Location> &target)
     if (target == d->renameTarget)
         return;
     d->renameTarget = target;
-    Q_EMIT
-    renameTargetChanged();
+    Q_EMIT renameTargetChanged();
 }
 
 int AppState::playToggle() const
@@ -344,8 +327,7 @@ int AppState::playToggle() const
 void AppState::togglePlay()
 {
     ++d->playToggle;
-    Q_EMIT
-    playToggleChanged();
+    Q_EMIT playToggleChanged();
 }
 
 const VisibleAssets &AppState::visibleAssets() const
@@ -386,8 +368,7 @@ void AppState::click(const Asset &asset, Qt::KeyboardModifiers modifiers)
     } else {
         d->select(asset);
     }
-    Q_EMIT
-    selectedChanged();
+    Q_EMIT selectedChanged();
     setSelection(asset);
 }
 
@@ -399,8 +380,7 @@ void AppState::moveBy(int delta)
     const qint64 row = qint64(d->focusedRow()) + delta;
     const Asset target = d->visible.at(int(std::clamp<qint64>(row, 0, count - 1)));
     d->select(target);
-    Q_EMIT
-    selectedChanged();
+    Q_EMIT selectedChanged();
     setSelection(target);
 }
 

@@ -42,10 +42,8 @@ void AssetListModel::setState(AppState *state)
     show(state ? carriedOver(state->visibleAssets(), formerRows({}, state->visibleAssets().indices, {}))
                : Rows());
     endResetModel();
-    Q_EMIT
-    stateChanged();
-    Q_EMIT
-    countChanged();
+    Q_EMIT stateChanged();
+    Q_EMIT countChanged();
     updateFocused();
 }
 
@@ -58,8 +56,7 @@ void AssetListModel::setPrefs(Prefs *prefs)
     m_prefs = prefs;
     if (prefs)
         connect(prefs, &Prefs::favoritesChanged, this, &AssetListModel::updateFavorites);
-    Q_EMIT
-    prefsChanged();
+    Q_EMIT prefsChanged();
     updateFavorites();
 }
 
@@ -162,16 +159,13 @@ void AssetListModel::follow(const VaultChanges *changes)
         show(carriedOver(fresh, former));
     } else {
         m_applying = true;
-        Q_EMIT
-        aboutToApply(fresh.count());
+        Q_EMIT aboutToApply(fresh.count());
         apply(carriedOver(fresh, former), former, rows);
         m_applying = false;
         if (count() != countBefore)
-            Q_EMIT
-        countChanged();
+            Q_EMIT countChanged();
         updateCurrentRow();
-        Q_EMIT
-        applied(rows.relayout);
+        Q_EMIT applied(rows.relayout);
     }
 
     if (changes) {
@@ -267,8 +261,7 @@ void AssetListModel::relayout(Rows fresh, const FormerRows &former)
     }
 
     // With this hint views bind the cards they have to the new rows and stay where they are.
-    Q_EMIT
-    layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
+    Q_EMIT layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
     std::vector<int> later(size_t(common), -1);
     for (int row = 0; row < common; ++row) {
         if (const int old = former.at(row); old >= 0 && old < common)
@@ -280,8 +273,7 @@ void AssetListModel::relayout(Rows fresh, const FormerRows &former)
         const int row = later[size_t(old.row())];
         changePersistentIndex(old, row < 0 ? QModelIndex() : index(row));
     }
-    Q_EMIT
-    layoutChanged({}, QAbstractItemModel::VerticalSortHint);
+    Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 
     if (common < newCount) {
         beginInsertRows({}, common, newCount - 1);
@@ -334,8 +326,7 @@ void AssetListModel::updateCurrentRow()
 {
     const int row = rowOf(m_focused);
     if (std::exchange(m_currentRow, row) != row)
-        Q_EMIT
-    currentRowChanged();
+        Q_EMIT currentRowChanged();
 }
 
 void AssetListModel::updateFavorites()
@@ -367,8 +358,7 @@ void AssetListModel::tellChanged(const std::vector<int> &rows, const QList<int> 
     if (int(runs.size()) > rowRunLimit)
         runs = {{rows.front(), rows.back() - rows.front() + 1}};
     for (const RowRun &run : runs)
-        Q_EMIT
-    dataChanged(index(run.first), index(run.first + run.count - 1), roles);
+        Q_EMIT dataChanged(index(run.first), index(run.first + run.count - 1), roles);
 }
 
 } // namespace cratewell

@@ -64,4 +64,13 @@ bool importsAny(const std::vector<Location> &items)
         items, [](const Location &item) { return kindOf(item).has_value() || isFolder(item); });
 }
 
+bool landsIn(const std::vector<Location> &items, const Location &folder, const Location &root)
+{
+    const auto category = categoryOf(root, folder);
+    return std::ranges::any_of(items, [&](const Location &item) {
+        const auto kind = kindOf(item);
+        return kind ? !category || accepts(*category, *kind) : isFolder(item);
+    });
+}
+
 } // namespace cratewell

@@ -27,5 +27,8 @@ DroppedItems splitDropped(const std::vector<Location> &items, const Location &ro
 bool movesAny(const std::vector<Location> &items, const Location &folder, const Location &root);
 // Whether an import takes any of these: assets and folders. Touches the disk.
 bool importsAny(const std::vector<Location> &items);
+// Whether an import into `folder` leaves any of these in it; the others go to where their type belongs.
+// Touches the disk.
+bool landsIn(const std::vector<Location> &items, const Location &folder, const Location &root);
 
 } // namespace cratewell

@@ -53,7 +53,20 @@ Drops::Effect Drops::effectOn(const Location &folder) const
     const bool moves = movesAny(m_weighed.inside, folder, m_objects.vault.root());
     if (moves)
         return m_imports ? MoveAndCopy : Move;
-    return m_imports ? Copy : Nothing;
+    return m_imports ? importInto(folder) : Nothing;
+}
+
+Drops::Effect Drops::effectOnGrid() const
+{
+    const auto folder = shownFolder();
+    if (!m_imports)
+        return Nothing;
+    return folder ? importInto(*folder) : Sort;
+}
+
+Drops::Effect Drops::importInto(const Location &folder) const
+{
+    return landsIn(m_weighed.outside, folder, m_objects.vault.root()) ? Copy : Sort;
 }
 
 void Drops::dropOn(const Location &folder, const QList<QUrl> &urls, const QString &ownData)
@@ -68,13 +81,14 @@ void Drops::dropOn(const Location &folder, const QList<QUrl> &urls, const QStrin
 void Drops::dropOnGrid(const QList<QUrl> &urls, const QString &ownData)
 {
     const DroppedItems dropped = splitDropped(itemsOf(urls, ownData), m_objects.vault.root());
-    if (dropped.outside.empty())
-        return;
+    if (!dropped.outside.empty())
+        m_objects.vault.importItems(dropped.outside, shownFolder(), ImportMode::Copy);
+}
+
+std::optional<Location> Drops::shownFolder() const
+{
     const Scope &scope = m_objects.state.scope();
-    std::optional<Location> folder;
-    if (scope.kind() == Scope::Kind::Folder)
-        folder = scope.folder();
-    m_objects.vault.importItems(dropped.outside, folder, ImportMode::Copy);
+    return scope.kind() == Scope::Kind::Folder ? std::optional(scope.folder()) : std::nullopt;
 }
 
 } // namespace cratewell

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QUrl>
 #include <QtQml/qqml.h>
+#include <optional>
 
 class QJSEngine;
 class QQmlEngine;
@@ -21,7 +22,8 @@ class Drops : public QObject
     QML_SINGLETON
     Q_PROPERTY(QString ownType READ ownType CONSTANT FINAL)
 public:
-    enum Effect { Nothing, Move, Copy, MoveAndCopy };
+    // Sort: copied, but to where its type belongs, because the folder does not take it.
+    enum Effect { Nothing, Move, Copy, Sort, MoveAndCopy };
     Q_ENUM(Effect)
 
     explicit Drops(const UiObjects &objects, QObject *parent = nullptr);
@@ -34,8 +36,8 @@ public:
     Q_INVOKABLE void weigh(const QList<QUrl> &urls, const QString &ownData);
     // What dropping what was weighed on this folder would do.
     Q_INVOKABLE cratewell::Drops::Effect effectOn(const cratewell::Location &folder) const;
-    // Whether anything of what was weighed would be imported.
-    Q_INVOKABLE bool imports() const { return m_imports; }
+    // What dropping it on the grid would do, which only takes what is not of the vault.
+    Q_INVOKABLE cratewell::Drops::Effect effectOnGrid() const;
 
     // Moves what is of the vault and copies the rest.
     Q_INVOKABLE void dropOn(const cratewell::Location &folder, const QList<QUrl> &urls,
@@ -44,6 +46,9 @@ public:
     Q_INVOKABLE void dropOnGrid(const QList<QUrl> &urls, const QString &ownData);
 
 private:
+    std::optional<Location> shownFolder() const;
+    Effect importInto(const Location &folder) const;
+
     const UiObjects m_objects;
     DroppedItems m_weighed;
     bool m_imports = false;

@@ -125,8 +125,7 @@ void EmptyNotice::act()
 void EmptyNotice::renew()
 {
     m_notice = noticeFor(m_state->scope(), m_state->search(), m_vault->root());
-    Q_EMIT
-    changed();
+    Q_EMIT changed();
 }
 
 } // namespace cratewell

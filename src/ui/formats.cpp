@@ -1,7 +1,11 @@
 #include "ui/formats.h"
 
+#include "vault/asset.h"
+
+#include <QDateTime>
 #include <QKeySequence>
 #include <QLocale>
+#include <QRegularExpression>
 
 #include <array>
 
@@ -38,6 +42,21 @@ QString byteText(qint64 bytes)
             number.chop(point.size());
     }
     return number + u' ' + unit->name;
+}
+
+QString addedText(double added)
+{
+    if (added <= distantPast)
+        return u"Unknown"_s;
+    const QDateTime reference(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
+    const QDateTime moment = reference.addMSecs(qint64(added * 1000)).toLocalTime();
+    const QLocale locale;
+    // The long form without the day of the week, and with the month's short name.
+    static const QRegularExpression weekday(u"\\s*dddd[,.]?\\s*|,?\\s*dddd"_s);
+    QString form = locale.dateFormat(QLocale::LongFormat);
+    form.remove(weekday).replace(u"MMMM"_s, u"MMM"_s);
+    const QString time = locale.timeFormat(QLocale::ShortFormat).remove(u":ss"_s);
+    return locale.toString(moment.date(), form) + u", "_s + locale.toString(moment.time(), time);
 }
 
 QString remainingText(int seconds)

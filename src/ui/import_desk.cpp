@@ -43,11 +43,8 @@ void ImportDesk::refresh()
         folders.push_back(choice.url);
         choices.append(QString(indentation * choice.depth, u' ') + choice.url.name());
     }
-    if (folders != m_folders) {
+    if (m_choices.isEmpty() || folders != m_folders) {
         m_folders = std::move(folders);
-        m_choices = choices;
-        Q_EMIT choicesChanged();
-    } else if (m_choices.isEmpty()) {
         m_choices = choices;
         Q_EMIT choicesChanged();
     }
@@ -58,8 +55,7 @@ void ImportDesk::findCurrent()
 {
     const Location kept = Location::fromText(m_defaults->value(destinationKey).toString());
     const auto found = std::ranges::find(m_folders, kept);
-    const int current = found == m_folders.end() ? 0 : 1 + int(found - m_folders.begin());
-    m_current = current;
+    m_current = found == m_folders.end() ? 0 : 1 + int(found - m_folders.begin());
     Q_EMIT currentChanged();
 }
 

@@ -20,6 +20,7 @@ void LibraryCounts::follow(Vault &vault, Prefs &prefs)
     m_vault = &vault;
     m_prefs = &prefs;
     connect(&vault, &Vault::rescanned, this, &LibraryCounts::count);
+    connect(&vault, &Vault::trashItemsChanged, this, &LibraryCounts::count);
     connect(&prefs, &Prefs::favoritesChanged, this, &LibraryCounts::count);
     connect(&prefs, &Prefs::recentChanged, this, &LibraryCounts::count);
     count();
@@ -35,6 +36,7 @@ void LibraryCounts::count()
     m_all = int(picture.size());
     m_favorites = existing(m_prefs->favorites());
     m_recent = existing(m_prefs->recent());
+    m_trash = int(m_vault->trashItems().size());
     m_size = byteText(picture.totalSize());
     Q_EMIT changed();
 }

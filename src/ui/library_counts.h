@@ -18,6 +18,7 @@ class LibraryCounts : public QObject, public QQmlParserStatus
     Q_PROPERTY(int all READ all NOTIFY changed FINAL)
     Q_PROPERTY(int favorites READ favorites NOTIFY changed FINAL)
     Q_PROPERTY(int recent READ recent NOTIFY changed FINAL)
+    Q_PROPERTY(int trash READ trash NOTIFY changed FINAL)
     Q_PROPERTY(QString size READ size NOTIFY changed FINAL)
 public:
     // What QML does when it has made the object. Both must outlive it.
@@ -27,6 +28,7 @@ public:
     // Those that exist; what a setting still names but the vault no longer holds does not count.
     int favorites() const { return m_favorites; }
     int recent() const { return m_recent; }
+    int trash() const { return m_trash; }
     // Of all assets together, ready to be shown.
     QString size() const { return m_size; }
 
@@ -43,6 +45,7 @@ private:
     int m_all = 0;
     int m_favorites = 0;
     int m_recent = 0;
+    int m_trash = 0;
     QString m_size;
 };
 

@@ -24,12 +24,27 @@ QRect coverCrop(QSize source, QSize target)
     return {QPoint((source.width() - size.width()) / 2, (source.height() - size.height()) / 2), size};
 }
 
+// What shows through a picture, in dark tones: light effects are meant for dark ground.
+void drawCheckerboard(QPainter &painter, const QRect &place)
+{
+    constexpr QColor tones[]{QColor(0x16, 0x16, 0x1b), QColor(0x20, 0x20, 0x27)};
+    const int side = std::max(4, place.height() / 14);
+    for (int y = 0; y * side < place.height(); ++y) {
+        for (int x = 0; x * side < place.width(); ++x)
+            painter.fillRect(QRect(place.x() + x * side, place.y() + y * side, side, side) & place,
+                             tones[(x + y) % 2]);
+    }
+}
+
 // Where the picture, or the part of it that is seen, lies in the shape.
 QRect placeIn(const PictureShape &shape, QSize part)
 {
     if (shape.fit == PictureFit::Cover)
         return {QPoint(), shape.size};
     const QSize size = part.scaled(shape.size, Qt::KeepAspectRatio).expandedTo({1, 1});
+    // A margin that only rounding left would look like a fault.
+    if (shape.size.width() - size.width() <= 2 && shape.size.height() - size.height() <= 2)
+        return {QPoint(), shape.size};
     return {QPoint((shape.size.width() - size.width()) / 2, (shape.size.height() - size.height()) / 2), size};
 }
 
@@ -50,6 +65,8 @@ QImage cutPicture(const QImage &picture, const PictureShape &shape)
     QImage cut(shape.size, QImage::Format_ARGB32_Premultiplied);
     cut.fill(Qt::black);
     QPainter painter(&cut);
+    if (picture.hasAlphaChannel())
+        drawCheckerboard(painter, place);
     painter.drawImage(place.topLeft(),
                       seen.scaled(place.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
     painter.end();

@@ -26,8 +26,9 @@ void ThumbnailSource::follow(Vault &vault, Media &media)
     m_vault = &vault;
     m_media = &media;
     connect(&media, &Media::thumbnailChanged, this, &PictureSource::changed);
-    Q_EMIT
-    reset();
+    connect(&media, &Media::waveformChanged, this, &PictureSource::changed);
+    connect(&media, &Media::scrubFrameChanged, this, &PictureSource::scrubFrameChanged);
+    Q_EMIT reset();
 }
 
 void ThumbnailSource::componentComplete()
@@ -48,7 +49,14 @@ const Asset *ThumbnailSource::find(const Location &url) const
 Media::State ThumbnailSource::state(const Location &url) const
 {
     const Asset *asset = find(url);
-    return asset ? m_media->thumbnailState(*asset) : Media::State::Missing;
+    if (!asset)
+        return Media::State::Missing;
+    if (asset->kind != AssetKind::Audio)
+        return m_media->thumbnailState(*asset);
+    const std::optional<WaveformPeaks> peaks = m_media->waveform(*asset);
+    if (!peaks)
+        return Media::State::Missing;
+    return peaks->isEmpty() ? Media::State::Failed : Media::State::Ready;
 }
 
 QImage ThumbnailSource::picture(const Location &url) const
@@ -60,7 +68,34 @@ QImage ThumbnailSource::picture(const Location &url) const
 std::unique_ptr<PreviewRequest> ThumbnailSource::request(const Location &url)
 {
     const Asset *asset = find(url);
-    return asset ? m_media->requestThumbnail(*asset) : nullptr;
+    if (!asset)
+        return nullptr;
+    return asset->kind == AssetKind::Audio ? m_media->requestWaveform(*asset)
+                                           : m_media->requestThumbnail(*asset);
+}
+
+QImage ThumbnailSource::scrubFrame(const Location &url, int bucket) const
+{
+    const Asset *asset = find(url);
+    return asset ? m_media->scrubFrame(*asset, bucket) : QImage();
+}
+
+std::unique_ptr<PreviewRequest> ThumbnailSource::requestScrubFrame(const Location &url, int bucket)
+{
+    const Asset *asset = find(url);
+    return asset ? m_media->requestScrubFrame(*asset, bucket) : nullptr;
+}
+
+WaveformPeaks ThumbnailSource::waveform(const Location &url) const
+{
+    const Asset *asset = find(url);
+    return asset ? m_media->waveform(*asset).value_or(WaveformPeaks()) : WaveformPeaks();
+}
+
+double ThumbnailSource::duration(const Location &url) const
+{
+    const Asset *asset = find(url);
+    return asset ? m_media->duration(*asset) : 0;
 }
 
 } // namespace cratewell

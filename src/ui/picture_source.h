@@ -27,6 +27,16 @@ public:
     // The picture is made while the answer lives; null when nothing needs to be done.
     [[nodiscard]] virtual std::unique_ptr<PreviewRequest> request(const Location &url) = 0;
 
+    // The same for one of the frames that follow the pointer over a video (Media::scrubFrame).
+    virtual QImage scrubFrame(const Location &url, int bucket) const = 0;
+    [[nodiscard]] virtual std::unique_ptr<PreviewRequest> requestScrubFrame(const Location &url,
+                                                                            int bucket) = 0;
+
+    // A Ready sound has these instead of a picture; none for everything else.
+    virtual WaveformPeaks waveform(const Location &url) const = 0;
+    // Seconds; 0 when unknown.
+    virtual double duration(const Location &url) const = 0;
+
     PictureCutter &cutter() { return m_cutter; }
     // Painted once for all files that look alike.
     QImage placeholder(const PlaceholderLook &look, const PictureShape &shape);
@@ -34,6 +44,7 @@ public:
 Q_SIGNALS:
     // State or picture of this file changed.
     void changed(const cratewell::Location &url);
+    void scrubFrameChanged(const cratewell::Location &url, int bucket);
     // Everything may have changed.
     void reset();
 
@@ -49,9 +60,9 @@ private:
     std::vector<PaintedPlaceholder> m_placeholders;
 };
 
-// The grid thumbnails of the vault's assets, each looked up afresh, so that a rewritten file gets the picture
-// of its newest version. Every picture is missing until it knows its vault. (The QML tools find a base by its
-// full name only.)
+// The grid thumbnails and waveforms of the vault's assets, each looked up afresh, so that a rewritten file
+// gets the picture of its newest version. Every picture is missing until it knows its vault. (The QML tools
+// find a base by its full name only.)
 class ThumbnailSource : public cratewell::PictureSource, public QQmlParserStatus
 {
     Q_OBJECT
@@ -66,6 +77,10 @@ public:
     Media::State state(const Location &url) const override;
     QImage picture(const Location &url) const override;
     std::unique_ptr<PreviewRequest> request(const Location &url) override;
+    QImage scrubFrame(const Location &url, int bucket) const override;
+    std::unique_ptr<PreviewRequest> requestScrubFrame(const Location &url, int bucket) override;
+    WaveformPeaks waveform(const Location &url) const override;
+    double duration(const Location &url) const override;
 
     void classBegin() override {}
     void componentComplete() override;

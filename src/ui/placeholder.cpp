@@ -47,12 +47,12 @@ QImage placeholderPicture(const PlaceholderLook &look, const PictureShape &shape
     QImage tile(shape.size, QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&tile);
     QLinearGradient tint(QPointF(0, 0), QPointF(shape.size.width(), shape.size.height()));
-    const float strength = look.sign == Sign::Kind ? 0.26F : 0.12F;
+    const float strength = look.sign == Sign::Kind || look.sign == Sign::Stage ? 0.26F : 0.12F;
     tint.setColorAt(0, mixed(dark, start, strength));
     tint.setColorAt(1, mixed(dark, end, strength * 0.4F));
     painter.fillRect(tile.rect(), tint);
 
-    if (look.sign != Sign::None) {
+    if (look.sign == Sign::Kind || look.sign == Sign::Broken) {
         QFont font(look.iconFamily);
         font.setPixelSize(std::max(8, shape.size.height() * 2 / 5));
         painter.setFont(font);

@@ -9,11 +9,11 @@ namespace cratewell {
 QString kindIcon(AssetKind kind);
 
 // What stands in for the picture of a file: a dark tile in the colours of its category. While the picture is
-// under way it carries no sign; where there is none, the sign of the kind; where the file could not be read,
-// a broken picture.
+// under way it carries no sign; where there is none, the sign of the kind; where something else is drawn on
+// it, none either, but it shines like that; where the file could not be read, a broken picture.
 struct PlaceholderLook
 {
-    enum class Sign : quint8 { None, Kind, Broken };
+    enum class Sign : quint8 { None, Kind, Stage, Broken };
 
     AssetKind kind = AssetKind::Video;
     Sign sign = Sign::None;

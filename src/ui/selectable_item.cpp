@@ -9,8 +9,7 @@ void SelectableItem::setSelected(bool selected)
     if (selected == m_selected)
         return;
     m_selected = selected;
-    Q_EMIT
-    selectedChanged();
+    Q_EMIT selectedChanged();
     if (!isComponentComplete())
         return;
     QAccessibleEvent event(this, selected ? QAccessible::SelectionAdd : QAccessible::SelectionRemove);

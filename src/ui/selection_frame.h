@@ -48,8 +48,7 @@ private:
         member = value;
         m_lookChanged = true;
         update();
-        Q_EMIT
-        lookChanged();
+        Q_EMIT lookChanged();
     }
 
     QColor m_color;

@@ -57,10 +57,8 @@ bool SelectionInfo::isFavorite() const
 void SelectionInfo::takeAsset()
 {
     m_asset = m_state->selection();
-    Q_EMIT
-    assetChanged();
-    Q_EMIT
-    favoriteChanged();
+    Q_EMIT assetChanged();
+    Q_EMIT favoriteChanged();
     takeDestination();
 }
 
@@ -70,8 +68,7 @@ void SelectionInfo::takeDestination()
     if (destination == m_destination)
         return;
     m_destination = destination;
-    Q_EMIT
-    destinationChanged();
+    Q_EMIT destinationChanged();
 }
 
 } // namespace cratewell

@@ -19,8 +19,7 @@ void StarItem::setIconStyle(const QString &text)
         return;
     m_style = style;
     update();
-    Q_EMIT
-    iconStyleChanged();
+    Q_EMIT iconStyleChanged();
 }
 
 QSGNode *StarItem::updatePaintNode(QSGNode *old, UpdatePaintNodeData *)

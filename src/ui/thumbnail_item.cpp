@@ -28,13 +28,17 @@ void ThumbnailItem::setSource(PictureSource *source)
             m_request.reset();
             m_ticket.reset();
             m_outdated = true;
+            takeDuration();
             polish();
+        });
+        connect(source, &PictureSource::scrubFrameChanged, this, [this](const Location &url, int bucket) {
+            if (url == m_url && bucket == m_frame)
+                polish();
         });
         connect(source, &PictureSource::reset, this, &ThumbnailItem::forget);
     }
     forget();
-    Q_EMIT
-    sourceChanged();
+    Q_EMIT sourceChanged();
 }
 
 void ThumbnailItem::setUrl(const Location &url)
@@ -43,8 +47,7 @@ void ThumbnailItem::setUrl(const Location &url)
         return;
     m_url = url;
     forget();
-    Q_EMIT
-    urlChanged();
+    Q_EMIT urlChanged();
 }
 
 void ThumbnailItem::setKind(AssetKind kind)
@@ -53,8 +56,7 @@ void ThumbnailItem::setKind(AssetKind kind)
         return;
     m_kind = kind;
     polish();
-    Q_EMIT
-    kindChanged();
+    Q_EMIT kindChanged();
 }
 
 void ThumbnailItem::setActive(bool active)
@@ -63,8 +65,7 @@ void ThumbnailItem::setActive(bool active)
         return;
     m_active = active;
     withdrawIfUnseen();
-    Q_EMIT
-    activeChanged();
+    Q_EMIT activeChanged();
 }
 
 void ThumbnailItem::setRadius(qreal radius)
@@ -73,8 +74,7 @@ void ThumbnailItem::setRadius(qreal radius)
         return;
     m_radius = radius;
     polish();
-    Q_EMIT
-    radiusChanged();
+    Q_EMIT radiusChanged();
 }
 
 void ThumbnailItem::setWhole(bool whole)
@@ -86,14 +86,38 @@ void ThumbnailItem::setWhole(bool whole)
     Q_EMIT wholeChanged();
 }
 
+void ThumbnailItem::setScrub(qreal fraction)
+{
+    if (fraction == m_scrub)
+        return;
+    const bool frameChanges =
+        m_scrub < 0 || fraction < 0 || Media::scrubBucket(m_scrub) != Media::scrubBucket(fraction);
+    m_scrub = fraction;
+    if (frameChanges) {
+        m_outdated = true; // what is drawn stays until the other is there
+        polish();
+    }
+    Q_EMIT scrubChanged();
+}
+
+void ThumbnailItem::takeDuration()
+{
+    const double seconds = m_source && !m_url.isEmpty() ? m_source->duration(m_url) : 0;
+    const QString text = seconds > 0 ? timeString(seconds) : QString();
+    // A source that is short of memory forgets; what is told once stays true for this file.
+    if (text == m_duration || (text.isEmpty() && m_source->state(m_url) != Media::State::Failed))
+        return;
+    m_duration = text;
+    Q_EMIT durationChanged();
+}
+
 void ThumbnailItem::setIconFamily(const QString &family)
 {
     if (family == m_iconFamily)
         return;
     m_iconFamily = family;
     polish();
-    Q_EMIT
-    iconFamilyChanged();
+    Q_EMIT iconFamilyChanged();
 }
 
 PictureShape ThumbnailItem::shape() const
@@ -106,8 +130,14 @@ PictureShape ThumbnailItem::shape() const
 void ThumbnailItem::forget()
 {
     m_request.reset();
+    m_frameRequest.reset();
+    m_frame = -1;
     m_ticket.reset();
     draw({}, {}, Drawn::Nothing);
+    if (!m_duration.isEmpty()) {
+        m_duration.clear();
+        Q_EMIT durationChanged();
+    }
     polish();
 }
 
@@ -122,13 +152,16 @@ void ThumbnailItem::withdrawIfUnseen()
 void ThumbnailItem::updatePolish()
 {
     const PictureShape wanted = shape();
-    if (!m_source || m_url.isEmpty() || wanted.size.isEmpty())
+    if (!m_source || m_url.isEmpty() || wanted.size.isEmpty() || showScrubFrame(wanted))
         return;
     switch (m_source->state(m_url)) {
     case Media::State::Ready:
         m_request.reset();
-        if (needsPicture(wanted))
-            showPicture(wanted);
+        takeDuration();
+        if (m_kind == AssetKind::Audio)
+            showPlaceholder(Sign::Stage, wanted);
+        else if (needsPicture(wanted))
+            showPicture(m_source->picture(m_url), wanted);
         return;
     case Media::State::Missing:
         if (m_active && isVisible() && !m_request && needsPicture(wanted))
@@ -140,10 +173,29 @@ void ThumbnailItem::updatePolish()
     case Media::State::Failed:
         m_request.reset();
         m_ticket.reset();
-        showPlaceholder(m_kind == AssetKind::Video || m_kind == AssetKind::Image ? Sign::Broken : Sign::Kind,
-                        wanted);
+        showPlaceholder(Sign::Broken, wanted);
         return;
     }
+}
+
+// True when a frame under the pointer is shown or has been asked for; until it comes, what is drawn stays.
+bool ThumbnailItem::showScrubFrame(const PictureShape &wanted)
+{
+    if (m_scrub < 0 || m_kind != AssetKind::Video || m_drawn != Drawn::Picture) {
+        m_frameRequest.reset();
+        m_frame = -1;
+        return false;
+    }
+    const int bucket = Media::scrubBucket(m_scrub);
+    const QImage picture = m_source->scrubFrame(m_url, bucket);
+    if (!picture.isNull()) {
+        m_frameRequest.reset();
+        showPicture(picture, wanted);
+    } else if (bucket != m_frame) {
+        m_frameRequest = m_source->requestScrubFrame(m_url, bucket);
+    }
+    m_frame = bucket;
+    return true;
 }
 
 // The source may have let go of the picture that is on the screen: it is enough as long as it fits.
@@ -152,9 +204,8 @@ bool ThumbnailItem::needsPicture(const PictureShape &wanted) const
     return m_drawn != Drawn::Picture || m_outdated || m_cutTo != wanted;
 }
 
-void ThumbnailItem::showPicture(const PictureShape &wanted)
+void ThumbnailItem::showPicture(const QImage &picture, const PictureShape &wanted)
 {
-    const QImage picture = m_source->picture(m_url);
     if (picture.isNull())
         return;
     if (const QImage ready = m_source->cutter().ready(picture, wanted); !ready.isNull()) {
@@ -192,8 +243,7 @@ void ThumbnailItem::draw(const QImage &image, const PictureShape &cutTo, Drawn w
     const bool wasShown = isShown();
     m_drawn = what;
     if (wasShown != isShown())
-        Q_EMIT
-    shownChanged();
+        Q_EMIT shownChanged();
 }
 
 QSGNode *ThumbnailItem::updatePaintNode(QSGNode *old, UpdatePaintNodeData *)

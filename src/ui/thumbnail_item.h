@@ -28,6 +28,11 @@ class ThumbnailItem : public QQuickItem
     Q_PROPERTY(QString kindIcon READ kindIcon NOTIFY kindChanged FINAL)
     // There is a picture and it is on the screen.
     Q_PROPERTY(bool shown READ isShown NOTIFY shownChanged FINAL)
+    // Of a video's duration, 0 to 1: the frame there is shown instead, as soon as it is there. Negative for
+    // the usual picture.
+    Q_PROPERTY(qreal scrub READ scrub WRITE setScrub NOTIFY scrubChanged FINAL)
+    // Of the video or sound, as "0:12"; empty while it is unknown.
+    Q_PROPERTY(QString duration READ duration NOTIFY durationChanged FINAL)
 public:
     explicit ThumbnailItem(QQuickItem *parent = nullptr);
 
@@ -47,6 +52,9 @@ public:
     void setIconFamily(const QString &family);
     QString kindIcon() const { return cratewell::kindIcon(m_kind); }
     bool isShown() const { return m_drawn == Drawn::Picture; }
+    qreal scrub() const { return m_scrub; }
+    void setScrub(qreal fraction);
+    const QString &duration() const { return m_duration; }
 
 Q_SIGNALS:
     void sourceChanged();
@@ -57,6 +65,8 @@ Q_SIGNALS:
     void wholeChanged();
     void iconFamilyChanged();
     void shownChanged();
+    void scrubChanged();
+    void durationChanged();
 
 protected:
     QSGNode *updatePaintNode(QSGNode *old, UpdatePaintNodeData *data) override;
@@ -68,7 +78,9 @@ private:
     PictureShape shape() const;
     void forget();
     void withdrawIfUnseen();
-    void showPicture(const PictureShape &wanted);
+    void showPicture(const QImage &picture, const PictureShape &wanted);
+    bool showScrubFrame(const PictureShape &wanted);
+    void takeDuration();
     void showPlaceholder(PlaceholderLook::Sign sign, const PictureShape &wanted);
     enum class Drawn : quint8 { Nothing, Placeholder, Picture };
     void draw(const QImage &image, const PictureShape &cutTo, Drawn what);
@@ -82,7 +94,12 @@ private:
     PictureFit m_fit = PictureFit::Cover;
     QString m_iconFamily;
 
+    qreal m_scrub = -1;
+    QString m_duration;
+
     std::unique_ptr<PreviewRequest> m_request;
+    std::unique_ptr<PreviewRequest> m_frameRequest;
+    int m_frame = -1; // that is shown, or asked for
     PictureCutter::Ticket m_ticket;
     QImage m_image; // what is drawn
     PictureShape m_cutTo;

@@ -7,8 +7,7 @@ void FileProgress::show(const Values &values)
     if (values == m_now)
         return;
     m_now = values;
-    Q_EMIT
-    changed();
+    Q_EMIT changed();
 }
 
 } // namespace cratewell

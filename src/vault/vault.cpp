@@ -47,8 +47,7 @@ void Vault::Private::takeResult()
     if (waiting)
         startScan();
     if (newer) {
-        Q_EMIT
-        q.rescanned(*changes);
+        Q_EMIT q.rescanned(*changes);
         worker.release(std::move(*changes));
     }
 }
@@ -72,10 +71,9 @@ Vault::Vault(Location root, Defaults &defaults, std::unique_ptr<FileEvents> even
             d->coalescing.start();
     });
     const auto tellLimit = [this] {
-        Q_EMIT
-        toast(u"This vault has more folders than the system can follow at once. "
-              u"Changes may take a few seconds to appear."_s,
-              true);
+        Q_EMIT toast(u"This vault has more folders than the system can follow at once. "
+                     u"Changes may take a few seconds to appear."_s,
+                     true);
     };
     connect(d->events.get(), &FileEvents::limitReached, this, tellLimit, Qt::SingleShotConnection);
     d->purging.setInterval(purgeInterval);
@@ -99,14 +97,12 @@ void Vault::changeRoot(const Location &root)
     d->rootChanged = true;
     d->worker.cancel();
     d->queue.cancelAll();
-    Q_EMIT
-    rootChanged(root);
+    Q_EMIT rootChanged(root);
     d->events->stop();
     d->following = false;
     d->coalescing.stop();
     start();
-    Q_EMIT
-    opened();
+    Q_EMIT opened();
 }
 
 void Vault::rescan()
@@ -137,8 +133,7 @@ void Vault::clearLastError()
     if (d->lastError.isEmpty())
         return;
     d->lastError.clear();
-    Q_EMIT
-    lastErrorChanged();
+    Q_EMIT lastErrorChanged();
 }
 
 qint64 Vault::totalSize() const

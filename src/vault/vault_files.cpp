@@ -18,7 +18,7 @@ QString counted(qsizetype count, const QString &what)
 
 } // namespace
 
-void Vault::Private::change(const QString &title, DiskPart disk, MainPart after)
+void Vault::Private::change(const QString &title, DiskPart disk, MainPart after, const Location &destination)
 {
     const auto work = [this, files = files, disk = std::move(disk),
                        after = std::move(after)](WorkMonitor &monitor) -> FileQueue::Effects {
@@ -31,13 +31,12 @@ void Vault::Private::change(const QString &title, DiskPart disk, MainPart after)
             tellFailure(outcome.error);
             if (trashNow != trash) {
                 trash = trashNow;
-                Q_EMIT
-                q.trashItemsChanged();
+                Q_EMIT q.trashItemsChanged();
             }
             after(outcome);
         };
     };
-    queue.add(title, work);
+    queue.add(title, work, destination);
 }
 
 void Vault::Private::openTrash()
@@ -51,8 +50,7 @@ void Vault::Private::tellFailure(const QString &error)
     if (error.isEmpty())
         return;
     lastError = error;
-    Q_EMIT
-    q.lastErrorChanged();
+    Q_EMIT q.lastErrorChanged();
 }
 
 void Vault::createFolder(const QString &name, const Location &parent, FolderCreated done)
@@ -84,8 +82,7 @@ void Vault::rename(const Location &item, const QString &name)
         {}, [item, destination](FileWork &work, WorkMonitor &) { return work.rename(item, destination); },
         [this, item, destination](const FileWork::Outcome &outcome) {
             if (outcome.count > 0)
-                Q_EMIT
-            itemRenamed(item, destination);
+                Q_EMIT itemRenamed(item, destination);
             rescan();
         });
 }
@@ -96,12 +93,10 @@ void Vault::move(const std::vector<Location> &items, const Location &folder)
         tr("Moving"),
         [items, folder](FileWork &work, WorkMonitor &monitor) { return work.move(items, folder, monitor); },
         [this, folder](const FileWork::Outcome &outcome) {
-            Q_EMIT
-            itemsMoved();
+            Q_EMIT itemsMoved();
             rescan();
             if (outcome.count > 0)
-                Q_EMIT
-            toast(u"Moved %1 to %2"_s.arg(counted(outcome.count, u"item"_s), folder.name()), true);
+                Q_EMIT toast(u"Moved %1 to %2"_s.arg(counted(outcome.count, u"item"_s), folder.name()), true);
         });
 }
 
@@ -130,19 +125,20 @@ const std::vector<TrashItem> &Vault::trashItems() const
 
 void Vault::moveToTrash(const std::vector<Location> &items)
 {
+    for (const Location &item : items)
+        d->queue.cancelFilling(item);
     d->change(
         tr("Moving to Trash"),
         [items](FileWork &work, WorkMonitor &monitor) { return work.trash(items, monitor); },
         [this](const FileWork::Outcome &outcome) {
             if (!outcome.trashed.empty())
-                Q_EMIT
-            itemsTrashed(outcome.trashed);
+                Q_EMIT itemsTrashed(outcome.trashed);
             rescan();
             if (outcome.count > 0)
-                Q_EMIT
-            toast(u"Moved %1 to Trash. They're kept for %2 days."_s.arg(counted(outcome.count, u"item"_s))
-                      .arg(trashRetentionDays),
-                  true);
+                Q_EMIT toast(
+                    u"Moved %1 to Trash. They're kept for %2 days."_s.arg(counted(outcome.count, u"item"_s))
+                        .arg(trashRetentionDays),
+                    true);
         });
 }
 
@@ -153,8 +149,7 @@ void Vault::restore(const std::vector<TrashItem> &items)
         [items](FileWork &work, WorkMonitor &monitor) { return work.restore(items, monitor); },
         [this, asked = qsizetype(items.size())](const FileWork::Outcome &) {
             rescan();
-            Q_EMIT
-            toast(u"Restored "_s + counted(asked, u"item"_s), true);
+            Q_EMIT toast(u"Restored "_s + counted(asked, u"item"_s), true);
         });
 }
 
@@ -194,14 +189,13 @@ void Vault::importItems(const std::vector<Location> &items, const std::optional<
                 recent.insert(recent.end(), d->recentImports.begin(), d->recentImports.end());
                 recent.resize(std::min(recent.size(), mostRecentImports));
                 d->recentImports = std::move(recent);
-                Q_EMIT
-                recentImportsChanged();
+                Q_EMIT recentImportsChanged();
             }
             rescan();
             if (outcome.count > 0)
-                Q_EMIT
-            toast(u"Added %1 to the vault"_s.arg(counted(outcome.count, u"asset"_s)), true);
-        });
+                Q_EMIT toast(u"Added %1 to the vault"_s.arg(counted(outcome.count, u"asset"_s)), true);
+        },
+        into.value_or(Location()));
 }
 
 const std::vector<Location> &Vault::recentImports() const

@@ -46,10 +46,14 @@ void put(const decode::Picture &picture, uint8_t *memory, Reply &reply)
     reply.duration = picture.duration;
 }
 
-void put(const std::vector<float> &peaks, uint8_t *memory, Reply &reply)
+void putSound(int file, int count, uint8_t *memory, Reply &reply)
 {
+    const auto decoded = decode::audioPeaks(file, count);
+    const std::vector<float> &peaks = orThrow(decoded);
     reply.bytes = peaks.size() * sizeof(float);
     std::memcpy(memory, peaks.data(), reply.bytes);
+    if (const auto facts = decode::fileFacts(file))
+        reply.duration = facts->duration;
 }
 
 FileFacts factsToSend(const decode::FileFacts &facts)
@@ -76,7 +80,7 @@ void work(const ReceivedJob &job, uint8_t *memory, Reply &reply)
     else if (job.file() >= 0 && request.kind == JobKind::StillImage && sizeIsPossible)
         put(orThrow(decode::stillImage(job.file(), request.maxSide)), memory, reply);
     else if (job.file() >= 0 && request.kind == JobKind::AudioPeaks && countIsPossible)
-        put(orThrow(decode::audioPeaks(job.file(), request.count)), memory, reply);
+        putSound(job.file(), request.count, memory, reply);
     else if (job.file() >= 0 && request.kind == JobKind::Facts)
         reply.facts = factsToSend(orThrow(decode::fileFacts(job.file())));
     else

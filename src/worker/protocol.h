@@ -55,7 +55,7 @@ struct Reply
     // In the memory. Pictures: width x height x 4, upright BGRA rows without gaps, premultiplied. Peaks:
     // count x 4, 32-bit floats from 0 to 1.
     uint64_t bytes = 0;
-    double duration = 0; // seconds, of the video of the picture; 0 for a still or when unknown
+    double duration = 0; // seconds, of the video or the sound; 0 for a still or when unknown
     FileFacts facts;
     char error[240] = {}; // UTF-8, ended by a zero byte
 };

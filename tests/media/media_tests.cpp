@@ -9,6 +9,7 @@
 
 #include <QDir>
 #include <QSignalSpy>
+#include <cmath>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -27,10 +28,10 @@ protected:
         return paths;
     }
 
-    // Adds a made file to the vault's light leaks.
-    Location add(const QString &made, const QString &name)
+    // Adds a made file to a folder of the vault.
+    Location add(const QString &made, const QString &name, const QString &into = u"Overlays/Light Leaks"_s)
     {
-        const QString folder = m_files.path(u"vault/Overlays/Light Leaks"_s);
+        const QString folder = m_files.path(u"vault/"_s + into);
         EXPECT_TRUE(QDir().mkpath(folder));
         const QString place = folder + u'/' + name;
         QFile::remove(place);
@@ -48,6 +49,24 @@ protected:
         const auto index = m_vault.picture()->find(url);
         EXPECT_TRUE(index) << url.bytes().toStdString();
         return index ? m_vault.picture()->asset(*index) : Asset{};
+    }
+    Asset scanned(const Location &url)
+    {
+        scan();
+        return asset(url);
+    }
+    // Two seconds, one of silence and one of sound.
+    QString tone()
+    {
+        return m_files.ffmpeg(
+            u"tone.wav"_s, {},
+            {u"-f"_s, u"lavfi"_s, u"-i"_s, u"aevalsrc='if(gte(t,1),sin(2000*t),0)':s=48000:d=2"_s});
+    }
+    static std::optional<WaveformPeaks> peaksOf(Media &media, const Asset &sound)
+    {
+        const auto request = media.requestWaveform(sound);
+        EXPECT_TRUE(waitUntil([&] { return media.waveform(sound).has_value(); }));
+        return media.waveform(sound);
     }
     // The state once it is known.
     Media::State settled(const Asset &wanted)
@@ -155,6 +174,131 @@ TEST_F(MediaTest, ShowsTheUsersStillOnceItIsThereAndTheBuiltInOneOtherwise)
         m_prefs.setPreviewStill(bad);
         EXPECT_EQ(m_media.still(), sunset) << bad.toStdString();
     }
+}
+
+TEST_F(MediaTest, ASecondStartFindsPicturesAndPeaksWithoutDecoding)
+{
+    const Asset film = scanned(add(m_files.greyRamp(u"film.mp4"_s), u"film.mp4"_s));
+    const Asset sound = scanned(add(tone(), u"tone.wav"_s, u"SFX"_s));
+    ASSERT_EQ(settled(film), Media::State::Ready);
+    ASSERT_TRUE(peaksOf(m_media, sound));
+    const QImage first = m_media.thumbnail(film);
+    EXPECT_NEAR(m_media.duration(film), 10, 0.1);
+    EXPECT_NEAR(m_media.duration(sound), 2, 0.01);
+
+    SystemPaths without = m_paths;
+    without.workerProgram = Location::fromText(u"/nowhere/worker"_s);
+    const auto startAgain = [&] { return std::make_unique<Media>(m_vault, m_prefs, without); };
+    // What has been made is written to the disk soon after.
+    ASSERT_TRUE(waitUntil([&] {
+        const auto media = startAgain();
+        const auto request = media->requestThumbnail(film);
+        return waitUntil([&] { return media->thumbnailState(film) != Media::State::Missing; }) &&
+               media->thumbnailState(film) == Media::State::Ready;
+    }));
+    const auto second = startAgain();
+    const auto request = second->requestThumbnail(film);
+    ASSERT_TRUE(waitUntil([&] { return !second->thumbnail(film).isNull(); }));
+    EXPECT_EQ(second->thumbnail(film).size(), first.size());
+    EXPECT_NEAR(qRed(second->thumbnail(film).pixel(20, 20)), qRed(first.pixel(20, 20)), 3);
+    EXPECT_NEAR(second->duration(film), 10, 0.1);
+    EXPECT_EQ(peaksOf(*second, sound), m_media.waveform(sound));
+
+    const Asset rewritten = scanned(add(m_files.bytes(u"text"_s, "only text"), u"film.mp4"_s));
+    const auto third = startAgain();
+    const auto wish = third->requestThumbnail(rewritten);
+    ASSERT_TRUE(waitUntil([&] { return third->thumbnailState(rewritten) == Media::State::Failed; }));
+}
+
+TEST_F(MediaTest, GradesTheStillForLutsAndAnewForAnotherStill)
+{
+    // Red and blue change places.
+    QByteArray text = "LUT_3D_SIZE 2\n";
+    for (int i = 0; i < 8; ++i)
+        text += QByteArray::number(i >> 2 & 1) + ' ' + QByteArray::number(i >> 1 & 1) + ' ' +
+                QByteArray::number(i & 1) + '\n';
+    const Asset swap = scanned(add(m_files.bytes(u"swap"_s, text), u"swap.cube"_s, u"LUTs"_s));
+    const Asset bad =
+        scanned(add(m_files.bytes(u"bad"_s, "LUT_3D_SIZE 2\n0 0 0\n"), u"bad.cube"_s, u"LUTs"_s));
+    ASSERT_EQ(settled(swap), Media::State::Ready);
+    EXPECT_EQ(m_media.thumbnail(swap).size(), QSize(640, 360));
+    const QColor sky = m_media.still().pixelColor(2, 2);
+    const QColor graded = m_media.thumbnail(swap).pixelColor(1, 1);
+    EXPECT_NEAR(graded.red(), sky.blue(), 3);
+    EXPECT_NEAR(graded.blue(), sky.red(), 3);
+    EXPECT_EQ(m_media.lutState(swap), Media::State::Ready);
+    EXPECT_EQ(m_media.lut(swap)->size(), 2);
+    EXPECT_EQ(settled(bad), Media::State::Failed);
+    EXPECT_FALSE(m_media.lut(bad));
+    EXPECT_EQ(m_media.requestThumbnail(bad), nullptr);
+    EXPECT_EQ(m_media.requestLut(bad), nullptr);
+
+    m_prefs.setPreviewStill(blue({300, 200}));
+    EXPECT_EQ(m_media.thumbnailState(swap), Media::State::Missing);
+    ASSERT_TRUE(waitUntil([&] { return m_media.still().size() == QSize(300, 200); }));
+    ASSERT_EQ(settled(swap), Media::State::Ready);
+    EXPECT_EQ(m_media.thumbnail(swap).size(), QSize(120, 80));
+    EXPECT_EQ(m_media.thumbnail(swap).pixel(60, 40), qRgb(255, 0, 0));
+}
+
+TEST_F(MediaTest, ReadsPeaksFramesAndFacts)
+{
+    const Asset sound = scanned(add(tone(), u"tone.wav"_s, u"SFX"_s));
+    const Asset text = scanned(add(m_files.bytes(u"text"_s, "only text"), u"text.wav"_s, u"SFX"_s));
+    const Asset film = scanned(add(m_files.greyRamp(u"film.mp4"_s), u"film.mp4"_s));
+    QSignalSpy told(&m_media, &Media::waveformChanged);
+    EXPECT_FALSE(m_media.waveform(sound));
+    ASSERT_TRUE(peaksOf(m_media, sound));
+    EXPECT_EQ(told.count(), 1);
+    EXPECT_EQ(m_media.waveform(sound)->size(), 240);
+    EXPECT_EQ(std::ranges::max(*m_media.waveform(sound)), 1.0F);
+    ASSERT_TRUE(peaksOf(m_media, text));
+    EXPECT_TRUE(m_media.waveform(text)->isEmpty());
+    EXPECT_EQ(m_media.requestWaveform(text), nullptr) << "an unreadable file is not tried again";
+
+    EXPECT_EQ(Media::scrubBucket(0.04), 0);
+    EXPECT_EQ(Media::scrubBucket(0.5), 11);
+    EXPECT_EQ(Media::scrubBucket(1), 23);
+    EXPECT_EQ(Media::scrubBucket(std::nan("")) + Media::scrubBucket(-3), 0);
+    EXPECT_EQ(Media::scrubBucket(7), 23);
+    QSignalSpy scrubbed(&m_media, &Media::scrubFrameChanged);
+    const auto last = m_media.requestScrubFrame(film, 23);
+    ASSERT_TRUE(waitUntil([&] { return scrubbed.count() == 1; }));
+    EXPECT_EQ(scrubbed[0][1].toInt(), 23);
+    EXPECT_NEAR(qRed(m_media.scrubFrame(film, 23).pixel(20, 20)), 245, 6);
+    EXPECT_TRUE(m_media.scrubFrame(film, 0).isNull());
+    EXPECT_EQ(m_media.requestScrubFrame(film, 24), nullptr);
+    EXPECT_EQ(m_media.requestScrubFrame(sound, 0), nullptr);
+
+    const auto request = m_media.requestFacts(film);
+    ASSERT_TRUE(waitUntil([&] { return m_media.factsState(film) == Media::State::Ready; }));
+    EXPECT_EQ(m_media.facts(film)->codec, u"avc1"_s);
+    EXPECT_EQ(m_media.facts(film)->frameRate, 25);
+    const auto nothing = m_media.requestFacts(text);
+    ASSERT_TRUE(waitUntil([&] { return m_media.factsState(text) == Media::State::Failed; }));
+}
+
+TEST_F(MediaTest, GivesSingleFramesAndStrips)
+{
+    const Location film = add(m_files.greyRamp(u"film.mp4"_s), u"film.mp4"_s);
+    const Location text = add(m_files.bytes(u"text"_s, "only text"), u"text.mov"_s);
+    const auto frame = m_media.frame(film, 0.5, 64);
+    const auto strip = m_media.filmstrip(film, 3);
+    const auto none = m_media.filmstrip(film, 0);
+    const auto missing = m_media.filmstrip(text, 2);
+    const auto bad = m_media.frame(text, 0, 64);
+    EXPECT_TRUE(none.isFinished());
+    ASSERT_TRUE(waitUntil([&] {
+        return frame.isFinished() && strip.isFinished() && missing.isFinished() && bad.isFinished();
+    }));
+    EXPECT_EQ(std::max(frame.result().width(), frame.result().height()), 64);
+    EXPECT_NEAR(qRed(frame.result().pixel(5, 5)), 125, 5);
+    ASSERT_EQ(strip.result().size(), 3);
+    const double seconds[]{10 / 6.0, 5, 50 / 6.0};
+    for (int i = 0; i < 3; ++i)
+        EXPECT_NEAR(qRed(strip.result()[i].pixel(5, 5)), 25 * seconds[i], 5) << i;
+    EXPECT_TRUE(bad.result().isNull());
+    EXPECT_TRUE(none.result().isEmpty() && missing.result().isEmpty());
 }
 
 } // namespace cratewell::test

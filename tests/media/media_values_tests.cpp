@@ -1,6 +1,5 @@
 #include "media/blend_mode.h"
 #include "media/internal/sunset_still.h"
-#include "media/internal/thumbnail_store.h"
 #include "media/media.h"
 
 #include <cmath>
@@ -72,58 +71,6 @@ TEST(SunsetStill, HasItsColoursAtKnownPlaces)
         EXPECT_EQ(qAlpha(found), 255) << place.x << ' ' << place.y;
     }
     EXPECT_TRUE(sunsetStill({0, 10}).isNull());
-}
-
-class ThumbnailStoreTest : public testing::Test
-{
-protected:
-    using State = ThumbnailStore::State;
-
-    static QImage picture()
-    {
-        QImage image(10, 10, QImage::Format_RGB32);
-        image.fill(Qt::red);
-        return image;
-    }
-    static Location at(const char *path) { return Location::fromBytes(path); }
-
-    const FileVersion m_old{.inode = 1, .size = 1, .modified = 1};
-    const FileVersion m_new{.inode = 1, .size = 1, .modified = 2};
-};
-
-TEST_F(ThumbnailStoreTest, LetsGoOfThePictureShownLongestAgo)
-{
-    ThumbnailStore store(3 * picture().sizeInBytes());
-    quint64 turn = 0;
-    for (const char *name : {"/a", "/b", "/c"})
-        store.put(at(name), m_old, ++turn, picture());
-    store.put(at("/bad"), m_old, ++turn, {});
-    EXPECT_FALSE(store.show(at("/a"), m_old).isNull());
-    store.put(at("/d"), m_old, ++turn, picture());
-    EXPECT_EQ(store.state(at("/a"), m_old), State::Ready);
-    EXPECT_EQ(store.state(at("/b"), m_old), State::Missing);
-    EXPECT_EQ(store.state(at("/c"), m_old), State::Ready);
-    EXPECT_EQ(store.state(at("/bad"), m_old), State::Failed);
-    EXPECT_EQ(store.bytes(), 3 * picture().sizeInBytes());
-
-    EXPECT_TRUE(store.forget(at("/a")));
-    store.put(at("/c"), m_old, ++turn, {});
-    EXPECT_EQ(store.bytes(), picture().sizeInBytes());
-}
-
-TEST_F(ThumbnailStoreTest, KeepsWhatWasAskedForLast)
-{
-    ThumbnailStore store(1 << 20);
-    EXPECT_TRUE(store.put(at("/a"), m_new, 2, picture()));
-    EXPECT_FALSE(store.put(at("/a"), m_old, 1, {}));
-    EXPECT_EQ(store.state(at("/a"), m_new), State::Ready);
-    EXPECT_EQ(store.state(at("/a"), m_old), State::Missing);
-    EXPECT_TRUE(store.show(at("/a"), m_old).isNull());
-
-    EXPECT_FALSE(store.forgetOthers(at("/a"), m_new));
-    EXPECT_TRUE(store.forgetOthers(at("/a"), m_old));
-    EXPECT_FALSE(store.forget(at("/a")));
-    EXPECT_EQ(store.bytes(), 0);
 }
 
 } // namespace cratewell::test

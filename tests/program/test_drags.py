@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import shutil
 import subprocess
 import urllib.parse
 
@@ -9,7 +10,7 @@ from case import ProgramCase
 from controls import CARD, FOLDER, TEXT
 from wait import until
 
-RECEIVER_PLACE = (1515, 210)
+PARTNER_PLACE = (1515, 210)
 
 
 def pointer(*command: object) -> None:
@@ -43,8 +44,8 @@ class Drags(ProgramCase):
             share = step / steps
             pointer("mousemove", *(round(a + (b - a) * share) for a, b in zip(start, end)), "sleep", "0.03")
 
-    def receiver(self) -> subprocess.Popen:
-        process = subprocess.Popen([os.environ["CRATEWELL_DROP_RECEIVER"]], stdout=subprocess.PIPE, text=True,
+    def partner(self, *files: pathlib.Path) -> subprocess.Popen:
+        process = subprocess.Popen([os.environ["CRATEWELL_DRAG_PARTNER"], *files], stdout=subprocess.PIPE, text=True,
                                    env=os.environ | {"QT_QPA_PLATFORM": "xcb"})
         self.addCleanup(process.stdout.close)
         self.addCleanup(process.wait, 20)
@@ -53,11 +54,11 @@ class Drags(ProgramCase):
         return process
 
     def test_another_program_gets_every_path(self) -> None:
-        receiver = self.receiver()
+        partner = self.partner()
         names = ("Amber", "Boom", "100% %20 ünï;#?")
-        self.pull(self.select(*names), RECEIVER_PLACE)
+        self.pull(self.select(*names), PARTNER_PLACE)
         pointer("mouseup", 1)
-        lines = [receiver.stdout.readline().rstrip("\n") for _ in range(len(names) + 1)]
+        lines = [partner.stdout.readline().rstrip("\n") for _ in range(len(names) + 1)]
         self.assertEqual(lines.pop(), "copy")
         given = {urllib.parse.unquote(urllib.parse.urlsplit(line).path) for line in lines}
         wanted = {"Overlays/Light Leaks/Warm/Amber.png", "SFX/Hits/Boom.wav", "SFX/Hits/100% %20 ünï;#?.wav"}
@@ -71,13 +72,27 @@ class Drags(ProgramCase):
               "one card selected")
 
     def test_cards_move_to_the_folder_they_are_dropped_on(self) -> None:
-        start = self.select("Boom", "Click")
+        start = self.select("Boom", "Click", "100% %20 ünï;#?")
         self.pull(start, self.window.find(FOLDER, "SFX").place())
         self.window.find(TEXT, "Move")
         pointer("mouseup", 1)
-        for name in ("Boom.wav", "Click.wav"):
+        for name in ("Boom.wav", "Click.wav", "100% %20 ünï;#?.wav"):
             until((self.home.vault / "SFX" / name).exists, f"{name} in its new folder")
         self.assertFalse((self.home.vault / "SFX" / "Hits" / "Boom.wav").exists())
+
+    def test_a_folder_from_another_program_is_copied_into_the_folder_in_view(self) -> None:
+        pack = self.home.folder / "Desktop" / "Pack"
+        (pack / "Low").mkdir(parents=True)
+        sound = self.home.vault / "SFX" / "Hits" / "Boom.wav"
+        shutil.copyfile(sound, pack / "Low" / "Thud.wav")
+        self.window.find(FOLDER, "Hits").press()
+        self.window.until_cards("100% %20 ünï;#?", "Boom", "Click")
+        self.partner(pack)
+        self.pull(PARTNER_PLACE, self.window.find(CARD, "Click").place())
+        self.window.find(TEXT, "Copy into Hits")
+        pointer("mouseup", 1)
+        until((self.home.vault / "SFX" / "Hits" / "Pack" / "Low" / "Thud.wav").exists, "the copied folder")
+        self.assertTrue((pack / "Low" / "Thud.wav").exists())
 
     def test_a_drag_outlives_its_card_and_escape_ends_it(self) -> None:
         start = self.select("Click", "Boom")

@@ -2,6 +2,7 @@
 #include "ui/formats.h"
 #include "ui/gradient_tile.h"
 #include "ui/soft_shadow.h"
+#include "ui/waveform_drawing.h"
 
 #include <QLocale>
 #include <gtest/gtest.h>
@@ -144,6 +145,37 @@ TEST(GradientTileDrawing, RunsFromCornerToCornerWithRoundCorners)
     EXPECT_EQ(upright.pixel(8, 12), upright.pixel(36, 12));
     EXPECT_NE(upright.pixel(20, 8), upright.pixel(20, 36));
     EXPECT_EQ(upright.pixel(22, 0), QColor(Qt::white).rgb());
+}
+
+TEST(WaveformDrawing, DrawsTheStylesToTheirShape)
+{
+    WaveformPeaks peaks(240, 0.0F);
+    std::fill(peaks.begin() + 120, peaks.end(), 1.0F);
+    const auto ink = [&](const QString &style, QRect where) {
+        QImage image(200, 100, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        drawWaveform(painter, image.rect(), peaks, waveStyleFromRawValue(style), Qt::white, 1);
+        painter.end();
+        double sum = 0;
+        for (int y = where.top(); y <= where.bottom(); ++y) {
+            for (int x = where.left(); x <= where.right(); ++x)
+                sum += qAlpha(image.pixel(x, y)) / 255.0;
+        }
+        return sum / (where.width() * where.height());
+    };
+    const QRect loudTop(110, 5, 80, 20), loudBottom(110, 75, 80, 20), quietTop(10, 5, 80, 40),
+        quietMiddle(10, 48, 80, 4);
+    for (const auto &style : {u"mirror"_s, u"bars"_s, u"line"_s, u"no such style"_s}) {
+        EXPECT_GT(ink(style, loudTop), 0.3) << style.toStdString();
+        EXPECT_GT(ink(style, loudBottom), 0.3) << style.toStdString();
+        EXPECT_EQ(ink(style, quietTop), 0) << style.toStdString();
+    }
+    EXPECT_GT(ink(u"mirror"_s, quietMiddle), 0.1) << "silence is a line, not a hole";
+    EXPECT_GT(ink(u"line"_s, quietMiddle), 0.1);
+    EXPECT_EQ(ink(u"bars"_s, quietMiddle), 0);
+    EXPECT_GT(ink(u"bars"_s, {10, 96, 80, 4}), 0.1);
+    EXPECT_LT(ink(u"mirror"_s, loudTop), 0.8) << "bars have gaps";
 }
 
 TEST(ByteText, IsDecimalAndRoundsIntoTheNextUnit)

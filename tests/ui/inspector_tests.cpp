@@ -2,6 +2,8 @@
 #include "platform/fakes/fake_applications.h"
 #include "support/small_library.h"
 #include "ui/empty_notice.h"
+#include "ui/formats.h"
+#include "ui/metadata_rows.h"
 #include "ui/selection_info.h"
 
 #include <QSignalSpy>
@@ -26,6 +28,76 @@ TEST(PlaceText, LeadsFromTheCategoryToTheFile)
     EXPECT_EQ(text(u"/home/me/Vault/SFX/a.wav"_s), u"SFX"_s);
     EXPECT_EQ(text(u"/elsewhere/SFX/a.wav"_s), u"SFX"_s);
     EXPECT_EQ(text(u"/home/me/Vault 2/SFX/a.wav"_s), u"SFX"_s);
+}
+
+// "label=value" of all rows but the first two and the last, which every asset has.
+QStringList details(const QString &file, AssetKind kind, const std::optional<MediaFacts> &facts,
+                    const std::optional<LUT> &lut = {})
+{
+    const auto rows = metadataRows({Location::fromText(file), kind, 48'200'000, 0, {}}, facts, lut);
+    EXPECT_GE(rows.size(), 3U);
+    EXPECT_EQ(rows[0].value, kindLabel(kind) + u" · "_s + file.section(u'.', -1).toUpper());
+    EXPECT_EQ(rows[1].value, u"48.2 MB"_s);
+    EXPECT_EQ(rows.back().label, u"Added"_s);
+    QStringList texts;
+    for (size_t i = 2; i + 1 < rows.size(); ++i)
+        texts << rows[i].label + u'=' + rows[i].value;
+    return texts;
+}
+
+TEST(MetadataRows, SayOfEachKindWhatItsFileTells)
+{
+    MediaFacts film{.duration = 12.2, .width = 1920, .height = 1080, .frameRate = 23.976, .codec = u"ap4h"_s};
+    film.hasVideo = true;
+    EXPECT_EQ(details(u"/v/a.mov"_s, AssetKind::Video, film),
+              (QStringList{u"Duration=0:12"_s, u"Resolution=1920 × 1080"_s, u"Frame rate=24 fps"_s,
+                           u"Codec=ap4h (alpha capable)"_s}));
+    film.codec = u"avc1"_s;
+    film.frameRate = 29.97;
+    EXPECT_EQ(details(u"/v/a.mov"_s, AssetKind::Video, film).sliced(2),
+              (QStringList{u"Frame rate=30 fps"_s, u"Codec=avc1"_s}));
+    film.hasVideo = false;
+    MediaFacts still;
+    still.width = 40;
+    still.height = 30;
+    EXPECT_EQ(details(u"/v/a.mp4"_s, AssetKind::Video, film), QStringList{u"Duration=0:12"_s});
+    EXPECT_EQ(details(u"/v/a.png"_s, AssetKind::Image, still), QStringList{u"Resolution=40 × 30"_s});
+
+    MediaFacts sound;
+    sound.sampleRate = 48000;
+    sound.channels = 2;
+    sound.frames = 99840;
+    sound.hasAudio = true;
+    EXPECT_EQ(details(u"/v/a.wav"_s, AssetKind::Audio, sound),
+              (QStringList{u"Duration=2.1s"_s, u"Sample rate=48000 Hz"_s, u"Channels=Stereo"_s}));
+    for (const auto &[channels, text] : {std::pair{1, u"Mono"_s}, std::pair{6, u"6"_s}}) {
+        sound.channels = channels;
+        EXPECT_EQ(details(u"/v/a.wav"_s, AssetKind::Audio, sound).last(), u"Channels="_s + text);
+    }
+    const auto lut =
+        LUT::fromText("TITLE \"Warm\"\nLUT_3D_SIZE 2\n" + QByteArray("0 0 0\n").repeated(8), u"a"_s);
+    ASSERT_TRUE(lut);
+    EXPECT_EQ(details(u"/v/a.cube"_s, AssetKind::Lut, {}, lut),
+              (QStringList{u"Lattice=2³"_s, u"Title=Warm"_s}));
+    for (const AssetKind kind : {AssetKind::Video, AssetKind::Image, AssetKind::Lut, AssetKind::Audio})
+        EXPECT_EQ(details(u"/v/a.bad"_s, kind, {}), QStringList()) << "what cannot be read is left out";
+}
+
+TEST(AddedText, IsADayAndAMinuteInTheSystemsWords)
+{
+    const QDateTime moment(QDate(2026, 11, 20), QTime(14, 12, 30));
+    const double added = double(moment.toSecsSinceEpoch() - 978307200);
+    const QLocale before;
+    const std::pair<QLocale, QString> cases[]{
+        {QLocale(QLocale::English, QLocale::UnitedStates), u"Nov 20, 2026, 2:12 PM"_s},
+        {QLocale::c(), u"20 Nov 2026, 14:12"_s},
+        {QLocale(QLocale::German, QLocale::Germany), u"20. Nov. 2026, 14:12"_s}};
+    for (const auto &[locale, text] : cases) {
+        QLocale::setDefault(locale);
+        EXPECT_EQ(addedText(added).replace(QChar(0x202f), u' '), text);
+    }
+    EXPECT_EQ(addedText(distantPast), u"Unknown"_s);
+    QLocale::setDefault(before);
 }
 
 class SelectionInfoTest : public testing::Test

@@ -27,21 +27,35 @@ public:
         return std::make_unique<Wish>(*this, url);
     }
 
+    QImage scrubFrame(const Location &url, int bucket) const override { return frames.value({url, bucket}); }
+    std::unique_ptr<PreviewRequest> requestScrubFrame(const Location &, int bucket) override
+    {
+        wishedFrames << bucket;
+        return std::make_unique<PreviewRequest>();
+    }
+    WaveformPeaks waveform(const Location &url) const override { return peaks.value(url); }
+    double duration(const Location &url) const override { return pictures.contains(url) ? 12 : 0; }
+
+    void giveFrame(const Location &url, int bucket, const QColor &color)
+    {
+        QImage image(320, 200, QImage::Format_RGB32);
+        image.fill(color);
+        frames[{url, bucket}] = image;
+        Q_EMIT scrubFrameChanged(url, bucket);
+    }
     void give(const Location &url, const QColor &color)
     {
         QImage image(320, 200, QImage::Format_RGB32);
         image.fill(color);
         pictures[url] = image;
         states[url] = Media::State::Ready;
-        Q_EMIT
-        changed(url);
+        Q_EMIT changed(url);
     }
     void fail(const Location &url)
     {
         pictures.remove(url);
         states[url] = Media::State::Failed;
-        Q_EMIT
-        changed(url);
+        Q_EMIT changed(url);
     }
     // As a source short of memory does: without a word.
     void letGo(const Location &url)
@@ -52,12 +66,14 @@ public:
     void invalidate(const Location &url)
     {
         states[url] = Media::State::Missing;
-        Q_EMIT
-        changed(url);
+        Q_EMIT changed(url);
     }
 
     QHash<Location, Media::State> states;
     QHash<Location, QImage> pictures;
+    QHash<std::pair<Location, int>, QImage> frames;
+    QHash<Location, WaveformPeaks> peaks;
+    QList<int> wishedFrames;
     QList<Location> wished; // those that live
     int asked = 0;
 
@@ -218,6 +234,33 @@ TEST_F(ThumbnailItemTest, FollowsItsSize)
         return !source.cutter().ready(source.pictures[a], {{100, 180}, 10}).isNull();
     };
     ASSERT_TRUE(waitUntil(cutToSize));
+}
+
+TEST_F(ThumbnailItemTest, FollowsThePointerOverAVideoWithoutAGap)
+{
+    item.setUrl(a);
+    show();
+    item.setScrub(0.5);
+    source.give(a, Qt::red);
+    ASSERT_TRUE(waitUntil([this] { return !source.wishedFrames.isEmpty(); }));
+    EXPECT_EQ(source.wishedFrames, QList{11});
+    EXPECT_EQ(item.duration(), u"0:12"_s);
+    EXPECT_EQ(middle(), QColor(Qt::red)) << "stays until the frame is there";
+    source.giveFrame(a, 11, Qt::green);
+    ASSERT_TRUE(waitUntil([this] { return middle() == QColor(Qt::green); }));
+
+    item.setScrub(0.505);
+    item.setScrub(1);
+    ASSERT_TRUE(waitUntil([this] { return source.wishedFrames.size() == 2; }));
+    EXPECT_EQ(source.wishedFrames.last(), 23) << "one wish for each frame, not for each move";
+    EXPECT_EQ(middle(), QColor(Qt::green));
+    item.setScrub(-1);
+    ASSERT_TRUE(waitUntil([this] { return middle() == QColor(Qt::red); }));
+    source.giveFrame(a, 23, Qt::blue);
+    EXPECT_EQ(middle(), QColor(Qt::red)) << "came when the pointer had left";
+
+    item.setUrl(b);
+    EXPECT_EQ(item.duration(), QString());
 }
 
 TEST_F(ThumbnailItemTest, HasNoPictureWithoutASource)

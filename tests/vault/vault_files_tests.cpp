@@ -163,5 +163,29 @@ TEST(FileQueue, ShowsLongWorkAndCancelsIt)
     EXPECT_FALSE(progress.isActive());
 }
 
+TEST(FileQueue, EndsWhatFillsAFolderThatGoes)
+{
+    FileProgress progress;
+    FileQueue queue(progress);
+    std::vector<bool> cancelled;
+    const auto fill = [&](const char *folder, bool waits) {
+        queue.add(
+            u"Importing"_s,
+            [&, waits](WorkMonitor &monitor) -> FileQueue::Effects {
+                while (waits && !monitor.cancelled)
+                    std::this_thread::yield();
+                return [&, was = monitor.cancelled.load()] { cancelled.push_back(was); };
+            },
+            Location::fromText(QString::fromLatin1(folder)));
+    };
+    fill("/vault/SFX/Hits", true);
+    fill("/vault/SFX", false);
+    fill("/vault/SFX More", false);
+    fill("", false);
+    queue.cancelFilling(Location::fromText(u"/vault/SFX"_s));
+    ASSERT_TRUE(waitUntil([&] { return cancelled.size() == 4; }));
+    EXPECT_THAT(cancelled, ElementsAre(true, true, false, false));
+}
+
 } // namespace
 } // namespace cratewell

@@ -132,6 +132,7 @@ TEST_F(WindowDrops, HoveringSaysWhatADropOnAFolderWouldDo)
         {"our own drag", dragData(ours), "Whooshes", "Move"},
         {"from a file manager that shows the vault", files(ours), "Whooshes", "Move"},
         {"from outside", files({mixed[1]}), "Hits", "Copy"},
+        {"from outside, to another type's folder", files({mixed[1]}), "Flashes", "Copy, sorted by type"},
         {"both", files(mixed), "Whooshes", "Move and copy"},
         {"what is there already", dragData(ours), "Hits", nullptr},
         {"what the category does not take", dragData(ours), "Flashes", nullptr},
@@ -142,7 +143,7 @@ TEST_F(WindowDrops, HoveringSaysWhatADropOnAFolderWouldDo)
     for (auto &row : cases) {
         Hover hover(window, std::move(row.data));
         EXPECT_EQ(hover.moveTo(folder(QString::fromLatin1(row.folder))), row.label != nullptr) << row.what;
-        for (const char *label : {"Move", "Copy", "Move and copy"})
+        for (const char *label : {"Move", "Copy", "Copy, sorted by type", "Move and copy"})
             EXPECT_EQ(says(QString::fromLatin1(label)), row.label && !qstrcmp(row.label, label)) << row.what;
     }
     EXPECT_FALSE(says(u"Copy"_s)) << "a drag that has left leaves nothing behind";

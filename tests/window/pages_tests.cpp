@@ -92,7 +92,9 @@ TEST_F(Pages, TrashBringsBackTwoFilesOfOneName)
     world.key(Qt::Key_Delete, Qt::ControlModifier);
     EXPECT_TRUE(shows(QAccessible::AlertMessage, u"Moved 2 items to Trash. They're kept for 30 days."_s));
     EXPECT_TRUE(world.showsCards({}));
-    ASSERT_TRUE(click(QAccessible::Button, u"Trash"_s));
+    QAccessibleInterface *trash = world.controls().find(QAccessible::Button, u"Trash"_s);
+    ASSERT_TRUE(trash && click(QAccessible::Button, u"Trash"_s));
+    EXPECT_EQ(trash->text(QAccessible::Description), u"2"_s);
     ASSERT_TRUE(waitUntil([&] { return world.controls().names(QAccessible::ListItem).size() == 2; }));
     EXPECT_TRUE(shows(QAccessible::StaticText, u"From Hits"_s) &&
                 shows(QAccessible::StaticText, u"From Claps"_s));

@@ -2,6 +2,7 @@
 
 #include "platform/fakes/fake_file_chooser.h"
 #include "state/app_state.h"
+#include "state/prefs.h"
 #include "support/wait.h"
 #include "ui/dialog_file_chooser.h"
 #include "vault/vault.h"
@@ -138,7 +139,8 @@ TEST_F(Sheets, RenameSelectsTheBaseNameAndWarnsOfAnotherExtension)
     world.key(Qt::Key_Return);
     EXPECT_TRUE(world.showsCards({u"Boom"_s, u"Hit 2"_s}));
 
-    // The folder in view is followed to its new name.
+    // The folder in view is followed to its new name, and keeps its colour.
+    world.program().prefs().setFolderColor(path(u"SFX/Hits"_s), u"#2FD6FF"_s);
     state.setScope(Scope::inFolder(path(u"SFX/Hits"_s)));
     state.setRenameTarget(path(u"SFX/Hits"_s));
     EXPECT_EQ(selectedIn(u"Name"_s), u"Hits"_s);
@@ -146,6 +148,7 @@ TEST_F(Sheets, RenameSelectsTheBaseNameAndWarnsOfAnotherExtension)
     replaceText(u"Name"_s, u"Impacts"_s);
     world.key(Qt::Key_Return);
     EXPECT_TRUE(waitUntil([&] { return state.scopeTitle() == u"Impacts"; }));
+    EXPECT_EQ(world.program().prefs().folderColors().value(path(u"SFX/Impacts"_s)), u"#2FD6FF"_s);
     EXPECT_TRUE(world.showsCards({u"Boom"_s, u"Hit 2"_s}));
 
     // A taken name is the disk's affair, and its words are shown.

@@ -97,8 +97,7 @@ void PythonRun::finish()
         return;
     m_watchdog.stop();
     m_output.feed(m_process->readAllStandardOutput());
-    Q_EMIT
-    ended(m_output.take());
+    Q_EMIT ended(m_output.take());
 }
 
 QCoro::Task<std::optional<QString>> runPython(PythonCall call)

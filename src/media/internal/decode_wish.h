@@ -27,7 +27,13 @@ struct DecodedPicture
     double duration = 0;   // seconds; 0 for a still or when unknown
 };
 
-// A frame or a still is answered by a picture, peaks by as many as were wished for, facts by facts.
-using DecodeResult = Result<std::variant<DecodedPicture, WaveformPeaks, MediaFacts>>;
+struct DecodedSound
+{
+    WaveformPeaks peaks; // as many as were wished for
+    double duration = 0; // seconds; 0 when unknown
+};
+
+// A frame or a still is answered by a picture, peaks by a sound, facts by facts.
+using DecodeResult = Result<std::variant<DecodedPicture, DecodedSound, MediaFacts>>;
 
 } // namespace cratewell

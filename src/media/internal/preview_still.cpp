@@ -10,8 +10,7 @@ void PreviewStill::setFile(const Location &file)
     m_users = {};
     m_asked = false;
     m_request.reset();
-    Q_EMIT
-    changed();
+    Q_EMIT changed();
 }
 
 QImage PreviewStill::image()
@@ -37,8 +36,7 @@ void PreviewStill::take(const Location &file, const DecodeResult &result)
     if (file != m_file || !result)
         return;
     m_users = std::get<DecodedPicture>(*result).image;
-    Q_EMIT
-    changed();
+    Q_EMIT changed();
 }
 
 } // namespace cratewell

@@ -124,13 +124,14 @@ DecodeResult ReplyMemory::picture(int maxSide, const worker::Reply &reply) const
 // Copied before they are looked at: the worker can still write to the memory.
 DecodeResult ReplyMemory::peaks(int count, const worker::Reply &reply) const
 {
-    if (count < 1 || count > worker::maxPeakCount || reply.bytes != quint64(count) * sizeof(float))
+    if (count < 1 || count > worker::maxPeakCount || reply.bytes != quint64(count) * sizeof(float) ||
+        !isBetween(0, reply.duration, longest))
         return impossible();
     WaveformPeaks peaks(count);
     std::memcpy(peaks.data(), m_bytes, reply.bytes);
     if (!std::all_of(peaks.cbegin(), peaks.cend(), [](float peak) { return isBetween(0, peak, 1); }))
         return impossible();
-    return peaks;
+    return DecodedSound{.peaks = peaks, .duration = reply.duration};
 }
 
 } // namespace cratewell

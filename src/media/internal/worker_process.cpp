@@ -110,13 +110,11 @@ void WorkerProcess::receive()
     if (got < 0 && (errno == EAGAIN || errno == EINTR))
         return;
     if (got == ssize_t(sizeof reply)) {
-        Q_EMIT
-        answered(reply);
+        Q_EMIT answered(reply);
         return;
     }
     m_notifier->setEnabled(false);
-    Q_EMIT
-    ended();
+    Q_EMIT ended();
 }
 
 } // namespace cratewell

@@ -13,14 +13,12 @@ public:
     void setDark(bool dark)
     {
         m_dark = dark;
-        Q_EMIT
-        changed();
+        Q_EMIT changed();
     }
     void setReducedMotion(bool reduced)
     {
         m_reducedMotion = reduced;
-        Q_EMIT
-        changed();
+        Q_EMIT changed();
     }
 
 private:

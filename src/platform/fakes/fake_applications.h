@@ -22,16 +22,11 @@ public:
     void setRunning(const QStringList &identifiers)
     {
         m_running = identifiers;
-        Q_EMIT
-        changed();
+        Q_EMIT changed();
     }
     // Without telling: what a look finds before the desktop has said so.
     void setRunningSilently(const QStringList &identifiers) { m_running = identifiers; }
-    void activate(const QString &identifier)
-    {
-        Q_EMIT
-        activated(identifier);
-    }
+    void activate(const QString &identifier) { Q_EMIT activated(identifier); }
 
     int looks() const { return m_looks; }
     const QStringList &broughtToFront() const { return m_broughtToFront; }

@@ -24,13 +24,7 @@ constexpr int checkShare = 20;
 class InotifyFileEvents::Private
 {
 public:
-    explicit Private(InotifyFileEvents &owner)
-        : q(owner), throttle([&owner] {
-              Q_EMIT
-              owner.changed();
-          })
-    {
-    }
+    explicit Private(InotifyFileEvents &owner) : q(owner), throttle([&owner] { Q_EMIT owner.changed(); }) {}
 
     void order(const Location &root, Time since);
     void finish();
@@ -145,12 +139,7 @@ void InotifyFileEvents::Private::tell(bool changed, const InotifyTree &tree)
 {
     if (tree.limitReached() && !std::exchange(m_limitPosted, true))
         QMetaObject::invokeMethod(
-            &q,
-            [this] {
-                Q_EMIT
-                q.limitReached();
-            },
-            Qt::QueuedConnection);
+            &q, [this] { Q_EMIT q.limitReached(); }, Qt::QueuedConnection);
     if (!changed)
         return;
     m_changed = m_followed;

@@ -76,8 +76,7 @@ void PortalAppearance::take(const QString &group, const QString &key, QVariant v
     else if (group == gnomeGroup && key == animationsKey && value.metaType() == QMetaType::fromType<bool>())
         m_animations = value.toBool();
     if (wasDark != dark() || wasReduced != reducedMotion())
-        Q_EMIT
-    changed();
+        Q_EMIT changed();
 }
 
 } // namespace cratewell

@@ -71,8 +71,7 @@ void ProcApplications::check()
 {
     const QStringList now = look();
     if (now != std::exchange(m_last, now))
-        Q_EMIT
-    changed();
+        Q_EMIT changed();
 }
 
 bool ProcApplications::bringToFront(const QString &identifier)
@@ -88,8 +87,7 @@ X11Windows &ProcApplications::ensureWindows()
         connect(m_windows.get(), &X11Windows::activated, this, [this](const QStringList &classes) {
             for (const LinuxEditor &editor : linuxEditors) {
                 if (classes.contains(editor.windowClass, Qt::CaseInsensitive))
-                    Q_EMIT
-                activated(editor.identifier);
+                    Q_EMIT activated(editor.identifier);
             }
         });
     }

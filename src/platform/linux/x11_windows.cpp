@@ -126,8 +126,7 @@ void X11Windows::Private::readEvents(X11Windows &owner)
         const xcb_window_t window = now.empty() ? xcb_window_t(XCB_NONE) : now.front();
         if (window == std::exchange(active, window) || window == XCB_NONE)
             continue;
-        Q_EMIT
-        owner.activated(classes(ask(window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, longestClass)));
+        Q_EMIT owner.activated(classes(ask(window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, longestClass)));
     }
     // A server that is gone keeps its socket readable for ever.
     if (xcb_connection_has_error(connection))

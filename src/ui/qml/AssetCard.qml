@@ -25,6 +25,8 @@ SelectableItem {
     required property int radius
     required property bool showName
     required property bool showBadge
+    // A video follows the pointer.
+    required property bool scrubs
 
     readonly property bool hovered: face.containsMouse
     // What lies on the card moves with it when its parent is this.
@@ -40,7 +42,8 @@ SelectableItem {
 
     Accessible.role: Accessible.ListItem
     Accessible.name: name
-    Accessible.description: favorite ? qsTr("%1, favorite").arg(kindLabel) : kindLabel
+    Accessible.description: [kindLabel, picture.duration, favorite ? qsTr("favorite") : ""].filter(
+                                text => text.length > 0).join(", ")
     Accessible.selectable: true
     Accessible.selected: selected
     Accessible.focusable: true
@@ -98,8 +101,13 @@ SelectableItem {
             border.color: card.hovered ? Theme.popupBorder : Theme.glassBorder
         }
 
-        ThumbnailItem {
+        AssetPicture {
             id: picture
+
+            // Where the pointer is on the picture, 0 to 1.
+            readonly property real pointer: Math.max(0, Math.min(1, (face.mouseX - x) / width))
+            readonly property bool scrubbed: shown && card.hovered && card.scrubs && !face.pressed
+                                             && card.kind === Vocabulary.AssetKind.Video
 
             x: card.inset
             y: card.inset
@@ -110,7 +118,42 @@ SelectableItem {
             kind: card.kind
             active: card.inView
             radius: Math.max(0, card.radius - 6)
-            iconFamily: Theme.iconFamily
+            scrub: scrubbed ? pointer : -1
+        }
+
+        Rectangle {
+            x: picture.x + Math.round(picture.pointer * (picture.width - width))
+            y: picture.y
+            width: 2
+            height: picture.height
+            visible: picture.scrubbed
+            color: "#d9ffffff"
+        }
+
+        Rectangle {
+            anchors.right: picture.right
+            anchors.bottom: picture.bottom
+            anchors.margins: 6
+            visible: picture.duration.length > 0
+            width: durationText.width + 10
+            height: 16
+            radius: Theme.badgeRadius
+            color: "#8c000000"
+
+            Text {
+                id: durationText
+
+                x: 5
+                height: parent.height
+                verticalAlignment: Text.AlignVCenter
+                font.family: Theme.family
+                font.pixelSize: 10
+                font.weight: Font.Bold
+                renderType: Text.NativeRendering
+                color: "white"
+                textFormat: Text.PlainText
+                text: picture.duration
+            }
         }
 
         Rectangle {

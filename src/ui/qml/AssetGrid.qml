@@ -17,6 +17,8 @@ T.Control {
     readonly property int cardInset: 7
     readonly property int cardFooter: Prefs.showNames ? 32 : cardInset
     readonly property int barHeight: 46
+    // What floats over the lower edge takes this much.
+    readonly property int barSpace: bar.wanted ? barHeight + Theme.space3 : 0
 
     // False for a key that moves nothing. The first press of a key that moves by steps only starts.
     function move(key: int, modifiers: int): bool {
@@ -176,7 +178,7 @@ T.Control {
             anchors.leftMargin: grid.spill + 2
             anchors.rightMargin: grid.spill + 2 - grid.gap
             // The last line can be scrolled free of what floats over it.
-            bottomMargin: bar.wanted ? grid.barHeight + 2 * Theme.space3 : Theme.space1
+            bottomMargin: bar.wanted ? grid.barSpace + Theme.space3 : Theme.space1
             boundsBehavior: Flickable.StopAtBounds
             cacheBuffer: 2 * cellHeight
             cellHeight: grid.cardInset + Math.round((cardWidth - 2 * grid.cardInset) * 0.625)
@@ -208,6 +210,7 @@ T.Control {
                 keyboard: grid.activeFocus
                 radius: Prefs.cornerRadius
                 showBadge: Prefs.showBadges
+                scrubs: Prefs.hoverScrub
                 showName: Prefs.showNames
                 source: thumbnails
                 width: view.cardWidth

@@ -147,7 +147,7 @@ Item {
             font.pixelSize: Theme.secondarySize
             font.weight: Font.DemiBold
             text: row.drop === Drops.Move ? qsTr("Move") : row.drop === Drops.Copy ? qsTr("Copy")
-                                                                                  : qsTr("Move and copy")
+                : row.drop === Drops.Sort ? qsTr("Copy, sorted by type") : qsTr("Move and copy")
         }
     }
 }

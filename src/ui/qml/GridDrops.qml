@@ -7,13 +7,15 @@ import Cratewell
 DropArea {
     id: drops
 
-    property bool taking: false
+    // What a drop would do: a Drops.Effect.
+    property int effect: Drops.Nothing
+    readonly property bool taking: effect !== Drops.Nothing
 
     keys: ["text/uri-list"]
 
     onDropped: drop => {
         const wanted = taking;
-        taking = false;
+        effect = Drops.Nothing;
         if (!wanted)
             return;
         drop.accept(Qt.CopyAction);
@@ -21,10 +23,10 @@ DropArea {
     }
     onEntered: drag => {
         Drops.weigh(drag.urls, drag.getDataAsString(Drops.ownType));
-        taking = Drops.imports();
+        effect = Drops.effectOnGrid();
         drag.accepted = taking;
     }
-    onExited: taking = false
+    onExited: effect = Drops.Nothing
 
     Rectangle {
         anchors.fill: parent
@@ -50,8 +52,8 @@ DropArea {
                 anchors.centerIn: parent
                 color: Theme.accentInk
                 font.weight: Font.DemiBold
-                text: Navigator.place === Navigator.Folder ? qsTr("Copy into %1").arg(AppState.scopeTitle)
-                                                           : qsTr("Copy, sorted by type")
+                text: drops.effect === Drops.Copy ? qsTr("Copy into %1").arg(AppState.scopeTitle)
+                                                  : qsTr("Copy, sorted by type")
                 width: Math.min(implicitWidth, parent.width - 24)
             }
         }

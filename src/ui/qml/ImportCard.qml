@@ -40,10 +40,9 @@ Item {
             shown: card.current
         }
     }
-    ThumbnailItem {
+    AssetPicture {
         active: card.present
         height: 60
-        iconFamily: Theme.iconFamily
         kind: card.kind
         radius: 8
         source: card.source

@@ -60,12 +60,11 @@ GlassPanel {
 
             onClicked: Requests.toggleFavorite()
         }
-        ThumbnailItem {
+        AssetPicture {
             id: picture
 
             active: selection.present
             height: Math.round(width * 9 / 16)
-            iconFamily: Theme.iconFamily
             kind: selection.kind
             radius: Theme.controlRadius
             source: thumbnails
@@ -77,7 +76,26 @@ GlassPanel {
             Accessible.name: qsTr("Preview of %1").arg(selection.name)
             Accessible.role: Accessible.Graphic
         }
+        Flickable {
+            anchors.bottom: insertBar.top
+            anchors.bottomMargin: Theme.space3
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.top: picture.bottom
+            anchors.topMargin: Theme.space4
+            boundsBehavior: Flickable.StopAtBounds
+            clip: true
+            contentHeight: details.height
+
+            MetadataView {
+                id: details
+
+                width: parent.width
+            }
+        }
         InsertBar {
+            id: insertBar
+
             anchors.bottom: parent.bottom
             busy: Inserter.busy
             destination: selection.destination

@@ -93,7 +93,7 @@ T.ApplicationWindow {
     ToastView {
         action: Inserter.toastAction
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: 30 + mainArea.footHeight
+        anchors.bottomMargin: 30 + mainArea.occupiedHeight
         anchors.horizontalCenter: parent.horizontalCenter
         ok: Inserter.toastOk
         text: Inserter.toastText

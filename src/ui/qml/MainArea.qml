@@ -15,6 +15,8 @@ FocusScope {
 
     // What the work on files takes at the bottom.
     readonly property real footHeight: progress.shown ? progress.height + Theme.space3 : 0
+    // What must be seen above the lower edge: that work, and what can be done with the selection.
+    readonly property real occupiedHeight: footHeight + (showsGrid ? grid.barSpace : 0)
 
     function focusSearch(): void {
         if (showsGrid)
@@ -47,6 +49,8 @@ FocusScope {
             window: area.window
         }
         AssetGrid {
+            id: grid
+
             anchors.bottom: parent.bottom
             anchors.left: parent.left
             anchors.right: parent.right

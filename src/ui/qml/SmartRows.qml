@@ -60,6 +60,7 @@ Column {
         title: qsTr("Import")
     }
     ScopeRow {
+        count: Prefs.showCounts ? rows.counts.trash : -1
         end: "#2A2A30"
         kind: Navigator.Trash
         start: "#5A5A63"

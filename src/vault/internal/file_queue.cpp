@@ -42,11 +42,12 @@ FileQueue::~FileQueue()
     drain();
 }
 
-void FileQueue::add(const QString &title, Work work)
+void FileQueue::add(const QString &title, Work work, const Location &destination)
 {
     auto job = std::make_shared<Job>();
     job->title = title;
     job->work = std::move(work);
+    job->destination = destination;
     job->started = Clock::now();
     {
         const std::scoped_lock lock(m_mutex);
@@ -65,6 +66,15 @@ void FileQueue::cancel()
     const std::scoped_lock lock(m_mutex);
     if (!m_jobs.empty())
         m_jobs.front()->monitor.cancelled = true;
+}
+
+void FileQueue::cancelFilling(const Location &folder)
+{
+    const std::scoped_lock lock(m_mutex);
+    for (const auto &job : m_jobs) {
+        if (job->destination == folder || job->destination.isInside(folder))
+            job->monitor.cancelled = true;
+    }
 }
 
 void FileQueue::cancelAll()

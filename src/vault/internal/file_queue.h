@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/location.h"
 #include "vault/internal/work_monitor.h"
 
 #include <QObject>
@@ -30,9 +31,12 @@ public:
     ~FileQueue() override;
 
     // `work` runs on the file thread, what it returns on the main thread; neither after drain().
-    void add(const QString &title, Work work);
+    // `destination` is the folder that long work fills, if there is one.
+    void add(const QString &title, Work work, const Location &destination = {});
     // Cancels what is under way.
     void cancel();
+    // Cancels, under way or waiting, what fills this folder or one inside it.
+    void cancelFilling(const Location &folder);
     // Cancels what is under way and what waits; each still has its effects.
     void cancelAll();
     // Cancels what is under way, drops what waits and returns when the file thread has ended.
@@ -43,6 +47,7 @@ private:
     {
         QString title;
         Work work;
+        Location destination;
         WorkMonitor monitor;
         std::chrono::steady_clock::time_point started;
     };

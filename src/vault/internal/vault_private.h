@@ -23,7 +23,7 @@ struct Vault::Private
     using MainPart = std::function<void(const FileWork::Outcome &)>;
     // The failure is told first, the list of the trash second, then `after` is called; nothing of it when the
     // root has changed meanwhile.
-    void change(const QString &title, DiskPart disk, MainPart after);
+    void change(const QString &title, DiskPart disk, MainPart after, const Location &destination = {});
     void openTrash();
     void tellFailure(const QString &error);
 

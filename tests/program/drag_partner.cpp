@@ -1,16 +1,23 @@
+#include <QDrag>
 #include <QDropEvent>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QRasterWindow>
 
 #include <cstdio>
+#include <utility>
 
 namespace {
 
-// Another program that takes files: says each file of a drop on a line, then the action and where it came in.
-class Receiver : public QRasterWindow
+// Another program that takes and gives files. Says each file of a drop on a line, then the action; a drag
+// that begins on it carries the files it was started with.
+class Partner : public QRasterWindow
 {
+public:
+    explicit Partner(const QStringList &files) : m_files(files) {}
+
 protected:
     bool event(QEvent *event) override
     {
@@ -28,6 +35,19 @@ protected:
         default:
             return QRasterWindow::event(event);
         }
+    }
+    void mouseMoveEvent(QMouseEvent *move) override
+    {
+        if (!(move->buttons() & Qt::LeftButton) || m_files.isEmpty())
+            return;
+        QList<QUrl> urls;
+        for (const QString &file : std::exchange(m_files, {}))
+            urls.append(QUrl::fromLocalFile(file));
+        auto *data = new QMimeData;
+        data->setUrls(urls);
+        auto *drag = new QDrag(this);
+        drag->setMimeData(data);
+        drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction);
     }
     void paintEvent(QPaintEvent *) override
     {
@@ -51,6 +71,7 @@ private:
         drop.acceptProposedAction();
     }
 
+    QStringList m_files;
     bool m_told = false;
 };
 
@@ -59,8 +80,8 @@ private:
 int main(int argc, char **argv)
 {
     QGuiApplication app(argc, argv);
-    Receiver window;
-    window.setTitle(QStringLiteral("Receiver"));
+    Partner window(QGuiApplication::arguments().sliced(1));
+    window.setTitle(QStringLiteral("Partner"));
     window.setFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
     window.setGeometry(1440, 60, 150, 300);
     window.show();

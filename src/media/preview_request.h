@@ -1,0 +1,13 @@
+#pragma once
+
+namespace cratewell {
+
+// Somebody's wish for a preview. While it lives, the preview is made; dropping it before the work has started
+// takes the work off the list.
+class PreviewRequest
+{
+public:
+    virtual ~PreviewRequest() = default;
+};
+
+} // namespace cratewell

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "media/media.h"
+
+#include <QAbstractListModel>
+#include <QQmlParserStatus>
+#include <QtQml/qqml.h>
+#include <optional>
+#include <vector>
+
+namespace cratewell {
+
+class AppState;
+
+// What the inspector says about the file of the focused asset: pairs of a label and a value, those at once
+// that the vault knows, the rest as soon as the file has been read. What cannot be read is left out. Main
+// thread.
+class MetadataRows : public QAbstractListModel, public QQmlParserStatus
+{
+    Q_OBJECT
+    QML_ELEMENT
+    Q_INTERFACES(QQmlParserStatus)
+public:
+    enum Role { LabelRole = Qt::UserRole + 1, ValueRole };
+    struct Row
+    {
+        QString label;
+        QString value;
+        friend bool operator==(const Row &, const Row &) = default;
+    };
+
+    using QAbstractListModel::QAbstractListModel;
+
+    // What QML does when it has made the object. Both must outlive it.
+    void follow(AppState &state, Media &media);
+
+    const std::vector<Row> &rows() const { return m_rows; }
+    int rowCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+private:
+    void classBegin() override {}
+    void componentComplete() override;
+    void load();
+    void show();
+
+    AppState *m_state = nullptr;
+    Media *m_media = nullptr;
+    std::optional<Asset> m_asset;
+    std::unique_ptr<PreviewRequest> m_request;
+    std::vector<Row> m_rows;
+};
+
+// The rows of an asset; `facts` and `lut` stand for what is not known (yet) when they are empty.
+std::vector<MetadataRows::Row> metadataRows(const Asset &asset, const std::optional<MediaFacts> &facts,
+                                            const std::optional<LUT> &lut);
+
+} // namespace cratewell
