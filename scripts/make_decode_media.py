@@ -48,7 +48,7 @@ def ensure_decode_media(folder: pathlib.Path) -> None:
     photograph = folder / "photograph.jpg"
     make(photograph, *FFMPEG, "-f", "lavfi", "-i", SCENE.format(size="6000x4000", seconds=1), "-frames:v", "1",
          "-pix_fmt", "yuvj420p", "-q:v", "4")
-    film(folder / "h264.mp4", "1920x1080", 24, H264)
+    film(folder / "h264.mp4", "1920x1080", 12, H264)
     film(folder / "prores.mov", "1920x1080", 2, PRORES_4444, alpha=True)
     make(folder / "sound.wav", *FFMPEG, "-filter_complex", SOUND, "-c:a", "pcm_s16le")
     for name in ("sound.flac", "sound.mp3", "sound.m4a"):

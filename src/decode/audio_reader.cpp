@@ -11,8 +11,10 @@ Decoded<std::unique_ptr<AudioReader>> AudioReader::open(int descriptor)
     if (!container)
         return failed(container.error());
     AVStream *stream = (*container)->firstAudio();
-    if (!stream || stream->codecpar->sample_rate <= 0 || stream->codecpar->ch_layout.nb_channels <= 0)
+    if (!stream)
         return failed("there is no sound in it");
+    if (!isPossibleSound(*stream))
+        return failed("a sound of an impossible kind");
     if (auto reader = PcmReader::create(**container, *stream))
         return reader;
     return CodedSoundReader::create(std::move(*container), stream);

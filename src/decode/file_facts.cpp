@@ -34,8 +34,9 @@ uint32_t codecOf(const AVCodecParameters &parameters)
 
 double frameRateOf(const AVStream &stream)
 {
+    constexpr int highest = 10'000;
     for (const AVRational rate : {stream.avg_frame_rate, stream.r_frame_rate}) {
-        if (rate.num > 0 && rate.den > 0)
+        if (rate.num > 0 && rate.den > 0 && rate.num / rate.den < highest)
             return av_q2d(rate);
     }
     return 0;
@@ -45,12 +46,12 @@ double frameRateOf(const AVStream &stream)
 void addSoundBeside(const MediaContainer &container, FileFacts &facts)
 {
     const AVStream *audio = container.firstAudio();
-    if (!audio)
+    if (!audio || !isPossibleSound(*audio))
         return;
     facts.hasAudio = true;
-    facts.sampleRate = std::max(audio->codecpar->sample_rate, 0);
-    facts.channels = std::max(audio->codecpar->ch_layout.nb_channels, 0);
-    if (facts.sampleRate > 0 && audio->duration > 0)
+    facts.sampleRate = audio->codecpar->sample_rate;
+    facts.channels = audio->codecpar->ch_layout.nb_channels;
+    if (audio->duration > 0)
         facts.frames = av_rescale_q(audio->duration, audio->time_base, {1, facts.sampleRate});
 }
 

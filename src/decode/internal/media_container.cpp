@@ -91,13 +91,22 @@ AVStream *MediaContainer::firstAudio() const
 
 double MediaContainer::duration() const
 {
-    if (m_format->duration != AV_NOPTS_VALUE && m_format->duration > 0)
-        return double(m_format->duration) / AV_TIME_BASE;
+    constexpr double longest = 1e9;
+    double seconds = 0;
+    if (m_format->duration != AV_NOPTS_VALUE)
+        seconds = double(m_format->duration) / AV_TIME_BASE;
     for (const AVStream *stream : {firstVideo(), firstAudio()}) {
-        if (stream && stream->duration != AV_NOPTS_VALUE && stream->duration > 0)
-            return double(stream->duration) * av_q2d(stream->time_base);
+        if (seconds <= 0 && stream && stream->duration != AV_NOPTS_VALUE)
+            seconds = double(stream->duration) * av_q2d(stream->time_base);
     }
-    return 0;
+    return seconds > 0 && seconds <= longest ? seconds : 0;
+}
+
+bool isPossibleSound(const AVStream &stream)
+{
+    constexpr int mostChannels = 256, highestRate = 10'000'000;
+    const int channels = stream.codecpar->ch_layout.nb_channels, rate = stream.codecpar->sample_rate;
+    return channels > 0 && channels <= mostChannels && rate > 0 && rate <= highestRate;
 }
 
 void MediaContainer::readOnly(const AVStream *stream)

@@ -24,7 +24,7 @@ public:
     // Null when there is none. Cover art is no video.
     AVStream *firstVideo() const;
     AVStream *firstAudio() const;
-    // Of the whole file in seconds; 0 when unknown.
+    // Of the whole file in seconds; 0 when unknown or beyond belief.
     double duration() const;
 
     // All other streams are skipped from here on.
@@ -39,5 +39,8 @@ private:
     DescriptorInput m_input;
     FormatPointer m_format;
 };
+
+// Headers may claim what no sound has.
+bool isPossibleSound(const AVStream &stream);
 
 } // namespace cratewell::decode
