@@ -156,6 +156,34 @@ TEST_F(Window, CommandsReachTheDesktopAndTheSettings)
     EXPECT_TRUE(waitUntil([this] { return world.controls().find(QAccessible::PageTab, u"Look"_s); }));
 }
 
+TEST_F(Window, CardsAndInspectorTellWhatIsInTheFiles)
+{
+    // A second and a half of a loud square wave.
+    writeSound(world.vaultFolder() + u"/SFX/Hits/Square.wav"_s,
+               QByteArray("\0\x40\0\xC0", 4).repeated(36000));
+    writeFile(world.vaultFolder() + u"/LUTs/Swap.cube"_s,
+              "TITLE \"Plain\"\nLUT_3D_SIZE 2\n0 0 0\n1 0 0\n0 1 0\n1 1 0\n0 0 1\n1 0 1\n0 1 1\n1 1 1\n");
+    const auto says = [this](const QString &text) {
+        return waitUntil([&] { return world.controls().find(QAccessible::StaticText, text) != nullptr; });
+    };
+    ASSERT_TRUE(world.makesRoom());
+    ASSERT_TRUE(waitUntil([this] {
+        QAccessibleInterface *card = world.controls().find(QAccessible::ListItem, u"Square"_s);
+        return card && card->text(QAccessible::Description) == u"Audio, 1.5s"_s;
+    }));
+    ASSERT_TRUE(clickCard(u"Square"_s));
+    EXPECT_TRUE(says(u"Type: Audio · WAV"_s) && says(u"Sample rate: 48000 Hz"_s) &&
+                says(u"Channels: Mono"_s));
+    ASSERT_TRUE(clickCard(u"Swap"_s));
+    EXPECT_TRUE(says(u"Lattice: 2³"_s) && says(u"Title: Plain"_s));
+    EXPECT_EQ(world.controls().find(QAccessible::StaticText, u"Channels: Mono"_s), nullptr);
+    ASSERT_TRUE(clickCard(u"Amber"_s));
+    EXPECT_TRUE(says(u"Resolution: 64 × 36"_s));
+    ASSERT_TRUE(clickCard(u"Noir"_s));
+    EXPECT_TRUE(says(u"Type: LUT · CUBE"_s)) << "a file that cannot be read still has its usual details";
+    EXPECT_EQ(world.controls().faults(), "");
+}
+
 TEST_F(Window, ClosingLeavesTheProgramRunning)
 {
     world.window().close();

@@ -16,6 +16,7 @@
 #include <QImage>
 #include <QQuickWindow>
 #include <QTest>
+#include <QtEndian>
 
 namespace cratewell::test {
 
@@ -138,12 +139,13 @@ void writePicture(const QString &path, Qt::GlobalColor color)
         qFatal("cannot write %s", qPrintable(path));
 }
 
-void writeSound(const QString &path)
+void writeSound(const QString &path, const QByteArray &samples)
 {
-    writeFile(
-        path,
-        QByteArray("RIFF\x24\0\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x80\xBB\0\0\0\x77\1\0\2\0\x10\0data\0\0\0\0",
-                   44));
+    QByteArray header("RIFF\x24\0\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x80\xBB\0\0\0\x77\1\0\2\0\x10\0data\0\0\0\0",
+                      44);
+    qToLittleEndian(quint32(36 + samples.size()), header.data() + 4);
+    qToLittleEndian(quint32(samples.size()), header.data() + 40);
+    writeFile(path, header + samples);
 }
 
 } // namespace cratewell::test

@@ -56,9 +56,10 @@ private:
     std::unique_ptr<Application> m_program;
 };
 
-// Writes a small picture / a short sound / a file of these bytes, with its folders.
+// Writes a small picture / a sound of these 16-bit samples, mono at 48 kHz / a file of these bytes, with its
+// folders.
 void writePicture(const QString &path, Qt::GlobalColor color);
-void writeSound(const QString &path);
+void writeSound(const QString &path, const QByteArray &samples = {});
 void writeFile(const QString &path, const QByteArray &bytes);
 
 } // namespace cratewell::test
