@@ -19,7 +19,8 @@ struct Picture
     std::vector<uint8_t> pixels;
 };
 
-// Every decoding function fails with a sentence for a person, never by an exception or a signal of its own.
+// Every decoding function fails with a sentence for a person, never by a signal of its own. Only where memory
+// runs out it throws std::bad_alloc.
 template<typename T> using Decoded = tl::expected<T, std::string>;
 
 inline tl::unexpected<std::string> failed(std::string why)

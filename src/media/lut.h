@@ -43,7 +43,8 @@ public:
     // An image that memory does not suffice for comes back as it was.
     QImage apply(const QImage &image) const;
     // The same for bare pixels; `target` has the size of `source` and may be the same rows. 8-bit results lie
-    // within one step of the exact ones, with NaN as 0; float results are not clamped.
+    // within one step of the exact ones (one and a half where they are premultiplied), with NaN as 0; float
+    // results are not clamped.
     void apply(PixelRows<const quint8> source, PixelRows<quint8> target, ChannelOrder order,
                AlphaKind alpha) const;
     void apply(PixelRows<const float> source, PixelRows<float> target, AlphaKind alpha) const;

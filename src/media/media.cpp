@@ -23,21 +23,6 @@ PreviewKey keyOf(const Asset &asset, int part = 0)
     return {.url = asset.url, .version = asset.version, .part = part};
 }
 
-// Another version of a file is other work. A slash ends the path: no path goes on after it.
-QByteArray jobKey(const Asset &asset, const QByteArray &marker)
-{
-    const FileVersion &version = asset.version;
-    return asset.url.bytes() + '/' + marker + ' ' + QByteArray::number(version.inode) + ' ' +
-           QByteArray::number(version.size) + ' ' + QByteArray::number(version.modified);
-}
-
-// A file that was copied with its times keeps its previews, so the inode does not count.
-QByteArray cacheKey(const Asset &asset, const QByteArray &marker)
-{
-    return asset.url.bytes() + '/' + marker + ' ' + QByteArray::number(asset.version.size) + ' ' +
-           QByteArray::number(asset.version.modified);
-}
-
 QByteArray markerOf(int part)
 {
     return part == thumbnailPart ? QByteArray("t") : '#' + QByteArray::number(part);
@@ -48,16 +33,13 @@ DecodeWish frameWish(const Location &url, double fraction, int maxSide)
     return {.file = url, .kind = worker::JobKind::VideoFrame, .maxSide = maxSide, .fraction = fraction};
 }
 
-template<typename T> std::optional<T> valueIn(const DecodeResult &result)
-{
-    const T *value = result ? std::get_if<T>(&*result) : nullptr;
-    return value ? std::optional(*value) : std::nullopt;
-}
-
-// LUT thumbnails are drawn over the still at four tenths of its size.
+// LUT thumbnails are drawn over the still at four tenths of its size, as large as other thumbnails at most.
 QImage reduced(const QImage &still)
 {
-    return still.scaled(still.size() * 0.4, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    QSize size = still.size() * 0.4;
+    if (std::max(size.width(), size.height()) > thumbnailSide)
+        size.scale(thumbnailSide, thumbnailSide, Qt::KeepAspectRatio);
+    return still.scaled(size.expandedTo({1, 1}), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
 } // namespace
@@ -69,26 +51,50 @@ Media::Private::Private(Media &media, const SystemPaths &paths)
 {
 }
 
-void Media::Private::forgetChanged(const VaultChanges &changes)
+// Looks at the fewer: what has changed, or what is known.
+template<typename Store> QList<Location> Media::Private::forgetIn(Store &store, const VaultChanges &changes)
 {
-    const auto forget = [this](const Location &url, const auto &forgetIn) {
-        if (const bool frames = forgetIn(pictures), graded = forgetIn(lutThumbnails); frames || graded)
-            Q_EMIT q.thumbnailChanged(url);
-        if (forgetIn(sounds))
-            Q_EMIT q.waveformChanged(url);
-        if (forgetIn(luts))
-            Q_EMIT q.lutChanged(url);
-        if (forgetIn(facts))
-            Q_EMIT q.factsChanged(url);
-    };
+    QList<Location> forgotten;
+    if (store.fileCount() < qsizetype(changes.altered.size() + changes.removed.size())) {
+        for (const Location &url : store.files()) {
+            const auto index = changes.after->find(url);
+            if (index ? store.forgetOthers(url, changes.after->asset(*index).version) : store.forget(url))
+                forgotten << url;
+        }
+        return forgotten;
+    }
     for (const AssetIndex index : changes.altered) {
         const Asset &asset = changes.after->asset(index);
-        forget(asset.url, [&](auto &store) { return store.forgetOthers(asset.url, asset.version); });
+        if (store.forgetOthers(asset.url, asset.version))
+            forgotten << asset.url;
     }
     for (const AssetIndex index : changes.removed) {
         const Location &url = changes.before->asset(index).url;
-        forget(url, [&](auto &store) { return store.forget(url); });
+        if (store.forget(url))
+            forgotten << url;
     }
+    return forgotten;
+}
+
+void Media::Private::forgetChanged(const VaultChanges &changes)
+{
+    for (const Location &url : forgetIn(pictures, changes) + forgetIn(lutThumbnails, changes))
+        Q_EMIT q.thumbnailChanged(url);
+    for (const Location &url : forgetIn(sounds, changes))
+        Q_EMIT q.waveformChanged(url);
+    for (const Location &url : forgetIn(luts, changes))
+        Q_EMIT q.lutChanged(url);
+    for (const Location &url : forgetIn(facts, changes))
+        Q_EMIT q.factsChanged(url);
+}
+
+template<typename Value, typename Store>
+bool Media::Private::put(Store &store, const PreviewKey &key, quint64 asked, const DecodeResult &result)
+{
+    if (!result && result.error().fault == DecodeFailure::Fault::OfSystem)
+        return false;
+    const Value *value = result ? std::get_if<Value>(&*result) : nullptr;
+    return store.put(key, asked, value ? std::optional(*value) : std::nullopt);
 }
 
 void Media::Private::changeStill()
@@ -114,37 +120,47 @@ std::unique_ptr<PreviewRequest> Media::Private::requestPicture(const Asset &asse
     const PreviewKey key = keyOf(asset, part);
     if (pictures.state(key) != State::Missing)
         return nullptr;
-    const QByteArray marker = markerOf(part);
     const auto finished = [this, key, now = ++turn](const DecodeResult &result) {
-        if (pictures.put(key, now, valueIn<DecodedPicture>(result)))
+        if (put<DecodedPicture>(pictures, key, now, result))
             tellPicture(key.url, key.part);
     };
-    return loader.submit(cacheKey(asset, marker), {jobKey(asset, marker), wish, rank, finished});
+    return loader.submit(asset.version, markerOf(part),
+                         {.key = {}, .wish = wish, .rank = rank, .finished = finished});
 }
 
-std::unique_ptr<PreviewRequest> Media::Private::requestLutThumbnail(const Asset &asset)
+std::unique_ptr<PreviewRequest> Media::Private::requestLut(const PreviewKey &key)
 {
-    const PreviewKey key = keyOf(asset);
-    if (lutThumbnails.state(key) != State::Missing)
-        return nullptr;
-    if (smallStill.isNull())
-        smallStill = reduced(still.image());
-    const LUT *known = luts.show(key);
-    const auto work = [this, key, still = smallStill, number = stillNumber, now = ++turn,
-                       lut = known ? std::optional(*known) : std::nullopt]() -> ThreadJobs::Effects {
-        const std::optional<LUT> table = lut ? lut : LUT::read(key.url);
-        const QImage graded = table ? table->apply(still) : QImage();
-        return [=, this](bool) {
-            if (!lut && luts.put(key, now, table))
+    const auto work = [this, key, now = ++turn]() -> ThreadJobs::Effects {
+        return [this, key, now, lut = LUT::read(key.url)](bool wanted) -> std::unique_ptr<PreviewRequest> {
+            if (luts.put(key, now, lut))
                 Q_EMIT q.lutChanged(key.url);
-            const auto thumbnail = graded.isNull() ? std::nullopt : std::optional(graded);
-            // Over another still since: somebody will ask again.
-            if (number == stillNumber && lutThumbnails.put(key, now, thumbnail))
+            if (lut && wanted)
+                return requestGraded(key, *lut);
+            if (!lut)
                 Q_EMIT q.thumbnailChanged(key.url);
             return nullptr;
         };
     };
-    return lutJobs.submit(jobKey(asset, "l") + ' ' + QByteArray::number(stillNumber), work);
+    return lutJobs.submit(previewJobKey(key.url, key.version, "lut"), work);
+}
+
+std::unique_ptr<PreviewRequest> Media::Private::requestGraded(const PreviewKey &key, const LUT &lut)
+{
+    if (lutThumbnails.state(key) != State::Missing)
+        return nullptr;
+    if (smallStill.isNull())
+        smallStill = reduced(still.image());
+    const auto work = [this, key, lut, over = smallStill, number = stillNumber,
+                       now = ++turn]() -> ThreadJobs::Effects {
+        return [=, this, graded = lut.apply(over)](bool) {
+            // Over another still since: somebody will ask again.
+            if (number == stillNumber && lutThumbnails.put(key, now, graded))
+                Q_EMIT q.thumbnailChanged(key.url);
+            return nullptr;
+        };
+    };
+    const QByteArray marker = "l" + QByteArray::number(stillNumber);
+    return lutJobs.submit(previewJobKey(key.url, key.version, marker), work);
 }
 
 Media::Media(Vault &vault, Prefs &prefs, const SystemPaths &paths)
@@ -177,7 +193,7 @@ Media::State Media::thumbnailState(const Asset &asset) const
     case AssetKind::Image:
         return d->pictures.state(keyOf(asset, thumbnailPart));
     case AssetKind::Lut:
-        return d->lutThumbnails.state(keyOf(asset));
+        return lutState(asset) == State::Failed ? State::Failed : d->lutThumbnails.state(keyOf(asset));
     case AssetKind::Audio:
         break;
     }
@@ -196,7 +212,11 @@ std::unique_ptr<PreviewRequest> Media::requestThumbnail(const Asset &asset)
             asset, thumbnailPart,
             {.file = asset.url, .kind = worker::JobKind::StillImage, .maxSide = thumbnailSide}, Rank::Usual);
     case AssetKind::Lut:
-        return d->requestLutThumbnail(asset);
+        if (thumbnailState(asset) != State::Missing)
+            return nullptr;
+        if (const LUT *known = d->luts.show(keyOf(asset)))
+            return d->requestGraded(keyOf(asset), *known);
+        return d->requestLut(keyOf(asset));
     case AssetKind::Audio:
         break;
     }
@@ -238,12 +258,12 @@ std::unique_ptr<PreviewRequest> Media::requestWaveform(const Asset &asset)
     if (asset.kind != AssetKind::Audio || d->sounds.state(key) != State::Missing)
         return nullptr;
     const auto finished = [this, key, now = ++d->turn](const DecodeResult &result) {
-        if (d->sounds.put(key, now, valueIn<DecodedSound>(result)))
+        if (d->put<DecodedSound>(d->sounds, key, now, result))
             Q_EMIT waveformChanged(key.url);
     };
     return d->loader.submit(
-        cacheKey(asset, "w"),
-        {.key = jobKey(asset, "w"),
+        asset.version, "w",
+        {.key = {},
          .wish = {.file = asset.url, .kind = worker::JobKind::AudioPeaks, .count = peakCount},
          .finished = finished});
 }
@@ -269,16 +289,7 @@ Media::State Media::lutState(const Asset &asset) const
 
 std::unique_ptr<PreviewRequest> Media::requestLut(const Asset &asset)
 {
-    if (lutState(asset) != State::Missing)
-        return nullptr;
-    const auto work = [this, key = keyOf(asset), now = ++d->turn]() -> ThreadJobs::Effects {
-        return [this, key, now, lut = LUT::read(key.url)](bool) {
-            if (d->luts.put(key, now, lut))
-                Q_EMIT lutChanged(key.url);
-            return nullptr;
-        };
-    };
-    return d->lutJobs.submit(jobKey(asset, "lut"), work);
+    return lutState(asset) == State::Missing ? d->requestLut(keyOf(asset)) : nullptr;
 }
 
 std::optional<MediaFacts> Media::facts(const Asset &asset) const
@@ -297,10 +308,10 @@ std::unique_ptr<PreviewRequest> Media::requestFacts(const Asset &asset)
     if (factsState(asset) != State::Missing)
         return nullptr;
     const auto finished = [this, key = keyOf(asset), now = ++d->turn](const DecodeResult &result) {
-        if (d->facts.put(key, now, valueIn<MediaFacts>(result)))
+        if (d->put<MediaFacts>(d->facts, key, now, result))
             Q_EMIT factsChanged(key.url);
     };
-    return d->pool.submit({.key = jobKey(asset, "facts"),
+    return d->pool.submit({.key = previewJobKey(asset.url, asset.version, "facts"),
                            .wish = {.file = asset.url, .kind = worker::JobKind::Facts},
                            .rank = DecodeJob::Rank::UnderPointer,
                            .finished = finished});

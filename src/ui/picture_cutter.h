@@ -27,8 +27,8 @@ struct PictureShape
     }
 };
 
-// A picture scaled into the shape, on black where it is transparent or does not reach, as overlays are seen
-// in an editor; corners cut; premultiplied. Null when either is empty.
+// A picture scaled into the shape, on a dark checkerboard where it is transparent, on black where it does not
+// reach; corners cut; premultiplied. Null when either is empty.
 QImage cutPicture(const QImage &picture, const PictureShape &shape);
 
 // Cuts pictures into shape on its own threads, newest wish first, and remembers the results (64 MB). Main

@@ -26,6 +26,8 @@ void ThumbnailItem::setSource(PictureSource *source)
             if (url != m_url)
                 return;
             m_request.reset();
+            m_frameRequest.reset();
+            m_frame = -1;
             m_ticket.reset();
             m_outdated = true;
             takeDuration();
@@ -94,6 +96,7 @@ void ThumbnailItem::setScrub(qreal fraction)
         m_scrub < 0 || fraction < 0 || Media::scrubBucket(m_scrub) != Media::scrubBucket(fraction);
     m_scrub = fraction;
     if (frameChanges) {
+        m_ticket.reset();  // of a frame that is no longer wanted
         m_outdated = true; // what is drawn stays until the other is there
         polish();
     }
@@ -104,8 +107,9 @@ void ThumbnailItem::takeDuration()
 {
     const double seconds = m_source && !m_url.isEmpty() ? m_source->duration(m_url) : 0;
     const QString text = seconds > 0 ? timeString(seconds) : QString();
-    // A source that is short of memory forgets; what is told once stays true for this file.
-    if (text == m_duration || (text.isEmpty() && m_source->state(m_url) != Media::State::Failed))
+    // A source that is short of memory forgets; what is told once stays until something else is known.
+    const bool known = m_source && m_source->state(m_url) != Media::State::Missing;
+    if (text == m_duration || (text.isEmpty() && !known))
         return;
     m_duration = text;
     Q_EMIT durationChanged();

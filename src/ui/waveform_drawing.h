@@ -14,7 +14,7 @@ enum class WaveStyle : quint8 { Mirror, Bars, Line };
 WaveStyle waveStyleFromRawValue(const QString &text);
 
 // Draws all peaks over the width of `place`, the loudest over its height. `unit` is the painter's units to
-// one of the screen's: bars are three wide at every size.
+// one of the screen's: bars are equally wide at every size.
 void drawWaveform(QPainter &painter, const QRectF &place, const WaveformPeaks &peaks, WaveStyle style,
                   const QBrush &brush, double unit);
 

@@ -3,6 +3,7 @@
 #include "vault/category.h"
 
 #include <QLinearGradient>
+#include <algorithm>
 
 namespace cratewell {
 
@@ -49,8 +50,10 @@ void WaveformItem::takePeaks()
         return;
     const bool failed = m_source->state(m_url) == PreviewState::Failed;
     const WaveformPeaks peaks = m_source->waveform(m_url);
-    if ((!peaks.isEmpty() || failed) && assignIfDifferent(m_peaks, peaks))
-        redraw();
+    if ((peaks.isEmpty() && !failed) || std::ranges::equal(peaks, m_peaks))
+        return;
+    m_peaks = peaks;
+    redraw();
 }
 
 QImage WaveformItem::draw(QSize pixels, qreal ratio) const

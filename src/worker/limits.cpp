@@ -38,6 +38,14 @@ void deny(scmp_filter_ctx filter, int code, std::initializer_list<const char *> 
     }
 }
 
+// Younger than the library that resolves names.
+constexpr int fchmodat2 = 452; // on every architecture
+
+void denyNumber(scmp_filter_ctx filter, int code, int number)
+{
+    seccomp_rule_add(filter, SCMP_ACT_ERRNO(uint32_t(code)), number, 0);
+}
+
 // What is not named stays allowed: a newer C library may need calls that nobody knows today.
 int loadFilter()
 {
@@ -54,11 +62,19 @@ int loadFilter()
     deny(filter.get(), EPERM,
          {"open", "openat", "creat", "open_by_handle_at", "memfd_create", "memfd_secret"});
     deny(filter.get(), EPERM,
-         {"unlink",    "unlinkat",  "rename",   "renameat", "renameat2", "link",      "linkat",
-          "symlink",   "symlinkat", "mkdir",    "mkdirat",  "rmdir",     "mknod",     "mknodat",
-          "chmod",     "fchmod",    "fchmodat", "chown",    "fchown",    "lchown",    "fchownat",
-          "truncate",  "ftruncate", "utime",    "utimes",   "utimensat", "futimesat", "setxattr",
-          "lsetxattr", "fsetxattr", "chroot",   "chdir",    "fchdir"});
+         {"unlink", "unlinkat",  "rename",    "renameat",    "renameat2",    "link",
+          "linkat", "symlink",   "symlinkat", "mkdir",       "mkdirat",      "rmdir",
+          "mknod",  "mknodat",   "chmod",     "fchmod",      "fchmodat",     "chown",
+          "fchown", "lchown",    "fchownat",  "truncate",    "ftruncate",    "utime",
+          "utimes", "utimensat", "futimesat", "setxattr",    "lsetxattr",    "fsetxattr",
+          "chroot", "chdir",     "fchdir",    "removexattr", "lremovexattr", "fremovexattr"});
+    denyNumber(filter.get(), EPERM, fchmodat2);
+    deny(filter.get(), EPERM,
+         {"shmget", "shmat", "shmctl", "msgget", "msgctl", "msgsnd", "msgrcv", "semget", "semctl", "semop",
+          "mq_open", "mq_unlink"});
+    deny(filter.get(), EPERM,
+         {"setpriority", "sched_setscheduler", "sched_setparam", "sched_setattr", "sched_setaffinity",
+          "ioprio_set", "process_madvise", "process_mrelease", "migrate_pages", "move_pages", "kcmp"});
     deny(filter.get(), EPERM,
          {"mount", "umount2", "pivot_root", "setns", "unshare", "bpf", "perf_event_open", "userfaultfd",
           "keyctl", "add_key", "request_key", "init_module", "finit_module"});
@@ -71,6 +87,8 @@ int loadFilter()
     deny(filter.get(), EPERM, {"kill", "tkill", "rt_sigqueueinfo", "rt_tgsigqueueinfo"});
     seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(EPERM), SCMP_SYS(tgkill), 1,
                      SCMP_A0(SCMP_CMP_NE, uint64_t(getpid())));
+    // Limits of others are not its own to set; 0 stands for the caller.
+    seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(EPERM), SCMP_SYS(prlimit64), 1, SCMP_A0(SCMP_CMP_NE, 0));
     return seccomp_load(filter.get());
 }
 

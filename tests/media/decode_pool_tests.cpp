@@ -137,6 +137,22 @@ TEST_F(DecodePoolTest, AWorkerThatGoesWrongCostsItsJobAlone)
     }
 }
 
+TEST_F(DecodePoolTest, TellsAFaultOfTheFileFromOneOfTheSystem)
+{
+    using Fault = DecodeFailure::Fault;
+    const auto faultOf = [this](const Location &program, const Location &place) -> std::optional<Fault> {
+        DecodePool pool(program, {.slots = 1});
+        m_results.clear();
+        const auto request = submit(pool, place);
+        if (!waitForResults(1) || m_last)
+            return {};
+        return m_last.error().fault;
+    };
+    EXPECT_EQ(faultOf(at(u"no worker"_s), file(u"fine"_s, "fine")), Fault::OfSystem);
+    EXPECT_EQ(faultOf(standIn(), at(u"no file"_s)), Fault::OfFile);
+    EXPECT_EQ(faultOf(standIn(), file(u"bad"_s, "crash")), Fault::OfFile);
+}
+
 TEST_F(DecodePoolTest, TheRestOfAPageArrives)
 {
     DecodePool pool(standIn(), {.slots = 2, .budget = 1s});

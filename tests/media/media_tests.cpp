@@ -169,9 +169,14 @@ TEST_F(MediaTest, ShowsTheUsersStillOnceItIsThereAndTheBuiltInOneOtherwise)
     }
     ASSERT_TRUE(waitUntil([&] { return m_media.still().size() == QSize(400, 100); }));
 
+    const Location film = add(m_files.greyRamp(u"film.mp4"_s), u"film.mp4"_s);
     for (const QString &bad :
          {m_files.path(u"missing.png"_s), m_files.bytes(u"text.png"_s, "only text"), u"x"_s}) {
         m_prefs.setPreviewStill(bad);
+        EXPECT_EQ(m_media.still(), sunset) << bad.toStdString();
+        // By then the still has had its turn, too.
+        const auto strip = m_media.filmstrip(film, 2);
+        ASSERT_TRUE(waitUntil([&] { return strip.isFinished(); }));
         EXPECT_EQ(m_media.still(), sunset) << bad.toStdString();
     }
 }
@@ -180,34 +185,46 @@ TEST_F(MediaTest, ASecondStartFindsPicturesAndPeaksWithoutDecoding)
 {
     const Asset film = scanned(add(m_files.greyRamp(u"film.mp4"_s), u"film.mp4"_s));
     const Asset sound = scanned(add(tone(), u"tone.wav"_s, u"SFX"_s));
-    ASSERT_EQ(settled(film), Media::State::Ready);
-    ASSERT_TRUE(peaksOf(m_media, sound));
-    const QImage first = m_media.thumbnail(film);
-    EXPECT_NEAR(m_media.duration(film), 10, 0.1);
-    EXPECT_NEAR(m_media.duration(sound), 2, 0.01);
+    const auto showsFilm = [&film](Media &media) {
+        const auto request = media.requestThumbnail(film);
+        return waitUntil([&] { return media.thumbnailState(film) == Media::State::Ready; });
+    };
+    auto first = std::make_unique<Media>(m_vault, m_prefs, m_paths);
+    ASSERT_TRUE(showsFilm(*first) && peaksOf(*first, sound));
+    const QImage shown = first->thumbnail(film);
+    const auto peaks = first->waveform(sound);
+    EXPECT_NEAR(first->duration(film), 10, 0.1);
+    EXPECT_NEAR(first->duration(sound), 2, 0.01);
+    first.reset();
 
     SystemPaths without = m_paths;
     without.workerProgram = Location::fromText(u"/nowhere/worker"_s);
-    const auto startAgain = [&] { return std::make_unique<Media>(m_vault, m_prefs, without); };
-    // What has been made is written to the disk soon after.
-    ASSERT_TRUE(waitUntil([&] {
-        const auto media = startAgain();
-        const auto request = media->requestThumbnail(film);
-        return waitUntil([&] { return media->thumbnailState(film) != Media::State::Missing; }) &&
-               media->thumbnailState(film) == Media::State::Ready;
-    }));
-    const auto second = startAgain();
-    const auto request = second->requestThumbnail(film);
-    ASSERT_TRUE(waitUntil([&] { return !second->thumbnail(film).isNull(); }));
-    EXPECT_EQ(second->thumbnail(film).size(), first.size());
-    EXPECT_NEAR(qRed(second->thumbnail(film).pixel(20, 20)), qRed(first.pixel(20, 20)), 3);
-    EXPECT_NEAR(second->duration(film), 10, 0.1);
-    EXPECT_EQ(peaksOf(*second, sound), m_media.waveform(sound));
+    Media second(m_vault, m_prefs, without);
+    ASSERT_TRUE(showsFilm(second));
+    EXPECT_EQ(second.thumbnail(film).size(), shown.size());
+    EXPECT_NEAR(qRed(second.thumbnail(film).pixel(20, 20)), qRed(shown.pixel(20, 20)), 3);
+    EXPECT_NEAR(second.duration(film), 10, 0.1);
+    EXPECT_EQ(peaksOf(second, sound), peaks);
 
     const Asset rewritten = scanned(add(m_files.bytes(u"text"_s, "only text"), u"film.mp4"_s));
-    const auto third = startAgain();
-    const auto wish = third->requestThumbnail(rewritten);
-    ASSERT_TRUE(waitUntil([&] { return third->thumbnailState(rewritten) == Media::State::Failed; }));
+    EXPECT_EQ(settled(rewritten), Media::State::Failed) << "another version has its own";
+}
+
+TEST_F(MediaTest, EndsWithWorkUnderWay)
+{
+    const Asset film = scanned(add(m_files.greyRamp(u"film.mp4"_s), u"film.mp4"_s));
+    const Asset lut = scanned(add(m_files.bytes(u"a"_s, "LUT_3D_SIZE 2\n"), u"a.cube"_s, u"LUTs"_s));
+    auto media = std::make_unique<Media>(m_vault, m_prefs, m_paths);
+    std::vector<std::unique_ptr<PreviewRequest>> requests;
+    requests.push_back(media->requestThumbnail(film));
+    requests.push_back(media->requestFacts(film));
+    requests.push_back(media->requestLut(lut));
+    for (int bucket = 0; bucket < Media::scrubFrames; ++bucket)
+        requests.push_back(media->requestScrubFrame(film, bucket));
+    const auto frame = media->frame(film.url, 0.5, 64);
+    const auto strip = media->filmstrip(film.url, 3);
+    media.reset();
+    EXPECT_TRUE(frame.isCanceled() && strip.isCanceled());
 }
 
 TEST_F(MediaTest, GradesTheStillForLutsAndAnewForAnotherStill)
@@ -235,6 +252,7 @@ TEST_F(MediaTest, GradesTheStillForLutsAndAnewForAnotherStill)
 
     m_prefs.setPreviewStill(blue({300, 200}));
     EXPECT_EQ(m_media.thumbnailState(swap), Media::State::Missing);
+    EXPECT_EQ(m_media.thumbnailState(bad), Media::State::Failed) << "over any still";
     ASSERT_TRUE(waitUntil([&] { return m_media.still().size() == QSize(300, 200); }));
     ASSERT_EQ(settled(swap), Media::State::Ready);
     EXPECT_EQ(m_media.thumbnail(swap).size(), QSize(120, 80));
@@ -259,7 +277,8 @@ TEST_F(MediaTest, ReadsPeaksFramesAndFacts)
     EXPECT_EQ(Media::scrubBucket(0.04), 0);
     EXPECT_EQ(Media::scrubBucket(0.5), 11);
     EXPECT_EQ(Media::scrubBucket(1), 23);
-    EXPECT_EQ(Media::scrubBucket(std::nan("")) + Media::scrubBucket(-3), 0);
+    EXPECT_EQ(Media::scrubBucket(std::nan("")), 0);
+    EXPECT_EQ(Media::scrubBucket(-3), 0);
     EXPECT_EQ(Media::scrubBucket(7), 23);
     QSignalSpy scrubbed(&m_media, &Media::scrubFrameChanged);
     const auto last = m_media.requestScrubFrame(film, 23);
@@ -276,6 +295,31 @@ TEST_F(MediaTest, ReadsPeaksFramesAndFacts)
     EXPECT_EQ(m_media.facts(film)->frameRate, 25);
     const auto nothing = m_media.requestFacts(text);
     ASSERT_TRUE(waitUntil([&] { return m_media.factsState(text) == Media::State::Failed; }));
+}
+
+TEST_F(MediaTest, ARewrittenSoundOrLutGetsNewPreviews)
+{
+    const auto square = [](double level) {
+        QByteArray text = "LUT_3D_SIZE 2\n";
+        for (int i = 0; i < 8; ++i)
+            text += QByteArray::number(level) + " 0 0\n";
+        return text;
+    };
+    const Asset lut = scanned(add(m_files.bytes(u"a"_s, square(1)), u"a.cube"_s, u"LUTs"_s));
+    const Asset sound = scanned(add(m_files.bytes(u"text"_s, "only text"), u"a.wav"_s, u"SFX"_s));
+    ASSERT_EQ(settled(lut), Media::State::Ready);
+    ASSERT_EQ(peaksOf(m_media, sound), WaveformPeaks());
+    QSignalSpy luts(&m_media, &Media::lutChanged), sounds(&m_media, &Media::waveformChanged);
+
+    const Asset newLut = scanned(add(m_files.bytes(u"b"_s, square(0.25)), u"a.cube"_s, u"LUTs"_s));
+    const Asset newSound = scanned(add(tone(), u"a.wav"_s, u"SFX"_s));
+    EXPECT_EQ(luts.count(), 1);
+    EXPECT_EQ(sounds.count(), 1);
+    EXPECT_FALSE(m_media.lut(newLut) || m_media.waveform(newSound));
+    ASSERT_EQ(settled(newLut), Media::State::Ready);
+    EXPECT_EQ(m_media.lut(newLut)->sample(0, 0, 0)[0], 0.25F);
+    EXPECT_NEAR(m_media.thumbnail(newLut).pixelColor(5, 5).red(), 64, 1);
+    EXPECT_EQ(peaksOf(m_media, newSound)->size(), 240);
 }
 
 TEST_F(MediaTest, GivesSingleFramesAndStrips)

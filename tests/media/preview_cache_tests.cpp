@@ -64,6 +64,7 @@ protected:
 
     MadeMedia m_files;
     PreviewCache m_cache = cacheOf(1 << 30);
+    std::atomic<bool> m_ending = false;
 };
 
 } // namespace
@@ -190,10 +191,14 @@ TEST_F(PreviewCacheTest, PrunesWhatWasUsedLongestAgo)
             ASSERT_EQ(utime(QFile::encodeName(path).constData(), &times), 0);
         }
     }
-    cacheOf(bytes).prune();
+    cacheOf(bytes).prune(m_ending);
     EXPECT_EQ(files().size(), 10);
     EXPECT_TRUE(m_cache.load(keys.first())) << "and is used now";
-    cacheOf(bytes - 1).prune();
+    m_ending = true;
+    cacheOf(bytes - 1).prune(m_ending);
+    EXPECT_EQ(files().size(), 10) << "not while the program ends";
+    m_ending = false;
+    cacheOf(bytes - 1).prune(m_ending);
     EXPECT_LT(files().size(), 10);
     EXPECT_GE(files().size(), 7);
     EXPECT_TRUE(m_cache.load(keys.first()));
@@ -230,13 +235,20 @@ TEST(ThreadJobs, JoinsOneKeyDropsWhatNobodyWaitsForAndEndsEachOnce)
     ASSERT_TRUE(waitUntil([&] { return ended.size() == 3; }));
     EXPECT_EQ(ended, (QStringList{u"a"_s, u"newest"_s, u"kept"_s}));
 
-    const auto again = jobs.submit("a", work(u"again"_s));
+    ended.clear();
+    const auto again = jobs.submit("dropped", work(u"again"_s));
+    ASSERT_TRUE(waitUntil([&] { return ended == QStringList{u"again"_s}; }));
     auto left = jobs.submit("left", work(u"left"_s, true));
     begun.acquire();
     left.reset();
+    const auto joinedWhileItRuns = jobs.submit("left", work(u"second left"_s));
+    auto alone = jobs.submit("alone", work(u"alone"_s, true));
     goOn.release();
-    ASSERT_TRUE(waitUntil([&] { return ended.size() == 5; }));
-    EXPECT_TRUE(ended.contains(u"again"_s) && ended.contains(u"left-"_s));
+    begun.acquire();
+    alone.reset();
+    goOn.release();
+    ASSERT_TRUE(waitUntil([&] { return ended.size() == 3; }));
+    EXPECT_EQ(ended.sliced(1), (QStringList{u"left"_s, u"alone-"_s}));
 }
 
 } // namespace cratewell::test

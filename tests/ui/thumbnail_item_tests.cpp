@@ -1,4 +1,5 @@
 #include "ui/thumbnail_item.h"
+#include "ui/waveform_item.h"
 
 #include "support/wait.h"
 
@@ -261,6 +262,40 @@ TEST_F(ThumbnailItemTest, FollowsThePointerOverAVideoWithoutAGap)
 
     item.setUrl(b);
     EXPECT_EQ(item.duration(), QString());
+}
+
+TEST_F(ThumbnailItemTest, ASoundHasItsWaveformOverATile)
+{
+    WaveformItem wave;
+    wave.setParentItem(window.contentItem());
+    wave.setSize(item.size());
+    wave.setSource(&source);
+    item.setKind(AssetKind::Audio);
+    const auto show = [&](const Location &url, const WaveformPeaks &peaks, Media::State state) {
+        source.peaks[url] = peaks;
+        source.states[url] = state;
+        Q_EMIT source.changed(url);
+    };
+    const auto loud = [this] { return window.grabWindow().pixelColor(80, 50).green() > 75; };
+    item.setUrl(a);
+    wave.setUrl(a);
+    wave.setWaveStyle(u"line"_s);
+    ThumbnailItemTest::show();
+    ASSERT_TRUE(wishes(a)) << "the item asks for the sound as for a picture";
+    EXPECT_FALSE(loud());
+    show(a, WaveformPeaks(240, 1.0F), Media::State::Ready);
+    ASSERT_TRUE(waitUntil(loud));
+    EXPECT_TRUE(source.wished.isEmpty());
+
+    show(a, {}, Media::State::Missing);
+    window.grabWindow();
+    EXPECT_TRUE(loud()) << "what was let go stays drawn";
+    show(a, {}, Media::State::Failed);
+    ASSERT_TRUE(waitUntil([&] { return !loud(); }));
+    show(a, WaveformPeaks(240, 1.0F), Media::State::Ready);
+    ASSERT_TRUE(waitUntil(loud));
+    wave.setUrl(b);
+    EXPECT_FALSE(loud()) << "another file";
 }
 
 TEST_F(ThumbnailItemTest, HasNoPictureWithoutASource)

@@ -6,10 +6,15 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <spawn.h>
+#include <sys/ipc.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/shm.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <thread>
 #include <unistd.h>
 
@@ -57,6 +62,16 @@ const Attempt attempts[]{
     {"writing a path", [] { return open("/tmp", O_TMPFILE | O_WRONLY, 0600) >= 0; }, EPERM},
     {"removing", [] { return unlink("/no such file") == 0; }, EPERM},
     {"signal to another", [] { return kill(getppid(), 0) == 0; }, EPERM},
+    {"limits of another",
+     [] {
+         const rlimit none{.rlim_cur = 0, .rlim_max = 0};
+         return prlimit(getppid(), RLIMIT_CORE, &none, nullptr) == 0;
+     },
+     EPERM},
+    {"priority of another", [] { return setpriority(PRIO_PROCESS, id_t(getppid()), 19) == 0; }, EPERM},
+    {"attributes of a path", [] { return removexattr("/tmp", "user.none") == 0; }, EPERM},
+    {"mode of a path", [] { return syscall(452, AT_FDCWD, "/no such file", 0600, 0) == 0; }, EPERM},
+    {"shared memory", [] { return shmget(IPC_PRIVATE, 4096, 0600) >= 0; }, EPERM},
     {"thread",
      [] {
          bool ran = false;
@@ -69,6 +84,12 @@ const Attempt attempts[]{
          bool denied = false;
          std::thread([&] { denied = socket(AF_INET, SOCK_STREAM, 0) < 0; }).join();
          return denied;
+     },
+     0},
+    {"own limits",
+     [] {
+         rlimit now = {};
+         return getrlimit(RLIMIT_CPU, &now) == 0 && setrlimit(RLIMIT_CPU, &now) == 0;
      },
      0},
     {"memory", [] { return std::malloc(size_t{64} << 20) != nullptr; }, 0},

@@ -5,6 +5,7 @@
 #include <QPointer>
 #include <QProcess>
 #include <QThread>
+#include <utility>
 
 namespace cratewell {
 
@@ -43,6 +44,12 @@ DecodePool::DecodePool(const Location &program, const Limits &limits)
 // then it is left to the system.
 DecodePool::~DecodePool()
 {
+    // Who waits for a job may own a request for it.
+    m_waiting.clear();
+    for (const auto &entry : std::exchange(m_entries, {})) {
+        entry->phase = Entry::Phase::Over;
+        entry->job.finished = {};
+    }
     for (DecodeSlot *slot : m_slots)
         delete slot;
     for (QProcess *process : findChildren<QProcess *>()) {

@@ -45,7 +45,7 @@ void DecodeSlot::startDecoding()
         return finish(tl::unexpected(opened.error()));
     m_phase = Phase::Decoding;
     if (const auto handed = hand(**opened); !handed)
-        finish(tl::unexpected(handed.error()));
+        finish(tl::unexpected(DecodeFailure(handed.error(), DecodeFailure::Fault::OfSystem)));
 }
 
 // A worker may have died while it had nothing to do; that is no fault of the job that meets it.
@@ -95,12 +95,12 @@ void DecodeSlot::takeAnswer(const worker::Reply &reply)
     if (m_phase != Phase::Decoding || reply.job != m_job) {
         dropWorker();
         if (m_phase == Phase::Decoding)
-            finish(tl::unexpected(Error{u"The decoder answered another question"_s}));
+            finish(tl::unexpected(DecodeFailure(Error{u"The decoder answered another question"_s})));
         return;
     }
     if (reply.status != worker::JobStatus::Done) {
         const auto length = qsizetype(strnlen(reply.error, sizeof reply.error));
-        return finish(tl::unexpected(Error{QString::fromUtf8(reply.error, length)}));
+        return finish(tl::unexpected(DecodeFailure(Error{QString::fromUtf8(reply.error, length)})));
     }
     const DecodeResult result = m_worker->answer(m_wish, reply);
     if (!result)
@@ -112,16 +112,19 @@ void DecodeSlot::workerEnded()
 {
     dropWorker();
     if (m_phase == Phase::Decoding)
-        finish(tl::unexpected(Error{u"The decoder ended over this file"_s}));
+        finish(tl::unexpected(DecodeFailure(Error{u"The decoder ended over this file"_s})));
 }
 
 void DecodeSlot::runOutOfTime()
 {
-    if (m_phase == Phase::Decoding)
+    const bool opened = m_phase == Phase::Decoding;
+    if (opened)
         dropWorker();
     else
         m_opening.setFuture({});
-    finish(tl::unexpected(Error{u"It took too long"_s}));
+    finish(
+        tl::unexpected(DecodeFailure(Error{u"It took too long"_s}, opened ? DecodeFailure::Fault::OfFile
+                                                                          : DecodeFailure::Fault::OfSystem)));
 }
 
 void DecodeSlot::finish(const DecodeResult &result)

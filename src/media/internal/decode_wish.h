@@ -1,8 +1,8 @@
 #pragma once
 
+#include "media/internal/decode_failure.h"
 #include "media/media_facts.h"
 #include "media/waveform_peaks.h"
-#include "platform/error.h"
 #include "platform/location.h"
 #include "worker/protocol.h"
 
@@ -34,6 +34,6 @@ struct DecodedSound
 };
 
 // A frame or a still is answered by a picture, peaks by a sound, facts by facts.
-using DecodeResult = Result<std::variant<DecodedPicture, DecodedSound, MediaFacts>>;
+using DecodeResult = tl::expected<std::variant<DecodedPicture, DecodedSound, MediaFacts>, DecodeFailure>;
 
 } // namespace cratewell

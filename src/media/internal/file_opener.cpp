@@ -1,6 +1,8 @@
 #include "media/internal/file_opener.h"
 
 #include <QPromise>
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <fcntl.h>
@@ -18,6 +20,15 @@ namespace {
 constexpr int mostOpening = 32;
 std::atomic<int> opening = 0;
 
+tl::unexpected<DecodeFailure> failure(int code, const Location &file)
+{
+    using Fault = DecodeFailure::Fault;
+    constexpr std::array ofSystem{EMFILE, ENFILE, ENOMEM, EIO, ESTALE, ETIMEDOUT, ENOTCONN};
+    const bool mayPass = std::ranges::find(ofSystem, code) != ofSystem.end();
+    return tl::unexpected(
+        DecodeFailure(Error::fromErrno(code, file.name()), mayPass ? Fault::OfSystem : Fault::OfFile));
+}
+
 OpenedFile openNow(const Location &file)
 {
     int descriptor = -1;
@@ -25,14 +36,14 @@ OpenedFile openNow(const Location &file)
         descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0)
-        return tl::unexpected(Error::fromErrno(errno, file.name()));
+        return failure(errno, file);
     auto opened = std::make_shared<const OpenFile>(descriptor);
 
     struct stat facts = {};
     if (fstat(descriptor, &facts) != 0)
-        return tl::unexpected(Error::fromErrno(errno, file.name()));
+        return failure(errno, file);
     if (!S_ISREG(facts.st_mode))
-        return tl::unexpected(Error{file.name() + u": not a file"_s});
+        return tl::unexpected(DecodeFailure(Error{file.name() + u": not a file"_s}));
     return opened;
 }
 
@@ -40,7 +51,7 @@ QFuture<OpenedFile> refused(const QString &reason)
 {
     QPromise<OpenedFile> promise;
     promise.start();
-    promise.addResult(tl::unexpected(Error{reason}));
+    promise.addResult(tl::unexpected(DecodeFailure(Error{reason}, DecodeFailure::Fault::OfSystem)));
     promise.finish();
     return promise.future();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/error.h"
+#include "media/internal/decode_failure.h"
 #include "platform/location.h"
 
 #include <QFuture>
@@ -23,7 +23,7 @@ private:
     int m_descriptor;
 };
 
-using OpenedFile = Result<std::shared_ptr<const OpenFile>>;
+using OpenedFile = tl::expected<std::shared_ptr<const OpenFile>, DecodeFailure>;
 
 // Opens a regular file for reading on a thread of its own, because a disk that has gone away may keep the
 // call for ever; a future that is dropped closes what comes late. While too many calls hang, fails at once.

@@ -15,7 +15,8 @@ struct PreviewCost
     qint64 operator()(const QImage &image) const { return image.sizeInBytes(); }
     qint64 operator()(const DecodedPicture &picture) const { return picture.image.sizeInBytes(); }
     qint64 operator()(const DecodedSound &sound) const { return sound.peaks.size() * qint64(sizeof(float)); }
-    qint64 operator()(const LUT &lut) const { return qint64(lut.data().size_bytes()); }
+    // With the table of whole numbers that grading makes beside it.
+    qint64 operator()(const LUT &lut) const { return qint64(lut.data().size_bytes()) * 11 / 8; }
     qint64 operator()(const MediaFacts &) const { return sizeof(MediaFacts); }
 };
 
@@ -24,11 +25,17 @@ struct Media::Private
     Private(Media &media, const SystemPaths &paths);
 
     void forgetChanged(const VaultChanges &changes);
+    template<typename Store> QList<Location> forgetIn(Store &store, const VaultChanges &changes);
     void changeStill();
 
     std::unique_ptr<PreviewRequest> requestPicture(const Asset &asset, int part, const DecodeWish &wish,
                                                    DecodeJob::Rank rank);
-    std::unique_ptr<PreviewRequest> requestLutThumbnail(const Asset &asset);
+    // Reads the LUT, and where somebody waits grades the still with it.
+    std::unique_ptr<PreviewRequest> requestLut(const PreviewKey &key);
+    std::unique_ptr<PreviewRequest> requestGraded(const PreviewKey &key, const LUT &lut);
+    // A failure that is not the file's is forgotten at once: the next request tries again.
+    template<typename Value, typename Store>
+    bool put(Store &store, const PreviewKey &key, quint64 asked, const DecodeResult &result);
     void tellPicture(const Location &url, int part);
 
     Media &q;

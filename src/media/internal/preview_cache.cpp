@@ -134,7 +134,6 @@ std::optional<PreviewCache::Preview> decoded(const QByteArray &key, const QByteA
     return DecodedPicture{.image = image, .hasAlpha = !alpha.isEmpty(), .duration = duration};
 }
 
-// Something that has just been written is left to its writer.
 struct CachedFile
 {
     fs::path path;
@@ -142,13 +141,13 @@ struct CachedFile
     qint64 bytes = 0;
 };
 
-std::vector<CachedFile> filesIn(const Location &folder)
+std::vector<CachedFile> filesIn(const Location &folder, const std::atomic<bool> &ending)
 {
     std::vector<CachedFile> files;
     std::error_code failed;
     fs::recursive_directory_iterator entry(folder.c_str(), fs::directory_options::skip_permission_denied,
                                            failed);
-    for (; !failed && entry != fs::recursive_directory_iterator(); entry.increment(failed)) {
+    for (; !ending && !failed && entry != fs::recursive_directory_iterator(); entry.increment(failed)) {
         std::error_code gone;
         if (!entry->is_regular_file(gone) || entry->is_symlink(gone))
             continue;
@@ -207,9 +206,9 @@ void PreviewCache::save(const QByteArray &key, const Preview &preview) const
         unlink(temporary.constData());
 }
 
-void PreviewCache::prune() const
+void PreviewCache::prune(const std::atomic<bool> &ending) const
 {
-    std::vector<CachedFile> files = filesIn(m_folder);
+    std::vector<CachedFile> files = filesIn(m_folder, ending);
     qint64 bytes = 0;
     for (const CachedFile &cached : files)
         bytes += cached.bytes;
@@ -217,7 +216,7 @@ void PreviewCache::prune() const
         return;
     std::ranges::sort(files, {}, &CachedFile::used);
     for (const CachedFile &cached : files) {
-        if (bytes <= m_budget / 5 * 4)
+        if (ending || bytes <= m_budget / 5 * 4)
             return;
         std::error_code failed;
         if (fs::remove(cached.path, failed))

@@ -2,6 +2,7 @@
 
 #include "media/internal/decode_wish.h"
 
+#include <atomic>
 #include <optional>
 #include <variant>
 
@@ -23,7 +24,8 @@ public:
     std::optional<Preview> load(const QByteArray &key) const;
     void save(const QByteArray &key, const Preview &preview) const;
     // Removes what was used longest ago until four fifths of the budget are left; nothing below the budget.
-    void prune() const;
+    // Leaves off when `ending` becomes true.
+    void prune(const std::atomic<bool> &ending) const;
 
 private:
     Location file(const QByteArray &key) const;

@@ -3,6 +3,9 @@
 #include "media/internal/decode_pool.h"
 #include "media/internal/preview_cache.h"
 #include "media/internal/thread_jobs.h"
+#include "vault/asset.h"
+
+#include <atomic>
 
 namespace cratewell {
 
@@ -12,16 +15,28 @@ class PreviewLoader
 {
 public:
     PreviewLoader(DecodePool &decoders, const Location &cacheFolder);
+    // What waits to be written is written, if the disk takes it within a second.
     ~PreviewLoader();
 
-    // As DecodePool::submit(); the cache is asked under `cacheKey` first.
-    [[nodiscard]] std::unique_ptr<PreviewRequest> submit(const QByteArray &cacheKey, DecodeJob job);
+    // As DecodePool::submit() for the wish of a job that has everything but its key. `marker` tells the
+    // preview from others of the same file.
+    [[nodiscard]] std::unique_ptr<PreviewRequest> submit(const FileVersion &version, const QByteArray &marker,
+                                                         DecodeJob job);
 
 private:
+    struct Writing;
+
+    void keep(const FileVersion &version, const Location &file, const QByteArray &key,
+              const DecodeResult &result);
+
     DecodePool &m_decoders;
     std::shared_ptr<const PreviewCache> m_cache;
-    QThreadPool m_writers;
+    std::shared_ptr<Writing> m_writing;
+    std::unique_ptr<QThreadPool> m_writer;
     ThreadJobs m_readers;
 };
+
+// Names the work for one preview of one version of a file. No path goes on after the slash that ends it here.
+QByteArray previewJobKey(const Location &file, const FileVersion &version, const QByteArray &marker);
 
 } // namespace cratewell

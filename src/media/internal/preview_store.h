@@ -87,6 +87,9 @@ public:
         m_files.erase(found);
         return true;
     }
+    // The files that something is known of.
+    QList<Location> files() const { return m_files.keys(); }
+    qsizetype fileCount() const { return m_files.size(); }
     // Everything; gives the files that something was known of.
     QList<Location> clear()
     {

@@ -10,32 +10,38 @@
 
 namespace cratewell {
 
+// Lets the pool finish what it has begun; a pool whose work hangs, say in a disk that has gone away, is left
+// behind after a second. What it runs must own what it touches.
+void endOrAbandon(std::unique_ptr<QThreadPool> pool);
+
 // Work for previews on threads of this process, newest first. Two jobs of one key are the same work: the
-// second joins the first. A job that nobody waits for any more when its turn comes is dropped. Main thread.
+// second joins the first, also while that runs. A job that nobody waits for any more when its turn comes is
+// dropped. Main thread.
 class ThreadJobs : public QObject
 {
 public:
     // What is to be done on the main thread afterwards. `wanted` tells whether somebody still waits; what is
     // returned then lives as long as they do.
     using Effects = std::function<std::unique_ptr<PreviewRequest>(bool wanted)>;
-    // Any thread.
+    // Any thread. Must own what it touches.
     using Work = std::function<Effects()>;
 
     explicit ThreadJobs(int threads);
-    // Waits for what has started; nothing has its effects any more.
+    // Nothing has its effects any more.
     ~ThreadJobs() override;
 
     [[nodiscard]] std::unique_ptr<PreviewRequest> submit(const QByteArray &key, Work work);
 
 private:
-    struct Ticket
-    {
-        std::unique_ptr<PreviewRequest> next;
-    };
+    struct Job;
     class Request;
+    struct Mailbox;
 
-    QThreadPool m_pool;
-    QHash<QByteArray, std::weak_ptr<Ticket>> m_tickets; // of the jobs that have not had their effects
+    void finish(const QByteArray &key, const std::shared_ptr<Job> &job, const Effects &effects);
+
+    std::unique_ptr<QThreadPool> m_pool;
+    std::shared_ptr<Mailbox> m_mailbox;
+    QHash<QByteArray, std::shared_ptr<Job>> m_jobs; // waiting and running
     int m_newest = 0;
 };
 

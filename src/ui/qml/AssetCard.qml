@@ -42,8 +42,8 @@ SelectableItem {
 
     Accessible.role: Accessible.ListItem
     Accessible.name: name
-    Accessible.description: [kindLabel, picture.duration, favorite ? qsTr("favorite") : ""].filter(
-                                text => text.length > 0).join(", ")
+    Accessible.description: kindLabel + (picture.duration.length > 0 ? ", " + picture.duration : "")
+                            + (favorite ? qsTr(", favorite") : "")
     Accessible.selectable: true
     Accessible.selected: selected
     Accessible.focusable: true
