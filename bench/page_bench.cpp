@@ -117,6 +117,7 @@ int main(int argc, char **argv)
 
     const double first = timePage(paths, writingTime);
     std::vector<double> later;
+    later.reserve(restarts);
     for (int i = 0; i < restarts; ++i)
         later.push_back(timePage(paths, 100ms));
     std::ranges::sort(later);

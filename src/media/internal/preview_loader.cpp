@@ -1,6 +1,8 @@
 #include "media/internal/preview_loader.h"
 
 #include <QThread>
+#include <QTimer>
+#include <chrono>
 #include <sys/stat.h>
 
 namespace cratewell {
@@ -54,7 +56,10 @@ PreviewLoader::PreviewLoader(DecodePool &decoders, const Location &cacheFolder)
       m_readers(std::max(1, QThread::idealThreadCount()))
 {
     m_writer->setMaxThreadCount(1);
-    m_writer->start([cache = m_cache, writing = m_writing] { cache->prune(writing->ending); });
+    // Not while the first page comes.
+    QTimer::singleShot(std::chrono::seconds(30), &m_readers, [this] {
+        m_writer->start([cache = m_cache, writing = m_writing] { cache->prune(writing->ending); });
+    });
 }
 
 PreviewLoader::~PreviewLoader()

@@ -88,7 +88,6 @@ T.Control {
         linesInView: view.linesInView
     }
     ThumbnailSource { id: thumbnails }
-    EmptyNotice { id: notice }
 
     Connections {
         function onScopeChanged() { view.startOver(); }
@@ -258,27 +257,10 @@ T.Control {
             }
         }
     }
-    EmptyState {
-        action: notice.action
+    GridNotice {
         anchors.centerIn: parent
-        end: notice.end
-        opacity: assets.count === 0 ? 1 : 0
-        sentence: notice.sentence
-        start: notice.start
-        symbol: notice.icon
-        title: notice.title
-        visible: assets.count === 0
+        wanted: assets.count === 0
         width: Math.min(300, parent.width - 2 * Theme.space4)
-
-        // A list that fills in a moment shall not flash.
-        Behavior on opacity {
-            SequentialAnimation {
-                PauseAnimation { duration: 250 }
-                NumberAnimation { duration: Theme.panelTime }
-            }
-        }
-
-        onActed: notice.act()
     }
     PopupLoader {
         id: bar
