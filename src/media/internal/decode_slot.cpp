@@ -110,9 +110,14 @@ void DecodeSlot::takeAnswer(const worker::Reply &reply)
 
 void DecodeSlot::workerEnded()
 {
+    using Fault = DecodeFailure::Fault;
+    const bool neverRan = m_worker->couldNotStart();
     dropWorker();
-    if (m_phase == Phase::Decoding)
-        finish(tl::unexpected(DecodeFailure(Error{u"The decoder ended over this file"_s})));
+    if (m_phase != Phase::Decoding)
+        return;
+    finish(tl::unexpected(neverRan
+                              ? DecodeFailure(Error{u"The decoder could not be started"_s}, Fault::OfSystem)
+                              : DecodeFailure(Error{u"The decoder ended over this file"_s})));
 }
 
 void DecodeSlot::runOutOfTime()

@@ -86,6 +86,12 @@ qint64 WorkerProcess::processId() const
     return m_process ? m_process->processId() : 0;
 }
 
+bool WorkerProcess::couldNotStart() const
+{
+    // The word of that may have come in, but not been looked at yet.
+    return m_process && !m_process->waitForStarted(0) && m_process->error() == QProcess::FailedToStart;
+}
+
 bool WorkerProcess::send(const worker::Request &request, int file) const
 {
     iovec part{.iov_base = const_cast<worker::Request *>(&request), .iov_len = sizeof request};

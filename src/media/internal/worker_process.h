@@ -25,6 +25,8 @@ public:
     void stop();
 
     qint64 processId() const;
+    // To be asked once it has ended.
+    bool couldNotStart() const;
     // False when the worker is gone.
     [[nodiscard]] bool send(const worker::Request &request, int file) const;
     // Valid from `answered` until the next request.
