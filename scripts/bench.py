@@ -168,6 +168,7 @@ def worker_rows() -> list[Row]:
     settings.write_text(json.dumps({"vaultPath": str(overlays.parent), "cardSize": 140}))
     figures = []
     for _ in range(STARTS):
+        shutil.rmtree(PICTURE_HOME / ".cache", ignore_errors=True)  # pictures from there need no worker
         with started("cratewell", PICTURE_HOME) as (process, _milliseconds):
             time.sleep(2 * SETTLING_SECONDS)
             figures.append(worker_megabytes(process.pid))

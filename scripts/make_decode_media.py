@@ -3,11 +3,13 @@
 
 usage: make_decode_media.py FOLDER
 
-What is there already is kept.
+What is there already is kept, unless another version of this script has made it.
 """
 
+import hashlib
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
 
@@ -44,7 +46,12 @@ def link(target: pathlib.Path, source: pathlib.Path) -> None:
 
 
 def ensure_decode_media(folder: pathlib.Path) -> None:
+    recipe = hashlib.sha1(pathlib.Path(__file__).read_bytes()).hexdigest()
+    stamp = folder / "recipe"
+    if not stamp.exists() or stamp.read_text() != recipe:
+        shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True, exist_ok=True)
+    stamp.write_text(recipe)
     photograph = folder / "photograph.jpg"
     make(photograph, *FFMPEG, "-f", "lavfi", "-i", SCENE.format(size="6000x4000", seconds=1), "-frames:v", "1",
          "-pix_fmt", "yuvj420p", "-q:v", "4")
