@@ -104,7 +104,7 @@ void behaveAsHelper()
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     // While jobs follow each other, what one frees the next takes, without asking the system for fresh pages;
     // giveBackMemory() returns it when they do not.
-    mallopt(M_ARENA_MAX, 2);
+    mallopt(M_ARENA_MAX, 1); // malloc_trim() leaves what lies at the ends of further ones
     mallopt(M_MMAP_THRESHOLD, 32 << 20);
     mallopt(M_TRIM_THRESHOLD, 256 << 20);
 #endif
