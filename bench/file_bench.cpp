@@ -6,15 +6,14 @@
 #include "hold_meter.h"
 #include "state/app_state.h"
 #include "vault/vault.h"
+#include "without_screen.h"
 
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QGuiApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <QQuickStyle>
 #include <QQuickWindow>
 #include <QTimer>
 
@@ -210,10 +209,7 @@ QJsonArray Bench::trash()
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_QUICK_BACKEND", "software");
-    QGuiApplication application(argc, argv);
-    QQuickStyle::setStyle(u"Basic"_s);
+    const WithoutScreen application(argc, argv);
     if (argc != 2)
         fail("usage: file_bench FOLDER");
     fs::remove_all(argv[1]);

@@ -6,15 +6,14 @@
 #include "app/application.h"
 #include "state/prefs.h"
 #include "ui/thumbnail_item.h"
+#include "without_screen.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QGuiApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QQuickStyle>
 #include <QQuickWindow>
 #include <QTimer>
 
@@ -104,10 +103,7 @@ double timePage(const SystemPaths &paths, std::chrono::milliseconds after)
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_QUICK_BACKEND", "software");
-    QGuiApplication application(argc, argv);
-    QQuickStyle::setStyle(u"Basic"_s);
+    const WithoutScreen application(argc, argv);
     const QStringList arguments = QGuiApplication::arguments();
     if (arguments.size() != 2)
         giveUp("usage: page_bench HOME");

@@ -8,15 +8,14 @@
 #include "state/app_state.h"
 #include "ui/asset_list_model.h"
 #include "vault/vault.h"
+#include "without_screen.h"
 
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QGuiApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QQuickItem>
-#include <QQuickStyle>
 #include <QQuickWindow>
 #include <QTest>
 #include <QTimer>
@@ -203,10 +202,7 @@ void runRound(const SystemPaths &paths, Figures &figures)
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_QUICK_BACKEND", "software");
-    QGuiApplication application(argc, argv);
-    QQuickStyle::setStyle(u"Basic"_s);
+    const WithoutScreen application(argc, argv);
     const QStringList arguments = QGuiApplication::arguments();
     if (arguments.size() != 2)
         giveUp("usage: window_bench HOME");

@@ -112,20 +112,20 @@ TEST_F(PreviewStoreTest, KeepsOneVersionOfAFileAndOfThatWhatWasAskedForLast)
 
 TEST_F(PreviewCacheTest, GivesBackWhatWasSavedAndOnlyThat)
 {
-    m_cache.save("opaque", DecodedPicture{filled({64, 36}, QColor(200, 90, 30)), false, 12.5});
+    m_cache.save("opaque", DecodedPicture{filled({64, 36}, QColor(200, 90, 30)), 12.5});
     QImage clear = filled({40, 40}, QColor(255, 0, 0, 100), QImage::Format_ARGB32_Premultiplied);
     clear.fill(Qt::transparent);
     for (int y = 0; y < 20; ++y) {
         for (int x = 0; x < 40; ++x)
             clear.setPixelColor(x, y, QColor(255, 255, 255, 128));
     }
-    m_cache.save("clear", DecodedPicture{clear, true, 0});
+    m_cache.save("clear", DecodedPicture{clear, 0});
     m_cache.save("sound", DecodedSound{{0.25F, 1, 0}, 3.5});
 
     const auto opaque = m_cache.load("opaque");
     ASSERT_TRUE(opaque);
     EXPECT_EQ(std::get<DecodedPicture>(*opaque).duration, 12.5);
-    EXPECT_FALSE(std::get<DecodedPicture>(*opaque).hasAlpha);
+    EXPECT_FALSE(picture("opaque").hasAlphaChannel());
     const QColor color = picture("opaque").pixelColor(30, 20);
     EXPECT_NEAR(color.red(), 200, 3);
     EXPECT_NEAR(color.green(), 90, 3);
@@ -148,7 +148,7 @@ TEST_F(PreviewCacheTest, GivesBackWhatWasSavedAndOnlyThat)
 
 TEST_F(PreviewCacheTest, DoesNotBelieveDamagedFiles)
 {
-    m_cache.save("a", DecodedPicture{filled({64, 36}, Qt::red), false, 1});
+    m_cache.save("a", DecodedPicture{filled({64, 36}, Qt::red), 1});
     ASSERT_EQ(files().size(), 1);
     QFile file(files().first());
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -182,7 +182,7 @@ TEST_F(PreviewCacheTest, PrunesWhatWasUsedLongestAgo)
     for (int i = 0; i < 10; ++i) {
         keys << QByteArray::number(i);
         const QStringList before = files();
-        m_cache.save(keys.last(), DecodedPicture{filled({64, 64}, QColor(20 * i, 0, 0)), false, 0});
+        m_cache.save(keys.last(), DecodedPicture{filled({64, 64}, QColor(20 * i, 0, 0)), 0});
         for (const QString &path : files()) {
             if (before.contains(path))
                 continue;

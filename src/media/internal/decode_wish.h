@@ -22,9 +22,8 @@ struct DecodeWish
 
 struct DecodedPicture
 {
-    QImage image;          // never null; opaque ones are RGB32, others premultiplied ARGB
-    bool hasAlpha = false; // some pixel is not opaque
-    double duration = 0;   // seconds; 0 for a still or when unknown
+    QImage image;        // never null; opaque ones are RGB32, others premultiplied ARGB
+    double duration = 0; // seconds; 0 for a still or when unknown
 };
 
 struct DecodedSound

@@ -93,7 +93,7 @@ QByteArray encoded(const QByteArray &key, const PreviewCache::Preview &preview)
     double duration = 0;
     if (const auto *picture = std::get_if<DecodedPicture>(&preview)) {
         colors = colorsOf(picture->image);
-        alpha = picture->hasAlpha ? alphaOf(picture->image) : QByteArray();
+        alpha = picture->image.hasAlphaChannel() ? alphaOf(picture->image) : QByteArray();
         duration = picture->duration;
         if (colors.isEmpty())
             return {};
@@ -131,7 +131,7 @@ std::optional<PreviewCache::Preview> decoded(const QByteArray &key, const QByteA
         image = withAlpha(image, alpha);
     if (image.isNull())
         return {};
-    return DecodedPicture{.image = image, .hasAlpha = !alpha.isEmpty(), .duration = duration};
+    return DecodedPicture{.image = image, .duration = duration};
 }
 
 struct CachedFile

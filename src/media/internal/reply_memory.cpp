@@ -118,7 +118,7 @@ DecodeResult ReplyMemory::picture(int maxSide, const worker::Reply &reply) const
     constexpr quint64 usual = 4 << 20;
     if (reply.bytes > usual)
         fallocate(m_descriptor, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, 0, off_t(worker::memoryBytes));
-    return DecodedPicture{.image = image, .hasAlpha = hasAlpha, .duration = reply.duration};
+    return DecodedPicture{.image = image, .duration = reply.duration};
 }
 
 // Copied before they are looked at: the worker can still write to the memory.
