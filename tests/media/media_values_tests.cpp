@@ -1,4 +1,3 @@
-#include "media/blend_mode.h"
 #include "media/internal/sunset_still.h"
 #include "media/media.h"
 
@@ -26,22 +25,6 @@ TEST(TimeString, CountsTenthsBelowTenSecondsAndMinutesAbove)
                                              {1e300, u"150000000000000:00"_s}};
     for (const auto &[seconds, text] : cases)
         EXPECT_EQ(timeString(seconds), text) << seconds;
-}
-
-TEST(BlendModes, KnowTheirTextsAndTakeAnyOtherForScreen)
-{
-    const std::pair<QString, QString> texts[]{
-        {u"normal"_s, u"Normal"_s},   {u"screen"_s, u"Screen"_s},        {u"add"_s, u"Add"_s},
-        {u"overlay"_s, u"Overlay"_s}, {u"softLight"_s, u"Soft Light"_s}, {u"multiply"_s, u"Multiply"_s}};
-    size_t place = 0;
-    for (const BlendMode mode : allBlendModes) {
-        EXPECT_EQ(rawValue(mode), texts[place].first);
-        EXPECT_EQ(label(mode), texts[place].second);
-        EXPECT_EQ(blendModeFromRawValue(rawValue(mode)), mode);
-        ++place;
-    }
-    for (const QString &text : {QString(), u"Screen"_s, u"lighten"_s, u"softlight"_s, u"Multiply"_s})
-        EXPECT_EQ(blendModeFromRawValue(text), BlendMode::Screen) << text.toStdString();
 }
 
 // The colours follow from the drawing's own numbers at places where a single shape decides.

@@ -1,4 +1,3 @@
-#include "platform/fakes/memory_defaults.h"
 #include "platform/json_defaults.h"
 
 #include "support/wait.h"
@@ -215,17 +214,6 @@ TEST_F(JsonDefaultsTest, LosesNothingOlderThanASecondWhenKilled)
         EXPECT_GE(after.number(u"count"_s).value_or(0), owed);
         EXPECT_FALSE(names().contains(u"defaults.json.kept"_s));
     }
-}
-
-TEST(MemoryDefaults, ReadsLikeTheRealOneAndNotesEffects)
-{
-    MemoryDefaults defaults;
-    EXPECT_TRUE(defaults.value(u"a"_s).isUndefined());
-    defaults.setValue(u"a"_s, false);
-    EXPECT_EQ(defaults.boolean(u"a"_s), false);
-    defaults.remove(u"a"_s);
-    EXPECT_TRUE(defaults.value(u"a"_s).isUndefined());
-    EXPECT_EQ(defaults.takeLog(), QStringList({u"set a"_s, u"remove a"_s}));
 }
 
 } // namespace

@@ -1,8 +1,6 @@
-#include "platform/error.h"
 #include "platform/system_paths.h"
 
 #include <QCoreApplication>
-#include <cerrno>
 #include <gtest/gtest.h>
 
 namespace cratewell {
@@ -65,13 +63,6 @@ TEST(SystemPaths, BelowAnotherHomeStayInsideIt)
                                   paths.resolveApi, paths.resolveLibrary, paths.resolveUserScripts,
                                   paths.defaultsFile(), paths.defaultVault(), paths.supportFolder()})
         EXPECT_TRUE(place.isInside(home)) << place.c_str();
-}
-
-TEST(Error, SaysWhatTheSystemSaysAfterTheSubject)
-{
-    EXPECT_EQ(Error::fromErrno(EACCES, QStringLiteral("Hit.wav")).message,
-              QStringLiteral("Hit.wav: Permission denied"));
-    EXPECT_EQ(Error::fromErrno(ENOENT).message, QStringLiteral("No such file or directory"));
 }
 
 } // namespace

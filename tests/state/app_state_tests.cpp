@@ -101,23 +101,6 @@ TEST_F(AppStateTest, ListsWhatTheScopeHoldsInTheChosenOrder)
     }
 }
 
-TEST_F(AppStateTest, TitlesEachScope)
-{
-    const std::pair<Scope, QString> cases[] = {
-        {Scope::plugin(u"resolve"_s), u"Plugins"_s},
-        {Scope::inFolder(library.path(u"SFX/Hits"_s)), u"Hits"_s},
-        {Scope::all(), u"All Assets"_s},
-        {Scope::of(Scope::Kind::Favorites), u"Favorites"_s},
-        {Scope::of(Scope::Kind::Recent), u"Recently Inserted"_s},
-        {Scope::of(Scope::Kind::Importer), u"Import"_s},
-        {Scope::of(Scope::Kind::Trash), u"Trash"_s},
-    };
-    for (const auto &[scope, title] : cases) {
-        state.setScope(scope);
-        EXPECT_EQ(state.scopeTitle(), title);
-    }
-}
-
 TEST_F(AppStateTest, SearchesNamesHoldingFoldersAndKinds)
 {
     const std::pair<QString, std::vector<std::string>> cases[] = {

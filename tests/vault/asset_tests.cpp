@@ -47,18 +47,6 @@ TEST(AssetKind, IsDecidedByTheExtensionAlone)
         EXPECT_EQ(kindOf(QByteArrayView(name)), kind) << name;
 }
 
-TEST(Asset, IsEqualByItsFourFieldsAndHashesAlike)
-{
-    const Asset asset{Location::fromText(u"/v/SFX/a.wav"_s), AssetKind::Audio, 5, 1.5, {1, 5, 2}};
-    Asset same = asset;
-    same.version = {9, 9, 9};
-    EXPECT_EQ(asset, same);
-    EXPECT_EQ(qHash(asset), qHash(same));
-    Asset larger = asset;
-    larger.size = 6;
-    EXPECT_FALSE(asset == larger);
-}
-
 TEST(VaultCategory, PlacesFallUnderTheCategoryWhoseFolderHoldsThem)
 {
     const Location root = Location::fromText(u"/home/me/Vault"_s);
