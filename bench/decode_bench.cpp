@@ -2,7 +2,7 @@
 // workers through the pool, in turn with the command-line tools that do the same work; one part of it when
 // named. Prints a JSON list of rows {name, ours, peer, unit}, medians.
 
-#include "media/internal/decode_pool.h"
+#include "media/decoding/decode_pool.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -2,7 +2,7 @@
 // OpenColorIO and FFmpeg doing the same; one thread each. Its files lie in FOLDER while it runs. Prints a
 // JSON list of rows {name, ours, peer, unit}, medians.
 
-#include "media/internal/sunset_still.h"
+#include "media/previews/sunset_still.h"
 #include "media/lut.h"
 
 #include <OpenColorIO/OpenColorIO.h>

@@ -5,7 +5,7 @@
 
 #include "app/application.h"
 #include "state/prefs.h"
-#include "ui/thumbnail_item.h"
+#include "ui/thumbnail/thumbnail_item.h"
 #include "without_screen.h"
 
 #include <QDir>

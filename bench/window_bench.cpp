@@ -6,7 +6,7 @@
 #include "app/application.h"
 #include "hold_meter.h"
 #include "state/app_state.h"
-#include "ui/asset_list_model.h"
+#include "ui/grid/asset_list_model.h"
 #include "vault/vault.h"
 #include "without_screen.h"
 

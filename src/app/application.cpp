@@ -15,9 +15,9 @@
 #include "platform/workspace.h"
 #include "state/app_state.h"
 #include "state/prefs.h"
-#include "ui/dialog_file_chooser.h"
-#include "ui/icon_renderer.h"
-#include "ui/ui_objects.h"
+#include "ui/shell/dialog_file_chooser.h"
+#include "ui/shell/icon_renderer.h"
+#include "ui/shell/ui_objects.h"
 #include "vault/vault.h"
 
 #include <QGuiApplication>

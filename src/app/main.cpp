@@ -3,7 +3,7 @@
 #include "app/snapshot.h"
 #include "platform/single_instance.h"
 #include "platform/termination_signals.h"
-#include "ui/icon_renderer.h"
+#include "ui/shell/icon_renderer.h"
 
 #include <QFile>
 #include <QGuiApplication>

@@ -1,7 +1,7 @@
 #include "media/lut.h"
 
-#include "media/internal/cube_reader.h"
-#include "media/internal/lut_lookup.h"
+#include "media/lut/cube_reader.h"
+#include "media/lut/lut_lookup.h"
 
 #include <cerrno>
 #include <fcntl.h>

@@ -1,6 +1,6 @@
 #include "media/media.h"
 
-#include "media/internal/media_private.h"
+#include "media/media_private.h"
 #include "state/prefs.h"
 #include "vault/vault.h"
 

@@ -1,4 +1,4 @@
-#include "media/internal/media_private.h"
+#include "media/media_private.h"
 
 #include <QPromise>
 

@@ -1,8 +1,8 @@
 #include "vault/vault.h"
 
 #include "platform/defaults.h"
-#include "vault/internal/vault_private.h"
-#include "vault/internal/vault_structure.h"
+#include "vault/vault_private.h"
+#include "vault/files/vault_structure.h"
 
 namespace cratewell {
 

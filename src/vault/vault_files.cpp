@@ -1,4 +1,4 @@
-#include "vault/internal/vault_private.h"
+#include "vault/vault_private.h"
 #include "vault/item_name.h"
 
 namespace cratewell {

@@ -1,4 +1,4 @@
-#include "vault/internal/picture_data.h"
+#include "vault/snapshot/picture_data.h"
 
 #include <algorithm>
 #include <string_view>

@@ -1,7 +1,7 @@
 #include "vault/vault_scan.h"
 
-#include "vault/internal/picture_builder.h"
-#include "vault/internal/picture_orders.h"
+#include "vault/snapshot/picture_builder.h"
+#include "vault/snapshot/picture_orders.h"
 
 namespace cratewell {
 

@@ -1,4 +1,4 @@
-#include "media/internal/cube_reader.h"
+#include "media/lut/cube_reader.h"
 #include "support/naive_cube_reader.h"
 
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "media/internal/sunset_still.h"
+#include "media/previews/sunset_still.h"
 #include "media/media.h"
 
 #include <cmath>

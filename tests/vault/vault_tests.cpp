@@ -1,7 +1,7 @@
 #include "platform/fakes/fake_file_events.h"
 #include "platform/fakes/memory_defaults.h"
 #include "support/wait.h"
-#include "temporary_vault.h"
+#include "vault/temporary_vault.h"
 #include "vault/vault.h"
 
 #include <QSignalSpy>

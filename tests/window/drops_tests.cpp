@@ -3,7 +3,7 @@
 #include "state/app_state.h"
 #include "state/prefs.h"
 #include "support/wait.h"
-#include "ui/drag_data.h"
+#include "ui/dragging/drag_data.h"
 #include "vault/vault.h"
 
 #include <QDir>

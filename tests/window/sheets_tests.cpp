@@ -4,7 +4,7 @@
 #include "state/app_state.h"
 #include "state/prefs.h"
 #include "support/wait.h"
-#include "ui/dialog_file_chooser.h"
+#include "ui/shell/dialog_file_chooser.h"
 #include "vault/vault.h"
 
 #include <QFile>

@@ -1,0 +1,143 @@
+#include "media/decoding/decode_slot.h"
+
+#include "media/decoding/worker_process.h"
+
+#include <cstring>
+#include <utility>
+
+namespace cratewell {
+
+using namespace Qt::StringLiterals;
+
+DecodeSlot::DecodeSlot(Location program, std::chrono::milliseconds budget, QObject *parent)
+    : QObject(parent), m_program(std::move(program))
+{
+    m_budget.setSingleShot(true);
+    m_budget.setInterval(budget);
+    connect(&m_budget, &QTimer::timeout, this, &DecodeSlot::runOutOfTime);
+    connect(&m_opening, &QFutureWatcherBase::finished, this, &DecodeSlot::startDecoding);
+}
+
+DecodeSlot::~DecodeSlot() = default;
+
+void DecodeSlot::run(const DecodeWish &wish, Finished finished)
+{
+    Q_ASSERT(!isBusy());
+    m_wish = wish;
+    m_finished = std::move(finished);
+    m_phase = Phase::Opening;
+    ++m_job;
+    m_budget.start();
+    m_opening.setFuture(openForReading(wish.file));
+}
+
+qint64 DecodeSlot::workerProcessId() const
+{
+    return m_worker ? m_worker->processId() : 0;
+}
+
+void DecodeSlot::startDecoding()
+{
+    if (m_phase != Phase::Opening)
+        return;
+    const OpenedFile opened = m_opening.result();
+    if (!opened)
+        return finish(tl::unexpected(opened.error()));
+    m_phase = Phase::Decoding;
+    if (const auto handed = hand(**opened); !handed)
+        finish(tl::unexpected(DecodeFailure(handed.error(), DecodeFailure::Fault::OfSystem)));
+}
+
+// A worker may have died while it had nothing to do; that is no fault of the job that meets it.
+Result<void> DecodeSlot::hand(const OpenFile &file)
+{
+    worker::Request request;
+    request.job = m_job;
+    request.kind = m_wish.kind;
+    request.maxSide = m_wish.maxSide;
+    request.count = m_wish.count;
+    request.fraction = m_wish.fraction;
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        if (const auto worker = ensureWorker(); !worker)
+            return worker;
+        if (m_worker->send(request, file.descriptor()))
+            return {};
+        dropWorker();
+    }
+    return tl::unexpected(Error{u"The decoder could not be reached"_s});
+}
+
+Result<void> DecodeSlot::ensureWorker()
+{
+    if (m_worker)
+        return {};
+    auto started = WorkerProcess::start(m_program, parent());
+    if (!started)
+        return tl::unexpected(started.error());
+    m_worker = std::move(*started);
+    connect(m_worker.get(), &WorkerProcess::answered, this, &DecodeSlot::takeAnswer);
+    connect(m_worker.get(), &WorkerProcess::ended, this, &DecodeSlot::workerEnded);
+    return {};
+}
+
+// Deleted later, because the worker may be the one that is calling.
+void DecodeSlot::dropWorker()
+{
+    if (!m_worker)
+        return;
+    m_worker->disconnect(this);
+    m_worker->stop();
+    m_worker.release()->deleteLater();
+}
+
+void DecodeSlot::takeAnswer(const worker::Reply &reply)
+{
+    if (m_phase != Phase::Decoding || reply.job != m_job) {
+        dropWorker();
+        if (m_phase == Phase::Decoding)
+            finish(tl::unexpected(DecodeFailure(Error{u"The decoder answered another question"_s})));
+        return;
+    }
+    if (reply.status != worker::JobStatus::Done) {
+        const auto length = qsizetype(strnlen(reply.error, sizeof reply.error));
+        return finish(tl::unexpected(DecodeFailure(Error{QString::fromUtf8(reply.error, length)})));
+    }
+    const DecodeResult result = m_worker->answer(m_wish, reply);
+    if (!result)
+        dropWorker();
+    finish(result);
+}
+
+void DecodeSlot::workerEnded()
+{
+    using Fault = DecodeFailure::Fault;
+    const bool neverRan = m_worker->couldNotStart();
+    dropWorker();
+    if (m_phase != Phase::Decoding)
+        return;
+    finish(tl::unexpected(neverRan
+                              ? DecodeFailure(Error{u"The decoder could not be started"_s}, Fault::OfSystem)
+                              : DecodeFailure(Error{u"The decoder ended over this file"_s})));
+}
+
+void DecodeSlot::runOutOfTime()
+{
+    const bool opened = m_phase == Phase::Decoding;
+    if (opened)
+        dropWorker();
+    else
+        m_opening.setFuture({});
+    finish(
+        tl::unexpected(DecodeFailure(Error{u"It took too long"_s}, opened ? DecodeFailure::Fault::OfFile
+                                                                          : DecodeFailure::Fault::OfSystem)));
+}
+
+void DecodeSlot::finish(const DecodeResult &result)
+{
+    m_phase = Phase::Idle;
+    m_budget.stop();
+    const Finished tell = std::exchange(m_finished, {});
+    tell(result);
+}
+
+} // namespace cratewell

@@ -1,0 +1,137 @@
+#include "media/decoding/reply_memory.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace cratewell {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int mostFramesPerSecond = 100'000;
+constexpr int mostChannels = 1024;
+constexpr int mostSamplesPerSecond = 100'000'000;
+constexpr double longest = 1e9; // seconds
+
+tl::unexpected<Error> impossible()
+{
+    return tl::unexpected(Error{u"The decoder told of something impossible"_s});
+}
+
+bool isBetween(double low, double value, double high)
+{
+    return value >= low && value <= high; // false for what is no number
+}
+
+QString codecText(uint32_t code)
+{
+    std::array<char, 4> text = {};
+    for (size_t i = 0; i < text.size(); ++i)
+        text[i] = char(code >> (24 - 8 * i));
+    if (!std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; }))
+        return u"?"_s;
+    return QString::fromLatin1(text.data(), text.size()).trimmed();
+}
+
+DecodeResult believed(const worker::FileFacts &facts)
+{
+    const bool possible = isBetween(0, facts.duration, longest) &&
+                          isBetween(0, facts.frameRate, mostFramesPerSecond) && facts.frames >= 0 &&
+                          facts.width >= 0 && facts.height >= 0 && facts.hasVideo <= 1 &&
+                          facts.hasAudio <= 1 && isBetween(0, facts.sampleRate, mostSamplesPerSecond) &&
+                          isBetween(0, facts.channels, mostChannels);
+    if (!possible)
+        return impossible();
+    return MediaFacts{.duration = facts.duration,
+                      .width = facts.width,
+                      .height = facts.height,
+                      .frameRate = facts.frameRate,
+                      .codec = facts.hasVideo == 1 ? codecText(facts.codec) : QString(),
+                      .sampleRate = facts.sampleRate,
+                      .channels = facts.channels,
+                      .frames = facts.frames,
+                      .hasVideo = facts.hasVideo == 1,
+                      .hasAudio = facts.hasAudio == 1};
+}
+
+} // namespace
+
+Result<std::unique_ptr<ReplyMemory>> ReplyMemory::create()
+{
+    const auto failure = [] { return tl::unexpected(Error::fromErrno(errno)); };
+    const int descriptor = memfd_create("cratewell-decoded", MFD_CLOEXEC | MFD_ALLOW_SEALING);
+    if (descriptor < 0)
+        return failure();
+    std::unique_ptr<ReplyMemory> memory(new ReplyMemory(descriptor));
+    if (ftruncate(descriptor, off_t(worker::memoryBytes)) != 0 ||
+        fcntl(descriptor, F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) != 0)
+        return failure();
+    void *bytes = mmap(nullptr, worker::memoryBytes, PROT_READ, MAP_SHARED, descriptor, 0);
+    if (bytes == MAP_FAILED)
+        return failure();
+    memory->m_bytes = static_cast<const uchar *>(bytes);
+    return memory;
+}
+
+ReplyMemory::~ReplyMemory()
+{
+    if (m_bytes)
+        munmap(const_cast<uchar *>(m_bytes), worker::memoryBytes);
+    close(m_descriptor);
+}
+
+DecodeResult ReplyMemory::answer(const DecodeWish &wish, const worker::Reply &reply) const
+{
+    switch (wish.kind) {
+    case worker::JobKind::VideoFrame:
+    case worker::JobKind::StillImage:
+        return picture(wish.maxSide, reply);
+    case worker::JobKind::AudioPeaks:
+        return peaks(wish.count, reply);
+    case worker::JobKind::Facts:
+        return believed(reply.facts);
+    }
+    return impossible();
+}
+
+DecodeResult ReplyMemory::picture(int maxSide, const worker::Reply &reply) const
+{
+    const qint64 width = reply.width, height = reply.height, most = std::min(maxSide, worker::maxPictureSide);
+    if (width < 1 || height < 1 || width > most || height > most ||
+        reply.bytes != quint64(width * height * 4) || !isBetween(0, reply.duration, longest))
+        return impossible();
+    const bool hasAlpha = reply.hasAlpha != 0;
+    QImage image(int(width), int(height),
+                 hasAlpha ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
+    if (image.isNull())
+        return tl::unexpected(Error::fromErrno(ENOMEM));
+    std::memcpy(image.bits(), m_bytes, reply.bytes);
+
+    // What a large picture took is not kept for the small ones that follow.
+    constexpr quint64 usual = 4 << 20;
+    if (reply.bytes > usual)
+        fallocate(m_descriptor, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, 0, off_t(worker::memoryBytes));
+    return DecodedPicture{.image = image, .duration = reply.duration};
+}
+
+// Copied before they are looked at: the worker can still write to the memory.
+DecodeResult ReplyMemory::peaks(int count, const worker::Reply &reply) const
+{
+    if (count < 1 || count > worker::maxPeakCount || reply.bytes != quint64(count) * sizeof(float) ||
+        !isBetween(0, reply.duration, longest))
+        return impossible();
+    WaveformPeaks peaks(count);
+    std::memcpy(peaks.data(), m_bytes, reply.bytes);
+    if (!std::all_of(peaks.cbegin(), peaks.cend(), [](float peak) { return isBetween(0, peak, 1); }))
+        return impossible();
+    return DecodedSound{.peaks = peaks, .duration = reply.duration};
+}
+
+} // namespace cratewell

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "media/decoding/decode_wish.h"
+
+#include <memory>
+
+namespace cratewell {
+
+// The memory a worker puts its answers in: of a fixed, sealed size, read-only for this process. Pages that
+// were never written take no memory.
+class ReplyMemory
+{
+public:
+    static Result<std::unique_ptr<ReplyMemory>> create();
+    ~ReplyMemory();
+    ReplyMemory(const ReplyMemory &) = delete;
+    ReplyMemory &operator=(const ReplyMemory &) = delete;
+
+    int descriptor() const { return m_descriptor; }
+    // A copy of what a reply to this wish tells of; an error when the reply cannot be true.
+    DecodeResult answer(const DecodeWish &wish, const worker::Reply &reply) const;
+
+private:
+    explicit ReplyMemory(int descriptor) : m_descriptor(descriptor) {}
+    DecodeResult picture(int maxSide, const worker::Reply &reply) const;
+    DecodeResult peaks(int count, const worker::Reply &reply) const;
+
+    int m_descriptor;
+    const uchar *m_bytes = nullptr;
+};
+
+} // namespace cratewell

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "media/previews/preview_loader.h"
+#include "media/previews/preview_still.h"
+#include "media/previews/preview_store.h"
+#include "media/media.h"
+#include "platform/system_paths.h"
+#include "vault/vault_picture.h"
+
+namespace cratewell {
+
+// Bytes of what stores keep.
+struct PreviewCost
+{
+    qint64 operator()(const QImage &image) const { return image.sizeInBytes(); }
+    qint64 operator()(const DecodedPicture &picture) const { return picture.image.sizeInBytes(); }
+    qint64 operator()(const DecodedSound &sound) const { return sound.peaks.size() * qint64(sizeof(float)); }
+    // With the table of whole numbers that grading makes beside it.
+    qint64 operator()(const LUT &lut) const { return qint64(lut.data().size_bytes()) * 11 / 8; }
+    qint64 operator()(const MediaFacts &) const { return sizeof(MediaFacts); }
+};
+
+struct Media::Private
+{
+    Private(Media &media, const SystemPaths &paths);
+
+    void forgetChanged(const VaultChanges &changes);
+    template<typename Store> QList<Location> forgetIn(Store &store, const VaultChanges &changes);
+    void changeStill();
+
+    std::unique_ptr<PreviewRequest> requestPicture(const Asset &asset, int part, const DecodeWish &wish,
+                                                   DecodeJob::Rank rank);
+    // Reads the LUT, and where somebody waits grades the still with it.
+    std::unique_ptr<PreviewRequest> requestLut(const PreviewKey &key);
+    std::unique_ptr<PreviewRequest> requestGraded(const PreviewKey &key, const LUT &lut);
+    // A failure that is not the file's is forgotten at once: the next request tries again.
+    template<typename Value, typename Store>
+    bool put(Store &store, const PreviewKey &key, quint64 asked, const DecodeResult &result);
+    void tellPicture(const Location &url, int part);
+
+    Media &q;
+    // Budgets in bytes; those of pictures together 512 MB.
+    PreviewStore<DecodedPicture, PreviewCost> pictures{qint64{384} << 20}; // thumbnails, scrub frames
+    PreviewStore<QImage, PreviewCost> lutThumbnails{qint64{128} << 20};
+    PreviewStore<DecodedSound, PreviewCost> sounds{qint64{16} << 20};
+    PreviewStore<LUT, PreviewCost> luts{qint64{64} << 20};
+    PreviewStore<MediaFacts, PreviewCost> facts{qint64{4} << 20};
+    quint64 turn = 0;
+    DecodePool pool;
+    PreviewLoader loader;
+    PreviewStill still;
+    QImage smallStill; // under LUT thumbnails; null until it is needed
+    quint64 stillNumber = 0;
+    ThreadJobs lutJobs;
+};
+
+} // namespace cratewell

@@ -1,0 +1,94 @@
+#include "ui/dragging/drops.h"
+
+#include "state/app_state.h"
+#include "ui/dragging/drag_data.h"
+#include "vault/vault.h"
+
+#include <QQmlEngine>
+
+namespace cratewell {
+
+namespace {
+
+// Enough to say what a drop will do while the pointer moves.
+constexpr size_t weighedItems = 200;
+
+std::vector<Location> itemsOf(const QList<QUrl> &urls, const QString &ownData)
+{
+    if (auto own = ownDragItems(ownData.toLatin1()))
+        return *std::move(own);
+    std::vector<Location> items;
+    items.reserve(size_t(urls.size()));
+    for (const QUrl &url : urls) {
+        if (const Location item = Location::fromUrl(url); !item.isEmpty())
+            items.push_back(item);
+    }
+    return items;
+}
+
+} // namespace
+
+Drops::Drops(const UiObjects &objects, QObject *parent) : QObject(parent), m_objects(objects) {}
+
+Drops *Drops::create(QQmlEngine *engine, QJSEngine *)
+{
+    return new Drops(uiObjects(*engine));
+}
+
+QString Drops::ownType()
+{
+    return QString::fromLatin1(ownDragType);
+}
+
+void Drops::weigh(const QList<QUrl> &urls, const QString &ownData)
+{
+    m_weighed = splitDropped(itemsOf(urls, ownData), m_objects.vault.root(), weighedItems);
+    m_imports = importsAny(m_weighed.outside);
+}
+
+Drops::Effect Drops::effectOn(const Location &folder) const
+{
+    if (folder.isEmpty())
+        return Nothing;
+    const bool moves = movesAny(m_weighed.inside, folder, m_objects.vault.root());
+    if (moves)
+        return m_imports ? MoveAndCopy : Move;
+    return m_imports ? importInto(folder) : Nothing;
+}
+
+Drops::Effect Drops::effectOnGrid() const
+{
+    const auto folder = shownFolder();
+    if (!m_imports)
+        return Nothing;
+    return folder ? importInto(*folder) : Sort;
+}
+
+Drops::Effect Drops::importInto(const Location &folder) const
+{
+    return landsIn(m_weighed.outside, folder, m_objects.vault.root()) ? Copy : Sort;
+}
+
+void Drops::dropOn(const Location &folder, const QList<QUrl> &urls, const QString &ownData)
+{
+    const DroppedItems dropped = splitDropped(itemsOf(urls, ownData), m_objects.vault.root());
+    if (!dropped.inside.empty())
+        m_objects.vault.move(dropped.inside, folder);
+    if (!dropped.outside.empty())
+        m_objects.vault.importItems(dropped.outside, folder, ImportMode::Copy);
+}
+
+void Drops::dropOnGrid(const QList<QUrl> &urls, const QString &ownData)
+{
+    const DroppedItems dropped = splitDropped(itemsOf(urls, ownData), m_objects.vault.root());
+    if (!dropped.outside.empty())
+        m_objects.vault.importItems(dropped.outside, shownFolder(), ImportMode::Copy);
+}
+
+std::optional<Location> Drops::shownFolder() const
+{
+    const Scope &scope = m_objects.state.scope();
+    return scope.kind() == Scope::Kind::Folder ? std::optional(scope.folder()) : std::nullopt;
+}
+
+} // namespace cratewell

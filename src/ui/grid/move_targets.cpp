@@ -1,0 +1,55 @@
+#include "ui/grid/move_targets.h"
+
+#include "state/app_state.h"
+#include "ui/shell/ui_objects.h"
+
+namespace cratewell {
+
+void MoveTargets::componentComplete()
+{
+    const UiObjects &objects = uiObjects(*this);
+    fill(objects.vault, objects.state);
+}
+
+void MoveTargets::fill(const Vault &vault, const AppState &state)
+{
+    QSet<AssetKind> kinds;
+    const VisibleAssets &visible = state.visibleAssets();
+    for (const AssetIndex index : visible.indices) {
+        if (state.isSelected(index))
+            kinds.insert(visible.picture->asset(index).kind);
+    }
+    beginResetModel();
+    m_folders = vault.flatFolders(kinds);
+    endResetModel();
+}
+
+int MoveTargets::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_folders.size());
+}
+
+QVariant MoveTargets::data(const QModelIndex &index, int role) const
+{
+    if (index.row() < 0 || size_t(index.row()) >= m_folders.size())
+        return {};
+    const FolderChoice &choice = m_folders[size_t(index.row())];
+    switch (role) {
+    case FolderRole:
+        return QVariant::fromValue(choice.url);
+    case NameRole:
+    case Qt::DisplayRole:
+        return choice.url.name();
+    case DepthRole:
+        return choice.depth;
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> MoveTargets::roleNames() const
+{
+    return {{FolderRole, "folder"}, {NameRole, "name"}, {DepthRole, "depth"}};
+}
+
+} // namespace cratewell

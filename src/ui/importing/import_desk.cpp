@@ -1,0 +1,115 @@
+#include "ui/importing/import_desk.h"
+
+#include "platform/defaults.h"
+#include "state/app_state.h"
+#include "state/prefs.h"
+#include "ui/shell/ui_objects.h"
+#include "vault/vault.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace cratewell {
+
+namespace {
+
+constexpr auto destinationKey = "importDestination"_L1;
+constexpr int indentation = 4; // spaces per level
+
+} // namespace
+
+void ImportDesk::follow(Vault &vault, AppState &state, const Prefs &prefs, Defaults &defaults)
+{
+    m_vault = &vault;
+    m_state = &state;
+    m_prefs = &prefs;
+    m_defaults = &defaults;
+    connect(&vault, &Vault::rescanned, this, &ImportDesk::refresh);
+    refresh();
+}
+
+void ImportDesk::componentComplete()
+{
+    const UiObjects &objects = uiObjects(*this);
+    follow(objects.vault, objects.state, objects.prefs, objects.defaults);
+}
+
+void ImportDesk::refresh()
+{
+    std::vector<Location> folders;
+    QStringList choices{u"Sort by type automatically"_s};
+    for (const FolderChoice &choice : m_vault->flatFolders()) {
+        folders.push_back(choice.url);
+        choices.append(QString(indentation * choice.depth, u' ') + choice.url.name());
+    }
+    if (m_choices.isEmpty() || folders != m_folders) {
+        m_folders = std::move(folders);
+        m_choices = choices;
+        Q_EMIT choicesChanged();
+    }
+    findCurrent();
+}
+
+void ImportDesk::findCurrent()
+{
+    const Location kept = Location::fromText(m_defaults->value(destinationKey).toString());
+    const auto found = std::ranges::find(m_folders, kept);
+    m_current = found == m_folders.end() ? 0 : 1 + int(found - m_folders.begin());
+    Q_EMIT currentChanged();
+}
+
+QString ImportDesk::label() const
+{
+    return m_choices.value(m_current).trimmed();
+}
+
+void ImportDesk::choose(int index)
+{
+    if (index < 0 || index >= m_choices.size())
+        return;
+    m_defaults->setValue(destinationKey, index == 0 ? QString() : m_folders[size_t(index) - 1].text());
+    findCurrent();
+}
+
+std::optional<Location> ImportDesk::destination() const
+{
+    return m_current == 0 ? std::nullopt : std::optional(m_folders[size_t(m_current) - 1]);
+}
+
+void ImportDesk::chooseFiles()
+{
+    m_state->importPanel(ChooseRequest::What::Files, destination());
+}
+
+void ImportDesk::chooseFolder()
+{
+    m_state->importPanel(ChooseRequest::What::Folders, destination());
+}
+
+std::vector<Location> ImportDesk::outside(const QList<QUrl> &urls) const
+{
+    const Location root = m_vault->root().resolved();
+    std::vector<Location> places;
+    for (const QUrl &url : urls) {
+        const Location place = Location::fromUrl(url);
+        const Location real = place.resolved();
+        if (!place.isEmpty() && real != root && !real.isInside(root))
+            places.push_back(place);
+    }
+    return places;
+}
+
+bool ImportDesk::takes(const QList<QUrl> &urls) const
+{
+    return !outside(urls).empty();
+}
+
+void ImportDesk::take(const QList<QUrl> &urls)
+{
+    if (const std::vector<Location> places = outside(urls); !places.empty())
+        m_vault->importItems(places, destination(),
+                             m_prefs->importMove() ? ImportMode::Move : ImportMode::Copy);
+}
+
+} // namespace cratewell

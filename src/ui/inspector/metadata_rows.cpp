@@ -1,0 +1,140 @@
+#include "ui/inspector/metadata_rows.h"
+
+#include "state/app_state.h"
+#include "ui/controls/formats.h"
+#include "ui/shell/ui_objects.h"
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace cratewell {
+
+namespace {
+
+// Codecs whose tracks may carry alpha.
+constexpr std::array alphaCodecs{"ap4h"_L1, "ap4x"_L1, "hvc1"_L1};
+
+QString codecText(const QString &codec)
+{
+    return std::ranges::find(alphaCodecs, codec) == alphaCodecs.end() ? codec : codec + u" (alpha capable)"_s;
+}
+
+QString sizeText(const MediaFacts &facts)
+{
+    return u"%1 × %2"_s.arg(facts.width).arg(facts.height);
+}
+
+QString channelsText(int channels)
+{
+    if (channels == 1)
+        return u"Mono"_s;
+    return channels == 2 ? u"Stereo"_s : QString::number(channels);
+}
+
+void addVideoRows(std::vector<MetadataRows::Row> &rows, const MediaFacts &facts)
+{
+    rows.push_back({u"Duration"_s, timeString(facts.duration)});
+    if (!facts.hasVideo)
+        return;
+    rows.push_back({u"Resolution"_s, sizeText(facts)});
+    rows.push_back({u"Frame rate"_s, QString::asprintf("%.3g fps", facts.frameRate)});
+    rows.push_back({u"Codec"_s, codecText(facts.codec)});
+}
+
+void addAudioRows(std::vector<MetadataRows::Row> &rows, const MediaFacts &facts)
+{
+    if (!facts.hasAudio || facts.sampleRate <= 0)
+        return;
+    rows.push_back({u"Duration"_s, timeString(double(facts.frames) / facts.sampleRate)});
+    rows.push_back({u"Sample rate"_s, u"%1 Hz"_s.arg(facts.sampleRate)});
+    rows.push_back({u"Channels"_s, channelsText(facts.channels)});
+}
+
+} // namespace
+
+std::vector<MetadataRows::Row> metadataRows(const Asset &asset, const std::optional<MediaFacts> &facts,
+                                            const std::optional<LUT> &lut)
+{
+    std::vector<MetadataRows::Row> rows{
+        {u"Type"_s, kindLabel(asset.kind) + u" · "_s + asset.url.extension().toUpper()},
+        {u"Size"_s, byteText(asset.size)}};
+    if (asset.kind == AssetKind::Video && facts)
+        addVideoRows(rows, *facts);
+    else if (asset.kind == AssetKind::Image && facts && facts->width > 0)
+        rows.push_back({u"Resolution"_s, sizeText(*facts)});
+    else if (asset.kind == AssetKind::Audio && facts)
+        addAudioRows(rows, *facts);
+    if (lut) {
+        rows.push_back({u"Lattice"_s, QString::number(lut->size()) + u'³'});
+        rows.push_back({u"Title"_s, lut->title()});
+    }
+    rows.push_back({u"Added"_s, addedText(asset.added)});
+    return rows;
+}
+
+void MetadataRows::follow(AppState &state, Media &media)
+{
+    m_state = &state;
+    m_media = &media;
+    connect(&state, &AppState::selectionChanged, this, &MetadataRows::load);
+    const auto showIfMine = [this](const Location &url) {
+        if (m_asset && m_asset->url == url)
+            load();
+    };
+    connect(&media, &Media::factsChanged, this, showIfMine);
+    connect(&media, &Media::lutChanged, this, showIfMine);
+    load();
+}
+
+void MetadataRows::componentComplete()
+{
+    const UiObjects &objects = uiObjects(*this);
+    follow(objects.state, objects.media);
+}
+
+void MetadataRows::load()
+{
+    m_asset = m_state->selection();
+    m_request.reset();
+    if (m_asset)
+        m_request =
+            m_asset->kind == AssetKind::Lut ? m_media->requestLut(*m_asset) : m_media->requestFacts(*m_asset);
+    show();
+}
+
+void MetadataRows::show()
+{
+    std::vector<Row> rows;
+    if (m_asset)
+        rows = metadataRows(*m_asset, m_media->facts(*m_asset),
+                            m_asset->kind == AssetKind::Lut ? m_media->lut(*m_asset) : std::nullopt);
+    if (rows == m_rows)
+        return;
+    beginResetModel();
+    m_rows = std::move(rows);
+    endResetModel();
+}
+
+int MetadataRows::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+QVariant MetadataRows::data(const QModelIndex &index, int role) const
+{
+    if (index.row() < 0 || size_t(index.row()) >= m_rows.size())
+        return {};
+    const Row &row = m_rows[size_t(index.row())];
+    if (role == LabelRole)
+        return row.label;
+    return role == ValueRole || role == Qt::DisplayRole ? row.value : QVariant();
+}
+
+QHash<int, QByteArray> MetadataRows::roleNames() const
+{
+    return {{LabelRole, "label"}, {ValueRole, "value"}};
+}
+
+} // namespace cratewell

@@ -1,0 +1,44 @@
+#include "ui/sidebar/library_counts.h"
+
+#include "state/prefs.h"
+#include "ui/controls/formats.h"
+#include "ui/shell/ui_objects.h"
+#include "vault/vault.h"
+
+#include <algorithm>
+
+namespace cratewell {
+
+void LibraryCounts::componentComplete()
+{
+    const UiObjects &objects = uiObjects(*this);
+    follow(objects.vault, objects.prefs);
+}
+
+void LibraryCounts::follow(Vault &vault, Prefs &prefs)
+{
+    m_vault = &vault;
+    m_prefs = &prefs;
+    connect(&vault, &Vault::rescanned, this, &LibraryCounts::count);
+    connect(&vault, &Vault::trashItemsChanged, this, &LibraryCounts::count);
+    connect(&prefs, &Prefs::favoritesChanged, this, &LibraryCounts::count);
+    connect(&prefs, &Prefs::recentChanged, this, &LibraryCounts::count);
+    count();
+}
+
+void LibraryCounts::count()
+{
+    const VaultPicture &picture = *m_vault->picture();
+    const auto existing = [&picture](const auto &places) {
+        return int(std::ranges::count_if(
+            places, [&](const Location &place) { return picture.find(place).has_value(); }));
+    };
+    m_all = int(picture.size());
+    m_favorites = existing(m_prefs->favorites());
+    m_recent = existing(m_prefs->recent());
+    m_trash = int(m_vault->trashItems().size());
+    m_size = byteText(picture.totalSize());
+    Q_EMIT changed();
+}
+
+} // namespace cratewell

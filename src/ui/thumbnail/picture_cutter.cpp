@@ -1,0 +1,127 @@
+#include "ui/thumbnail/picture_cutter.h"
+
+#include "ui/thumbnail/soft_mask.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <utility>
+
+namespace cratewell {
+
+namespace {
+
+constexpr int rememberedKilobytes = 64 * 1024;
+
+// The largest part of `source` with the proportions of `target`, in the middle.
+QRect coverCrop(QSize source, QSize target)
+{
+    const QSizeF part = QSizeF(target).scaled(source, Qt::KeepAspectRatio);
+    const QSize size(std::clamp(int(std::lround(part.width())), 1, source.width()),
+                     std::clamp(int(std::lround(part.height())), 1, source.height()));
+    return {QPoint((source.width() - size.width()) / 2, (source.height() - size.height()) / 2), size};
+}
+
+// What shows through a picture, in dark tones: light effects are meant for dark ground.
+void drawCheckerboard(QPainter &painter, const QRect &place)
+{
+    constexpr QColor tones[]{QColor(0x16, 0x16, 0x1b), QColor(0x20, 0x20, 0x27)};
+    const int side = std::max(4, place.height() / 14);
+    for (int y = 0; y * side < place.height(); ++y) {
+        for (int x = 0; x * side < place.width(); ++x)
+            painter.fillRect(QRect(place.x() + x * side, place.y() + y * side, side, side) & place,
+                             tones[(x + y) % 2]);
+    }
+}
+
+// Where the picture, or the part of it that is seen, lies in the shape.
+QRect placeIn(const PictureShape &shape, QSize part)
+{
+    if (shape.fit == PictureFit::Cover)
+        return {QPoint(), shape.size};
+    const QSize size = part.scaled(shape.size, Qt::KeepAspectRatio).expandedTo({1, 1});
+    // A margin that only rounding left would look like a fault.
+    if (shape.size.width() - size.width() <= 2 && shape.size.height() - size.height() <= 2)
+        return {QPoint(), shape.size};
+    return {QPoint((shape.size.width() - size.width()) / 2, (shape.size.height() - size.height()) / 2), size};
+}
+
+} // namespace
+
+QImage cutPicture(const QImage &picture, const PictureShape &shape)
+{
+    if (picture.isNull() || shape.size.isEmpty())
+        return {};
+    const QRect part =
+        shape.fit == PictureFit::Cover ? coverCrop(picture.size(), shape.size) : picture.rect();
+    const QRect place = placeIn(shape, part.size());
+    QImage seen = picture.copy(part);
+    seen.setDevicePixelRatio(1);
+    if (seen.hasAlphaChannel())
+        seen.convertTo(QImage::Format_ARGB32_Premultiplied);
+
+    QImage cut(shape.size, QImage::Format_ARGB32_Premultiplied);
+    cut.fill(Qt::black);
+    QPainter painter(&cut);
+    if (picture.hasAlphaChannel())
+        drawCheckerboard(painter, place);
+    painter.drawImage(place.topLeft(),
+                      seen.scaled(place.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    painter.end();
+    if (shape.radius > 0) {
+        QPainterPath outline;
+        outline.addRoundedRect(QRectF(QPointF(), shape.size), shape.radius, shape.radius);
+        keepInside(cut, coverage(outline, shape.size));
+    }
+    return cut;
+}
+
+struct PictureCutter::Wish
+{
+    std::atomic<bool> calledOff = false;
+    std::function<void(const QImage &)> done;
+};
+
+PictureCutter::PictureCutter(QObject *parent) : QObject(parent), m_ready(rememberedKilobytes)
+{
+    m_pool.setMaxThreadCount(std::max(1, QThread::idealThreadCount() - 1));
+}
+
+PictureCutter::~PictureCutter()
+{
+    m_pool.clear();
+    m_pool.waitForDone();
+}
+
+QImage PictureCutter::ready(const QImage &picture, const PictureShape &shape) const
+{
+    const QImage *found = m_ready.object({picture.cacheKey(), shape});
+    return found ? *found : QImage();
+}
+
+PictureCutter::Ticket PictureCutter::cut(const QImage &picture, const PictureShape &shape,
+                                         std::function<void(const QImage &)> done)
+{
+    auto wish = std::make_shared<Wish>();
+    wish->done = std::move(done);
+    const Ticket ticket(wish.get(), [wish](void *) {
+        wish->calledOff = true;
+        wish->done = nullptr;
+    });
+    const auto work = [this, wish, picture, shape] {
+        if (wish->calledOff)
+            return;
+        QImage result = cutPicture(picture, shape);
+        QMetaObject::invokeMethod(this, [this, wish, shape, key = picture.cacheKey(), result] {
+            m_ready.insert({key, shape}, new QImage(result), std::max(1, int(result.sizeInBytes() / 1024)));
+            if (const auto tell = std::exchange(wish->done, nullptr))
+                tell(result);
+        });
+    };
+    m_pool.start(work, ++m_newest);
+    return ticket;
+}
+
+} // namespace cratewell

@@ -1,0 +1,101 @@
+#include "ui/thumbnail/picture_source.h"
+
+#include "ui/shell/ui_objects.h"
+#include "vault/vault.h"
+
+#include <algorithm>
+
+namespace cratewell {
+
+QImage PictureSource::placeholder(const PlaceholderLook &look, const PictureShape &shape)
+{
+    constexpr size_t kept = 24; // while sizes change, older ones make room
+    const auto found = std::ranges::find_if(m_placeholders, [&](const PaintedPlaceholder &entry) {
+        return entry.look == look && entry.shape == shape;
+    });
+    if (found != m_placeholders.end())
+        return found->picture;
+    if (m_placeholders.size() == kept)
+        m_placeholders.erase(m_placeholders.begin());
+    return m_placeholders.emplace_back(PaintedPlaceholder{look, shape, placeholderPicture(look, shape)})
+        .picture;
+}
+
+void ThumbnailSource::follow(Vault &vault, Media &media)
+{
+    m_vault = &vault;
+    m_media = &media;
+    connect(&media, &Media::thumbnailChanged, this, &PictureSource::changed);
+    connect(&media, &Media::waveformChanged, this, &PictureSource::changed);
+    connect(&media, &Media::scrubFrameChanged, this, &PictureSource::scrubFrameChanged);
+    Q_EMIT reset();
+}
+
+void ThumbnailSource::componentComplete()
+{
+    const UiObjects &objects = uiObjects(*this);
+    follow(objects.vault, objects.media);
+}
+
+const Asset *ThumbnailSource::find(const Location &url) const
+{
+    if (!m_vault)
+        return nullptr;
+    const VaultPicture &picture = *m_vault->picture();
+    const std::optional<AssetIndex> index = picture.find(url);
+    return index ? &picture.asset(*index) : nullptr;
+}
+
+Media::State ThumbnailSource::state(const Location &url) const
+{
+    const Asset *asset = find(url);
+    if (!asset)
+        return Media::State::Missing;
+    if (asset->kind != AssetKind::Audio)
+        return m_media->thumbnailState(*asset);
+    const std::optional<WaveformPeaks> peaks = m_media->waveform(*asset);
+    if (!peaks)
+        return Media::State::Missing;
+    return peaks->isEmpty() ? Media::State::Failed : Media::State::Ready;
+}
+
+QImage ThumbnailSource::picture(const Location &url) const
+{
+    const Asset *asset = find(url);
+    return asset ? m_media->thumbnail(*asset) : QImage();
+}
+
+std::unique_ptr<PreviewRequest> ThumbnailSource::request(const Location &url)
+{
+    const Asset *asset = find(url);
+    if (!asset)
+        return nullptr;
+    return asset->kind == AssetKind::Audio ? m_media->requestWaveform(*asset)
+                                           : m_media->requestThumbnail(*asset);
+}
+
+QImage ThumbnailSource::scrubFrame(const Location &url, int bucket) const
+{
+    const Asset *asset = find(url);
+    return asset ? m_media->scrubFrame(*asset, bucket) : QImage();
+}
+
+std::unique_ptr<PreviewRequest> ThumbnailSource::requestScrubFrame(const Location &url, int bucket)
+{
+    const Asset *asset = find(url);
+    return asset ? m_media->requestScrubFrame(*asset, bucket) : nullptr;
+}
+
+WaveformPeaks ThumbnailSource::waveform(const Location &url) const
+{
+    const Asset *asset = find(url);
+    return asset ? m_media->waveform(*asset).value_or(WaveformPeaks()) : WaveformPeaks();
+}
+
+double ThumbnailSource::duration(const Location &url) const
+{
+    const Asset *asset = find(url);
+    return asset ? m_media->duration(*asset) : 0;
+}
+
+} // namespace cratewell

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "media/media.h"
+#include "ui/thumbnail/picture_cutter.h"
+#include "ui/thumbnail/placeholder.h"
+
+#include <QQmlParserStatus>
+#include <QtQml/qqmlregistration.h>
+#include <vector>
+
+namespace cratewell {
+
+class Vault;
+
+// Where thumbnail items get the pictures of files. Main thread.
+class PictureSource : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Use one of the kinds of picture source")
+public:
+    using QObject::QObject;
+
+    virtual Media::State state(const Location &url) const = 0;
+    // Null unless Ready. The same picture keeps its QImage::cacheKey.
+    virtual QImage picture(const Location &url) const = 0;
+    // The picture is made while the answer lives; null when nothing needs to be done.
+    [[nodiscard]] virtual std::unique_ptr<PreviewRequest> request(const Location &url) = 0;
+
+    // The same for one of the frames that follow the pointer over a video (Media::scrubFrame).
+    virtual QImage scrubFrame(const Location &url, int bucket) const = 0;
+    [[nodiscard]] virtual std::unique_ptr<PreviewRequest> requestScrubFrame(const Location &url,
+                                                                            int bucket) = 0;
+
+    // A Ready sound has these instead of a picture; none for everything else.
+    virtual WaveformPeaks waveform(const Location &url) const = 0;
+    // Seconds; 0 when unknown.
+    virtual double duration(const Location &url) const = 0;
+
+    PictureCutter &cutter() { return m_cutter; }
+    // Painted once for all files that look alike.
+    QImage placeholder(const PlaceholderLook &look, const PictureShape &shape);
+
+Q_SIGNALS:
+    // State or picture of this file changed.
+    void changed(const cratewell::Location &url);
+    void scrubFrameChanged(const cratewell::Location &url, int bucket);
+    // Everything may have changed.
+    void reset();
+
+private:
+    struct PaintedPlaceholder
+    {
+        PlaceholderLook look;
+        PictureShape shape;
+        QImage picture;
+    };
+
+    PictureCutter m_cutter;
+    std::vector<PaintedPlaceholder> m_placeholders;
+};
+
+// The grid thumbnails and waveforms of the vault's assets, each looked up afresh, so that a rewritten file
+// gets the picture of its newest version. Every picture is missing until it knows its vault. (The QML tools
+// find a base by its full name only.)
+class ThumbnailSource : public cratewell::PictureSource, public QQmlParserStatus
+{
+    Q_OBJECT
+    Q_INTERFACES(QQmlParserStatus)
+    QML_ELEMENT
+public:
+    explicit ThumbnailSource(QObject *parent = nullptr) : PictureSource(parent) {}
+
+    // Both must outlive this. In QML they are the program's own.
+    void follow(Vault &vault, Media &media);
+
+    Media::State state(const Location &url) const override;
+    QImage picture(const Location &url) const override;
+    std::unique_ptr<PreviewRequest> request(const Location &url) override;
+    QImage scrubFrame(const Location &url, int bucket) const override;
+    std::unique_ptr<PreviewRequest> requestScrubFrame(const Location &url, int bucket) override;
+    WaveformPeaks waveform(const Location &url) const override;
+    double duration(const Location &url) const override;
+
+    void classBegin() override {}
+    void componentComplete() override;
+
+private:
+    const Asset *find(const Location &url) const;
+
+    Vault *m_vault = nullptr;
+    Media *m_media = nullptr;
+};
+
+} // namespace cratewell

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "ui/controls/keyed_list_model.h"
+#include "vault/trash_item.h"
+
+#include <QHash>
+#include <QQmlParserStatus>
+#include <QSet>
+#include <QTimer>
+
+namespace cratewell {
+
+class Vault;
+
+// "1 day left", "Deletes today".
+QString timeLeftText(int daysLeft);
+
+// What lies in the trash, newest first, and which of it the user has picked.
+class TrashModel : public cratewell::KeyedListModel, public QQmlParserStatus
+{
+    Q_OBJECT
+    QML_ELEMENT
+    Q_INTERFACES(QQmlParserStatus)
+    Q_PROPERTY(int pickedCount READ pickedCount NOTIFY pickedCountChanged FINAL)
+public:
+    enum Role {
+        NameRole = Qt::UserRole + 1,
+        SymbolRole,
+        OriginRole, // the folder that held it, as a phrase
+        SizeRole,
+        TimeLeftRole,
+        UrgentRole, // whether the time left is short
+        PickedRole,
+    };
+
+    // What QML does when it has made the model. The vault must outlive it.
+    void follow(Vault &vault);
+
+    QVariant data(const QModelIndex &index, int role) const override;
+    QHash<int, QByteArray> roleNames() const override;
+    int pickedCount() const { return int(m_picked.size()); }
+
+    Q_INVOKABLE void togglePick(int row);
+    Q_INVOKABLE void pickAll();
+    Q_INVOKABLE void clearPicks();
+    Q_INVOKABLE void restore(int row);
+    Q_INVOKABLE void deleteNow(int row);
+    Q_INVOKABLE void restorePicked();
+    Q_INVOKABLE void deletePicked();
+    Q_INVOKABLE void empty();
+
+Q_SIGNALS:
+    void pickedCountChanged();
+
+private:
+    void classBegin() override {}
+    void componentComplete() override;
+    void refresh();
+    void setPicked(const QSet<QByteArray> &picked);
+    std::vector<TrashItem> itemAt(int row) const;
+    std::vector<TrashItem> pickedItems() const;
+
+    Vault *m_vault = nullptr;
+    QHash<QByteArray, TrashItem> m_items;
+    QSet<QByteArray> m_picked;
+    QTimer m_clock; // days pass while the page is open
+};
+
+} // namespace cratewell

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "platform/location.h"
+#include "vault/files/work_monitor.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace cratewell {
+
+class FileProgress;
+
+// The thread that changes files: one piece of work at a time, in the order given. Lives on the main thread
+// and shows there how far long work has come.
+class FileQueue : public QObject
+{
+public:
+    // What is to be done on the main thread afterwards.
+    using Effects = std::function<void()>;
+    using Work = std::function<Effects(WorkMonitor &)>;
+
+    explicit FileQueue(FileProgress &progress);
+    ~FileQueue() override;
+
+    // `work` runs on the file thread, what it returns on the main thread; neither after drain().
+    // `destination` is the folder that long work fills, if there is one.
+    void add(const QString &title, Work work, const Location &destination = {});
+    // Cancels what is under way.
+    void cancel();
+    // Cancels, under way or waiting, what fills this folder or one inside it.
+    void cancelFilling(const Location &folder);
+    // Cancels what is under way and what waits; each still has its effects.
+    void cancelAll();
+    // Cancels what is under way, drops what waits and returns when the file thread has ended.
+    void drain();
+
+private:
+    struct Job
+    {
+        QString title;
+        Work work;
+        Location destination;
+        WorkMonitor monitor;
+        std::chrono::steady_clock::time_point started;
+    };
+
+    void run();
+    void finish(const Effects &effects);
+    void show();
+
+    FileProgress &m_progress;
+    QTimer m_timer;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::deque<std::shared_ptr<Job>> m_jobs; // the first is under way
+    bool m_ending = false;
+    std::thread m_thread;
+};
+
+} // namespace cratewell

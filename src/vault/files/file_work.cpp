@@ -1,0 +1,346 @@
+#include "vault/files/file_work.h"
+
+#include "vault/files/disk.h"
+#include "vault/files/file_names.h"
+#include "vault/files/import_plan.h"
+#include "vault/files/relocation.h"
+
+#include <QFile>
+#include <QSet>
+#include <QUuid>
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace cratewell {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 largestIndex = qint64{256} << 20; // bytes; more is no index of ours
+
+// Nothing is worth telling of a work that the user broke off.
+void note(FileWork::Outcome &outcome, int error, const QString &subject)
+{
+    if (error && error != ECANCELED)
+        outcome.error = Error::fromErrno(error, subject).message;
+}
+
+// Nothing when there is no file; a file that cannot be read is an error.
+std::optional<QByteArray> readIndex(const Location &place, bool &readable)
+{
+    QFile file;
+    const int descriptor = ::open(place.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    readable = descriptor >= 0 || errno == ENOENT;
+    if (descriptor < 0 || !file.open(descriptor, QFile::ReadOnly, QFile::AutoCloseHandle))
+        return std::nullopt;
+    return file.read(largestIndex);
+}
+
+QSet<QString> idsOf(const std::vector<TrashItem> &items)
+{
+    QSet<QString> ids;
+    for (const TrashItem &item : items)
+        ids.insert(item.id);
+    return ids;
+}
+
+} // namespace
+
+void FileWork::open()
+{
+    m_open = true;
+    Temporaries::cleanUp(m_root);
+    bool readable = true;
+    const Location index = trashIndexFile(m_root);
+    const std::optional<QByteArray> json = readIndex(index, readable);
+    DecodedTrash decoded = json ? decodeTrash(*json) : DecodedTrash{};
+    if (!decoded.intact || !readable) {
+        // Whatever it was, it is kept: the next save makes a new one.
+        FreeNames names;
+        Location aside;
+        names.claim(index.parent(), "index damaged.json", FreeNames::Naming::File, aside,
+                    [&](const Location &to) { return disk::renameWithoutReplacing(index, to); });
+    }
+    m_trash = std::move(decoded.items);
+    // Killed between the record and the move, or between the move back and the record.
+    const size_t listed = m_trash.size();
+    std::erase_if(m_trash, [this](const TrashItem &item) {
+        const bool unmoved = !disk::exists(trashedItem(m_root, item)) && standsAtHome(item);
+        if (unmoved)
+            disk::removeFolder(trashSlot(m_root, item));
+        return unmoved;
+    });
+    if (m_trash.size() != listed || (json && !decoded.intact))
+        saveTrash();
+}
+
+FileWork::Outcome FileWork::createFolder(const Location &parent, const QString &name)
+{
+    Outcome outcome;
+    FreeNames names;
+    Location made;
+    int error = makeFoldersInVault(parent);
+    if (!error)
+        error = names.claim(parent, bytesFromText(name), FreeNames::Naming::Folder, made, &disk::makeFolder);
+    note(outcome, error, name);
+    if (!error)
+        outcome.placed.push_back(made);
+    return outcome;
+}
+
+FileWork::Outcome FileWork::rename(const Location &item, const Location &destination)
+{
+    Outcome outcome;
+    const int error = item == destination ? 0 : disk::renameWithoutReplacing(item, destination);
+    note(outcome, error, destination.name());
+    outcome.count = error ? 0 : 1;
+    return outcome;
+}
+
+bool FileWork::mayMove(const Location &item, const Location &folder, const Location &resolvedFolder) const
+{
+    const Location resolved = item.resolved();
+    if (resolved.parent() == resolvedFolder || resolved == resolvedFolder ||
+        resolvedFolder.isInside(resolved))
+        return false;
+    const std::optional<AssetKind> kind = kindOf(item);
+    const std::optional<VaultCategory> category = categoryOf(m_root, folder);
+    return !kind || !category || accepts(*category, *kind);
+}
+
+FileWork::Outcome FileWork::move(const std::vector<Location> &items, const Location &folder,
+                                 WorkMonitor &monitor)
+{
+    Outcome outcome;
+    monitor.filesTotal = int(items.size());
+    const Location resolvedFolder = folder.resolved();
+    Relocation relocation(m_root, monitor);
+    for (const Location &item : items) {
+        if (monitor.cancelled)
+            break;
+        if (!mayMove(item, folder, resolvedFolder))
+            continue;
+        relocation.add(item, folder, item.nameBytes().toByteArray(),
+                       [&, item](int error, const Location &place) {
+                           note(outcome, error, item.name());
+                           if (error)
+                               return;
+                           ++outcome.count;
+                           ++monitor.filesDone;
+                           outcome.placed.push_back(place);
+                       });
+    }
+    relocation.finish();
+    return outcome;
+}
+
+FileWork::Outcome FileWork::trash(const std::vector<Location> &items, WorkMonitor &monitor)
+{
+    Outcome outcome;
+    monitor.filesTotal = int(items.size());
+    std::vector<TrashItem> records;
+    for (const Location &item : items) {
+        if (isCategoryRoot(m_root, item) || !disk::exists(item))
+            continue;
+        records.push_back({QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper(), item.name(),
+                           item.text(), secondsNow(), disk::isFolder(item), disk::sizeOf(item)});
+    }
+    if (records.empty() || monitor.cancelled)
+        return outcome;
+
+    // The records come first: what is in the trash has one at every instant.
+    m_trash.insert(m_trash.begin(), records.rbegin(), records.rend());
+    if (const int error = saveTrash())
+        note(outcome, error, u"Trash"_s);
+    else
+        moveToSlots(records, monitor, outcome);
+    if (outcome.trashed.size() < records.size()) {
+        const QSet<QString> tried = idsOf(records);
+        const QSet<QString> done = idsOf(outcome.trashed);
+        std::erase_if(m_trash, [&](const TrashItem &item) {
+            return tried.contains(item.id) && !done.contains(item.id);
+        });
+        saveTrash();
+    }
+    return outcome;
+}
+
+void FileWork::moveToSlots(const std::vector<TrashItem> &records, WorkMonitor &monitor,
+                           Outcome &outcome) const
+{
+    Relocation relocation(m_root, monitor);
+    for (const TrashItem &record : records) {
+        if (monitor.cancelled)
+            break;
+        const Location original = Location::fromText(record.original);
+        const Location slot = trashSlot(m_root, record);
+        if (const int error = disk::makeFolder(slot)) {
+            note(outcome, error, record.name);
+            continue;
+        }
+        relocation.add(original, slot, bytesFromText(record.name),
+                       [&, original, slot, record](int error, const Location &) {
+                           if (!error) {
+                               outcome.trashed.push_back(record);
+                               ++outcome.count;
+                               ++monitor.filesDone;
+                               return;
+                           }
+                           disk::removeFolder(slot);
+                           // Silent when it went along with a folder that was trashed before it.
+                           if (error != ENOENT || disk::exists(original))
+                               note(outcome, error, record.name);
+                       });
+    }
+    relocation.finish();
+}
+
+// A record may come from anywhere: it does not lead out of the categories.
+Location FileWork::homeOf(const TrashItem &item) const
+{
+    const Location home = Location::fromText(item.original);
+    if (categoryOf(m_root, home) && !isCategoryRoot(m_root, home))
+        return home;
+    const AssetKind kind = kindOf(bytesFromText(item.name)).value_or(AssetKind::Video);
+    return categoryFolder(m_root, defaultCategory(kind)).child(item.name);
+}
+
+bool FileWork::standsAtHome(const TrashItem &item) const
+{
+    return disk::exists(Location::fromText(item.original));
+}
+
+FileWork::Outcome FileWork::restore(const std::vector<TrashItem> &items, WorkMonitor &monitor)
+{
+    Outcome outcome;
+    monitor.filesTotal = int(items.size());
+    const QSet<QString> known = idsOf(m_trash);
+    std::vector<TrashItem> restored;
+    {
+        Relocation relocation(m_root, monitor);
+        for (const TrashItem &item : items) {
+            if (monitor.cancelled)
+                break;
+            if (!known.contains(item.id))
+                continue;
+            const Location home = homeOf(item);
+            makeFoldersInVault(home.parent());
+            relocation.add(trashedItem(m_root, item), home.parent(), home.nameBytes().toByteArray(),
+                           [&, item](int error, const Location &place) {
+                               note(outcome, error, item.name);
+                               if (error)
+                                   return;
+                               restored.push_back(item);
+                               outcome.placed.push_back(place);
+                               ++monitor.filesDone;
+                           });
+        }
+        relocation.finish();
+    }
+    outcome.count = int(restored.size());
+    for (const TrashItem &item : restored)
+        disk::removeFolder(trashSlot(m_root, item));
+    const QSet<QString> gone = idsOf(restored);
+    std::erase_if(m_trash, [&](const TrashItem &item) { return gone.contains(item.id); });
+    if (!gone.isEmpty())
+        saveTrash();
+    return outcome;
+}
+
+void FileWork::removeForever(const std::vector<TrashItem> &items, WorkMonitor &monitor)
+{
+    monitor.filesTotal = int(items.size());
+    const QSet<QString> known = idsOf(m_trash);
+    QSet<QString> gone;
+    for (const TrashItem &item : items) {
+        if (monitor.cancelled)
+            break;
+        if (!known.contains(item.id))
+            continue;
+        disk::remove(trashSlot(m_root, item));
+        // What could not be removed stays listed, so that it can be tried again.
+        if (!disk::exists(trashSlot(m_root, item)))
+            gone.insert(item.id);
+        ++monitor.filesDone;
+    }
+    std::erase_if(m_trash, [&](const TrashItem &item) { return gone.contains(item.id); });
+    saveTrash();
+}
+
+bool FileWork::purge(double cutoff, WorkMonitor &monitor)
+{
+    std::vector<TrashItem> expired;
+    std::ranges::copy_if(m_trash, std::back_inserter(expired),
+                         [cutoff](const TrashItem &item) { return item.deletedAt < cutoff; });
+    if (!expired.empty())
+        removeForever(expired, monitor);
+    return !expired.empty();
+}
+
+FileWork::Outcome FileWork::import(const std::vector<Location> &items, const std::optional<Location> &into,
+                                   ImportMode mode, WorkMonitor &monitor)
+{
+    Outcome outcome;
+    const ImportPlan plan = ImportPlan::make(m_root, items, into, monitor);
+    Temporaries temporaries(m_root);
+    FreeNames names;
+    Relocation relocation(m_root, monitor);
+    const auto placed = [&](int error, const Location &source, const Location &place) {
+        note(outcome, error, source.name());
+        if (error)
+            return;
+        ++outcome.count;
+        ++monitor.filesDone;
+        outcome.placed.push_back(place);
+    };
+    const auto copy = [&](const Location &source, const Location &folder) {
+        Location part;
+        Location place;
+        int error = temporaries.name(folder, part);
+        if (!error)
+            error = disk::copyFile(source, part, monitor);
+        if (!error)
+            error = names.claim(folder, source.nameBytes().toByteArray(), FreeNames::Naming::File, place,
+                                [&](const Location &to) { return disk::renameWithoutReplacing(part, to); });
+        if (error)
+            disk::remove(part);
+        placed(error, source, place);
+    };
+    for (const ImportPlan::Step &step : plan.steps) {
+        if (monitor.cancelled)
+            break;
+        if (step.source.isEmpty())
+            makeFoldersInVault(step.folder);
+        else if (mode == ImportMode::Copy)
+            copy(step.source, step.folder);
+        else
+            relocation.add(step.source, step.folder, step.source.nameBytes().toByteArray(),
+                           [&, source = step.source](int error, const Location &place) {
+                               placed(error, source, place);
+                           });
+    }
+    relocation.finish();
+    return outcome;
+}
+
+int FileWork::saveTrash() const
+{
+    const int error = disk::makeFolder(trashFolder(m_root));
+    if (error && error != EEXIST)
+        return error;
+    return disk::replace(trashIndexFile(m_root), encodeTrash(m_trash));
+}
+
+// A vault that has vanished is not made anew below the place where it was.
+int FileWork::makeFoldersInVault(const Location &folder) const
+{
+    if (folder.isInside(m_root) && !disk::exists(m_root))
+        return ENOENT;
+    return disk::makeFolders(folder);
+}
+
+} // namespace cratewell

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "vault/files/file_names.h"
+#include "vault/files/temporaries.h"
+
+#include <functional>
+#include <vector>
+
+namespace cratewell {
+
+struct WorkMonitor;
+
+// Moves items to free names in other folders. On one file system that is a rename. Between file systems
+// everything is copied under hidden names first; finish() then flushes once, gives the copies their names and
+// only then removes the sources, so that an item is always complete at its old place or at its new one.
+class Relocation
+{
+public:
+    Relocation(const Location &root, WorkMonitor &monitor);
+    // Without finish(), copies vanish and their sources stay.
+    ~Relocation();
+    Q_DISABLE_COPY_MOVE(Relocation)
+
+    // Called once for each item that add() took: with 0 and where it is now, or with an errno value.
+    using Moved = std::function<void(int error, const Location &place)>;
+    // Moves `item` into `folder` under `name` or the next free one; at once, or in finish().
+    void add(const Location &item, const Location &folder, const QByteArray &name, Moved moved);
+    void finish();
+
+private:
+    struct Staged
+    {
+        Location item;
+        Location copy;
+        Location folder;
+        QByteArray name;
+        Moved moved;
+    };
+
+    void stage(const Location &item, const Location &folder, const QByteArray &name, Moved moved);
+    void unpack(Staged &staged);
+
+    WorkMonitor &m_monitor;
+    Temporaries m_temporaries;
+    FreeNames m_names;
+    std::vector<Staged> m_staged;
+};
+
+} // namespace cratewell

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "vault/scan/folder_reader.h"
+#include "vault/snapshot/picture_data.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+
+namespace cratewell {
+
+// One folder of a crawl. Its chunk is that of the picture before when nothing in the folder itself changed.
+struct CrawledFolder
+{
+    const CrawledFolder *parent = nullptr;
+    Location url;
+    VaultCategory category = VaultCategory::Overlays;
+    int depth = 0;
+    FolderReader::Identity identity;
+    std::shared_ptr<const FolderChunk> chunk;
+    std::vector<std::unique_ptr<CrawledFolder>> children; // in listing order, one for each of the chunk's
+
+    std::unique_ptr<FolderReader> reader; // until the chunk is made
+    std::atomic<size_t> unreadParts = 0;
+};
+
+// Reads the folders of a vault from disk with a few threads that share a list of what is to be done: folders
+// to list, and parts of large folders whose files are to be looked at.
+class Crawl
+{
+public:
+    Crawl(const Location &root, const PictureData *before, const std::function<bool()> &cancelled);
+    ~Crawl();
+
+    // False when cancelled. `cancelled` is asked by the calling thread only.
+    bool run();
+
+    const CrawledFolder &category(VaultCategory category) const { return m_categories[size_t(category)]; }
+    size_t folderCount() const { return m_folders; }
+    size_t assetCount() const { return m_assets; }
+    // No folder has come, gone or changed since the picture before.
+    bool changedNothing() const;
+
+private:
+    struct Job
+    {
+        CrawledFolder *folder = nullptr;
+        size_t first = 0;
+        size_t last = 0; // 0: list the folder
+    };
+    enum class Role { Caller, Helper };
+
+    void work(Role role);
+    std::optional<Job> takeJob(Role role);
+    void addJobs(const std::vector<Job> &jobs);
+    void finishJob();
+    void perform(const Job &job);
+    void list(CrawledFolder &folder);
+    void readPart(CrawledFolder &folder, size_t first, size_t last);
+    void makeChunk(CrawledFolder &folder);
+
+    const PictureData *m_before = nullptr;
+    const std::function<bool()> &m_cancelled;
+    std::array<CrawledFolder, allCategories.size()> m_categories;
+    std::atomic<size_t> m_folders = 0;
+    std::atomic<size_t> m_assets = 0;
+    std::atomic<size_t> m_keptFolders = 0;
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::vector<Job> m_jobs; // the last is done first
+    size_t m_unfinished = 0; // waiting or being done
+    std::atomic<bool> m_stopped = false;
+};
+
+} // namespace cratewell

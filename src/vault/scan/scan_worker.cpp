@@ -1,0 +1,104 @@
+#include "vault/scan/scan_worker.h"
+
+#include "vault/vault_scan.h"
+
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
+namespace cratewell {
+
+namespace {
+
+// A scan leaves the allocator with scratch memory that nobody needs until the next change of the disk.
+void returnFreeMemory()
+{
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+}
+
+} // namespace
+
+ScanWorker::ScanWorker(std::function<void()> finished)
+    : m_finished(std::move(finished)), m_thread([this] { work(); })
+{
+}
+
+ScanWorker::~ScanWorker()
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_ending = true;
+    }
+    m_wanted.notify_one();
+    m_thread.join();
+}
+
+void ScanWorker::start(const Location &root, std::shared_ptr<const VaultPicture> before)
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_cancelled = false;
+        m_request = Request{root, std::move(before)};
+    }
+    m_wanted.notify_one();
+}
+
+void ScanWorker::cancel()
+{
+    m_cancelled = true;
+}
+
+std::optional<VaultChanges> ScanWorker::takeResult()
+{
+    const std::scoped_lock lock(m_mutex);
+    return std::exchange(m_result, std::nullopt);
+}
+
+void ScanWorker::release(VaultChanges changes)
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_released.push_back(std::move(changes));
+    }
+    m_wanted.notify_one();
+}
+
+void ScanWorker::work()
+{
+    std::unique_lock lock(m_mutex);
+    while (!m_ending) {
+        if (!m_released.empty()) {
+            std::vector<VaultChanges> released;
+            released.swap(m_released);
+            lock.unlock();
+            released.clear();
+            returnFreeMemory();
+            lock.lock();
+        } else if (m_request) {
+            Request request = *std::exchange(m_request, std::nullopt);
+            lock.unlock();
+            scan(std::move(request));
+            lock.lock();
+        } else {
+            m_wanted.wait(lock);
+        }
+    }
+}
+
+void ScanWorker::scan(Request request)
+{
+    const auto cancelled = [this] { return m_cancelled || m_ending; };
+    std::optional<VaultChanges> result;
+    if (auto picture = VaultScan::run(request.root, request.before, cancelled))
+        result = VaultScan::compare(std::move(request.before), std::move(picture));
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_result = std::move(result);
+    }
+    m_finished();
+    returnFreeMemory();
+}
+
+} // namespace cratewell

@@ -1,0 +1,92 @@
+#include "vault/snapshot/picture_builder.h"
+
+#include <algorithm>
+
+namespace cratewell {
+
+namespace {
+
+class PictureBuilder
+{
+public:
+    explicit PictureBuilder(PictureData &data) : m_data(data) {}
+
+    FolderNode add(const CrawledFolder &folder);
+    void pointToNodes(const FolderNode &node);
+
+private:
+    void addRun(quint32 folder, quint32 from, quint32 to);
+    void sortChildren(std::vector<FolderNode> &children) const;
+
+    PictureData &m_data;
+    NameCollation m_collation;
+};
+
+FolderNode PictureBuilder::add(const CrawledFolder &folder)
+{
+    const FolderChunk &chunk = *folder.chunk;
+    const quint32 index = quint32(m_data.folders.size());
+    m_data.folders.push_back({folder.chunk, {}, nullptr});
+    m_data.folderIndex.insert(chunk.url, index);
+    m_data.totalSize += chunk.totalSize;
+    m_data.nameBytes += chunk.nameBytes;
+
+    FolderNode node;
+    node.url = chunk.url;
+    node.assets.first = AssetIndex(m_data.assets.size());
+    node.children.reserve(folder.children.size());
+    quint32 position = 0;
+    for (size_t i = 0; i < folder.children.size(); ++i) {
+        addRun(index, position, chunk.children[i].position);
+        position = chunk.children[i].position;
+        node.children.push_back(add(*folder.children[i]));
+    }
+    addRun(index, position, quint32(chunk.assets.size()));
+    node.assets.last = AssetIndex(m_data.assets.size());
+    node.count = int(node.assets.count());
+    sortChildren(node.children);
+    return node;
+}
+
+void PictureBuilder::addRun(quint32 folder, quint32 from, quint32 to)
+{
+    if (from == to)
+        return;
+    PictureFolder &holder = m_data.folders[folder];
+    const AssetIndex first = AssetIndex(m_data.assets.size());
+    holder.runs.push_back({from, first, to - from});
+    m_data.runs.push_back({holder.chunk.get(), from, first, to - from});
+    for (quint32 i = from; i < to; ++i)
+        m_data.assets.push_back(&holder.chunk->assets[i]);
+}
+
+void PictureBuilder::sortChildren(std::vector<FolderNode> &children) const
+{
+    std::ranges::stable_sort(children, [&](const FolderNode &a, const FolderNode &b) {
+        return m_collation.compare(a.url.nameBytes(), b.url.nameBytes()) < 0;
+    });
+}
+
+void PictureBuilder::pointToNodes(const FolderNode &node)
+{
+    m_data.folders[m_data.folderIndex.value(node.url)].node = &node;
+    for (const FolderNode &child : node.children)
+        pointToNodes(child);
+}
+
+} // namespace
+
+void buildPicture(PictureData &data, const Location &root, const Crawl &crawl)
+{
+    data.root = root;
+    data.scanned = true;
+    data.folders.reserve(crawl.folderCount());
+    data.assets.reserve(crawl.assetCount());
+    PictureBuilder builder(data);
+    for (const VaultCategory category : allCategories)
+        data.trees[size_t(category)] = builder.add(crawl.category(category));
+    for (const FolderNode &tree : data.trees)
+        builder.pointToNodes(tree);
+}
+
+} // namespace cratewell

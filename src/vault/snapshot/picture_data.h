@@ -1,0 +1,61 @@
+#pragma once
+
+#include "vault/scan/folder_chunk.h"
+#include "vault/vault_picture.h"
+
+#include <QHash>
+
+namespace cratewell {
+
+// A part of a folder's own assets that follow each other in the flat list; a subfolder's assets lie between
+// two of them.
+struct FolderRun
+{
+    quint32 position = 0; // of the first, within the chunk
+    AssetIndex first = 0;
+    quint32 count = 0;
+};
+
+// The same, seen from the flat list.
+struct FlatRun
+{
+    const FolderChunk *chunk = nullptr;
+    quint32 position = 0;
+    AssetIndex first = 0;
+    quint32 count = 0;
+};
+
+struct PictureFolder
+{
+    std::shared_ptr<const FolderChunk> chunk;
+    std::vector<FolderRun> runs; // ascending
+    const FolderNode *node = nullptr;
+
+    AssetIndex indexOf(quint32 position) const;
+};
+
+// What a picture is made of. Filled by PictureBuilder, never changed afterwards.
+struct PictureData
+{
+    Location root;
+    bool scanned = false;
+    std::vector<PictureFolder> folders; // depth first in listing order, category after category
+    std::vector<const Asset *> assets;  // the flat list; they live in the chunks
+    std::vector<FlatRun> runs;          // ascending; all assets
+    size_t nameBytes = 0;               // of all assets' names together
+    QHash<Location, quint32> folderIndex;
+    std::array<FolderNode, allCategories.size()> trees;
+    std::array<std::vector<AssetIndex>, assetOrderCount> orders;
+    qint64 totalSize = 0;
+
+    const PictureFolder *folder(const Location &url) const;
+    const Asset &asset(AssetIndex index) const { return *assets[index]; }
+};
+
+struct VaultPicture::Private : PictureData
+{
+};
+
+QByteArrayView baseNameOf(const Asset &asset);
+
+} // namespace cratewell

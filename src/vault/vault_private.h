@@ -1,0 +1,53 @@
+#pragma once
+
+#include "platform/file_events.h"
+#include "vault/files/file_queue.h"
+#include "vault/files/file_work.h"
+#include "vault/scan/scan_worker.h"
+#include "vault/vault.h"
+
+#include <QTimer>
+
+namespace cratewell {
+
+struct Vault::Private
+{
+    Private(Vault &vault, Location firstRoot, Defaults &store, std::unique_ptr<FileEvents> fileEvents);
+
+    void startScan();
+    void takeResult();
+    void follow();
+
+    // What an operation does on the disk, and what follows on the main thread from what came out.
+    using DiskPart = std::function<FileWork::Outcome(FileWork &, WorkMonitor &)>;
+    using MainPart = std::function<void(const FileWork::Outcome &)>;
+    // The failure is told first, the list of the trash second, then `after` is called; nothing of it when the
+    // root has changed meanwhile.
+    void change(const QString &title, DiskPart disk, MainPart after, const Location &destination = {});
+    void openTrash();
+    void tellFailure(const QString &error);
+
+    Vault &q;
+    Location root;
+    Defaults &defaults;
+    std::unique_ptr<FileEvents> events;
+    std::shared_ptr<const VaultPicture> picture = std::make_shared<VaultPicture>();
+    QString lastError;
+    QTimer coalescing;
+    QTimer purging;
+    bool scanning = false;
+    bool waiting = false;
+    bool rootChanged = false; // since the scan under way was started
+    bool published = false;   // a picture of this root
+    bool following = false;   // this root
+    FileEvents::Time scanStarted;
+    std::vector<TrashItem> trash;
+    std::vector<Location> recentImports;
+    FileProgress progress;
+    // The file thread's own, one for each root.
+    std::shared_ptr<FileWork> files = std::make_shared<FileWork>(root);
+    ScanWorker worker; // their threads end before the rest goes
+    FileQueue queue{progress};
+};
+
+} // namespace cratewell

@@ -1,0 +1,326 @@
+#include "made_media.h"
+#include "media/decoding/decode_pool.h"
+#include "support/wait.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <csignal>
+#include <fcntl.h>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace cratewell::test {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+// Jobs named after their files; what happens to each is noted in the order it happens.
+class DecodePoolTest : public testing::Test
+{
+protected:
+    DecodePoolTest() { qputenv("CRATEWELL_STAND_IN_LOG", m_files.path(u"log"_s).toUtf8()); }
+
+    static Location standIn() { return Location::fromText(QStringLiteral(CRATEWELL_STAND_IN_WORKER)); }
+    static Location realWorker() { return Location::fromText(QStringLiteral(CRATEWELL_REAL_WORKER)); }
+
+    Location file(const QString &name, const QByteArray &content)
+    {
+        return Location::fromText(m_files.bytes(name, content));
+    }
+    Location at(const QString &name) const { return Location::fromText(m_files.path(name)); }
+
+    std::unique_ptr<PreviewRequest> submit(DecodePool &pool, const Location &place,
+                                           worker::JobKind kind = worker::JobKind::StillImage,
+                                           DecodeJob::Rank rank = DecodeJob::Rank::Usual)
+    {
+        const std::string name = place.name().toStdString();
+        return pool.submit({.key = place.bytes(),
+                            .wish = {.file = place, .kind = kind, .maxSide = 64, .fraction = 0.5},
+                            .rank = rank,
+                            .finished = [this, name](const DecodeResult &result) {
+                                m_last = result;
+                                m_results.push_back(name + (result ? "" : " failed"));
+                            }});
+    }
+
+    // Every job the stand-in was given.
+    std::vector<std::string> log() const
+    {
+        std::ifstream stream(m_files.path(u"log"_s).toStdString());
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(stream, line);)
+            lines.push_back(line);
+        return lines;
+    }
+    [[nodiscard]] bool waitForResults(size_t count)
+    {
+        return waitUntil([&] { return m_results.size() >= count; });
+    }
+
+    MadeMedia m_files;
+    std::vector<std::string> m_results;
+    DecodeResult m_last;
+};
+
+TEST_F(DecodePoolTest, StartsTheNewestFirstAndNeverWhatWasDropped)
+{
+    DecodePool pool(standIn(), {.slots = 1});
+    std::vector<std::unique_ptr<PreviewRequest>> requests;
+    for (const QString &name : {u"a"_s, u"b"_s, u"c"_s, u"d"_s})
+        requests.push_back(submit(pool, file(name, name.toUtf8())));
+    requests[1].reset();
+    // Asked for again, it is the newest; a second request for it keeps it when the first is gone.
+    requests.push_back(submit(pool, at(u"a"_s)));
+    requests[0].reset();
+
+    ASSERT_TRUE(waitForResults(3));
+    EXPECT_THAT(m_results, ElementsAre("a", "d", "c"));
+    EXPECT_THAT(log(), ElementsAre("a", "d", "c"));
+}
+
+TEST_F(DecodePoolTest, DoesWhatWasStartedAndOnlyOnceAtATime)
+{
+    DecodePool pool(standIn(), {.slots = 2, .budget = 60s});
+    auto first = submit(pool, file(u"slow"_s, "hang"));
+    ASSERT_TRUE(waitUntil([&] { return log().size() == 1; }));
+    first.reset();
+    auto again = submit(pool, at(u"slow"_s));
+    kill(pid_t(pool.workerProcessIds().front()), SIGKILL);
+    ASSERT_TRUE(waitForResults(1));
+    // Over, the same key is new work.
+    const auto later = submit(pool, file(u"slow"_s, "now quick"));
+    ASSERT_TRUE(waitForResults(2));
+    // A request that outlives its job has no say about the next one of that name.
+    const auto last = submit(pool, at(u"slow"_s));
+    again.reset();
+    ASSERT_TRUE(waitForResults(3));
+    EXPECT_THAT(m_results, ElementsAre("slow failed", "slow", "slow"));
+    EXPECT_THAT(log(), ElementsAre("hang", "now quick", "now quick"));
+}
+
+TEST_F(DecodePoolTest, WhatIsUnderThePointerComesFirst)
+{
+    DecodePool pool(standIn(), {.slots = 1});
+    std::vector<std::unique_ptr<PreviewRequest>> requests;
+    const auto ask = [&](const QString &name, DecodeJob::Rank rank) {
+        requests.push_back(submit(pool, file(name, name.toUtf8()), worker::JobKind::StillImage, rank));
+    };
+    ask(u"a"_s, DecodeJob::Rank::Usual);
+    ask(u"b"_s, DecodeJob::Rank::UnderPointer);
+    ask(u"c"_s, DecodeJob::Rank::UnderPointer);
+    ask(u"d"_s, DecodeJob::Rank::Usual);
+    ask(u"a"_s, DecodeJob::Rank::UnderPointer);
+    ask(u"a"_s, DecodeJob::Rank::Usual); // does not lower it
+    ASSERT_TRUE(waitForResults(4));
+    EXPECT_THAT(m_results, ElementsAre("a", "c", "b", "d"));
+}
+
+TEST_F(DecodePoolTest, AWorkerThatGoesWrongCostsItsJobAlone)
+{
+    using worker::JobKind;
+    DecodePool pool(standIn(), {.slots = 1, .budget = 2s});
+    for (const auto &[kind, deeds] : std::initializer_list<std::pair<JobKind, std::vector<QByteArray>>>{
+             {JobKind::StillImage, {"die", "crash", "hang", "huge", "short", "unasked", "garbage"}},
+             {JobKind::AudioPeaks, {"few", "many", "nan", "loud", "crash"}},
+             {JobKind::Facts, {"endless", "backwards", "channels", "flag"}}}) {
+        for (const QByteArray &deed : deeds) {
+            m_results.clear();
+            const auto after = submit(pool, file(u"after"_s, "fine"), kind);
+            const auto bad = submit(pool, file(u"bad"_s, deed), kind);
+            const auto before = submit(pool, file(u"before"_s, "fine"), kind);
+            ASSERT_TRUE(waitForResults(3)) << deed.toStdString();
+            EXPECT_THAT(m_results, ElementsAre("before", "bad failed", "after")) << deed.toStdString();
+        }
+    }
+}
+
+TEST_F(DecodePoolTest, TellsAFaultOfTheFileFromOneOfTheSystem)
+{
+    using Fault = DecodeFailure::Fault;
+    const auto faultOf = [this](const Location &program, const Location &place) -> std::optional<Fault> {
+        DecodePool pool(program, {.slots = 1});
+        m_results.clear();
+        const auto request = submit(pool, place);
+        if (!waitForResults(1) || m_last)
+            return {};
+        return m_last.error().fault;
+    };
+    EXPECT_EQ(faultOf(at(u"no worker"_s), file(u"fine"_s, "fine")), Fault::OfSystem);
+    EXPECT_EQ(faultOf(standIn(), at(u"no file"_s)), Fault::OfFile);
+    EXPECT_EQ(faultOf(standIn(), file(u"bad"_s, "crash")), Fault::OfFile);
+}
+
+TEST_F(DecodePoolTest, TheRestOfAPageArrives)
+{
+    DecodePool pool(standIn(), {.slots = 2, .budget = 1s});
+    const std::vector<QByteArray> deeds{"fine", "crash",   "fine", "hang", "fine",
+                                        "die",  "garbage", "fine", "hang", "fine"};
+    std::vector<std::unique_ptr<PreviewRequest>> requests;
+    std::vector<std::string> expected;
+    for (size_t i = 0; i < deeds.size(); ++i) {
+        const QString name = u"%1"_s.arg(i);
+        requests.push_back(submit(pool, file(name, deeds[i])));
+        expected.push_back(name.toStdString() + (deeds[i] == "fine" ? "" : " failed"));
+    }
+    ASSERT_TRUE(waitForResults(deeds.size()));
+    EXPECT_THAT(m_results, testing::UnorderedElementsAreArray(expected));
+}
+
+TEST_F(DecodePoolTest, HandsOverPeaksAndFacts)
+{
+    DecodePool pool(standIn(), {.slots = 1});
+    const auto peaks = submit(pool, file(u"peaks"_s, "fine"), worker::JobKind::AudioPeaks);
+    ASSERT_TRUE(waitForResults(1));
+    EXPECT_EQ(std::get<DecodedSound>(*m_last).peaks, WaveformPeaks(240, 0.5F));
+    for (const auto &[deed, codec] : {std::pair{"fine", u"avc1"_s}, {"unprintable", u"?"_s}}) {
+        m_results.clear();
+        const auto facts = submit(pool, file(u"facts"_s, deed), worker::JobKind::Facts);
+        ASSERT_TRUE(waitForResults(1));
+        const MediaFacts expected{.duration = 2, .frameRate = 25, .codec = codec, .hasVideo = true};
+        EXPECT_EQ(std::get<MediaFacts>(*m_last), expected);
+    }
+}
+
+// Whatever a decoder has to load or to start must be there before the worker closes its doors.
+TEST_F(DecodePoolTest, TheRealWorkerReadsEveryFormat)
+{
+    using worker::JobKind;
+    const QString still = m_files.image(u"a.png"_s, fourColours({640, 360}));
+    const QString film = u"-f lavfi -i testsrc2=s=320x180:d=0.4 -f lavfi -i sine=d=0.4 -pix_fmt yuv420p"_s;
+    const auto vips = [&](const QString &name) {
+        return m_files.vips(name, still, {u"copy"_s, u"IN"_s, u"OUT"_s});
+    };
+    const auto ffmpeg = [&](const QString &name, const QString &encoder = {}) {
+        return m_files.ffmpeg(name, {}, (film + encoder).split(u' '));
+    };
+    const QString wide = m_files.path(u"wide.jpg"_s);
+    m_files.vips(u"wide.jpg"_s, still,
+                 {u"icc_transform"_s, u"IN"_s, u"OUT"_s, u"p3"_s, u"--input-profile"_s, u"srgb"_s});
+    std::vector<std::pair<JobKind, QString>> jobs;
+    for (const QString &file :
+         {still, vips(u"a.jpg"_s), vips(u"a.webp"_s), vips(u"a.tif"_s), wide,
+          m_files.heif(u"a.heic"_s, still), m_files.ffmpeg(u"a.gif"_s, still, {u"-i"_s, u"IN"_s})})
+        jobs.emplace_back(JobKind::StillImage, file);
+    const std::vector<QString> films{ffmpeg(u"a.mp4"_s),
+                                     ffmpeg(u"hevc.mp4"_s, u" -c:v libx265 -x265-params log-level=none"_s),
+                                     ffmpeg(u"av1.mp4"_s, u" -c:v libsvtav1 -preset 12"_s),
+                                     ffmpeg(u"vp9.webm"_s, u" -c:v libvpx-vp9 -pix_fmt yuva420p"_s),
+                                     ffmpeg(u"prores.mov"_s, u" -c:v prores_ks"_s),
+                                     ffmpeg(u"a.mkv"_s),
+                                     ffmpeg(u"a.ts"_s)};
+    for (const QString &file : films)
+        jobs.emplace_back(JobKind::VideoFrame, file);
+    for (const QString &file :
+         {ffmpeg(u"a.wav"_s, u" -vn"_s), ffmpeg(u"a.mp3"_s, u" -vn"_s), ffmpeg(u"a.m4a"_s, u" -vn"_s),
+          ffmpeg(u"a.flac"_s, u" -vn"_s), ffmpeg(u"a.caf"_s, u" -vn"_s)})
+        jobs.emplace_back(JobKind::AudioPeaks, file);
+
+    for (const auto &[kind, path] : jobs) {
+        DecodePool pool(realWorker(), {.slots = 1, .budget = 60s}); // a worker that has seen nothing before
+        for (const JobKind one : {kind, JobKind::Facts}) {
+            m_results.clear();
+            const auto request = submit(pool, Location::fromText(path), one);
+            ASSERT_TRUE(waitForResults(1));
+            EXPECT_TRUE(m_last) << path.toStdString() << ": " << m_last.error().message.toStdString();
+        }
+    }
+}
+
+TEST_F(DecodePoolTest, AWorkerKilledInTheMiddleOfAJobCostsThatJob)
+{
+    DecodePool pool(standIn(), {.slots = 1, .budget = 60s});
+    const auto next = submit(pool, file(u"next"_s, "fine"));
+    const auto killed = submit(pool, file(u"killed"_s, "hang"));
+    ASSERT_TRUE(waitUntil([&] { return log().size() == 1; }));
+    const auto workers = pool.workerProcessIds();
+    ASSERT_EQ(workers.size(), 1u);
+    kill(pid_t(workers.front()), SIGKILL);
+    ASSERT_TRUE(waitForResults(2));
+    EXPECT_THAT(m_results, ElementsAre("killed failed", "next"));
+    EXPECT_NE(pool.workerProcessIds(), workers);
+
+    // One that dies between jobs costs nothing.
+    kill(pid_t(pool.workerProcessIds().front()), SIGKILL);
+    const auto last = submit(pool, file(u"last"_s, "fine"));
+    ASSERT_TRUE(waitForResults(3));
+    EXPECT_EQ(m_results.back(), "last");
+}
+
+TEST_F(DecodePoolTest, WhatIsNoFileFailsWithoutWaiting)
+{
+    DecodePool pool(standIn(), {.slots = 1, .budget = 60s});
+    ASSERT_EQ(mkfifo(at(u"pipe"_s).c_str(), 0600), 0);
+    ASSERT_EQ(mkdir(at(u"folder"_s).c_str(), 0700), 0);
+    std::vector<std::unique_ptr<PreviewRequest>> requests;
+    for (const QString &name : {u"nothing"_s, u"folder"_s, u"pipe"_s})
+        requests.push_back(submit(pool, at(name)));
+    ASSERT_TRUE(waitForResults(3));
+    EXPECT_THAT(m_results, ElementsAre("pipe failed", "folder failed", "nothing failed"));
+    EXPECT_TRUE(log().empty());
+}
+
+TEST_F(DecodePoolTest, WithoutAWorkerProgramEachJobFailsOnce)
+{
+    DecodePool pool(at(u"no program"_s), {.slots = 2});
+    std::vector<std::unique_ptr<PreviewRequest>> requests;
+    for (const QString &name : {u"a"_s, u"b"_s, u"c"_s})
+        requests.push_back(submit(pool, file(name, "fine")));
+    ASSERT_TRUE(waitForResults(3));
+    EXPECT_THAT(m_results, testing::UnorderedElementsAre("a failed", "b failed", "c failed"));
+}
+
+TEST_F(DecodePoolTest, WorkersHoldNothingOfTheProgramAndEndWithIt)
+{
+    const int held = open(file(u"held"_s, "by the program").c_str(), O_RDONLY);
+    ASSERT_GE(held, 0);
+    auto pool = std::make_unique<DecodePool>(realWorker(), DecodePool::Limits{.slots = 1});
+    const auto request = submit(*pool, file(u"text"_s, "no picture"));
+    ASSERT_TRUE(waitForResults(1));
+    const auto workers = pool->workerProcessIds();
+    ASSERT_EQ(workers.size(), 1u);
+    const QDir descriptors(u"/proc/%1/fd"_s.arg(workers.front()));
+    for (const QString &name : descriptors.entryList(QDir::Files | QDir::System))
+        EXPECT_NE(QFileInfo(descriptors.filePath(name)).symLinkTarget(), m_files.path(u"held"_s));
+    close(held);
+
+    pool.reset();
+    EXPECT_NE(kill(pid_t(workers.front()), 0), 0);
+    EXPECT_EQ(m_results.size(), 1u);
+}
+
+#if !defined(CRATEWELL_SANITIZED)
+TEST_F(DecodePoolTest, AnIdleWorkerThatHasDoneEverythingIsSmall)
+{
+    DecodePool pool(realWorker(), {.slots = 1});
+    QImage large(6000, 4000, QImage::Format_RGB32);
+    large.fill(Qt::darkCyan);
+    const QString picture = m_files.image(u"large.jpg"_s, large);
+    const QString film = m_files.ffmpeg(
+        u"film.mp4"_s, {},
+        u"-f lavfi -i testsrc2=s=1920x1080:d=1 -c:v libx264 -preset ultrafast -pix_fmt yuv420p"_s.split(
+            u' '));
+    const QString heic =
+        m_files.heif(u"small.heic"_s, m_files.image(u"small.png"_s, fourColours({640, 360})));
+    const auto image = submit(pool, Location::fromText(picture));
+    const auto other = submit(pool, Location::fromText(heic));
+    const auto video = submit(pool, Location::fromText(film), worker::JobKind::VideoFrame);
+    ASSERT_TRUE(waitForResults(3));
+    EXPECT_THAT(m_results, testing::UnorderedElementsAre("large.jpg", "small.heic", "film.mp4"));
+
+    const auto workers = pool.workerProcessIds();
+    ASSERT_EQ(workers.size(), 1u);
+    const auto residentMegabytes = [&] {
+        std::ifstream facts("/proc/" + std::to_string(workers.front()) + "/statm");
+        long total = 0, resident = 0;
+        facts >> total >> resident;
+        return double(resident) * double(sysconf(_SC_PAGESIZE)) / 1e6;
+    };
+    EXPECT_TRUE(waitUntil([&] { return residentMegabytes() <= 40; })) << residentMegabytes();
+    RecordProperty("residentMegabytes", std::to_string(residentMegabytes()));
+}
+#endif
+
+} // namespace cratewell::test

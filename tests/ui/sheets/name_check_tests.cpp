@@ -1,0 +1,72 @@
+#include "ui/sheets/name_check.h"
+
+#include "support/small_library.h"
+#include "ui/sheets/folder_forms.h"
+
+#include <gtest/gtest.h>
+
+namespace cratewell {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+TEST(NameProblem, IsSaidForWhatNoFileCanBeCalled)
+{
+    for (const QString &name : {u""_s, u"  \n\t "_s, u"."_s, u" .. "_s, QString(256, u'a'),
+                                QString(128, u'ä'), QString(86, u'猫'), u"a"_s + QChar(0)})
+        EXPECT_NE(nameProblem(name), QString()) << name.toStdString();
+    for (const QString &name : {u"a"_s, u"..."_s, u".hidden"_s, u"a/b"_s, u"/"_s, u"  Light Leaks "_s,
+                                QString(255, u'a'), QString(127, u'ä'), u" "_s + QString(255, u'a') + u" "_s})
+        EXPECT_EQ(nameProblem(name), QString()) << name.toStdString();
+}
+
+TEST(ExtensionWarning, IsGivenOnlyForAnotherExtension)
+{
+    const Location clip = Location::fromText(u"/v/Overlays/clip.final.mov"_s);
+    struct Case
+    {
+        QString typed;
+        QString warning;
+    };
+    for (const auto &[typed, warning] :
+         {Case{u"shot.mov"_s, {}},
+          {u" shot.MOV "_s, {}},
+          {u"shot.mp4"_s, u"The extension changes from “.mov” to “.mp4”."_s},
+          {u"shot"_s, u"Without “.mov” the file no longer shows up in your vault."_s},
+          {u"clip.final"_s, u"Without “.mov” the file no longer shows up in your vault."_s},
+          {u".mov"_s, u"Without “.mov” the file no longer shows up in your vault."_s},
+          {u" "_s, {}}})
+        EXPECT_EQ(extensionWarning(clip, typed), warning) << typed.toStdString();
+}
+
+TEST(FolderForms, SayWhereAFolderGoesAndWhatIsRenamed)
+{
+    test::SmallLibrary library;
+    library.write(u"SFX/Hits v1.2/boom.wav"_s);
+    ASSERT_TRUE(library.scan());
+    const auto explanation = [&] {
+        NewFolderForm form;
+        form.follow(library.state);
+        return form.explanation();
+    };
+    EXPECT_EQ(explanation(), u"Inside the vault"_s);
+    library.state.requestNewFolder(library.path(u"SFX"_s));
+    EXPECT_EQ(explanation(), u"Inside SFX"_s);
+    library.state.selectAll();
+    library.state.newFolderFromSelection();
+    EXPECT_EQ(explanation(), u"1 items will move into it, inside Hits v1.2"_s);
+
+    const auto form = [&](const QString &place) {
+        library.state.setRenameTarget(library.path(place));
+        RenameForm rename;
+        rename.follow(library.state, library.vault);
+        return rename.title() + u'|' + rename.name().left(rename.selectionLength()) + u'|' +
+               rename.warning(u"other"_s);
+    };
+    EXPECT_EQ(form(u"SFX/Hits v1.2"_s), u"Rename Folder|Hits v1.2|"_s);
+    EXPECT_EQ(form(u"SFX/Hits v1.2/boom.wav"_s),
+              u"Rename File|boom|Without “.wav” the file no longer shows up in your vault."_s);
+}
+
+} // namespace
+} // namespace cratewell

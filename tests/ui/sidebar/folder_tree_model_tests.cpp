@@ -1,0 +1,181 @@
+#include "ui/sidebar/folder_tree_model.h"
+
+#include "support/small_library.h"
+#include "ui/sidebar/library_counts.h"
+
+#include <QAbstractItemModelTester>
+#include <gmock/gmock.h>
+#include <random>
+
+namespace cratewell {
+
+using testing::ElementsAre;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+std::string lineAt(const FolderTreeModel &model, int row)
+{
+    const auto value = [&](FolderTreeModel::Role role) { return model.data(model.index(row), role); };
+    const QString mark = value(FolderTreeModel::ExpandedRole).toBool()     ? u"-"_s
+                         : value(FolderTreeModel::ExpandableRole).toBool() ? u"+"_s
+                                                                           : u""_s;
+    return (QString(2 * value(FolderTreeModel::DepthRole).toInt(), u' ') + mark +
+            value(FolderTreeModel::NameRole).toString() + u' ' + value(FolderTreeModel::CountRole).toString())
+        .toStdString();
+}
+
+std::vector<std::string> linesOf(const FolderTreeModel &model)
+{
+    std::vector<std::string> lines;
+    for (int row = 0; row < model.rowCount(); ++row)
+        lines.push_back(lineAt(model, row));
+    return lines;
+}
+
+class FolderTree : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        library.write(u"Overlays/Light Leaks/Warm/a.mov"_s);
+        library.write(u"Overlays/Light Leaks/b.mov"_s);
+        library.write(u"Overlays/Clip 10/c.mov"_s);
+        library.write(u"Overlays/Clip 2/d.mov"_s);
+        library.write(u"SFX/Hits/e.wav"_s);
+        library.write(u"LUTs/f.cube"_s);
+        ASSERT_TRUE(library.scan());
+        model.follow(library.vault, library.prefs, library.defaults);
+    }
+
+    void setExpanded(const QString &folder, bool expanded)
+    {
+        model.setExpanded(model.rowOf(library.path(folder).text()), expanded);
+    }
+
+    test::SmallLibrary library;
+    FolderTreeModel model;
+    QAbstractItemModelTester tester{&model};
+};
+
+} // namespace
+
+TEST_F(FolderTree, ShowsCategoriesOpenAndDeeperFoldersClosedAndRemembersWhatWasChanged)
+{
+    EXPECT_THAT(linesOf(model), ElementsAre("-Overlays 4", "  Clip 2 1", "  Clip 10 1", "  +Light Leaks 2",
+                                            "LUTs 1", "-SFX 1", "  Hits 1"));
+    setExpanded(u"Overlays/Light Leaks"_s, true);
+    setExpanded(u"SFX"_s, false);
+    setExpanded(u"LUTs"_s, true);
+    const std::vector<std::string> changed{"-Overlays 4", "  Clip 2 1", "  Clip 10 1", "  -Light Leaks 2",
+                                           "    Warm 1",  "LUTs 1",     "+SFX 1"};
+    EXPECT_EQ(linesOf(model), changed);
+
+    FolderTreeModel afterRestart;
+    afterRestart.follow(library.vault, library.prefs, library.defaults);
+    EXPECT_EQ(linesOf(afterRestart), changed);
+}
+
+TEST_F(FolderTree, KnowsTheWayUpAndRowsThatAreNotThere)
+{
+    setExpanded(u"Overlays/Light Leaks"_s, true);
+    const int warm = model.rowOf(library.path(u"Overlays/Light Leaks/Warm"_s).text());
+    const int leaks = model.parentOf(warm);
+    EXPECT_EQ(model.folderAt(leaks), library.path(u"Overlays/Light Leaks"_s));
+    EXPECT_EQ(model.folderAt(model.parentOf(leaks)), library.path(u"Overlays"_s));
+    EXPECT_EQ(model.parentOf(model.parentOf(leaks)), -1);
+    EXPECT_EQ(model.rowOf(u"/elsewhere"_s), -1);
+    for (const int row : {-1, model.rowCount()}) {
+        EXPECT_TRUE(model.folderAt(row).isEmpty());
+        EXPECT_FALSE(model.expandableAt(row));
+        EXPECT_EQ(model.parentOf(row), -1);
+        model.setExpanded(row, true);
+    }
+}
+
+TEST_F(FolderTree, TintsAFolderWithItsOwnColourElseACategoryWithItsOwn)
+{
+    const auto tint = [this](const QString &folder) {
+        const QModelIndex index = model.index(model.rowOf(library.path(folder).text()));
+        return model.data(index, FolderTreeModel::TintedRole).toBool()
+                   ? model.data(index, FolderTreeModel::TintRole).value<QColor>().name()
+                   : QString();
+    };
+    EXPECT_EQ(tint(u"LUTs"_s), u"#2fd6ff");
+    EXPECT_EQ(tint(u"SFX/Hits"_s), QString());
+    library.prefs.setFolderColor(library.path(u"SFX/Hits"_s), u"#FFD93D"_s);
+    EXPECT_EQ(tint(u"SFX/Hits"_s), u"#ffd93d");
+}
+
+// A view that asks only about the rows it was told of must see the model's rows, whatever happened.
+TEST_F(FolderTree, TellsOfExactlyTheRowsThatCameLeftOrChanged)
+{
+    std::vector<std::string> seen = linesOf(model);
+    int rowsTold = 0;
+    QObject::connect(&model, &FolderTreeModel::rowsInserted, [&](const QModelIndex &, int first, int last) {
+        for (int row = first; row <= last; ++row)
+            seen.insert(seen.begin() + row, lineAt(model, row));
+        rowsTold += last - first + 1;
+    });
+    QObject::connect(&model, &FolderTreeModel::rowsRemoved, [&](const QModelIndex &, int first, int last) {
+        seen.erase(seen.begin() + first, seen.begin() + last + 1);
+        rowsTold += last - first + 1;
+    });
+    QObject::connect(&model, &FolderTreeModel::dataChanged,
+                     [&](const QModelIndex &first, const QModelIndex &last) {
+                         for (int row = first.row(); row <= last.row(); ++row)
+                             seen[size_t(row)] = lineAt(model, row);
+                         rowsTold += last.row() - first.row() + 1;
+                     });
+    QObject::connect(&model, &FolderTreeModel::modelReset, [] { ADD_FAILURE() << "the model was reset"; });
+
+    library.write(u"SFX/Hits/Deep/g.wav"_s);
+    ASSERT_TRUE(library.scan());
+    EXPECT_EQ(rowsTold, 2) << "SFX and Hits hold one more, and Deep is not in view";
+    EXPECT_EQ(seen, linesOf(model));
+
+    std::mt19937 random(7);
+    const auto folder = [&random] {
+        QString path = u"Overlays"_s;
+        for (unsigned depth = 1 + random() % 3; depth > 0; --depth)
+            path += u"/%1"_s.arg(random() % 4);
+        return path;
+    };
+    for (int round = 0; round < 60; ++round) {
+        switch (random() % 3) {
+        case 0:
+            model.setExpanded(int(random() % unsigned(model.rowCount())), random() % 2 == 0);
+            break;
+        case 1:
+            library.remove(folder());
+            [[fallthrough]];
+        default:
+            library.write(folder() + u"/%1.mov"_s.arg(round));
+            ASSERT_TRUE(library.scan());
+        }
+        ASSERT_EQ(seen, linesOf(model)) << "after round " << round;
+    }
+}
+
+TEST_F(FolderTree, CountsInEachListWhatStillExists)
+{
+    LibraryCounts counts;
+    counts.follow(library.vault, library.prefs);
+    EXPECT_EQ(counts.all(), 6);
+    EXPECT_EQ(counts.size(), u"6 bytes");
+
+    library.prefs.toggleFavorite(library.path(u"SFX/Hits/e.wav"_s));
+    library.prefs.toggleFavorite(library.path(u"SFX/Hits/gone.wav"_s));
+    library.prefs.noteInserted(library.path(u"LUTs/f.cube"_s));
+    EXPECT_EQ(counts.favorites(), 1);
+    EXPECT_EQ(counts.recent(), 1);
+
+    library.remove(u"SFX/Hits/e.wav"_s);
+    library.write(u"LUTs/f.cube"_s, 1500);
+    ASSERT_TRUE(library.scan());
+    EXPECT_EQ(counts.all(), 5);
+    EXPECT_EQ(counts.favorites(), 0);
+    EXPECT_EQ(counts.size(), u"2 KB");
+}
+
+} // namespace cratewell

@@ -1,0 +1,393 @@
+#include "vault/temporary_vault.h"
+#include "vault/files/disk.h"
+#include "vault/files/file_names.h"
+#include "vault/files/file_work.h"
+#include "vault/item_name.h"
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <QScopeGuard>
+
+#include <gmock/gmock.h>
+#include <thread>
+
+#include <sys/mount.h>
+#include <sys/stat.h>
+
+namespace cratewell {
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace test;
+using testing::ElementsAre;
+namespace fs = std::filesystem;
+
+class FileWorkTest : public testing::Test
+{
+protected:
+    FileWorkTest()
+    {
+        for (const char *category : {"Overlays/Grains", "LUTs", "SFX/Hits"})
+            disk.makeFolder(category);
+        work.open();
+    }
+
+    // Files and empty folders below a folder of the vault, with sizes where they tell files apart.
+    std::vector<std::string> listed(const std::string &folder = "",
+                                    const std::string &skip = ".Cratewell Trash") const
+    {
+        std::vector<std::string> found;
+        const fs::path top = disk.native(folder);
+        for (auto entry = fs::recursive_directory_iterator(top); entry != fs::recursive_directory_iterator();
+             ++entry) {
+            if (entry->path().filename() == skip)
+                entry.disable_recursion_pending();
+            else if (!entry->is_directory())
+                found.push_back(fs::relative(entry->path(), top));
+        }
+        std::ranges::sort(found);
+        return found;
+    }
+    std::vector<Location> at(const std::vector<std::string> &paths) const
+    {
+        std::vector<Location> places(paths.size());
+        std::ranges::transform(paths, places.begin(),
+                               [this](const std::string &path) { return disk.at(path); });
+        return places;
+    }
+    std::vector<std::string> slots() const
+    {
+        std::vector<std::string> found;
+        for (const QByteArray &name : disk::names(trashFolder(disk.root()))) {
+            if (disk::isFolder(trashFolder(disk.root()).child(name)))
+                found.push_back(name.toStdString());
+        }
+        return found;
+    }
+    QByteArray indexBytes() const
+    {
+        std::ifstream stream(trashIndexFile(disk.root()).c_str(), std::ios::binary);
+        return QByteArray::fromStdString({std::istreambuf_iterator<char>(stream), {}});
+    }
+    void writeIndex(const QByteArray &json) const
+    {
+        disk::makeFolder(trashFolder(disk.root()));
+        std::ofstream(trashIndexFile(disk.root()).c_str(), std::ios::binary) << json.toStdString();
+    }
+
+    TemporaryVault disk;
+    FileWork work{disk.root()};
+    WorkMonitor monitor;
+};
+
+TEST_F(FileWorkTest, NamesAreCleanedAndNumbered)
+{
+    EXPECT_EQ(cleanedName(u" \n a/b\t"_s), u"a-b"_s);
+    EXPECT_EQ(cleanedName(u"  \n"_s), QString());
+    for (const char *bad : {"", ".", "..", "a/b"})
+        EXPECT_FALSE(isPlainName(bad)) << bad;
+    EXPECT_TRUE(isPlainName(QByteArray(255, 'n')));
+    EXPECT_FALSE(isPlainName(QByteArray(256, 'n')));
+    EXPECT_EQ(FreeNames::numbered("Flash.final.mov", 2, FreeNames::Naming::File), "Flash.final 2.mov");
+    EXPECT_EQ(FreeNames::numbered("Hits", 3, FreeNames::Naming::File), "Hits 3");
+    EXPECT_EQ(FreeNames::numbered(".hidden", 2, FreeNames::Naming::File), ".hidden 2");
+    EXPECT_EQ(FreeNames::numbered("v1.2", 2, FreeNames::Naming::Folder), "v1.2 2");
+
+    for (const char *expected : {"New Folder", "New Folder 2", "New Folder 3"})
+        EXPECT_THAT(work.createFolder(disk.at("SFX"), u"New Folder"_s).placed,
+                    ElementsAre(disk.at(std::string("SFX/") + expected)));
+    disk.remove("");
+    EXPECT_FALSE(work.createFolder(disk.at("SFX"), u"Late"_s).error.isEmpty());
+    EXPECT_FALSE(fs::exists(disk.native(""))) << "a vanished vault is not made anew";
+}
+
+TEST_F(FileWorkTest, RenameNeverReplaces)
+{
+    disk.write("SFX/Hits/a.wav", 1);
+    disk.write("SFX/Hits/b.wav", 2);
+    const auto taken = work.rename(disk.at("SFX/Hits/a.wav"), disk.at("SFX/Hits/b.wav"));
+    EXPECT_EQ(taken.count, 0);
+    EXPECT_TRUE(taken.error.contains(u"exists"_s)) << taken.error.toStdString();
+    EXPECT_EQ(fs::file_size(disk.native("SFX/Hits/b.wav")), 2u);
+    EXPECT_EQ(work.rename(disk.at("SFX/Hits"), disk.at("SFX/Thuds")).count, 1);
+    EXPECT_THAT(listed("SFX"), ElementsAre("Thuds/a.wav", "Thuds/b.wav"));
+}
+
+TEST_F(FileWorkTest, MoveLeavesOutWhatDoesNotBelongThere)
+{
+    disk.write("SFX/a.wav", 1);
+    disk.write("SFX/Hits/a.wav", 2);
+    disk.write("SFX/b.wav");
+    disk.write("SFX/notes.txt");
+    disk.makeFolder("SFX/Hits/Deep");
+    const auto move = [this](const std::vector<std::string> &items, const std::string &folder) {
+        return work.move(at(items), disk.at(folder), monitor).count;
+    };
+    EXPECT_EQ(move({"SFX/a.wav", "SFX/b.wav"}, "Overlays/Grains"), 0) << "a sound is no overlay";
+    EXPECT_EQ(move({"SFX/a.wav"}, "SFX"), 0) << "there already";
+    EXPECT_EQ(move({"SFX/Hits"}, "SFX/Hits/Deep"), 0) << "into itself";
+    EXPECT_EQ(move({"SFX/Hits"}, "SFX/Hits"), 0) << "onto itself";
+    EXPECT_EQ(move({"SFX/a.wav", "SFX/notes.txt"}, "SFX/Hits"), 2);
+    EXPECT_EQ(fs::file_size(disk.native("SFX/Hits/a.wav")), 2u);
+    EXPECT_EQ(fs::file_size(disk.native("SFX/Hits/a 2.wav")), 1u);
+    const auto partly = work.move(at({"SFX/gone.wav", "SFX/b.wav"}), disk.at("SFX/Hits"), monitor);
+    EXPECT_EQ(partly.count, 1);
+    EXPECT_TRUE(partly.error.contains(u"gone"_s)) << partly.error.toStdString();
+}
+
+TEST_F(FileWorkTest, TrashKeepsEqualNamesApartAndPutsThemBack)
+{
+    disk.write("SFX/Hits/Hit.wav", 3);
+    disk.write("SFX/Hit.wav", 4);
+    disk.write("SFX/Old/Deep/x.wav", 10);
+    const auto trashed =
+        work.trash(at({"SFX/Hits/Hit.wav", "SFX/Hit.wav", "SFX/Old", "SFX/Old/Deep/x.wav", "SFX"}), monitor);
+    EXPECT_EQ(trashed.count, 3);
+    EXPECT_EQ(trashed.error, QString());
+    EXPECT_TRUE(listed().empty());
+    ASSERT_EQ(work.trash().size(), 3u);
+    EXPECT_EQ(work.trash().front().name, u"Old"_s) << "the newest first";
+    EXPECT_TRUE(work.trash().front().isFolder);
+    EXPECT_EQ(work.trash().front().size, 10);
+
+    FileWork again(disk.root());
+    again.open();
+    EXPECT_EQ(again.trash(), work.trash()) << "to the part of a second";
+
+    disk.write("SFX/Hit.wav", 5);
+    EXPECT_EQ(work.restore(work.trash(), monitor).count, 3);
+    EXPECT_THAT(listed("SFX"), ElementsAre("Hit 2.wav", "Hit.wav", "Hits/Hit.wav", "Old/Deep/x.wav"));
+    EXPECT_EQ(fs::file_size(disk.native("SFX/Hit 2.wav")), 4u);
+    EXPECT_TRUE(slots().empty());
+    EXPECT_TRUE(decodeTrash(indexBytes()).items.empty());
+
+    work.trash(at({"SFX/Hits/Hit.wav"}), monitor);
+    disk.remove("SFX/Hits");
+    work.restore(work.trash(), monitor);
+    EXPECT_TRUE(fs::exists(disk.native("SFX/Hits/Hit.wav"))) << "its folder comes back with it";
+}
+
+TEST_F(FileWorkTest, RecordsAreCheckedBeforeTheyAreBelieved)
+{
+    disk.write("SFX/Hit.wav", 4);
+    disk.write("../victim.txt", 1);
+    work.trash(at({"SFX/Hit.wav"}), monitor);
+    const TrashItem honest = work.trash().front();
+    const auto altered = [&](const std::function<void(TrashItem &)> &change) {
+        TrashItem item = honest;
+        change(item);
+        return item;
+    };
+    writeIndex(encodeTrash({altered([](TrashItem &item) { item.id = u".."_s; }),
+                            altered([](TrashItem &item) { item.id = u"../../SFX"_s; }),
+                            altered([](TrashItem &item) { item.name = u"../../../victim.txt"_s; }),
+                            altered([](TrashItem &item) { item.name = u".."_s; }),
+                            altered([](TrashItem &item) { item.original = u"relative"_s; }), honest}));
+    work.open();
+    EXPECT_THAT(work.trash(), ElementsAre(honest));
+    EXPECT_TRUE(fs::exists(disk.native(".Cratewell Trash/index damaged.json"))) << "the doubtful one is kept";
+
+    writeIndex(encodeTrash(
+        {altered([&](TrashItem &item) { item.original = disk.at("../elsewhere/Hit.wav").text(); })}));
+    work.open();
+    work.restore(work.trash(), monitor);
+    EXPECT_FALSE(fs::exists(disk.native("../elsewhere")));
+    EXPECT_TRUE(fs::exists(disk.native("SFX/Hit.wav"))) << "back where its kind lives";
+
+    for (const QByteArray &garbage :
+         {QByteArray("{\"a\":"), QByteArray("[1,null,{}]"), QByteArray(1000, '[')}) {
+        writeIndex(garbage);
+        work.open();
+        EXPECT_TRUE(work.trash().empty());
+    }
+    EXPECT_TRUE(fs::exists(disk.native(".Cratewell Trash/index damaged 4.json")));
+    EXPECT_TRUE(fs::exists(disk.native("../victim.txt")));
+}
+
+TEST_F(FileWorkTest, RepairsWhatAKillLeftBehind)
+{
+    disk.write("SFX/Hit.wav");
+    disk.write("SFX/Gone.wav");
+    work.trash(at({"SFX/Hit.wav", "SFX/Gone.wav"}), monitor);
+    const TrashItem unmoved = work.trash().back();
+    fs::rename(trashedItem(disk.root(), unmoved).c_str(), disk.native("SFX/Hit.wav"));
+    disk.write("SFX/.cratewell-00112233445566778899aabbccddeeff.part");
+    disk.write("SFX/.cratewell-ffffffffffffffffffffffffffffffff.part");
+    disk.write("../.cratewell-00112233445566778899aabbccddeeff.part");
+    std::ofstream(disk.native(".Cratewell Trash/journal"))
+        << disk.native("SFX/.cratewell-00112233445566778899aabbccddeeff.part").string() << '\0'
+        << disk.native("SFX/../../.cratewell-00112233445566778899aabbccddeeff.part").string() << '\0'
+        << disk.native("SFX/Hit.wav").string() << '\0'
+        << disk.native("SFX/.cratewell-ffffffffffffffffffffffffffffffff.part").string();
+    work.open();
+    EXPECT_EQ(work.trash().size(), 1u);
+    EXPECT_EQ(slots().size(), 1u);
+    EXPECT_THAT(listed("SFX"), ElementsAre(".cratewell-ffffffffffffffffffffffffffffffff.part", "Hit.wav"));
+    EXPECT_TRUE(fs::exists(disk.native("../.cratewell-00112233445566778899aabbccddeeff.part")));
+}
+
+TEST_F(FileWorkTest, PurgesWhatHasLainThereForThirtyDays)
+{
+    disk.write("SFX/old.wav");
+    disk.write("SFX/new.wav");
+    work.trash(at({"SFX/old.wav", "SFX/new.wav"}), monitor);
+    std::vector<TrashItem> items = work.trash();
+    const double now = secondsNow();
+    items[1].deletedAt = now - 31 * 86400.0;
+    writeIndex(encodeTrash(items));
+    work.open();
+    EXPECT_TRUE(work.purge(now - 30 * 86400.0, monitor));
+    ASSERT_EQ(work.trash().size(), 1u);
+    EXPECT_EQ(work.trash().front().name, u"new.wav"_s);
+    EXPECT_EQ(slots().size(), 1u);
+    EXPECT_FALSE(work.purge(now - 30 * 86400.0, monitor));
+
+    TrashItem item;
+    for (const auto &[age, left] :
+         {std::pair{0.0, 30}, {29.9, 1}, {30.0, 0}, {4000.0, 0}, {-5.0, 30}, {1e300, 0}}) {
+        item.deletedAt = now - age * 86400;
+        EXPECT_EQ(item.daysLeft(now), left) << age;
+    }
+}
+
+TEST_F(FileWorkTest, ImportFilesByTypeAndKeepsStructure)
+{
+    disk.write("../in/Pack/a.mov", 1);
+    disk.write("../in/Pack/b.wav", 2);
+    disk.write("../in/Pack/notes.txt");
+    disk.write("../in/Pack/.hidden.mov");
+    disk.write("../in/Pack/More/c.png", 3);
+    disk.write("../in/Mixed/Sounds/d.mp3", 4);
+    disk.write("../in/Mixed/Looks/e.cube", 5);
+    disk.link("../in/Pack/loop", "..");
+    ::mkfifo(disk.native("../in/Pack/pipe.mov").c_str(), 0600);
+    const auto first =
+        work.import(at({"../in/Pack", "../in/Mixed", "../in/none"}), {}, ImportMode::Copy, monitor);
+    EXPECT_EQ(first.count, 5);
+    EXPECT_FALSE(first.error.isEmpty()) << "a pipe cannot be copied, and nothing waits for it";
+    EXPECT_THAT(listed(), ElementsAre("LUTs/Looks/e.cube", "Overlays/Pack/More/c.png", "Overlays/Pack/a.mov",
+                                      "SFX/Sounds/d.mp3", "SFX/b.wav"));
+
+    disk.write("SFX/Hits/d.mp3", 9);
+    const auto merged = work.import(at({"../in/Mixed/Sounds/d.mp3", "../in/Pack/a.mov"}), disk.at("SFX/Hits"),
+                                    ImportMode::Move, monitor);
+    EXPECT_THAT(merged.placed, ElementsAre(disk.at("SFX/Hits/d 2.mp3"), disk.at("Overlays/a.mov")))
+        << "each where its kind may lie";
+    EXPECT_FALSE(fs::exists(disk.native("../in/Pack/a.mov")));
+    EXPECT_EQ(fs::file_size(disk.native("SFX/Hits/d.mp3")), 9u);
+
+    disk.write("../whole.mov");
+    const auto around = work.import({disk.root().parent()}, {}, ImportMode::Copy, monitor);
+    EXPECT_EQ(around.count, 4) << "what is in the vault is not imported along with a folder around it";
+}
+
+TEST_F(FileWorkTest, ImportKeepsDatesAndPermissionsAndCanBeBrokenOff)
+{
+    disk.write("../in/a.mov", 5 << 20);
+    ::chmod(disk.native("../in/a.mov").c_str(), 0640);
+    const auto date = fs::last_write_time(disk.native("../in/a.mov")) - std::chrono::hours(1000);
+    fs::last_write_time(disk.native("../in/a.mov"), date);
+    work.import(at({"../in/a.mov"}), {}, ImportMode::Copy, monitor);
+    EXPECT_EQ(fs::last_write_time(disk.native("Overlays/a.mov")), date);
+    EXPECT_EQ(fs::status(disk.native("Overlays/a.mov")).permissions(), fs::perms(0640));
+    EXPECT_EQ(monitor.bytesDone, 5 << 20);
+    EXPECT_EQ(monitor.filesDone, monitor.filesTotal);
+
+    WorkMonitor cancelled;
+    cancelled.cancelled = true;
+    const auto nothing = work.import(at({"../in/a.mov"}), {}, ImportMode::Move, cancelled);
+    EXPECT_EQ(nothing.count, 0);
+    EXPECT_EQ(nothing.error, QString());
+    EXPECT_TRUE(fs::exists(disk.native("../in/a.mov")));
+    EXPECT_THAT(listed(), ElementsAre("Overlays/a.mov"));
+
+    for (int i = 0; i < 40; ++i)
+        disk.write("../many/" + std::to_string(i) + ".mov", 16 << 20);
+    WorkMonitor halfway;
+    std::jthread person([&] {
+        while (halfway.bytesDone < 24 << 20)
+            std::this_thread::yield();
+        halfway.cancelled = true;
+    });
+    const auto some = work.import(at({"../many"}), {}, ImportMode::Copy, halfway);
+    EXPECT_LT(some.count, 40);
+    EXPECT_EQ(listed("Overlays/many").size(), size_t(some.count)) << "no half of a file";
+    for (const std::string &name : listed("Overlays/many"))
+        EXPECT_EQ(fs::file_size(disk.native("Overlays/many/" + name)), 16u << 20);
+}
+
+TEST_F(FileWorkTest, FoldersMoveWholeBetweenFileSystems)
+{
+    TemporaryVault other("/dev/shm");
+    other.makeFolder("sounds");
+    disk.remove("SFX");
+    disk.link("SFX", other.native("sounds"));
+    disk.write("SFX/Pack/Deep/a.wav", 7);
+    disk.link("SFX/Pack/same.wav", "Deep/a.wav");
+    ASSERT_EQ(work.trash(at({"SFX/Pack"}), monitor).count, 1);
+    EXPECT_FALSE(fs::exists(disk.native("SFX/Pack")));
+    EXPECT_EQ(fs::file_size(fs::path(trashedItem(disk.root(), work.trash().front()).c_str()) / "Deep/a.wav"),
+              7u);
+    ASSERT_EQ(work.restore(work.trash(), monitor).count, 1);
+    EXPECT_EQ(fs::file_size(disk.native("SFX/Pack/Deep/a.wav")), 7u);
+    EXPECT_TRUE(fs::is_symlink(disk.native("SFX/Pack/same.wav")));
+    EXPECT_TRUE(slots().empty());
+}
+
+// Runs with the vault on a file system of 16 MiB, whose folder is in the environment.
+TEST(FullDiskChild, DISABLED_LeavesBothSidesAsTheyWere)
+{
+    const TemporaryVault small(qgetenv("CRATEWELL_SMALL_DISK").toStdString());
+    const TemporaryVault large;
+    small.makeFolder("Overlays");
+    small.makeFolder("SFX");
+    for (int i = 0; i < 8; ++i)
+        large.write("in/" + std::to_string(i) + ".mov", 3 << 20);
+    FileWork work(small.root());
+    work.open();
+    for (const ImportMode mode : {ImportMode::Copy, ImportMode::Move}) {
+        WorkMonitor monitor;
+        const auto outcome = work.import({large.at("in")}, {}, mode, monitor);
+        EXPECT_TRUE(outcome.error.contains(u"No space"_s)) << outcome.error.toStdString();
+        EXPECT_LT(outcome.count, 8);
+        EXPECT_GT(outcome.count, 0);
+        int left = 0;
+        for (int i = 0; i < 8; ++i) {
+            const std::string name = std::to_string(i) + ".mov";
+            const bool here = fs::exists(small.native("Overlays/in/" + name));
+            const bool there = fs::exists(large.native("in/" + name));
+            EXPECT_TRUE(there || (mode == ImportMode::Move && here)) << name;
+            EXPECT_TRUE(!here || fs::file_size(small.native("Overlays/in/" + name)) == 3u << 20) << name;
+            left += here ? 1 : 0;
+        }
+        EXPECT_EQ(left, outcome.count);
+        for (const auto &entry : fs::recursive_directory_iterator(small.native("")))
+            EXPECT_NE(entry.path().extension(), ".part");
+        small.remove("Overlays/in");
+    }
+}
+
+TEST(FullDisk, LeavesBothSidesAsTheyWere)
+{
+    const TemporaryVault place;
+    place.makeFolder("disk");
+    const QString mount =
+        u"mount -t tmpfs -o size=16m tmpfs \"$CRATEWELL_SMALL_DISK\" && exec \"$0\" \"$@\""_s;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"CRATEWELL_SMALL_DISK"_s, QString::fromStdString(place.native("disk")));
+    QProcess child;
+    child.setProcessEnvironment(environment);
+    child.setProcessChannelMode(QProcess::MergedChannels);
+    child.start(u"unshare"_s, {u"--user"_s, u"--map-root-user"_s, u"--mount"_s, u"sh"_s, u"-c"_s, mount,
+                               QCoreApplication::applicationFilePath(), u"--gtest_filter=FullDiskChild.*"_s,
+                               u"--gtest_also_run_disabled_tests"_s});
+    ASSERT_TRUE(child.waitForFinished(60000));
+    const QByteArray output = child.readAll();
+    if (!output.contains("Running 1 test"))
+        GTEST_SKIP() << "no file system may be mounted here: " << output.constData();
+    EXPECT_EQ(child.exitCode(), 0) << output.constData();
+    EXPECT_TRUE(output.contains("[  PASSED  ] 1 test")) << output.constData();
+}
+
+} // namespace
+} // namespace cratewell

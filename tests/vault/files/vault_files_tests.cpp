@@ -1,0 +1,191 @@
+#include "platform/fakes/fake_file_events.h"
+#include "platform/fakes/memory_defaults.h"
+#include "support/wait.h"
+#include "vault/temporary_vault.h"
+#include "vault/files/file_queue.h"
+#include "vault/vault.h"
+
+#include <gmock/gmock.h>
+#include <thread>
+
+namespace cratewell {
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace test;
+using testing::ElementsAre;
+namespace fs = std::filesystem;
+
+class VaultFilesTest : public testing::Test
+{
+protected:
+    VaultFilesTest()
+    {
+        const auto tell = [this](const QString &what) { told.push_back(what); };
+        QObject::connect(&vault, &Vault::toast, &vault,
+                         [=](const QString &text, bool ok) { tell(ok ? text : u"!"_s + text); });
+        QObject::connect(&vault, &Vault::itemRenamed, &vault,
+                         [=, this](const Location &from, const Location &to) {
+                             tell(u"renamed %1 to %2"_s.arg(from.name(), to.name()));
+                         });
+        QObject::connect(&vault, &Vault::itemsMoved, &vault, [=] { tell(u"moved"_s); });
+        QObject::connect(&vault, &Vault::itemsTrashed, &vault, [=](const std::vector<TrashItem> &items) {
+            tell(u"trashed %1"_s.arg(items.size()));
+        });
+        QObject::connect(&vault, &Vault::recentImportsChanged, &vault, [=] { tell(u"recent"_s); });
+        QObject::connect(&vault, &Vault::lastErrorChanged, &vault, [=, this] {
+            if (!vault.lastError().isEmpty())
+                tell(u"error"_s);
+        });
+    }
+    void SetUp() override
+    {
+        vault.start();
+        ASSERT_TRUE(waitUntil([this] { return vault.picture()->tree(VaultCategory::Sfx) != nullptr; }));
+    }
+    // What was told until this was among it, in order.
+    std::vector<QString> until(const QString &last)
+    {
+        EXPECT_TRUE(waitUntil([&] { return std::ranges::find(told, last) != told.end(); }))
+            << last.toStdString();
+        return std::exchange(told, {});
+    }
+    bool shows(const std::string &path) const { return vault.picture()->find(disk.at(path)).has_value(); }
+
+    TemporaryVault disk;
+    MemoryDefaults defaults;
+    Vault vault{disk.root(), defaults, std::make_unique<FakeFileEvents>()};
+    std::vector<QString> told;
+};
+
+TEST_F(VaultFilesTest, EffectsFollowInTheOrderOfTheCalls)
+{
+    disk.write("../in/Hit.wav");
+    disk.write("../in/Boom.wav");
+    vault.importItems({disk.at("../in/Hit.wav"), disk.at("../in/Boom.wav")}, {}, ImportMode::Copy);
+    std::optional<Location> made;
+    vault.createFolder(u" Thuds "_s, disk.at("SFX"), [&](const auto &folder) {
+        made = folder;
+        told.push_back(u"made"_s);
+    });
+    vault.move({disk.at("SFX/Hit.wav")}, disk.at("SFX/Thuds"));
+    vault.rename(disk.at("SFX/Thuds/Hit.wav"), u"Thud.wav"_s);
+    vault.rename(disk.at("SFX"), u"Sounds"_s);
+    vault.rename(disk.at("SFX/none.wav"), u"some.wav"_s);
+    vault.moveToTrash({disk.at("SFX/Thuds")});
+    EXPECT_TRUE(told.empty()) << "nothing is done before the call returns";
+    EXPECT_THAT(until(u"Moved 1 item to Trash. They're kept for 30 days."_s),
+                ElementsAre(u"recent"_s, u"Added 2 assets to the vault"_s, u"made"_s, u"moved"_s,
+                            u"Moved 1 item to Thuds"_s, u"renamed Hit.wav to Thud.wav"_s, u"error"_s,
+                            u"trashed 1"_s, u"Moved 1 item to Trash. They're kept for 30 days."_s));
+    EXPECT_EQ(made, disk.at("SFX/Thuds"));
+    EXPECT_THAT(vault.recentImports(), ElementsAre(disk.at("SFX/Boom.wav"), disk.at("SFX/Hit.wav")));
+    ASSERT_EQ(vault.trashItems().size(), 1u);
+
+    vault.restore(vault.trashItems());
+    EXPECT_THAT(until(u"Restored 1 item"_s), ElementsAre(u"Restored 1 item"_s));
+    EXPECT_TRUE(vault.trashItems().empty());
+    EXPECT_TRUE(waitUntil([this] { return shows("SFX/Thuds/Thud.wav") && shows("SFX/Boom.wav"); }));
+}
+
+TEST_F(VaultFilesTest, NothingDoneSaysNothing)
+{
+    disk.write("SFX/a.wav");
+    vault.move({disk.at("SFX/a.wav")}, disk.at("LUTs"));
+    vault.moveToTrash({disk.at("SFX"), disk.at("SFX/none.wav")});
+    vault.importItems({disk.at("../none")}, {}, ImportMode::Copy);
+    bool asked = false;
+    vault.createFolder(u"  "_s, disk.at("SFX"), [&](const auto &folder) { asked = !folder; });
+    EXPECT_TRUE(asked);
+    vault.createFolder(u"last"_s, disk.at("SFX"), [this](const auto &) { told.push_back(u"last"_s); });
+    EXPECT_THAT(until(u"last"_s), ElementsAre(u"moved"_s, u"last"_s));
+}
+
+TEST_F(VaultFilesTest, TheTrashBelongsToTheVaultThatIsOpen)
+{
+    disk.write("SFX/a.wav");
+    vault.moveToTrash({disk.at("SFX/a.wav")});
+    until(u"trashed 1"_s);
+    TemporaryVault other;
+    other.makeFolder("SFX");
+    vault.changeRoot(other.root());
+    EXPECT_TRUE(waitUntil([this] { return vault.trashItems().empty(); }));
+    EXPECT_FALSE(fs::exists(other.native(".Cratewell Trash"))) << "nothing to write there";
+    vault.changeRoot(disk.root());
+    EXPECT_TRUE(waitUntil([this] { return vault.trashItems().size() == 1; }));
+}
+
+TEST_F(VaultFilesTest, ListsTheFoldersThatAcceptAllKinds)
+{
+    disk.makeFolder("LUTs/Film/Warm");
+    vault.rescan();
+    ASSERT_TRUE(waitUntil([this] { return vault.flatFolders(QSet{AssetKind::Lut}).size() == 3; }));
+    const auto luts = vault.flatFolders(QSet{AssetKind::Lut});
+    EXPECT_EQ(luts.back(), (FolderChoice{disk.at("LUTs/Film/Warm"), 2, VaultCategory::Luts}));
+    EXPECT_TRUE(vault.flatFolders(QSet{AssetKind::Lut, AssetKind::Audio}).empty());
+    EXPECT_EQ(vault.flatFolders().size(), vault.flatFolders(QSet<AssetKind>()).size());
+    EXPECT_EQ(vault.flatFolders().front().url, disk.at("Overlays"));
+}
+
+TEST_F(VaultFilesTest, NothingIsBegunAfterTheEnd)
+{
+    disk.write("SFX/a.wav");
+    vault.drain();
+    vault.moveToTrash({disk.at("SFX/a.wav")});
+    EXPECT_TRUE(fs::exists(disk.native("SFX/a.wav")));
+}
+
+TEST(FileQueue, ShowsLongWorkAndCancelsIt)
+{
+    FileProgress progress;
+    FileQueue queue(progress);
+    std::vector<QString> done;
+    queue.add(u"Importing"_s, [&](WorkMonitor &monitor) -> FileQueue::Effects {
+        monitor.filesTotal = 60;
+        monitor.filesDone = 15;
+        while (!monitor.cancelled)
+            std::this_thread::yield();
+        return [&] { done.push_back(u"first"_s); };
+    });
+    queue.add(u"Moving"_s, [&](WorkMonitor &monitor) -> FileQueue::Effects {
+        return [&, cancelled = monitor.cancelled.load()] {
+            done.push_back(cancelled ? u"cancelled"_s : u"second"_s);
+        };
+    });
+    ASSERT_TRUE(waitUntil([&] { return progress.secondsLeft() >= 0; }));
+    EXPECT_TRUE(progress.isActive());
+    EXPECT_EQ(progress.title(), u"Importing"_s);
+    EXPECT_EQ(progress.fraction(), 0.25);
+    EXPECT_TRUE(done.empty());
+    progress.cancel();
+    ASSERT_TRUE(waitUntil([&] { return done.size() == 2; }));
+    EXPECT_THAT(done, ElementsAre(u"first"_s, u"second"_s)) << "what waits is done after it";
+    EXPECT_FALSE(progress.isActive());
+}
+
+TEST(FileQueue, EndsWhatFillsAFolderThatGoes)
+{
+    FileProgress progress;
+    FileQueue queue(progress);
+    std::vector<bool> cancelled;
+    const auto fill = [&](const char *folder, bool waits) {
+        queue.add(
+            u"Importing"_s,
+            [&, waits](WorkMonitor &monitor) -> FileQueue::Effects {
+                while (waits && !monitor.cancelled)
+                    std::this_thread::yield();
+                return [&, was = monitor.cancelled.load()] { cancelled.push_back(was); };
+            },
+            Location::fromText(QString::fromLatin1(folder)));
+    };
+    fill("/vault/SFX/Hits", true);
+    fill("/vault/SFX", false);
+    fill("/vault/SFX More", false);
+    fill("", false);
+    queue.cancelFilling(Location::fromText(u"/vault/SFX"_s));
+    ASSERT_TRUE(waitUntil([&] { return cancelled.size() == 4; }));
+    EXPECT_THAT(cancelled, ElementsAre(true, true, false, false));
+}
+
+} // namespace
+} // namespace cratewell

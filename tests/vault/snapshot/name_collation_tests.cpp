@@ -1,0 +1,93 @@
+#include "platform/location.h"
+#include "vault/snapshot/name_collation.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+
+namespace cratewell {
+namespace {
+
+int sign(int value)
+{
+    return (value > 0) - (value < 0);
+}
+
+// Short alphabets, so that names often share beginnings, numbers and ties.
+QByteArray randomName(std::mt19937 &random)
+{
+    static const QStringView alphabets[] = {
+        u"abAB",
+        u"aA0129 ",
+        u"012",
+        u"cChHlLdDzZ",
+        u"sSzZ1",
+        u" -_.()[]'!,+&@#~$%{}=;^`",
+        u"aAáÁàåäã1\u0301",
+        u"eEéÉèêëēė 2",
+        u"oOóöőøoõuüűů",
+        u"nñńlłgğiıİíïjĳ",
+        u"cçčćsšşzžżdđ",
+        u"x1\x01\x7f\t",
+    };
+    const QStringView alphabet = alphabets[random() % std::size(alphabets)];
+    QString name(qsizetype(random() % 9), Qt::Uninitialized);
+    for (QChar &letter : name) {
+        const int dice = int(random() % 24);
+        letter = dice == 0   ? QChar(char16_t(0x20 + random() % 0x5f))
+                 : dice == 1 ? QChar(char16_t(0xa0 + random() % 0x100))
+                             : alphabet[qsizetype(random()) % alphabet.size()];
+    }
+    return name.toUtf8();
+}
+
+class NameCollationProperty : public testing::TestWithParam<const char *>
+{
+};
+
+// What the weights say must be what the collator says, for every pair of names and in every language.
+TEST_P(NameCollationProperty, AgreesWithTheCollator)
+{
+    const QLocale locale{QString::fromLatin1(GetParam())};
+    const bool unlocalized = locale.language() == QLocale::C;
+    QCollator reference(unlocalized ? QLocale(QLocale::English, QLocale::UnitedStates) : locale);
+    reference.setNumericMode(true);
+    reference.setCaseSensitivity(Qt::CaseInsensitive);
+    const NameCollation collation(locale);
+    std::mt19937 random(20250101);
+    for (int i = 0; i < 60000; ++i) {
+        const QByteArray a = randomName(random);
+        const QByteArray b = randomName(random);
+        const int expected = sign(reference.compare(textFromBytes(a), textFromBytes(b)));
+        ASSERT_EQ(sign(collation.compare(a, b)), expected)
+            << a.toPercentEncoding().data() << " " << b.toPercentEncoding().data();
+        std::array<uchar, 64> keyA;
+        std::array<uchar, 64> keyB;
+        if (collation.writeKey(a, keyA.data()) && collation.writeKey(b, keyB.data())) {
+            const auto text = [](const auto &key) { return reinterpret_cast<const char *>(key.data()); };
+            ASSERT_EQ(sign(std::strcmp(text(keyA), text(keyB))), expected)
+                << a.toStdString() << " " << b.toStdString();
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, NameCollationProperty,
+                         testing::Values("C", "en_US", "de_DE", "fr_CA", "cs_CZ", "sk_SK", "da_DK", "hu_HU",
+                                         "hr_HR", "es_ES", "cy_GB", "et_EE", "lt_LT", "tr_TR", "ja_JP",
+                                         "th_TH", "sv_SE", "vi_VN", "de_DE@collation=phonebook"));
+
+TEST(NameCollation, OrdersNumbersByValueAndIgnoresCase)
+{
+    const NameCollation collation(QLocale::c());
+    EXPECT_LT(collation.compare("Clip 2", "clip 10"), 0);
+    EXPECT_EQ(collation.compare("CLIP 007", "clip 7"), 0);
+    EXPECT_LT(collation.compare("a", "B"), 0);
+    EXPECT_LT(collation.compare("take 99999999999999999998", "take 99999999999999999999"), 0);
+    std::array<uchar, 24> key;
+    EXPECT_NE(collation.writeKey("a1", key.data()), nullptr) << "plain names have keys";
+    EXPECT_NE(collation.writeKey("\u00c9t\u00e9 1", key.data()), nullptr) << "so have accented ones";
+}
+
+} // namespace
+} // namespace cratewell

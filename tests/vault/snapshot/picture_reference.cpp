@@ -1,0 +1,152 @@
+#include "vault/snapshot/picture_reference.h"
+
+#include <QCollator>
+
+#include <algorithm>
+#include <numeric>
+
+namespace cratewell::test {
+
+using testing::AssertionFailure;
+using testing::AssertionResult;
+using testing::AssertionSuccess;
+
+namespace {
+
+QString folderNameOf(const Asset &asset)
+{
+    return asset.url.parent().name();
+}
+
+bool comesBefore(const QCollator &collator, AssetOrder order, const Asset &a, const Asset &b)
+{
+    switch (order) {
+    case AssetOrder::Name:
+        return collator.compare(a.url.baseName(), b.url.baseName()) < 0;
+    case AssetOrder::Added:
+        return a.added > b.added;
+    case AssetOrder::Kind:
+        return std::pair(kindLabel(a.kind), a.url.baseName().toUcs4()) <
+               std::pair(kindLabel(b.kind), b.url.baseName().toUcs4());
+    case AssetOrder::Size:
+        return a.size > b.size;
+    }
+    return false;
+}
+
+AssertionResult checkOrders(const VaultPicture &picture)
+{
+    const QLocale user = QLocale().collation();
+    QCollator collator(user == QLocale::c() ? QLocale(QLocale::English, QLocale::UnitedStates) : user);
+    collator.setNumericMode(true);
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    for (const AssetOrder order : {AssetOrder::Name, AssetOrder::Added, AssetOrder::Kind, AssetOrder::Size}) {
+        std::vector<AssetIndex> expected(picture.size());
+        std::iota(expected.begin(), expected.end(), AssetIndex{0});
+        std::ranges::stable_sort(expected, [&](AssetIndex a, AssetIndex b) {
+            return comesBefore(collator, order, picture.asset(a), picture.asset(b));
+        });
+        if (!std::ranges::equal(expected, picture.order(order)))
+            return AssertionFailure() << "order " << int(order);
+    }
+    return AssertionSuccess();
+}
+
+AssertionResult checkPlaces(const VaultPicture &picture)
+{
+    qint64 total = 0;
+    for (AssetIndex i = 0; i < picture.size(); ++i) {
+        total += picture.asset(i).size;
+        if (picture.find(picture.asset(i).url) != i)
+            return AssertionFailure() << "find " << picture.asset(i).url.bytes().toStdString();
+    }
+    if (total != picture.totalSize())
+        return AssertionFailure() << "total size";
+    return AssertionSuccess();
+}
+
+AssertionResult checkNode(const VaultPicture &picture, const FolderNode &node)
+{
+    for (AssetIndex i = 0; i < picture.size(); ++i) {
+        if (picture.asset(i).url.isInside(node.url) != node.assets.contains(i))
+            return AssertionFailure() << "range of " << node.url.bytes().toStdString();
+    }
+    if (node.count != int(node.assets.count()) || picture.node(node.url) != &node ||
+        !(picture.under(node.url) == node.assets))
+        return AssertionFailure() << "node of " << node.url.bytes().toStdString();
+    for (const FolderNode &child : node.children) {
+        if (const AssertionResult result = checkNode(picture, child); !result)
+            return result;
+    }
+    return AssertionSuccess();
+}
+
+AssertionResult checkSearch(const VaultPicture &picture)
+{
+    QStringList needles{QStringLiteral("a"),      QStringLiteral(" "),    QStringLiteral("lut"),
+                        QStringLiteral("zzz"),    QString(QChar(0xDC80)), QString(QChar(0xD83C)),
+                        QStringLiteral("\u00e9"), QString(QChar(0))};
+    for (AssetIndex i = 0; i < picture.size(); i += 7 + picture.size() / 40) {
+        const QString name = picture.asset(i).url.baseName().toLower();
+        needles << name << name.mid(name.size() / 3, 3) << folderNameOf(picture.asset(i)).toLower();
+    }
+    for (const QString &needle : needles) {
+        if (needle.isEmpty())
+            continue;
+        const std::vector<bool> matches = picture.matching(needle);
+        for (AssetIndex i = 0; i < picture.size(); ++i) {
+            const Asset &asset = picture.asset(i);
+            const bool expected = asset.url.baseName().toLower().contains(needle) ||
+                                  folderNameOf(asset).toLower().contains(needle) ||
+                                  kindLabel(asset.kind).toLower().contains(needle);
+            if (matches.at(i) != expected)
+                return AssertionFailure() << "search for '" << needle.toStdString() << "' in "
+                                          << asset.url.bytes().toStdString();
+        }
+    }
+    return AssertionSuccess();
+}
+
+} // namespace
+
+AssertionResult keepsItsPromises(const VaultPicture &picture)
+{
+    for (const auto check : {checkOrders, checkPlaces, checkSearch}) {
+        if (const AssertionResult result = check(picture); !result)
+            return result;
+    }
+    for (const VaultCategory category : allCategories) {
+        if (const AssertionResult result = checkNode(picture, *picture.tree(category)); !result)
+            return result;
+    }
+    return AssertionSuccess();
+}
+
+AssertionResult areEqual(const VaultPicture &a, const VaultPicture &b)
+{
+    if (!(a.root() == b.root()) || a.size() != b.size() || a.totalSize() != b.totalSize())
+        return AssertionFailure() << "root, size or total: " << a.size() << " and " << b.size();
+    for (AssetIndex i = 0; i < a.size(); ++i) {
+        if (!(a.asset(i) == b.asset(i)) || !(a.asset(i).version == b.asset(i).version))
+            return AssertionFailure() << "asset " << i << " " << a.asset(i).url.bytes().toStdString();
+    }
+    for (const VaultCategory category : allCategories) {
+        if (!(*a.tree(category) == *b.tree(category)))
+            return AssertionFailure() << "tree " << int(category);
+    }
+    for (int order = 0; order < assetOrderCount; ++order) {
+        if (!std::ranges::equal(a.order(AssetOrder(order)), b.order(AssetOrder(order))))
+            return AssertionFailure() << "order " << order;
+    }
+    return AssertionSuccess();
+}
+
+std::vector<QString> namesIn(const VaultPicture &picture, std::span<const AssetIndex> indices)
+{
+    std::vector<QString> names;
+    for (const AssetIndex index : indices)
+        names.push_back(picture.asset(index).url.name());
+    return names;
+}
+
+} // namespace cratewell::test

@@ -1,0 +1,228 @@
+#include "vault/snapshot/picture_reference.h"
+#include "vault/temporary_vault.h"
+
+#include <gmock/gmock.h>
+
+#include <random>
+#include <thread>
+
+namespace cratewell {
+namespace {
+
+using namespace test;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// The assets of `before` with the changes made to it: what each index of `after` must show.
+testing::AssertionResult leadFromBeforeToAfter(const VaultChanges &changes)
+{
+    const VaultPicture &before = *changes.before;
+    const VaultPicture &after = *changes.after;
+    std::vector<bool> gone(before.size(), true);
+    for (AssetIndex i = 0; i < after.size(); ++i) {
+        const AssetIndex earlier = changes.previous.at(i);
+        if (before.find(after.asset(i).url).value_or(noAsset) != earlier)
+            return testing::AssertionFailure() << "previous of " << i;
+        if (earlier == noAsset)
+            continue;
+        gone[earlier] = false;
+        const bool same = before.asset(earlier) == after.asset(i) &&
+                          before.asset(earlier).version == after.asset(i).version;
+        if (same == std::ranges::binary_search(changes.altered, i))
+            return testing::AssertionFailure() << "altered " << i;
+    }
+    std::vector<AssetIndex> removed;
+    for (AssetIndex i = 0; i < gone.size(); ++i) {
+        if (gone[i])
+            removed.push_back(i);
+    }
+    if (removed != changes.removed || changes.previous.size() != after.size())
+        return testing::AssertionFailure() << "removed";
+    return testing::AssertionSuccess();
+}
+
+TEST(VaultChanges, NameWhatCameWentAndChanged)
+{
+    const TemporaryVault vault;
+    vault.write("SFX/a.wav", 1);
+    vault.write("SFX/b.wav", 2);
+    vault.write("SFX/Hits/c.wav", 3);
+    const auto before = vault.scan();
+    vault.remove("SFX/a.wav");
+    vault.write("SFX/b.wav", 5);
+    vault.write("SFX/Hits/d.wav", 1);
+    const auto after = vault.scan(before);
+    const VaultChanges changes = VaultScan::compare(before, after);
+    EXPECT_TRUE(leadFromBeforeToAfter(changes));
+    EXPECT_THAT(changes.removed, ElementsAre(*before->find(vault.at("SFX/a.wav"))));
+    EXPECT_THAT(changes.altered, ElementsAre(*after->find(vault.at("SFX/b.wav"))));
+    EXPECT_EQ(changes.previous.at(*after->find(vault.at("SFX/Hits/d.wav"))), noAsset);
+
+    const VaultChanges first = VaultScan::compare(nullptr, after);
+    EXPECT_THAT(first.removed, IsEmpty());
+    EXPECT_THAT(first.previous, testing::Each(noAsset));
+}
+
+TEST(VaultChanges, AReplacedFileOfTheSameSizeIsAltered)
+{
+    const TemporaryVault vault;
+    vault.write("SFX/a.wav", 4);
+    const auto before = vault.scan();
+    vault.write("SFX/.new", 4);
+    vault.rename("SFX/.new", "SFX/a.wav");
+    const auto after = vault.scan(before);
+    EXPECT_THAT(VaultScan::compare(before, after).altered, ElementsAre(0u));
+}
+
+TEST(VaultChanges, AnUnchangedVaultKeepsItsPicture)
+{
+    const TemporaryVault vault;
+    vault.write("SFX/Hits/a.wav");
+    const auto before = vault.scan();
+    vault.write("SFX/Hits/.hidden");
+    vault.write("SFX/readme.txt");
+    EXPECT_EQ(vault.scan(before), before);
+    vault.makeFolder("SFX/Hits/Empty");
+    EXPECT_NE(vault.scan(before), before);
+
+    const TemporaryVault other;
+    other.write("SFX/Hits/a.wav");
+    const auto elsewhere = other.scan(before);
+    EXPECT_EQ(elsewhere->root(), other.root());
+    EXPECT_TRUE(leadFromBeforeToAfter(VaultScan::compare(before, elsewhere)));
+}
+
+// Changes a vault at random, keeping in mind nothing but what lies on disk.
+class RandomHand
+{
+public:
+    RandomHand(const TemporaryVault &vault, unsigned seed) : m_vault(vault), m_random(seed) {}
+
+    void changeSomething()
+    {
+        const std::vector<std::string> files = everything(Type::Files);
+        const std::vector<std::string> folders = everything(Type::Folders);
+        const unsigned choice = files.empty() ? 0 : m_random() % 10;
+        if (choice < 4)
+            m_vault.write(any(folders) + '/' + name(), m_random() % 50);
+        else if (choice < 5)
+            m_vault.makeFolder(any(folders) + "/Folder " + std::to_string(m_random() % 12));
+        else if (choice < 6)
+            m_vault.remove(any(files));
+        else if (choice < 7)
+            m_vault.write(any(files), m_random() % 50);
+        else if (choice < 8)
+            m_vault.rename(any(files), any(folders) + '/' + name());
+        else if (choice < 9)
+            renameFolder(any(folders));
+        else if (m_random() % 4 == 0)
+            removeBelowCategory(any(folders));
+    }
+
+private:
+    enum class Type { Files, Folders };
+
+    std::vector<std::string> everything(Type type)
+    {
+        namespace fs = std::filesystem;
+        std::vector<std::string> found;
+        for (const char *category : {"Overlays", "LUTs", "SFX"}) {
+            m_vault.makeFolder(category);
+            if (type == Type::Folders)
+                found.push_back(category);
+            for (const auto &entry : fs::recursive_directory_iterator(m_vault.native(category))) {
+                if (entry.is_directory() == (type == Type::Folders))
+                    found.push_back(fs::relative(entry.path(), m_vault.native(".")).string());
+            }
+        }
+        return found;
+    }
+
+    const std::string &any(const std::vector<std::string> &choices)
+    {
+        return choices[m_random() % choices.size()];
+    }
+
+    std::string name()
+    {
+        static const std::vector<std::string> stems{"Hit",  "hit", "HIT", "Hit ", "\xc3\xa9t\xc3\xa9",
+                                                    "\xff", "zz"};
+        static const std::vector<std::string> extensions{".wav", ".mov", ".png", ".cube", ".txt"};
+        return any(stems) + std::to_string(m_random() % 30) + any(extensions);
+    }
+
+    static bool isBelowCategory(const std::string &folder) { return folder.find('/') != std::string::npos; }
+
+    void renameFolder(const std::string &folder)
+    {
+        const std::string target = folder + "x" + std::to_string(m_random() % 3);
+        if (isBelowCategory(folder) && !std::filesystem::exists(m_vault.native(target)))
+            m_vault.rename(folder, target);
+    }
+
+    void removeBelowCategory(const std::string &folder)
+    {
+        if (isBelowCategory(folder))
+            m_vault.remove(folder);
+    }
+
+    const TemporaryVault &m_vault;
+    std::mt19937 m_random;
+};
+
+class RandomEdits : public testing::TestWithParam<unsigned>
+{
+};
+
+TEST_P(RandomEdits, APictureFromTheOneBeforeEqualsOneFromScratch)
+{
+    const TemporaryVault vault;
+    RandomHand hand(vault, GetParam());
+    for (int i = 0; i < 300; ++i)
+        hand.changeSomething();
+    std::shared_ptr<const VaultPicture> picture = vault.scan();
+    std::mt19937 random(GetParam());
+    for (int round = 0; round < 40; ++round) {
+        for (unsigned i = random() % 12; i > 0; --i)
+            hand.changeSomething();
+        const auto scratch = vault.scan();
+        const auto next = vault.scan(picture);
+        ASSERT_TRUE(areEqual(*scratch, *next)) << "round " << round;
+        ASSERT_TRUE(leadFromBeforeToAfter(VaultScan::compare(picture, next))) << "round " << round;
+        ASSERT_TRUE(leadFromBeforeToAfter(VaultScan::compare(picture, scratch))) << "round " << round;
+        picture = next;
+    }
+    EXPECT_TRUE(keepsItsPromises(*picture));
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomEdits, testing::Values(1u, 2u, 3u, 4u));
+
+// Scans while another thread keeps changing the disk, and reads one picture from several threads.
+TEST(VaultScan, WorksBesideChangesAndReaders)
+{
+    const TemporaryVault vault;
+    RandomHand prepare(vault, 99);
+    for (int i = 0; i < 200; ++i)
+        prepare.changeSomething();
+    std::atomic<bool> finished = false;
+    std::jthread writer([&] {
+        RandomHand hand(vault, 5);
+        while (!finished)
+            hand.changeSomething();
+    });
+    std::shared_ptr<const VaultPicture> picture = vault.scan();
+    for (int round = 0; round < 30; ++round) {
+        const auto next = vault.scan(picture);
+        const auto read = [&] { EXPECT_TRUE(keepsItsPromises(*next)); };
+        const std::jthread reader(read);
+        read();
+        EXPECT_TRUE(leadFromBeforeToAfter(VaultScan::compare(picture, next)));
+        picture = next;
+    }
+    finished = true;
+    writer.join();
+    EXPECT_TRUE(areEqual(*vault.scan(picture), *vault.scan()));
+}
+
+} // namespace
+} // namespace cratewell
