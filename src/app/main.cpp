@@ -1,6 +1,6 @@
 #include "app/application.h"
 #include "app/command_line.h"
-#include "app/snapshot.h"
+#include "app/window_capture.h"
 #include "platform/single_instance.h"
 #include "platform/termination_signals.h"
 #include "ui/shell/icon_renderer.h"
@@ -43,8 +43,8 @@ int printAndExit(const PrintAndExit &print)
 
 int runWindow(int argc, char **argv)
 {
-    const auto snapshots = SnapshotPlan::fromEnvironment(QProcessEnvironment::systemEnvironment());
-    if (snapshots)
+    const auto captures = WindowCapturePlan::fromEnvironment(QProcessEnvironment::systemEnvironment());
+    if (captures)
         doWithoutScreen();
 
     QGuiApplication application(argc, argv);
@@ -61,7 +61,7 @@ int runWindow(int argc, char **argv)
 
     const SystemPaths paths = SystemPaths::standard();
     SingleInstance instance(paths.defaultsFile());
-    if (!snapshots && !instance.claim())
+    if (!captures && !instance.claim())
         return 0;
 
     Application cratewell(paths, Services::native(paths));
@@ -71,8 +71,8 @@ int runWindow(int argc, char **argv)
     QObject::connect(&instance, &SingleInstance::raiseRequested, &cratewell, &Application::bringToFront);
     if (!cratewell.launch())
         return 1;
-    if (snapshots)
-        scheduleSnapshots(cratewell, *snapshots);
+    if (captures)
+        scheduleWindowCaptures(cratewell, *captures);
     const int exitCode = QGuiApplication::exec();
     cratewell.drain();
     return exitCode;

@@ -1,4 +1,4 @@
-#include "app/snapshot.h"
+#include "app/window_capture.h"
 
 #include "app/application.h"
 #include "state/app_state.h"
@@ -18,9 +18,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr auto stateDelay = 2500ms;
-constexpr std::array pictureDelays{5000ms, 8000ms};
+constexpr std::array captureDelays{5000ms, 8000ms};
 
-void takePicture(const Application &application, const QString &path)
+void captureWindow(const Application &application, const QString &path)
 {
     QQuickWindow *window = application.window();
     if (window && window->isVisible())
@@ -41,16 +41,16 @@ std::optional<Scope> scopeNamed(const QString &text)
 
 } // namespace
 
-std::optional<SnapshotPlan> SnapshotPlan::fromEnvironment(const QProcessEnvironment &environment)
+std::optional<WindowCapturePlan> WindowCapturePlan::fromEnvironment(const QProcessEnvironment &environment)
 {
     const QString prefix = environment.value(u"CRATEWELL_SNAPSHOT"_s);
     if (prefix.isEmpty())
         return {};
-    return SnapshotPlan{prefix, environment.value(u"CRATEWELL_SCOPE"_s),
-                        environment.value(u"CRATEWELL_SELECT"_s).split(u',', Qt::SkipEmptyParts)};
+    return WindowCapturePlan{prefix, environment.value(u"CRATEWELL_SCOPE"_s),
+                             environment.value(u"CRATEWELL_SELECT"_s).split(u',', Qt::SkipEmptyParts)};
 }
 
-void applySnapshotState(Application &application, const SnapshotPlan &plan)
+void applyCaptureState(Application &application, const WindowCapturePlan &plan)
 {
     AppState &state = application.state();
     if (const auto scope = scopeNamed(plan.scope))
@@ -76,14 +76,14 @@ void applySnapshotState(Application &application, const SnapshotPlan &plan)
     }
 }
 
-void scheduleSnapshots(Application &application, const SnapshotPlan &plan)
+void scheduleWindowCaptures(Application &application, const WindowCapturePlan &plan)
 {
     QTimer::singleShot(stateDelay, &application,
-                       [&application, plan] { applySnapshotState(application, plan); });
-    for (size_t i = 0; i < pictureDelays.size(); ++i) {
+                       [&application, plan] { applyCaptureState(application, plan); });
+    for (size_t i = 0; i < captureDelays.size(); ++i) {
         const QString path = plan.prefix + u"-%1.png"_s.arg(i + 1);
-        QTimer::singleShot(pictureDelays[i], &application,
-                           [&application, path] { takePicture(application, path); });
+        QTimer::singleShot(captureDelays[i], &application,
+                           [&application, path] { captureWindow(application, path); });
     }
 }
 
