@@ -1,4 +1,4 @@
-// vault_scan_bench ROOT: times scans of the vault at ROOT and questions to its picture, in turn with `find`
+// vault_scan_bench ROOT: times scans of the vault at ROOT and questions to its snapshot, in turn with `find`
 // reading the same facts. Prints a JSON list of rows {name, ours, peer, unit}; without a peer that is null.
 // Puts one file into SFX for a moment. With --first before ROOT: the facts of one first scan, in one line.
 
@@ -91,10 +91,10 @@ QJsonObject row(const QString &name, double ours, const QJsonValue &peer, const 
     return {{u"name"_s, name}, {u"ours"_s, ours}, {u"peer"_s, peer}, {u"unit"_s, unit}};
 }
 
-using Picture = std::shared_ptr<const VaultPicture>;
+using Snapshot = std::shared_ptr<const VaultSnapshot>;
 
-// The whole way from a picture to the next, as the program goes it.
-Picture scan(const Location &root, const Picture &before)
+// The whole way from a snapshot to the next, as the program goes it.
+Snapshot scan(const Location &root, const Snapshot &before)
 {
     return VaultScan::compare(before, VaultScan::run(root, before)).after;
 }
@@ -109,8 +109,8 @@ struct FirstScan
 void printFirstScan(const Location &root)
 {
     const double before = residentMegabytes();
-    Picture picture;
-    const double time = milliseconds([&] { picture = scan(root, nullptr); });
+    Snapshot snapshot;
+    const double time = milliseconds([&] { snapshot = scan(root, nullptr); });
     malloc_trim(0);
     std::printf("%f %f %f\n", time, residentMegabytes() - before, mostResidentMegabytes() - before);
 }
@@ -139,7 +139,7 @@ QJsonArray firstScans(const char *program, const Location &root)
         ours.push_back(facts.milliseconds);
     }
     return {row(u"first scan"_s, median(ours), median(peer), u"ms"_s),
-            row(u"memory of the picture"_s, facts.megabytes, {}, u"MB"_s),
+            row(u"memory of the snapshot"_s, facts.megabytes, {}, u"MB"_s),
             row(u"most memory while scanning"_s, facts.mostMegabytes, {}, u"MB"_s)};
 }
 
@@ -149,13 +149,13 @@ QJsonArray laterScans(const Location &root)
     std::vector<double> unchanged;
     std::vector<double> added;
     std::vector<double> first;
-    Picture picture = scan(root, nullptr);
+    Snapshot snapshot = scan(root, nullptr);
     for (int i = 0; i < rounds; ++i) {
-        unchanged.push_back(milliseconds([&] { picture = scan(root, picture); }));
+        unchanged.push_back(milliseconds([&] { snapshot = scan(root, snapshot); }));
         std::ofstream(file) << "x";
-        added.push_back(milliseconds([&] { picture = scan(root, picture); }));
+        added.push_back(milliseconds([&] { snapshot = scan(root, snapshot); }));
         std::filesystem::remove(file);
-        first.push_back(milliseconds([&] { picture = scan(root, nullptr); }));
+        first.push_back(milliseconds([&] { snapshot = scan(root, nullptr); }));
         malloc_trim(0);
     }
     return {row(u"scan after one file was added"_s, median(added), median(first), u"ms"_s),
@@ -164,13 +164,13 @@ QJsonArray laterScans(const Location &root)
 
 QJsonArray questions(const Location &root)
 {
-    const Picture picture = scan(root, nullptr);
+    const Snapshot snapshot = scan(root, nullptr);
     double slowest = 0;
     QString slowestNeedle;
     for (const QString &needle :
          {u"a"_s, u"e"_s, u"o"_s, u" "_s, u"_"_s, u"0"_s, u"oo"_s, u"00"_s, u"whoosh"_s, u"a b"_s,
           u"not there"_s, u"film leak"_s, u"st"_s, u"au"_s, u"1234"_s, u"\u00e9"_s}) {
-        const double time = medianMilliseconds([&] { picture->matching(needle); });
+        const double time = medianMilliseconds([&] { snapshot->matching(needle); });
         if (time > slowest) {
             slowest = time;
             slowestNeedle = needle;
@@ -178,10 +178,10 @@ QJsonArray questions(const Location &root)
     }
     AssetIndex found = 0;
     const double finding = medianMilliseconds([&] {
-        for (AssetIndex i = 0; i < picture->size(); ++i)
-            found += picture->find(picture->asset(i).url) == i;
+        for (AssetIndex i = 0; i < snapshot->size(); ++i)
+            found += snapshot->find(snapshot->asset(i).url) == i;
     });
-    if (found != rounds * picture->size())
+    if (found != rounds * snapshot->size())
         fail("an asset was not found");
     return {row(u"slowest search ('"_s + slowestNeedle + u"')"_s, slowest, {}, u"ms"_s),
             row(u"finding every asset"_s, finding, {}, u"ms"_s)};

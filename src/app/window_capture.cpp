@@ -56,12 +56,12 @@ void applyCaptureState(Application &application, const WindowCapturePlan &plan)
     if (const auto scope = scopeNamed(plan.scope))
         state.setScope(*scope);
 
-    const VaultPicture &picture = *application.vault().picture();
+    const VaultSnapshot &snapshot = *application.vault().snapshot();
     std::optional<Asset> first;
     QSet<Location> found;
     for (const QString &name : plan.fileNames) {
-        for (AssetIndex index = 0; index < picture.size(); ++index) {
-            const Asset &asset = picture.asset(index);
+        for (AssetIndex index = 0; index < snapshot.size(); ++index) {
+            const Asset &asset = snapshot.asset(index);
             if (asset.url.name() != name)
                 continue;
             if (!first)

@@ -52,39 +52,39 @@ Media::Private::Private(Media &media, const SystemPaths &paths)
 }
 
 // Looks at the fewer: what has changed, or what is known.
-template<typename Store> QList<Location> Media::Private::forgetIn(Store &store, const VaultChanges &changes)
+template<typename Store> QList<Location> Media::Private::forgetIn(Store &store, const SnapshotDiff &diff)
 {
     QList<Location> forgotten;
-    if (store.fileCount() < qsizetype(changes.altered.size() + changes.removed.size())) {
+    if (store.fileCount() < qsizetype(diff.altered.size() + diff.removed.size())) {
         for (const Location &url : store.files()) {
-            const auto index = changes.after->find(url);
-            if (index ? store.forgetOthers(url, changes.after->asset(*index).version) : store.forget(url))
+            const auto index = diff.after->find(url);
+            if (index ? store.forgetOthers(url, diff.after->asset(*index).version) : store.forget(url))
                 forgotten << url;
         }
         return forgotten;
     }
-    for (const AssetIndex index : changes.altered) {
-        const Asset &asset = changes.after->asset(index);
+    for (const AssetIndex index : diff.altered) {
+        const Asset &asset = diff.after->asset(index);
         if (store.forgetOthers(asset.url, asset.version))
             forgotten << asset.url;
     }
-    for (const AssetIndex index : changes.removed) {
-        const Location &url = changes.before->asset(index).url;
+    for (const AssetIndex index : diff.removed) {
+        const Location &url = diff.before->asset(index).url;
         if (store.forget(url))
             forgotten << url;
     }
     return forgotten;
 }
 
-void Media::Private::forgetChanged(const VaultChanges &changes)
+void Media::Private::forgetChanged(const SnapshotDiff &diff)
 {
-    for (const Location &url : forgetIn(pictures, changes) + forgetIn(lutThumbnails, changes))
+    for (const Location &url : forgetIn(pictures, diff) + forgetIn(lutThumbnails, diff))
         Q_EMIT q.thumbnailChanged(url);
-    for (const Location &url : forgetIn(sounds, changes))
+    for (const Location &url : forgetIn(sounds, diff))
         Q_EMIT q.waveformChanged(url);
-    for (const Location &url : forgetIn(luts, changes))
+    for (const Location &url : forgetIn(luts, diff))
         Q_EMIT q.lutChanged(url);
-    for (const Location &url : forgetIn(facts, changes))
+    for (const Location &url : forgetIn(facts, diff))
         Q_EMIT q.factsChanged(url);
 }
 
@@ -170,8 +170,7 @@ Media::Media(Vault &vault, Prefs &prefs, const SystemPaths &paths)
     connect(&d->still, &PreviewStill::changed, this, [this] { d->changeStill(); });
     connect(&prefs, &Prefs::previewStillChanged, this,
             [this, &prefs] { d->still.setFile(Location::fromText(prefs.previewStill())); });
-    connect(&vault, &Vault::rescanned, this,
-            [this](const VaultChanges &changes) { d->forgetChanged(changes); });
+    connect(&vault, &Vault::rescanned, this, [this](const SnapshotDiff &diff) { d->forgetChanged(diff); });
 }
 
 Media::~Media() = default;

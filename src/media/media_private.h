@@ -1,11 +1,11 @@
 #pragma once
 
+#include "media/media.h"
 #include "media/previews/preview_loader.h"
 #include "media/previews/preview_still.h"
 #include "media/previews/preview_store.h"
-#include "media/media.h"
 #include "platform/system_paths.h"
-#include "vault/vault_picture.h"
+#include "vault/vault_snapshot.h"
 
 namespace cratewell {
 
@@ -24,8 +24,8 @@ struct Media::Private
 {
     Private(Media &media, const SystemPaths &paths);
 
-    void forgetChanged(const VaultChanges &changes);
-    template<typename Store> QList<Location> forgetIn(Store &store, const VaultChanges &changes);
+    void forgetChanged(const SnapshotDiff &diff);
+    template<typename Store> QList<Location> forgetIn(Store &store, const SnapshotDiff &diff);
     void changeStill();
 
     std::unique_ptr<PreviewRequest> requestPicture(const Asset &asset, int part, const DecodeWish &wish,

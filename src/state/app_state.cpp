@@ -17,7 +17,7 @@ struct AppState::Private
 {
     Private(Vault &theVault, Prefs &thePrefs, Workspace &theWorkspace, FileChooser *theChooser)
         : vault(theVault), prefs(thePrefs), workspace(theWorkspace), chooser(theChooser),
-          picture(theVault.picture()), selected(picture)
+          snapshot(theVault.snapshot()), selected(snapshot)
     {
         refresh();
     }
@@ -29,14 +29,14 @@ struct AppState::Private
     void selectRows(int first, int last);
     // The row of an asset equal to the focused one, or -1.
     int focusedRow() const;
-    // The focused asset as the picture has it now, if it still has it.
+    // The focused asset as the snapshot has it now, if it still has it.
     std::optional<Asset> repairedSelection() const;
 
     Vault &vault;
     Prefs &prefs;
     Workspace &workspace;
     FileChooser *chooser;
-    std::shared_ptr<const VaultPicture> picture;
+    std::shared_ptr<const VaultSnapshot> snapshot;
 
     Scope scope;
     std::optional<Asset> selection;
@@ -57,8 +57,8 @@ struct AppState::Private
 
 bool AppState::Private::refresh()
 {
-    VisibleAssets fresh = listVisible(picture, scope, sort, matching, prefs);
-    const bool differs = fresh.picture != visible.picture || fresh.indices != visible.indices;
+    VisibleAssets fresh = listVisible(snapshot, scope, sort, matching, prefs);
+    const bool differs = fresh.snapshot != visible.snapshot || fresh.indices != visible.indices;
     visible = std::move(fresh);
     return differs;
 }
@@ -66,7 +66,7 @@ bool AppState::Private::refresh()
 void AppState::Private::setSearch(const QString &text)
 {
     search = text;
-    matching = text.isEmpty() ? std::vector<bool>() : picture->matching(text.toLower());
+    matching = text.isEmpty() ? std::vector<bool>() : snapshot->matching(text.toLower());
 }
 
 void AppState::Private::select(const Asset &asset)
@@ -91,8 +91,8 @@ int AppState::Private::focusedRow() const
 
 std::optional<Asset> AppState::Private::repairedSelection() const
 {
-    const auto index = selection ? picture->find(selection->url) : std::nullopt;
-    return index ? std::optional(picture->asset(*index)) : std::nullopt;
+    const auto index = selection ? snapshot->find(selection->url) : std::nullopt;
+    return index ? std::optional(snapshot->asset(*index)) : std::nullopt;
 }
 
 AppState::AppState(Vault &vault, Prefs &prefs, Workspace &workspace, FileChooser *chooser)
@@ -120,15 +120,15 @@ void AppState::refresh()
 
 // Everything is brought up to date before anyone is told, and the rows are told first: whoever hears of the
 // selection may already ask for its row.
-void AppState::follow(const VaultChanges &changes)
+void AppState::follow(const SnapshotDiff &diff)
 {
-    d->picture = changes.after;
-    d->selected.follow(changes);
+    d->snapshot = diff.after;
+    d->selected.follow(diff);
     d->setSearch(d->search);
     d->refresh();
     const std::optional<Asset> before = std::exchange(d->selection, d->repairedSelection());
 
-    Q_EMIT visibleAssetsChanged(&changes);
+    Q_EMIT visibleAssetsChanged(&diff);
     if (d->selection != before)
         Q_EMIT selectionChanged();
 }
@@ -346,7 +346,7 @@ std::vector<Asset> AppState::selectedAssets() const
     assets.reserve(size_t(std::min(d->selected.count(), d->visible.count())));
     for (const AssetIndex index : d->visible.indices) {
         if (d->selected.contains(index))
-            assets.push_back(d->picture->asset(index));
+            assets.push_back(d->snapshot->asset(index));
     }
     return assets;
 }

@@ -50,7 +50,7 @@ public:
     QSet<Location> selected() const;
     void setSelected(const QSet<Location> &selected);
     int selectedCount() const;
-    // By index into the picture of visibleAssets.
+    // By index into the snapshot of visibleAssets.
     bool isSelected(AssetIndex index) const;
 
     QString search() const;
@@ -108,14 +108,14 @@ Q_SIGNALS:
     void showNewFolderChanged();
     void renameTargetChanged();
     void playToggleChanged();
-    // `changes` is null when the picture is the same as before and only the choice from it differs; otherwise
-    // it leads from the picture that was shown to the one that is shown now. Valid during the signal only.
+    // `diff` is null when the snapshot is the same as before and only the choice from it differs; otherwise
+    // it leads from the snapshot that was shown to the one that is shown now. Valid during the signal only.
     // The list has been made anew already, as everything else that this class tells.
-    void visibleAssetsChanged(const cratewell::VaultChanges *changes);
+    void visibleAssetsChanged(const cratewell::SnapshotDiff *diff);
 
 private:
     void refresh();
-    void follow(const VaultChanges &changes);
+    void follow(const SnapshotDiff &diff);
     void followRename(const Location &from, const Location &to);
     void followTrash(const std::vector<TrashItem> &items);
     void focus(const std::optional<Asset> &asset);

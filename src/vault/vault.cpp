@@ -1,8 +1,8 @@
 #include "vault/vault.h"
 
 #include "platform/defaults.h"
-#include "vault/vault_private.h"
 #include "vault/files/vault_structure.h"
+#include "vault/vault_private.h"
 
 namespace cratewell {
 
@@ -30,25 +30,25 @@ void Vault::Private::startScan()
     waiting = false;
     rootChanged = false;
     scanStarted = std::chrono::system_clock::now();
-    worker.start(root, picture);
+    worker.start(root, snapshot);
 }
 
 void Vault::Private::takeResult()
 {
-    std::optional<VaultChanges> changes = worker.takeResult();
-    const bool newer = changes && !rootChanged && (!published || changes->after != picture);
+    std::optional<SnapshotDiff> diff = worker.takeResult();
+    const bool newer = diff && !rootChanged && (!published || diff->after != snapshot);
     scanning = false;
     if (!rootChanged && !following)
         follow();
     if (newer) {
         published = true;
-        picture = changes->after;
+        snapshot = diff->after;
     }
     if (waiting)
         startScan();
     if (newer) {
-        Q_EMIT q.rescanned(*changes);
-        worker.release(std::move(*changes));
+        Q_EMIT q.rescanned(*diff);
+        worker.release(std::move(*diff));
     }
 }
 
@@ -118,9 +118,9 @@ const Location &Vault::root() const
     return d->root;
 }
 
-const std::shared_ptr<const VaultPicture> &Vault::picture() const
+const std::shared_ptr<const VaultSnapshot> &Vault::snapshot() const
 {
-    return d->picture;
+    return d->snapshot;
 }
 
 QString Vault::lastError() const
@@ -138,7 +138,7 @@ void Vault::clearLastError()
 
 qint64 Vault::totalSize() const
 {
-    return d->picture->totalSize();
+    return d->snapshot->totalSize();
 }
 
 Location Vault::categoryUrl(VaultCategory category) const
@@ -163,11 +163,11 @@ Location Vault::defaultFolder(AssetKind kind) const
 
 std::vector<Asset> Vault::assetsUnder(const Location &folder) const
 {
-    const AssetRange range = d->picture->under(folder);
+    const AssetRange range = d->snapshot->under(folder);
     std::vector<Asset> assets;
     assets.reserve(range.count());
     for (AssetIndex i = range.first; i < range.last; ++i)
-        assets.push_back(d->picture->asset(i));
+        assets.push_back(d->snapshot->asset(i));
     return assets;
 }
 

@@ -2,7 +2,7 @@
 
 #include "vault/file_progress.h"
 #include "vault/trash_item.h"
-#include "vault/vault_picture.h"
+#include "vault/vault_snapshot.h"
 
 #include <QObject>
 #include <QSet>
@@ -29,8 +29,8 @@ struct FolderChoice
 // Whether an import leaves its sources where they are.
 enum class ImportMode { Copy, Move };
 
-// The library on disk: makes its folders, keeps a picture of it that follows the disk. Main thread; scans run
-// on a worker. Failures to create, list or read leave empty or partial results. Owned by Application.
+// The library on disk: makes its folders, keeps a snapshot of it that follows the disk. Main thread; scans
+// run on a worker. Failures to create, list or read leave empty or partial results. Owned by Application.
 class Vault : public QObject
 {
     Q_OBJECT
@@ -49,7 +49,7 @@ public:
 
     const Location &root() const;
     // Never null; empty before the first scan.
-    const std::shared_ptr<const VaultPicture> &picture() const;
+    const std::shared_ptr<const VaultSnapshot> &snapshot() const;
     QString lastError() const;
     Q_INVOKABLE void clearLastError();
     qint64 totalSize() const;
@@ -60,7 +60,7 @@ public:
     Location defaultFolder(AssetKind kind) const;
     std::vector<Asset> assetsUnder(const Location &folder) const;
 
-    // What changes files. Each call returns at once; the disk work is done in the order of the calls on a
+    // What diff files. Each call returns at once; the disk work is done in the order of the calls on a
     // thread of its own, and its effects (signals, rescan, toast) follow on the main thread when it is done.
     // A failure puts the system's description into lastError.
 
@@ -96,8 +96,8 @@ Q_SIGNALS:
     void rootChanged(const cratewell::Location &root);
     // After changeRoot has started on the new root.
     void opened();
-    // A newer picture is published.
-    void rescanned(const cratewell::VaultChanges &changes);
+    // A newer snapshot is published.
+    void rescanned(const cratewell::SnapshotDiff &diff);
     void lastErrorChanged();
     void itemRenamed(const cratewell::Location &from, const cratewell::Location &to);
     // Something was moved, or tried to be.

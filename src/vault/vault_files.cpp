@@ -1,5 +1,5 @@
-#include "vault/vault_private.h"
 #include "vault/item_name.h"
+#include "vault/vault_private.h"
 
 namespace cratewell {
 
@@ -111,7 +111,7 @@ std::vector<FolderChoice> Vault::flatFolders(const std::optional<QSet<AssetKind>
     };
     for (const VaultCategory category : allCategories) {
         const auto accepted = [category](AssetKind kind) { return accepts(category, kind); };
-        const FolderNode *tree = d->picture->tree(category);
+        const FolderNode *tree = d->snapshot->tree(category);
         if (tree && (!kinds || std::all_of(kinds->begin(), kinds->end(), accepted)))
             walk(walk, *tree, 0, category);
     }

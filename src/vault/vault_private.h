@@ -31,14 +31,14 @@ struct Vault::Private
     Location root;
     Defaults &defaults;
     std::unique_ptr<FileEvents> events;
-    std::shared_ptr<const VaultPicture> picture = std::make_shared<VaultPicture>();
+    std::shared_ptr<const VaultSnapshot> snapshot = std::make_shared<VaultSnapshot>();
     QString lastError;
     QTimer coalescing;
     QTimer purging;
     bool scanning = false;
     bool waiting = false;
     bool rootChanged = false; // since the scan under way was started
-    bool published = false;   // a picture of this root
+    bool published = false;   // a snapshot of this root
     bool following = false;   // this root
     FileEvents::Time scanStarted;
     std::vector<TrashItem> trash;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vault/vault_picture.h"
+#include "vault/vault_snapshot.h"
 
 #include <functional>
 
@@ -14,11 +14,11 @@ public:
     // not descended; a link to a file takes its kind from its own name and its size from the target. Names
     // beginning with a dot are skipped. When nothing at all changed the result is `before` itself.
     // `cancelled` is polled now and then, on the calling thread; a cancelled scan gives null.
-    static std::shared_ptr<const VaultPicture> run(const Location &root,
-                                                   const std::shared_ptr<const VaultPicture> &before,
-                                                   const std::function<bool()> &cancelled = {});
-    static VaultChanges compare(std::shared_ptr<const VaultPicture> before,
-                                std::shared_ptr<const VaultPicture> after);
+    static std::shared_ptr<const VaultSnapshot> run(const Location &root,
+                                                    const std::shared_ptr<const VaultSnapshot> &before,
+                                                    const std::function<bool()> &cancelled = {});
+    static SnapshotDiff compare(std::shared_ptr<const VaultSnapshot> before,
+                                std::shared_ptr<const VaultSnapshot> after);
 };
 
 } // namespace cratewell

@@ -15,7 +15,7 @@ Q_ENUM_NS(AssetKind)
 enum class VaultCategory : quint8 { Overlays, Luts, Sfx };
 Q_ENUM_NS(VaultCategory)
 
-// Sort orders a picture of the vault keeps ready; in the order of the sort menu.
+// Sort orders a snapshot of the vault keeps ready; in the order of the sort menu.
 enum class AssetOrder : quint8 { Name, Added, Kind, Size };
 Q_ENUM_NS(AssetOrder)
 inline constexpr int assetOrderCount = 4;

@@ -119,7 +119,7 @@ struct SoundFormat
     float tolerance;
 };
 
-// The same samples in every wrapping; lossy ones of a sound that coding hardly changes.
+// The same samples in every wrapping; lossy ones of a sound that coding hardly diff.
 TEST(Peaks, AreTheSameInEveryFormat)
 {
     MadeMedia media;

@@ -46,9 +46,9 @@ protected:
     }
     Asset asset(const Location &url) const
     {
-        const auto index = m_vault.picture()->find(url);
+        const auto index = m_vault.snapshot()->find(url);
         EXPECT_TRUE(index) << url.bytes().toStdString();
-        return index ? m_vault.picture()->asset(*index) : Asset{};
+        return index ? m_vault.snapshot()->asset(*index) : Asset{};
     }
     Asset scanned(const Location &url)
     {

@@ -48,8 +48,8 @@ public:
     }
     std::optional<Asset> asset(const QString &relative) const
     {
-        const auto index = vault.picture()->find(path(relative));
-        return index ? std::optional(vault.picture()->asset(*index)) : std::nullopt;
+        const auto index = vault.snapshot()->find(path(relative));
+        return index ? std::optional(vault.snapshot()->asset(*index)) : std::nullopt;
     }
 
 private:

@@ -52,7 +52,7 @@ public:
     }
     void remove(const std::string &path) const { std::filesystem::remove_all(native(path)); }
 
-    std::shared_ptr<const VaultPicture> scan(const std::shared_ptr<const VaultPicture> &before = {}) const
+    std::shared_ptr<const VaultSnapshot> scan(const std::shared_ptr<const VaultSnapshot> &before = {}) const
     {
         return VaultScan::run(root(), before);
     }

@@ -18,13 +18,13 @@ namespace fs = std::filesystem;
 class VaultTest : public testing::Test
 {
 protected:
-    // The first picture of a vault that was just started.
+    // The first snapshot of a vault that was just started.
     void start()
     {
         vault.start();
         ASSERT_TRUE(waitUntil([this] { return rescanned.count() == 1; }));
     }
-    bool shows(const std::string &path) const { return vault.picture()->find(disk.at(path)).has_value(); }
+    bool shows(const std::string &path) const { return vault.snapshot()->find(disk.at(path)).has_value(); }
 
     TemporaryVault disk;
     MemoryDefaults defaults;
@@ -36,11 +36,11 @@ protected:
 TEST_F(VaultTest, MakesTheStructureOfANewVaultOnce)
 {
     EXPECT_FALSE(fs::exists(disk.native(""))) << "only start() makes the root";
-    EXPECT_EQ(vault.picture()->size(), 0u);
+    EXPECT_EQ(vault.snapshot()->size(), 0u);
     start();
-    EXPECT_EQ(vault.picture()->tree(VaultCategory::Sfx)->children.size(), 8u);
-    EXPECT_EQ(vault.picture()->tree(VaultCategory::Overlays)->children.size(), 5u);
-    EXPECT_TRUE(vault.picture()->tree(VaultCategory::Luts)->children.empty());
+    EXPECT_EQ(vault.snapshot()->tree(VaultCategory::Sfx)->children.size(), 8u);
+    EXPECT_EQ(vault.snapshot()->tree(VaultCategory::Overlays)->children.size(), 5u);
+    EXPECT_TRUE(vault.snapshot()->tree(VaultCategory::Luts)->children.empty());
     for (const char *category : {"overlays", "luts", "sfx"}) {
         const QString key = u"seeded."_s + disk.root().text() + u'.' + QLatin1StringView(category);
         EXPECT_EQ(defaults.boolean(key), true) << category;
@@ -51,7 +51,7 @@ TEST_F(VaultTest, MakesTheStructureOfANewVaultOnce)
     EXPECT_FALSE(fs::exists(disk.native("SFX/Whooshes")));
     disk.remove("");
     vault.rescan();
-    ASSERT_TRUE(waitUntil([this] { return vault.picture()->tree(VaultCategory::Sfx)->children.empty(); }));
+    ASSERT_TRUE(waitUntil([this] { return vault.snapshot()->tree(VaultCategory::Sfx)->children.empty(); }));
     EXPECT_FALSE(fs::exists(disk.native(""))) << "scanning makes nothing";
     vault.start();
     EXPECT_TRUE(fs::exists(disk.native("SFX/Whooshes"))) << "a new root is seeded whatever the key says";
@@ -78,36 +78,36 @@ TEST_F(VaultTest, FollowsTheDiskAndCoalesces)
     EXPECT_EQ(vault.totalSize(), 3);
     EXPECT_EQ(vault.assetsUnder(disk.at("SFX/Hits")).size(), 1u);
 
-    const auto changes = rescanned.at(1).at(0).value<VaultChanges>();
-    EXPECT_EQ(changes.after, vault.picture());
-    EXPECT_EQ(changes.previous, std::vector{noAsset});
+    const auto diff = rescanned.at(1).at(0).value<SnapshotDiff>();
+    EXPECT_EQ(diff.after, vault.snapshot());
+    EXPECT_EQ(diff.previous, std::vector{noAsset});
 }
 
 TEST_F(VaultTest, SaysNothingWhenNothingChanged)
 {
     start();
-    const auto picture = vault.picture();
+    const auto snapshot = vault.snapshot();
     vault.rescan();
     disk.write("SFX/.hidden.wav");
     vault.rescan();
     disk.write("SFX/b.wav");
     vault.rescan();
     ASSERT_TRUE(waitUntil([this] { return shows("SFX/b.wav"); }));
-    const auto changes = rescanned.last().at(0).value<VaultChanges>();
+    const auto diff = rescanned.last().at(0).value<SnapshotDiff>();
     EXPECT_EQ(rescanned.count(), 2);
-    EXPECT_EQ(changes.before, picture);
+    EXPECT_EQ(diff.before, snapshot);
 }
 
-// Every published picture must follow from the one published before, whatever is asked meanwhile.
+// Every published snapshot must follow from the one published before, whatever is asked meanwhile.
 TEST_F(VaultTest, ConstantRescansNeitherStarveNorReorder)
 {
     start();
     int written = 0;
-    std::shared_ptr<const VaultPicture> last = vault.picture();
-    QObject::connect(&vault, &Vault::rescanned, &vault, [&](const VaultChanges &changes) {
-        EXPECT_EQ(changes.before, last);
-        EXPECT_GE(changes.after->size(), last->size());
-        last = changes.after;
+    std::shared_ptr<const VaultSnapshot> last = vault.snapshot();
+    QObject::connect(&vault, &Vault::rescanned, &vault, [&](const SnapshotDiff &diff) {
+        EXPECT_EQ(diff.before, last);
+        EXPECT_GE(diff.after->size(), last->size());
+        last = diff.after;
     });
     const bool published = waitUntil([&] {
         disk.write("SFX/" + std::to_string(written++) + ".wav");
@@ -116,7 +116,7 @@ TEST_F(VaultTest, ConstantRescansNeitherStarveNorReorder)
         return rescanned.count() > 10;
     });
     EXPECT_TRUE(published);
-    EXPECT_TRUE(waitUntil([&] { return int(vault.picture()->size()) == written; }));
+    EXPECT_TRUE(waitUntil([&] { return int(vault.snapshot()->size()) == written; }));
 }
 
 TEST_F(VaultTest, AChangeOfRootDropsTheScanOfTheOldOne)
@@ -131,8 +131,8 @@ TEST_F(VaultTest, AChangeOfRootDropsTheScanOfTheOldOne)
         told.push_back(u"root"_s);
     });
     QObject::connect(&vault, &Vault::opened, &vault, [&] { told.push_back(u"opened"_s); });
-    QObject::connect(&vault, &Vault::rescanned, &vault, [&](const VaultChanges &changes) {
-        EXPECT_EQ(changes.after->root(), other.root());
+    QObject::connect(&vault, &Vault::rescanned, &vault, [&](const SnapshotDiff &diff) {
+        EXPECT_EQ(diff.after->root(), other.root());
         told.push_back(u"rescanned"_s);
     });
     vault.start();
@@ -140,8 +140,8 @@ TEST_F(VaultTest, AChangeOfRootDropsTheScanOfTheOldOne)
     ASSERT_TRUE(waitUntil([&] { return !told.empty() && told.back() == u"rescanned"_s; }));
     EXPECT_THAT(told, testing::ElementsAre(u"root"_s, u"opened"_s, u"rescanned"_s));
     EXPECT_THAT(events->watched(), testing::ElementsAre(other.root()))
-        << "the old one has no picture to keep";
-    EXPECT_TRUE(vault.picture()->find(other.at("LUTs/only here.cube")));
+        << "the old one has no snapshot to keep";
+    EXPECT_TRUE(vault.snapshot()->find(other.at("LUTs/only here.cube")));
     EXPECT_TRUE(fs::exists(other.native("SFX/Hits")));
     EXPECT_EQ(vault.categoryUrl(VaultCategory::Sfx), other.at("SFX"));
     EXPECT_EQ(vault.defaultFolder(AssetKind::Lut), other.at("LUTs"));
@@ -178,7 +178,7 @@ TEST_F(VaultTest, ARootThatCannotBeMadeIsAnEmptyVault)
     QSignalSpy scans(&impossible, &Vault::rescanned);
     impossible.start();
     ASSERT_TRUE(waitUntil([&] { return scans.count() == 1; }));
-    EXPECT_EQ(impossible.picture()->size(), 0u);
+    EXPECT_EQ(impossible.snapshot()->size(), 0u);
     EXPECT_EQ(impossible.lastError(), QString());
 }
 

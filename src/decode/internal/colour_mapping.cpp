@@ -122,7 +122,7 @@ void ColourMapping::fillLight()
     }
 }
 
-// BT.2390-10, 5.4.1: below the knee nothing changes, above it a Hermite spline leads to the target's white.
+// BT.2390-10, 5.4.1: below the knee nothing diff, above it a Hermite spline leads to the target's white.
 void ColourMapping::fillRollOff()
 {
     const double peakCode = pqCode(m_peak), white = pqCode(referenceWhite) / peakCode;

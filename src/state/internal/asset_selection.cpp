@@ -4,25 +4,25 @@
 
 namespace cratewell {
 
-AssetSelection::AssetSelection(std::shared_ptr<const VaultPicture> picture)
-    : m_picture(std::move(picture)), m_flags(m_picture->size())
+AssetSelection::AssetSelection(std::shared_ptr<const VaultSnapshot> snapshot)
+    : m_snapshot(std::move(snapshot)), m_flags(m_snapshot->size())
 {
 }
 
-void AssetSelection::follow(const VaultChanges &changes)
+void AssetSelection::follow(const SnapshotDiff &diff)
 {
-    for (const AssetIndex index : changes.removed) {
+    for (const AssetIndex index : diff.removed) {
         if (m_flags[index])
-            m_outside.insert(m_picture->asset(index).url);
+            m_outside.insert(m_snapshot->asset(index).url);
     }
 
-    m_picture = changes.after;
-    const std::vector<bool> before = std::exchange(m_flags, std::vector<bool>(m_picture->size()));
+    m_snapshot = diff.after;
+    const std::vector<bool> before = std::exchange(m_flags, std::vector<bool>(m_snapshot->size()));
     m_count = 0;
-    for (AssetIndex index = 0; index < m_picture->size(); ++index) {
-        const AssetIndex previous = changes.previous[index];
+    for (AssetIndex index = 0; index < m_snapshot->size(); ++index) {
+        const AssetIndex previous = diff.previous[index];
         const bool selected = previous == noAsset
-                                  ? !m_outside.isEmpty() && m_outside.remove(m_picture->asset(index).url)
+                                  ? !m_outside.isEmpty() && m_outside.remove(m_snapshot->asset(index).url)
                                   : before[previous];
         if (selected)
             set(index, true);
@@ -35,7 +35,7 @@ QSet<Location> AssetSelection::places() const
     places.reserve(count());
     for (AssetIndex index = 0; index < m_flags.size(); ++index) {
         if (m_flags[index])
-            places.insert(m_picture->asset(index).url);
+            places.insert(m_snapshot->asset(index).url);
     }
     return places;
 }
@@ -44,7 +44,7 @@ bool AssetSelection::holdsExactly(const QSet<Location> &places) const
 {
     return places.size() == count() &&
            std::all_of(places.begin(), places.end(), [this](const Location &place) {
-               const auto index = m_picture->find(place);
+               const auto index = m_snapshot->find(place);
                return index ? m_flags[*index] : m_outside.contains(place);
            });
 }
@@ -58,7 +58,7 @@ void AssetSelection::clear()
 
 void AssetSelection::insert(const Location &place)
 {
-    if (const auto index = m_picture->find(place))
+    if (const auto index = m_snapshot->find(place))
         insert(*index);
     else
         m_outside.insert(place);
@@ -66,7 +66,7 @@ void AssetSelection::insert(const Location &place)
 
 void AssetSelection::toggle(const Location &place)
 {
-    if (const auto index = m_picture->find(place))
+    if (const auto index = m_snapshot->find(place))
         toggle(*index);
     else if (!m_outside.remove(place))
         m_outside.insert(place);

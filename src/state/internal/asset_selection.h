@@ -1,23 +1,23 @@
 #pragma once
 
-#include "vault/vault_picture.h"
+#include "vault/vault_snapshot.h"
 
 #include <QSet>
 
 namespace cratewell {
 
-// A set of places, held as one flag per asset of a picture, so that choosing all of 100,000 or asking for one
-// costs nothing. Places the picture does not hold are kept beside and count again when they come back.
+// A set of places, held as one flag per asset of a snapshot, so that choosing all of 100,000 or asking for
+// one costs nothing. Places the snapshot does not hold are kept beside and count again when they come back.
 class AssetSelection
 {
 public:
-    explicit AssetSelection(std::shared_ptr<const VaultPicture> picture);
+    explicit AssetSelection(std::shared_ptr<const VaultSnapshot> snapshot);
 
-    // What `changes` leads to becomes the picture.
-    void follow(const VaultChanges &changes);
+    // What `diff` leads to becomes the snapshot.
+    void follow(const SnapshotDiff &diff);
 
     bool contains(AssetIndex index) const { return m_flags[index]; }
-    // Elements, those outside the picture included.
+    // Elements, those outside the snapshot included.
     int count() const { return m_count + int(m_outside.size()); }
     QSet<Location> places() const;
     bool holdsExactly(const QSet<Location> &places) const;
@@ -31,7 +31,7 @@ public:
 private:
     void set(AssetIndex index, bool selected);
 
-    std::shared_ptr<const VaultPicture> m_picture;
+    std::shared_ptr<const VaultSnapshot> m_snapshot;
     std::vector<bool> m_flags;
     int m_count = 0;
     QSet<Location> m_outside;

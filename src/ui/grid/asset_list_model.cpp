@@ -12,7 +12,7 @@ namespace {
 // The rows of `all` that no run of `inserted` covers.
 VisibleAssets without(const VisibleAssets &all, const std::vector<RowRun> &inserted)
 {
-    VisibleAssets kept{all.picture, {}, {}};
+    VisibleAssets kept{all.snapshot, {}, {}};
     kept.indices.reserve(all.indices.size());
     int row = 0;
     for (const RowRun &run : inserted) {
@@ -145,7 +145,7 @@ void AssetListModel::toggleFavorite(int row)
         m_prefs->toggleFavorite(url);
 }
 
-void AssetListModel::follow(const VaultChanges *changes)
+void AssetListModel::follow(const SnapshotDiff *diff)
 {
     if (m_applying) {
         m_outdated = true;
@@ -153,7 +153,7 @@ void AssetListModel::follow(const VaultChanges *changes)
     }
     const int countBefore = count();
     const VisibleAssets &fresh = m_state->visibleAssets();
-    const FormerRows former = formerRowsOf(fresh, changes);
+    const FormerRows former = formerRowsOf(fresh, diff);
     const RowChanges rows = rowChanges(former);
     if (rows.isEmpty()) {
         show(carriedOver(fresh, former));
@@ -168,10 +168,10 @@ void AssetListModel::follow(const VaultChanges *changes)
         Q_EMIT applied(rows.relayout);
     }
 
-    if (changes) {
+    if (diff) {
         std::vector<int> altered;
-        for (const AssetIndex index : changes->altered) {
-            if (const int row = rowOf(changes->after->asset(index).url); row >= 0)
+        for (const AssetIndex index : diff->altered) {
+            if (const int row = rowOf(diff->after->asset(index).url); row >= 0)
                 altered.push_back(row);
         }
         std::sort(altered.begin(), altered.end());
@@ -185,14 +185,14 @@ void AssetListModel::follow(const VaultChanges *changes)
     }
 }
 
-FormerRows AssetListModel::formerRowsOf(const VisibleAssets &fresh, const VaultChanges *changes) const
+FormerRows AssetListModel::formerRowsOf(const VisibleAssets &fresh, const SnapshotDiff *diff) const
 {
     const VisibleAssets &shown = m_head.assets;
-    if (fresh.picture == shown.picture)
+    if (fresh.snapshot == shown.snapshot)
         return formerRows(shown, fresh.indices, {});
-    if (changes && changes->before == shown.picture && changes->after == fresh.picture)
-        return formerRows(shown, fresh.indices, changes->previous);
-    return formerRows(shown, fresh.indices, VaultScan::compare(shown.picture, fresh.picture).previous);
+    if (diff && diff->before == shown.snapshot && diff->after == fresh.snapshot)
+        return formerRows(shown, fresh.indices, diff->previous);
+    return formerRows(shown, fresh.indices, VaultScan::compare(shown.snapshot, fresh.snapshot).previous);
 }
 
 // Rows that stay are as selected as the views know them; the difference is told afterwards.
@@ -211,23 +211,23 @@ AssetListModel::Rows AssetListModel::carriedOver(const VisibleAssets &fresh, con
     return rows;
 }
 
-void AssetListModel::apply(Rows fresh, const FormerRows &former, const RowChanges &changes)
+void AssetListModel::apply(Rows fresh, const FormerRows &former, const RowChanges &diff)
 {
-    if (changes.relayout)
+    if (diff.relayout)
         relayout(std::move(fresh), former);
     else
-        applyRuns(std::move(fresh), changes);
+        applyRuns(std::move(fresh), diff);
 }
 
-void AssetListModel::applyRuns(Rows fresh, const RowChanges &changes)
+void AssetListModel::applyRuns(Rows fresh, const RowChanges &diff)
 {
-    m_tail.assets = without(fresh.assets, changes.inserts);
+    m_tail.assets = without(fresh.assets, diff.inserts);
     m_tail.selected.assign(m_tail.assets.indices.size(), false);
     for (size_t row = 0; fresh.selectedCount > 0 && row < m_tail.selected.size(); ++row)
         m_tail.selected[row] = fresh.selected[size_t(fresh.assets.rows[m_tail.assets.indices[row]])];
     m_tailFirst = m_tail.assets.count();
 
-    for (auto run = changes.removes.rbegin(); run != changes.removes.rend(); ++run) {
+    for (auto run = diff.removes.rbegin(); run != diff.removes.rend(); ++run) {
         const int end = run->first + run->count;
         beginRemoveRows({}, run->first, end - 1);
         m_tailFirst -= m_headCount - end;
@@ -239,7 +239,7 @@ void AssetListModel::applyRuns(Rows fresh, const RowChanges &changes)
     m_head = std::move(fresh);
     m_headCount = 0;
     m_tailFirst = 0;
-    for (const RowRun &run : changes.inserts) {
+    for (const RowRun &run : diff.inserts) {
         beginInsertRows({}, run.first, run.first + run.count - 1);
         m_tailFirst += run.first - m_headCount;
         m_headCount = run.first + run.count;
@@ -290,8 +290,8 @@ void AssetListModel::show(Rows rows)
 
 void AssetListModel::updateSelected()
 {
-    // Flags of another picture are told once its rows are shown.
-    if (!m_state || m_applying || m_state->visibleAssets().picture != m_head.assets.picture)
+    // Flags of another snapshot are told once its rows are shown.
+    if (!m_state || m_applying || m_state->visibleAssets().snapshot != m_head.assets.snapshot)
         return;
     if (m_head.selectedCount == 0 && m_state->selectedCount() == 0)
         return;

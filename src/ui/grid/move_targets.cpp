@@ -17,7 +17,7 @@ void MoveTargets::fill(const Vault &vault, const AppState &state)
     const VisibleAssets &visible = state.visibleAssets();
     for (const AssetIndex index : visible.indices) {
         if (state.isSelected(index))
-            kinds.insert(visible.picture->asset(index).kind);
+            kinds.insert(visible.snapshot->asset(index).kind);
     }
     beginResetModel();
     m_folders = vault.flatFolders(kinds);

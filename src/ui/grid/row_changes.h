@@ -12,7 +12,7 @@ struct RowRun
     friend bool operator==(const RowRun &, const RowRun &) = default;
 };
 
-// For each row of a new list its row in the old one. Most changes leave a long beginning and a long end as
+// For each row of a new list its row in the old one. Most diff leave a long beginning and a long end as
 // they were; only what lies between is looked up row by row.
 struct FormerRows
 {
@@ -48,7 +48,7 @@ inline constexpr int rowRunLimit = 400;
 // both lists hold stands in the same order.
 RowChanges rowChanges(const FormerRows &former, int runLimit = rowRunLimit);
 
-// `previous` leads from the new list's picture to the old one's and is empty when they are the same.
+// `previous` leads from the new list's snapshot to the old one's and is empty when they are the same.
 FormerRows formerRows(const VisibleAssets &before, std::span<const AssetIndex> after,
                       std::span<const AssetIndex> previous);
 

@@ -56,7 +56,7 @@ bool SelectionActions::isFavorite() const
     for (const AssetIndex index : visible.indices) {
         if (!state.isSelected(index))
             continue;
-        if (!favorites.contains(visible.picture->asset(index).url))
+        if (!favorites.contains(visible.snapshot->asset(index).url))
             return false;
         any = true;
     }

@@ -30,9 +30,9 @@ void RecentImportsModel::refresh()
 
 std::optional<Asset> RecentImportsModel::assetAt(int row) const
 {
-    const VaultPicture &picture = *m_vault->picture();
-    const auto index = picture.find(Location::fromStandardized(keyAt(row)));
-    return index ? std::optional(picture.asset(*index)) : std::nullopt;
+    const VaultSnapshot &snapshot = *m_vault->snapshot();
+    const auto index = snapshot.find(Location::fromStandardized(keyAt(row)));
+    return index ? std::optional(snapshot.asset(*index)) : std::nullopt;
 }
 
 QVariant RecentImportsModel::data(const QModelIndex &index, int role) const

@@ -20,7 +20,7 @@ public:
         UrlRole = Qt::UserRole + 1,
         NameRole, // without the extension
         KindRole,
-        PresentRole, // whether the vault's picture has it
+        PresentRole, // whether the vault's snapshot has it
     };
 
     // What QML does when it has made the model. Both must outlive it.

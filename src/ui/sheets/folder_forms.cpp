@@ -31,7 +31,7 @@ QString NewFolderForm::problem(const QString &name)
 void RenameForm::follow(const AppState &state, const Vault &vault)
 {
     m_item = state.renameTarget().value_or(Location());
-    m_isFile = vault.picture()->find(m_item).has_value();
+    m_isFile = vault.snapshot()->find(m_item).has_value();
 }
 
 void RenameForm::classBegin()

@@ -93,7 +93,7 @@ void FolderTreeModel::refresh()
     const FolderExpansion expansion(*m_defaults);
     std::vector<FolderLine> lines;
     for (const VaultCategory category : allCategories) {
-        if (const FolderNode *tree = m_vault->picture()->tree(category))
+        if (const FolderNode *tree = m_vault->snapshot()->tree(category))
             appendLines(lines, *tree, category, 0, expansion);
         else
             lines.push_back({.folder = m_vault->categoryUrl(category), .category = category});

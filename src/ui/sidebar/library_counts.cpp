@@ -28,16 +28,16 @@ void LibraryCounts::follow(Vault &vault, Prefs &prefs)
 
 void LibraryCounts::count()
 {
-    const VaultPicture &picture = *m_vault->picture();
-    const auto existing = [&picture](const auto &places) {
+    const VaultSnapshot &snapshot = *m_vault->snapshot();
+    const auto existing = [&snapshot](const auto &places) {
         return int(std::ranges::count_if(
-            places, [&](const Location &place) { return picture.find(place).has_value(); }));
+            places, [&](const Location &place) { return snapshot.find(place).has_value(); }));
     };
-    m_all = int(picture.size());
+    m_all = int(snapshot.size());
     m_favorites = existing(m_prefs->favorites());
     m_recent = existing(m_prefs->recent());
     m_trash = int(m_vault->trashItems().size());
-    m_size = byteText(picture.totalSize());
+    m_size = byteText(snapshot.totalSize());
     Q_EMIT changed();
 }
 

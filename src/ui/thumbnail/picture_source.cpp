@@ -41,9 +41,9 @@ const Asset *ThumbnailSource::find(const Location &url) const
 {
     if (!m_vault)
         return nullptr;
-    const VaultPicture &picture = *m_vault->picture();
-    const std::optional<AssetIndex> index = picture.find(url);
-    return index ? &picture.asset(*index) : nullptr;
+    const VaultSnapshot &snapshot = *m_vault->snapshot();
+    const std::optional<AssetIndex> index = snapshot.find(url);
+    return index ? &snapshot.asset(*index) : nullptr;
 }
 
 Media::State ThumbnailSource::state(const Location &url) const

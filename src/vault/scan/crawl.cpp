@@ -62,7 +62,7 @@ bool holdsSame(const FolderReader &reader, const FolderChunk &chunk)
 
 } // namespace
 
-Crawl::Crawl(const Location &root, const PictureData *before, const std::function<bool()> &cancelled)
+Crawl::Crawl(const Location &root, const SnapshotData *before, const std::function<bool()> &cancelled)
     : m_before(before), m_cancelled(cancelled)
 {
     for (const VaultCategory category : allCategories) {
@@ -191,7 +191,7 @@ void Crawl::readPart(CrawledFolder &folder, size_t first, size_t last)
 void Crawl::makeChunk(CrawledFolder &folder)
 {
     const FolderReader &reader = *folder.reader;
-    const PictureFolder *earlier = m_before ? m_before->folder(folder.url) : nullptr;
+    const SnapshotFolder *earlier = m_before ? m_before->folder(folder.url) : nullptr;
     ++m_folders;
     if (earlier && holdsSame(reader, *earlier->chunk)) {
         ++m_keptFolders;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "vault/scan/folder_reader.h"
-#include "vault/snapshot/picture_data.h"
+#include "vault/snapshot/snapshot_data.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -10,7 +10,7 @@
 
 namespace cratewell {
 
-// One folder of a crawl. Its chunk is that of the picture before when nothing in the folder itself changed.
+// One folder of a crawl. Its chunk is that of the snapshot before when nothing in the folder itself changed.
 struct CrawledFolder
 {
     const CrawledFolder *parent = nullptr;
@@ -30,7 +30,7 @@ struct CrawledFolder
 class Crawl
 {
 public:
-    Crawl(const Location &root, const PictureData *before, const std::function<bool()> &cancelled);
+    Crawl(const Location &root, const SnapshotData *before, const std::function<bool()> &cancelled);
     ~Crawl();
 
     // False when cancelled. `cancelled` is asked by the calling thread only.
@@ -39,7 +39,7 @@ public:
     const CrawledFolder &category(VaultCategory category) const { return m_categories[size_t(category)]; }
     size_t folderCount() const { return m_folders; }
     size_t assetCount() const { return m_assets; }
-    // No folder has come, gone or changed since the picture before.
+    // No folder has come, gone or changed since the snapshot before.
     bool changedNothing() const;
 
 private:
@@ -60,7 +60,7 @@ private:
     void readPart(CrawledFolder &folder, size_t first, size_t last);
     void makeChunk(CrawledFolder &folder);
 
-    const PictureData *m_before = nullptr;
+    const SnapshotData *m_before = nullptr;
     const std::function<bool()> &m_cancelled;
     std::array<CrawledFolder, allCategories.size()> m_categories;
     std::atomic<size_t> m_folders = 0;

@@ -17,7 +17,7 @@ struct ChildFolder
     friend bool operator==(const ChildFolder &, const ChildFolder &) = default;
 };
 
-// What one folder itself holds, in listing order. Knows nothing of its place in a picture, so that pictures
+// What one folder itself holds, in listing order. Knows nothing of its place in a snapshot, so that snapshots
 // share it for as long as the folder does not change. Immutable.
 struct FolderChunk
 {

@@ -35,7 +35,7 @@ ScanWorker::~ScanWorker()
     m_thread.join();
 }
 
-void ScanWorker::start(const Location &root, std::shared_ptr<const VaultPicture> before)
+void ScanWorker::start(const Location &root, std::shared_ptr<const VaultSnapshot> before)
 {
     {
         const std::scoped_lock lock(m_mutex);
@@ -50,17 +50,17 @@ void ScanWorker::cancel()
     m_cancelled = true;
 }
 
-std::optional<VaultChanges> ScanWorker::takeResult()
+std::optional<SnapshotDiff> ScanWorker::takeResult()
 {
     const std::scoped_lock lock(m_mutex);
     return std::exchange(m_result, std::nullopt);
 }
 
-void ScanWorker::release(VaultChanges changes)
+void ScanWorker::release(SnapshotDiff diff)
 {
     {
         const std::scoped_lock lock(m_mutex);
-        m_released.push_back(std::move(changes));
+        m_released.push_back(std::move(diff));
     }
     m_wanted.notify_one();
 }
@@ -70,7 +70,7 @@ void ScanWorker::work()
     std::unique_lock lock(m_mutex);
     while (!m_ending) {
         if (!m_released.empty()) {
-            std::vector<VaultChanges> released;
+            std::vector<SnapshotDiff> released;
             released.swap(m_released);
             lock.unlock();
             released.clear();
@@ -90,9 +90,9 @@ void ScanWorker::work()
 void ScanWorker::scan(Request request)
 {
     const auto cancelled = [this] { return m_cancelled || m_ending; };
-    std::optional<VaultChanges> result;
-    if (auto picture = VaultScan::run(request.root, request.before, cancelled))
-        result = VaultScan::compare(std::move(request.before), std::move(picture));
+    std::optional<SnapshotDiff> result;
+    if (auto snapshot = VaultScan::run(request.root, request.before, cancelled))
+        result = VaultScan::compare(std::move(request.before), std::move(snapshot));
     {
         const std::scoped_lock lock(m_mutex);
         m_result = std::move(result);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vault/vault_picture.h"
+#include "vault/vault_snapshot.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -20,20 +20,20 @@ public:
     // Breaks off a scan under way and waits for the thread.
     ~ScanWorker();
 
-    void start(const Location &root, std::shared_ptr<const VaultPicture> before);
+    void start(const Location &root, std::shared_ptr<const VaultSnapshot> before);
     // The scan under way ends soon, with no result.
     void cancel();
-    // What led from the picture before to the new one; nothing when the scan was cancelled. Called once for
+    // What led from the snapshot before to the new one; nothing when the scan was cancelled. Called once for
     // each start, after `finished`.
-    std::optional<VaultChanges> takeResult();
-    // Lets go of pictures on the worker's thread: the last owner of a hundred thousand assets takes a while.
-    void release(VaultChanges changes);
+    std::optional<SnapshotDiff> takeResult();
+    // Lets go of snapshots on the worker's thread: the last owner of a hundred thousand assets takes a while.
+    void release(SnapshotDiff diff);
 
 private:
     struct Request
     {
         Location root;
-        std::shared_ptr<const VaultPicture> before;
+        std::shared_ptr<const VaultSnapshot> before;
     };
 
     void work();
@@ -43,8 +43,8 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_wanted;
     std::optional<Request> m_request;
-    std::optional<VaultChanges> m_result;
-    std::vector<VaultChanges> m_released;
+    std::optional<SnapshotDiff> m_result;
+    std::vector<SnapshotDiff> m_released;
     std::atomic<bool> m_cancelled = false;
     std::atomic<bool> m_ending = false;
     std::thread m_thread;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vault/vault_picture.h"
+#include "vault/vault_snapshot.h"
 
 #include <memory>
 

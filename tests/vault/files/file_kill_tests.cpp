@@ -1,9 +1,9 @@
-// A program that changes files in a vault is killed at random instants; after each time the vault must hold
+// A program that diff files in a vault is killed at random instants; after each time the vault must hold
 // every file, complete, and a trash without gaps.
 
-#include "vault/temporary_vault.h"
 #include "vault/files/disk.h"
 #include "vault/files/file_work.h"
+#include "vault/temporary_vault.h"
 
 #include <QCoreApplication>
 #include <QProcess>

@@ -1,8 +1,8 @@
 #include "platform/fakes/fake_file_events.h"
 #include "platform/fakes/memory_defaults.h"
 #include "support/wait.h"
-#include "vault/temporary_vault.h"
 #include "vault/files/file_queue.h"
+#include "vault/temporary_vault.h"
 #include "vault/vault.h"
 
 #include <gmock/gmock.h>
@@ -41,7 +41,7 @@ protected:
     void SetUp() override
     {
         vault.start();
-        ASSERT_TRUE(waitUntil([this] { return vault.picture()->tree(VaultCategory::Sfx) != nullptr; }));
+        ASSERT_TRUE(waitUntil([this] { return vault.snapshot()->tree(VaultCategory::Sfx) != nullptr; }));
     }
     // What was told until this was among it, in order.
     std::vector<QString> until(const QString &last)
@@ -50,7 +50,7 @@ protected:
             << last.toStdString();
         return std::exchange(told, {});
     }
-    bool shows(const std::string &path) const { return vault.picture()->find(disk.at(path)).has_value(); }
+    bool shows(const std::string &path) const { return vault.snapshot()->find(disk.at(path)).has_value(); }
 
     TemporaryVault disk;
     MemoryDefaults defaults;

@@ -1,4 +1,4 @@
-#include "vault/snapshot/picture_reference.h"
+#include "vault/snapshot/snapshot_reference.h"
 #include "vault/temporary_vault.h"
 
 #include <gmock/gmock.h>
@@ -15,11 +15,11 @@ using namespace test;
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
 
-std::vector<std::string> pathsIn(const TemporaryVault &vault, const VaultPicture &picture)
+std::vector<std::string> pathsIn(const TemporaryVault &vault, const VaultSnapshot &snapshot)
 {
     std::vector<std::string> paths;
-    for (AssetIndex i = 0; i < picture.size(); ++i)
-        paths.push_back(picture.asset(i).url.bytes().sliced(vault.root().bytes().size() + 1).toStdString());
+    for (AssetIndex i = 0; i < snapshot.size(); ++i)
+        paths.push_back(snapshot.asset(i).url.bytes().sliced(vault.root().bytes().size() + 1).toStdString());
     return paths;
 }
 
@@ -31,13 +31,13 @@ TEST(VaultScan, ListsWhatEachCategoryAccepts)
           "SFX/e.wav", "SFX/.hidden.wav", "SFX/.folder/f.wav", "SFX/notes.txt", "SFX/Pack.wav/g.wav",
           "Other/h.wav", "i.wav", ".Cratewell Trash/SFX/j.wav", "SFX/.wav", "SFX/noextension"})
         vault.write(path, 3);
-    const auto picture = vault.scan();
-    EXPECT_THAT(pathsIn(vault, *picture),
+    const auto snapshot = vault.scan();
+    EXPECT_THAT(pathsIn(vault, *snapshot),
                 UnorderedElementsAre("Overlays/a.mov", "Overlays/Light/b.PNG", "LUTs/c.cube", "SFX/e.wav",
                                      "SFX/Pack.wav/g.wav"));
-    EXPECT_EQ(picture->totalSize(), 15);
-    EXPECT_EQ(picture->node(vault.at("SFX/.folder")), nullptr);
-    EXPECT_TRUE(keepsItsPromises(*picture));
+    EXPECT_EQ(snapshot->totalSize(), 15);
+    EXPECT_EQ(snapshot->node(vault.at("SFX/.folder")), nullptr);
+    EXPECT_TRUE(keepsItsPromises(*snapshot));
 }
 
 TEST(VaultScan, NamesOfEveryKindSurvive)
@@ -65,10 +65,10 @@ TEST(VaultScan, NamesOfEveryKindSurvive)
     };
     for (const std::string &path : paths)
         vault.write(path);
-    const auto picture = vault.scan();
-    EXPECT_THAT(pathsIn(vault, *picture), testing::UnorderedElementsAreArray(paths));
-    EXPECT_TRUE(keepsItsPromises(*picture));
-    EXPECT_EQ(std::ranges::count(picture->matching(u"\u00e9t\u00e9"_s), true), 1);
+    const auto snapshot = vault.scan();
+    EXPECT_THAT(pathsIn(vault, *snapshot), testing::UnorderedElementsAreArray(paths));
+    EXPECT_TRUE(keepsItsPromises(*snapshot));
+    EXPECT_EQ(std::ranges::count(snapshot->matching(u"\u00e9t\u00e9"_s), true), 1);
 }
 
 TEST(VaultScan, LinksLeadToFilesOnly)
@@ -83,13 +83,13 @@ TEST(VaultScan, LinksLeadToFilesOnly)
     vault.link("SFX/Up", "..");
     vault.link("SFX/gone.wav", "nowhere");
     ASSERT_EQ(mkfifo(vault.native("SFX/pipe.wav").c_str(), 0600), 0);
-    const auto picture = vault.scan();
-    EXPECT_THAT(pathsIn(vault, *picture), UnorderedElementsAre("SFX/linked.wav", "SFX/gone.wav"));
-    EXPECT_TRUE(picture->tree(VaultCategory::Sfx)->children.empty());
-    const Asset &linked = picture->asset(*picture->find(vault.at("SFX/linked.wav")));
+    const auto snapshot = vault.scan();
+    EXPECT_THAT(pathsIn(vault, *snapshot), UnorderedElementsAre("SFX/linked.wav", "SFX/gone.wav"));
+    EXPECT_TRUE(snapshot->tree(VaultCategory::Sfx)->children.empty());
+    const Asset &linked = snapshot->asset(*snapshot->find(vault.at("SFX/linked.wav")));
     EXPECT_EQ(linked.size, 7);
     EXPECT_NE(linked.added, distantPast);
-    EXPECT_EQ(picture->asset(*picture->find(vault.at("SFX/gone.wav"))).version, FileVersion());
+    EXPECT_EQ(snapshot->asset(*snapshot->find(vault.at("SFX/gone.wav"))).version, FileVersion());
 }
 
 TEST(VaultScan, ACategoryMayItselfBeALink)
@@ -106,19 +106,19 @@ TEST(VaultScan, FoldersStandInFileManagerOrderWithTheirCounts)
     for (const char *path :
          {"SFX/Clip 10/a.wav", "SFX/clip 2/a.wav", "SFX/clip 2/deep/b.wav", "SFX/Alpha/x.txt"})
         vault.write(path);
-    const auto picture = vault.scan();
-    const FolderNode &tree = *picture->tree(VaultCategory::Sfx);
+    const auto snapshot = vault.scan();
+    const FolderNode &tree = *snapshot->tree(VaultCategory::Sfx);
     std::vector<std::pair<QString, int>> children;
     for (const FolderNode &child : tree.children)
         children.emplace_back(child.url.name(), child.count);
     EXPECT_THAT(children,
                 ElementsAre(std::pair(u"Alpha"_s, 0), std::pair(u"clip 2"_s, 2), std::pair(u"Clip 10"_s, 1)));
     EXPECT_EQ(tree.count, 3);
-    EXPECT_EQ(picture->node(vault.at("SFX/clip 2/deep"))->count, 1);
-    EXPECT_EQ(picture->node(vault.at("SFX/nowhere")), nullptr);
-    EXPECT_EQ(picture->under(vault.at("SFX/nowhere")).count(), 0u);
-    EXPECT_EQ(picture->find(vault.at("SFX/clip 2/none.wav")), std::nullopt);
-    EXPECT_TRUE(keepsItsPromises(*picture));
+    EXPECT_EQ(snapshot->node(vault.at("SFX/clip 2/deep"))->count, 1);
+    EXPECT_EQ(snapshot->node(vault.at("SFX/nowhere")), nullptr);
+    EXPECT_EQ(snapshot->under(vault.at("SFX/nowhere")).count(), 0u);
+    EXPECT_EQ(snapshot->find(vault.at("SFX/clip 2/none.wav")), std::nullopt);
+    EXPECT_TRUE(keepsItsPromises(*snapshot));
 }
 
 TEST(VaultScan, WhatCannotBeReadIsEmpty)
@@ -128,7 +128,7 @@ TEST(VaultScan, WhatCannotBeReadIsEmpty)
     EXPECT_EQ(missing->size(), 0u);
     EXPECT_EQ(missing->tree(VaultCategory::Luts)->count, 0);
     EXPECT_EQ(missing->tree(VaultCategory::Luts)->url, vault.at("LUTs"));
-    EXPECT_EQ(VaultPicture().tree(VaultCategory::Luts), nullptr);
+    EXPECT_EQ(VaultSnapshot().tree(VaultCategory::Luts), nullptr);
     const auto nowhere = VaultScan::run({}, {});
     EXPECT_EQ(nowhere->size(), 0u);
     EXPECT_EQ(nowhere->node({}), nullptr);
@@ -138,10 +138,10 @@ TEST(VaultScan, WhatCannotBeReadIsEmpty)
     EXPECT_THAT(pathsIn(vault, *vault.scan()), ElementsAre("SFX/a.wav"));
     vault.write("SFX/Locked/b.wav");
     std::filesystem::permissions(vault.native("SFX/Locked"), std::filesystem::perms::none);
-    const auto picture = vault.scan();
+    const auto snapshot = vault.scan();
     const size_t readable = geteuid() == 0 ? 2 : 1;
-    EXPECT_EQ(picture->size(), readable);
-    EXPECT_NE(picture->node(vault.at("SFX/Locked")), nullptr);
+    EXPECT_EQ(snapshot->size(), readable);
+    EXPECT_NE(snapshot->node(vault.at("SFX/Locked")), nullptr);
     std::filesystem::permissions(vault.native("SFX/Locked"), std::filesystem::perms::owner_all);
 }
 
@@ -152,8 +152,8 @@ TEST(VaultScan, FactsAreThoseOfTheFile)
     struct statx facts;
     ASSERT_EQ(statx(AT_FDCWD, vault.native("SFX/a.wav").c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &facts),
               0);
-    const auto picture = vault.scan();
-    const Asset &asset = picture->asset(0);
+    const auto snapshot = vault.scan();
+    const Asset &asset = snapshot->asset(0);
     EXPECT_EQ(asset.kind, AssetKind::Audio);
     EXPECT_EQ(asset.size, 12);
     EXPECT_EQ(asset.version, (FileVersion{facts.stx_ino, 12,
@@ -189,17 +189,17 @@ TEST(VaultScan, AFolderOfThousandsOfFilesIsReadWhole)
     vault.write("SFX/Big/Inner/x.wav", 5);
     vault.write("SFX/Big/h\xc3\xaft 7.wav");
     vault.write("SFX/Big/HIT 0050.wav");
-    const auto picture = vault.scan();
-    ASSERT_EQ(picture->size(), 3003u);
+    const auto snapshot = vault.scan();
+    ASSERT_EQ(snapshot->size(), 3003u);
     for (int i = 0; i < 3000; ++i) {
-        const auto found = picture->find(vault.at("SFX/Big/hit " + std::to_string(i) + ".wav"));
+        const auto found = snapshot->find(vault.at("SFX/Big/hit " + std::to_string(i) + ".wav"));
         ASSERT_TRUE(found);
-        EXPECT_EQ(picture->asset(*found).size, i);
+        EXPECT_EQ(snapshot->asset(*found).size, i);
     }
     EXPECT_EQ(
-        namesIn(*picture, picture->order(AssetOrder::Name).subspan(7, 5)),
+        namesIn(*snapshot, snapshot->order(AssetOrder::Name).subspan(7, 5)),
         (std::vector{u"hit 7.wav"_s, u"h\u00eft 7.wav"_s, u"hit 8.wav"_s, u"hit 9.wav"_s, u"hit 10.wav"_s}));
-    EXPECT_TRUE(keepsItsPromises(*picture));
+    EXPECT_TRUE(keepsItsPromises(*snapshot));
 }
 
 } // namespace

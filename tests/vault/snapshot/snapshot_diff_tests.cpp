@@ -1,4 +1,4 @@
-#include "vault/snapshot/picture_reference.h"
+#include "vault/snapshot/snapshot_reference.h"
 #include "vault/temporary_vault.h"
 
 #include <gmock/gmock.h>
@@ -13,14 +13,14 @@ using namespace test;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// The assets of `before` with the changes made to it: what each index of `after` must show.
-testing::AssertionResult leadFromBeforeToAfter(const VaultChanges &changes)
+// The assets of `before` with the diff made to it: what each index of `after` must show.
+testing::AssertionResult leadFromBeforeToAfter(const SnapshotDiff &diff)
 {
-    const VaultPicture &before = *changes.before;
-    const VaultPicture &after = *changes.after;
+    const VaultSnapshot &before = *diff.before;
+    const VaultSnapshot &after = *diff.after;
     std::vector<bool> gone(before.size(), true);
     for (AssetIndex i = 0; i < after.size(); ++i) {
-        const AssetIndex earlier = changes.previous.at(i);
+        const AssetIndex earlier = diff.previous.at(i);
         if (before.find(after.asset(i).url).value_or(noAsset) != earlier)
             return testing::AssertionFailure() << "previous of " << i;
         if (earlier == noAsset)
@@ -28,7 +28,7 @@ testing::AssertionResult leadFromBeforeToAfter(const VaultChanges &changes)
         gone[earlier] = false;
         const bool same = before.asset(earlier) == after.asset(i) &&
                           before.asset(earlier).version == after.asset(i).version;
-        if (same == std::ranges::binary_search(changes.altered, i))
+        if (same == std::ranges::binary_search(diff.altered, i))
             return testing::AssertionFailure() << "altered " << i;
     }
     std::vector<AssetIndex> removed;
@@ -36,12 +36,12 @@ testing::AssertionResult leadFromBeforeToAfter(const VaultChanges &changes)
         if (gone[i])
             removed.push_back(i);
     }
-    if (removed != changes.removed || changes.previous.size() != after.size())
+    if (removed != diff.removed || diff.previous.size() != after.size())
         return testing::AssertionFailure() << "removed";
     return testing::AssertionSuccess();
 }
 
-TEST(VaultChanges, NameWhatCameWentAndChanged)
+TEST(SnapshotDiff, NameWhatCameWentAndChanged)
 {
     const TemporaryVault vault;
     vault.write("SFX/a.wav", 1);
@@ -52,18 +52,18 @@ TEST(VaultChanges, NameWhatCameWentAndChanged)
     vault.write("SFX/b.wav", 5);
     vault.write("SFX/Hits/d.wav", 1);
     const auto after = vault.scan(before);
-    const VaultChanges changes = VaultScan::compare(before, after);
-    EXPECT_TRUE(leadFromBeforeToAfter(changes));
-    EXPECT_THAT(changes.removed, ElementsAre(*before->find(vault.at("SFX/a.wav"))));
-    EXPECT_THAT(changes.altered, ElementsAre(*after->find(vault.at("SFX/b.wav"))));
-    EXPECT_EQ(changes.previous.at(*after->find(vault.at("SFX/Hits/d.wav"))), noAsset);
+    const SnapshotDiff diff = VaultScan::compare(before, after);
+    EXPECT_TRUE(leadFromBeforeToAfter(diff));
+    EXPECT_THAT(diff.removed, ElementsAre(*before->find(vault.at("SFX/a.wav"))));
+    EXPECT_THAT(diff.altered, ElementsAre(*after->find(vault.at("SFX/b.wav"))));
+    EXPECT_EQ(diff.previous.at(*after->find(vault.at("SFX/Hits/d.wav"))), noAsset);
 
-    const VaultChanges first = VaultScan::compare(nullptr, after);
+    const SnapshotDiff first = VaultScan::compare(nullptr, after);
     EXPECT_THAT(first.removed, IsEmpty());
     EXPECT_THAT(first.previous, testing::Each(noAsset));
 }
 
-TEST(VaultChanges, AReplacedFileOfTheSameSizeIsAltered)
+TEST(SnapshotDiff, AReplacedFileOfTheSameSizeIsAltered)
 {
     const TemporaryVault vault;
     vault.write("SFX/a.wav", 4);
@@ -74,7 +74,7 @@ TEST(VaultChanges, AReplacedFileOfTheSameSizeIsAltered)
     EXPECT_THAT(VaultScan::compare(before, after).altered, ElementsAre(0u));
 }
 
-TEST(VaultChanges, AnUnchangedVaultKeepsItsPicture)
+TEST(SnapshotDiff, AnUnchangedVaultKeepsItsSnapshot)
 {
     const TemporaryVault vault;
     vault.write("SFX/Hits/a.wav");
@@ -174,30 +174,30 @@ class RandomEdits : public testing::TestWithParam<unsigned>
 {
 };
 
-TEST_P(RandomEdits, APictureFromTheOneBeforeEqualsOneFromScratch)
+TEST_P(RandomEdits, ASnapshotFromTheOneBeforeEqualsOneFromScratch)
 {
     const TemporaryVault vault;
     RandomHand hand(vault, GetParam());
     for (int i = 0; i < 300; ++i)
         hand.changeSomething();
-    std::shared_ptr<const VaultPicture> picture = vault.scan();
+    std::shared_ptr<const VaultSnapshot> snapshot = vault.scan();
     std::mt19937 random(GetParam());
     for (int round = 0; round < 40; ++round) {
         for (unsigned i = random() % 12; i > 0; --i)
             hand.changeSomething();
         const auto scratch = vault.scan();
-        const auto next = vault.scan(picture);
+        const auto next = vault.scan(snapshot);
         ASSERT_TRUE(areEqual(*scratch, *next)) << "round " << round;
-        ASSERT_TRUE(leadFromBeforeToAfter(VaultScan::compare(picture, next))) << "round " << round;
-        ASSERT_TRUE(leadFromBeforeToAfter(VaultScan::compare(picture, scratch))) << "round " << round;
-        picture = next;
+        ASSERT_TRUE(leadFromBeforeToAfter(VaultScan::compare(snapshot, next))) << "round " << round;
+        ASSERT_TRUE(leadFromBeforeToAfter(VaultScan::compare(snapshot, scratch))) << "round " << round;
+        snapshot = next;
     }
-    EXPECT_TRUE(keepsItsPromises(*picture));
+    EXPECT_TRUE(keepsItsPromises(*snapshot));
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomEdits, testing::Values(1u, 2u, 3u, 4u));
 
-// Scans while another thread keeps changing the disk, and reads one picture from several threads.
+// Scans while another thread keeps changing the disk, and reads one snapshot from several threads.
 TEST(VaultScan, WorksBesideChangesAndReaders)
 {
     const TemporaryVault vault;
@@ -210,18 +210,18 @@ TEST(VaultScan, WorksBesideChangesAndReaders)
         while (!finished)
             hand.changeSomething();
     });
-    std::shared_ptr<const VaultPicture> picture = vault.scan();
+    std::shared_ptr<const VaultSnapshot> snapshot = vault.scan();
     for (int round = 0; round < 30; ++round) {
-        const auto next = vault.scan(picture);
+        const auto next = vault.scan(snapshot);
         const auto read = [&] { EXPECT_TRUE(keepsItsPromises(*next)); };
         const std::jthread reader(read);
         read();
-        EXPECT_TRUE(leadFromBeforeToAfter(VaultScan::compare(picture, next)));
-        picture = next;
+        EXPECT_TRUE(leadFromBeforeToAfter(VaultScan::compare(snapshot, next)));
+        snapshot = next;
     }
     finished = true;
     writer.join();
-    EXPECT_TRUE(areEqual(*vault.scan(picture), *vault.scan()));
+    EXPECT_TRUE(areEqual(*vault.scan(snapshot), *vault.scan()));
 }
 
 } // namespace

@@ -1,8 +1,8 @@
-#include "vault/snapshot/picture_orders.h"
+#include "vault/snapshot/sort_orders.h"
 
 #include "vault/snapshot/key_sorter.h"
 #include "vault/snapshot/name_collation.h"
-#include "vault/snapshot/picture_changes.h"
+#include "vault/snapshot/snapshot_diff.h"
 
 #include <algorithm>
 #include <bit>
@@ -59,7 +59,7 @@ int labelRank(AssetKind kind)
 class Comparison
 {
 public:
-    explicit Comparison(const PictureData &data) : m_data(data) {}
+    explicit Comparison(const SnapshotData &data) : m_data(data) {}
 
     bool before(AssetOrder order, AssetIndex a, AssetIndex b) const
     {
@@ -92,12 +92,12 @@ private:
         return 0;
     }
 
-    const PictureData &m_data;
+    const SnapshotData &m_data;
     mutable std::optional<NameCollation> m_names;
 };
 
 // Calls visit(index, base name) for all assets, in flat-list order.
-template<typename Visit> void forEachName(const PictureData &data, const Visit &visit)
+template<typename Visit> void forEachName(const SnapshotData &data, const Visit &visit)
 {
     for (const FlatRun &run : data.runs) {
         for (quint32 i = 0; i < run.count; ++i)
@@ -122,7 +122,7 @@ template<typename Before> Order insertInto(const Order &kept, const Order &fresh
 }
 
 // Names without a key of weights, in the collator's order.
-Order byCollator(const PictureData &data, const Comparison &comparison, const Order &indices)
+Order byCollator(const SnapshotData &data, const Comparison &comparison, const Order &indices)
 {
     std::vector<std::pair<QCollatorSortKey, AssetIndex>> collated;
     collated.reserve(indices.size());
@@ -137,7 +137,7 @@ Order byCollator(const PictureData &data, const Comparison &comparison, const Or
     return order;
 }
 
-Order byName(const PictureData &data, const Comparison &comparison, KeySorter &sorter)
+Order byName(const SnapshotData &data, const Comparison &comparison, KeySorter &sorter)
 {
     constexpr size_t mostPerByte = 4;
     static_assert(NameCollation::keySize(1) <= mostPerByte);
@@ -161,7 +161,7 @@ Order byName(const PictureData &data, const Comparison &comparison, KeySorter &s
     return result;
 }
 
-Order byKind(const PictureData &data, KeySorter &sorter)
+Order byKind(const SnapshotData &data, KeySorter &sorter)
 {
     constexpr size_t mostPerByte = 3; // a stray byte is written as three
     sorter.begin(data.assets.size(), mostPerByte * data.nameBytes);
@@ -189,7 +189,8 @@ quint64 ascending(double number)
     return bits >> 63 ? ~bits : bits | quint64(1) << 63;
 }
 
-template<typename Number> Order largestFirst(const PictureData &data, Number Asset::*field, KeySorter &sorter)
+template<typename Number>
+Order largestFirst(const SnapshotData &data, Number Asset::*field, KeySorter &sorter)
 {
     sorter.begin(data.assets.size(), 0);
     for (AssetIndex i = 0; i < data.assets.size(); ++i)
@@ -197,7 +198,7 @@ template<typename Number> Order largestFirst(const PictureData &data, Number Ass
     return sorter.sorted();
 }
 
-Order fromScratch(const PictureData &data, const Comparison &comparison, AssetOrder order, KeySorter &sorter)
+Order fromScratch(const SnapshotData &data, const Comparison &comparison, AssetOrder order, KeySorter &sorter)
 {
     switch (order) {
     case AssetOrder::Name:
@@ -212,7 +213,7 @@ Order fromScratch(const PictureData &data, const Comparison &comparison, AssetOr
     return {};
 }
 
-// What can be taken over from the orders of an earlier picture.
+// What can be taken over from the orders of an earlier snapshot.
 struct Carried
 {
     std::vector<AssetIndex> next; // for each asset of `before` its index now, or noAsset
@@ -221,7 +222,7 @@ struct Carried
 
 // Nothing when too little can be taken over, or when what stayed no longer follows each other as before (then
 // equal ones would be out of order).
-std::optional<Carried> carriedOver(const PictureData &before, const PictureData &data)
+std::optional<Carried> carriedOver(const SnapshotData &before, const SnapshotData &data)
 {
     Carried carried;
     carried.next.assign(before.assets.size(), noAsset);
@@ -259,7 +260,7 @@ Order carryOver(const Order &earlier, const Carried &carried, const Comparison &
 
 } // namespace
 
-bool makeOrders(PictureData &data, const PictureData *before, const std::function<bool()> &cancelled)
+bool makeOrders(SnapshotData &data, const SnapshotData *before, const std::function<bool()> &cancelled)
 {
     const std::optional<Carried> carried =
         before && before->scanned ? carriedOver(*before, data) : std::optional<Carried>();

@@ -1,4 +1,4 @@
-#include "vault/snapshot/picture_changes.h"
+#include "vault/snapshot/snapshot_diff.h"
 #include "vault/vault_scan.h"
 
 namespace cratewell {
@@ -6,7 +6,7 @@ namespace cratewell {
 namespace {
 
 // The same chunk means the same positions; only the numbers in the flat lists differ.
-void matchSharedChunk(const PictureFolder &before, const PictureFolder &after,
+void matchSharedChunk(const SnapshotFolder &before, const SnapshotFolder &after,
                       std::vector<AssetIndex> &previous)
 {
     for (const FolderRun &run : after.runs) {
@@ -15,7 +15,7 @@ void matchSharedChunk(const PictureFolder &before, const PictureFolder &after,
     }
 }
 
-void matchByName(const PictureFolder &before, const PictureFolder &after, std::vector<AssetIndex> &previous)
+void matchByName(const SnapshotFolder &before, const SnapshotFolder &after, std::vector<AssetIndex> &previous)
 {
     for (const FolderRun &run : after.runs) {
         for (quint32 i = 0; i < run.count; ++i) {
@@ -27,11 +27,11 @@ void matchByName(const PictureFolder &before, const PictureFolder &after, std::v
 
 } // namespace
 
-std::vector<AssetIndex> previousIndices(const PictureData &before, const PictureData &after)
+std::vector<AssetIndex> previousIndices(const SnapshotData &before, const SnapshotData &after)
 {
     std::vector<AssetIndex> previous(after.assets.size(), noAsset);
-    for (const PictureFolder &folder : after.folders) {
-        const PictureFolder *earlier = before.folder(folder.chunk->url);
+    for (const SnapshotFolder &folder : after.folders) {
+        const SnapshotFolder *earlier = before.folder(folder.chunk->url);
         if (!earlier)
             continue;
         if (earlier->chunk == folder.chunk)
@@ -47,30 +47,30 @@ bool isSame(const Asset &a, const Asset &b)
     return &a == &b || (a == b && a.version == b.version);
 }
 
-VaultChanges VaultScan::compare(std::shared_ptr<const VaultPicture> before,
-                                std::shared_ptr<const VaultPicture> after)
+SnapshotDiff VaultScan::compare(std::shared_ptr<const VaultSnapshot> before,
+                                std::shared_ptr<const VaultSnapshot> after)
 {
-    static const PictureData nothing;
-    const PictureData &from = before ? *before->d : nothing;
-    const PictureData &to = after ? *after->d : nothing;
-    VaultChanges changes;
-    changes.previous = previousIndices(from, to);
+    static const SnapshotData nothing;
+    const SnapshotData &from = before ? *before->d : nothing;
+    const SnapshotData &to = after ? *after->d : nothing;
+    SnapshotDiff diff;
+    diff.previous = previousIndices(from, to);
     std::vector<bool> kept(from.assets.size());
-    for (AssetIndex i = 0; i < changes.previous.size(); ++i) {
-        const AssetIndex earlier = changes.previous[i];
+    for (AssetIndex i = 0; i < diff.previous.size(); ++i) {
+        const AssetIndex earlier = diff.previous[i];
         if (earlier == noAsset)
             continue;
         kept[earlier] = true;
         if (!isSame(from.asset(earlier), to.asset(i)))
-            changes.altered.push_back(i);
+            diff.altered.push_back(i);
     }
     for (AssetIndex i = 0; i < kept.size(); ++i) {
         if (!kept[i])
-            changes.removed.push_back(i);
+            diff.removed.push_back(i);
     }
-    changes.before = std::move(before);
-    changes.after = std::move(after);
-    return changes;
+    diff.before = std::move(before);
+    diff.after = std::move(after);
+    return diff;
 }
 
 } // namespace cratewell

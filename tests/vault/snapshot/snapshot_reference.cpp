@@ -1,4 +1,4 @@
-#include "vault/snapshot/picture_reference.h"
+#include "vault/snapshot/snapshot_reference.h"
 
 #include <QCollator>
 
@@ -34,68 +34,68 @@ bool comesBefore(const QCollator &collator, AssetOrder order, const Asset &a, co
     return false;
 }
 
-AssertionResult checkOrders(const VaultPicture &picture)
+AssertionResult checkOrders(const VaultSnapshot &snapshot)
 {
     const QLocale user = QLocale().collation();
     QCollator collator(user == QLocale::c() ? QLocale(QLocale::English, QLocale::UnitedStates) : user);
     collator.setNumericMode(true);
     collator.setCaseSensitivity(Qt::CaseInsensitive);
     for (const AssetOrder order : {AssetOrder::Name, AssetOrder::Added, AssetOrder::Kind, AssetOrder::Size}) {
-        std::vector<AssetIndex> expected(picture.size());
+        std::vector<AssetIndex> expected(snapshot.size());
         std::iota(expected.begin(), expected.end(), AssetIndex{0});
         std::ranges::stable_sort(expected, [&](AssetIndex a, AssetIndex b) {
-            return comesBefore(collator, order, picture.asset(a), picture.asset(b));
+            return comesBefore(collator, order, snapshot.asset(a), snapshot.asset(b));
         });
-        if (!std::ranges::equal(expected, picture.order(order)))
+        if (!std::ranges::equal(expected, snapshot.order(order)))
             return AssertionFailure() << "order " << int(order);
     }
     return AssertionSuccess();
 }
 
-AssertionResult checkPlaces(const VaultPicture &picture)
+AssertionResult checkPlaces(const VaultSnapshot &snapshot)
 {
     qint64 total = 0;
-    for (AssetIndex i = 0; i < picture.size(); ++i) {
-        total += picture.asset(i).size;
-        if (picture.find(picture.asset(i).url) != i)
-            return AssertionFailure() << "find " << picture.asset(i).url.bytes().toStdString();
+    for (AssetIndex i = 0; i < snapshot.size(); ++i) {
+        total += snapshot.asset(i).size;
+        if (snapshot.find(snapshot.asset(i).url) != i)
+            return AssertionFailure() << "find " << snapshot.asset(i).url.bytes().toStdString();
     }
-    if (total != picture.totalSize())
+    if (total != snapshot.totalSize())
         return AssertionFailure() << "total size";
     return AssertionSuccess();
 }
 
-AssertionResult checkNode(const VaultPicture &picture, const FolderNode &node)
+AssertionResult checkNode(const VaultSnapshot &snapshot, const FolderNode &node)
 {
-    for (AssetIndex i = 0; i < picture.size(); ++i) {
-        if (picture.asset(i).url.isInside(node.url) != node.assets.contains(i))
+    for (AssetIndex i = 0; i < snapshot.size(); ++i) {
+        if (snapshot.asset(i).url.isInside(node.url) != node.assets.contains(i))
             return AssertionFailure() << "range of " << node.url.bytes().toStdString();
     }
-    if (node.count != int(node.assets.count()) || picture.node(node.url) != &node ||
-        !(picture.under(node.url) == node.assets))
+    if (node.count != int(node.assets.count()) || snapshot.node(node.url) != &node ||
+        !(snapshot.under(node.url) == node.assets))
         return AssertionFailure() << "node of " << node.url.bytes().toStdString();
     for (const FolderNode &child : node.children) {
-        if (const AssertionResult result = checkNode(picture, child); !result)
+        if (const AssertionResult result = checkNode(snapshot, child); !result)
             return result;
     }
     return AssertionSuccess();
 }
 
-AssertionResult checkSearch(const VaultPicture &picture)
+AssertionResult checkSearch(const VaultSnapshot &snapshot)
 {
     QStringList needles{QStringLiteral("a"),      QStringLiteral(" "),    QStringLiteral("lut"),
                         QStringLiteral("zzz"),    QString(QChar(0xDC80)), QString(QChar(0xD83C)),
                         QStringLiteral("\u00e9"), QString(QChar(0))};
-    for (AssetIndex i = 0; i < picture.size(); i += 7 + picture.size() / 40) {
-        const QString name = picture.asset(i).url.baseName().toLower();
-        needles << name << name.mid(name.size() / 3, 3) << folderNameOf(picture.asset(i)).toLower();
+    for (AssetIndex i = 0; i < snapshot.size(); i += 7 + snapshot.size() / 40) {
+        const QString name = snapshot.asset(i).url.baseName().toLower();
+        needles << name << name.mid(name.size() / 3, 3) << folderNameOf(snapshot.asset(i)).toLower();
     }
     for (const QString &needle : needles) {
         if (needle.isEmpty())
             continue;
-        const std::vector<bool> matches = picture.matching(needle);
-        for (AssetIndex i = 0; i < picture.size(); ++i) {
-            const Asset &asset = picture.asset(i);
+        const std::vector<bool> matches = snapshot.matching(needle);
+        for (AssetIndex i = 0; i < snapshot.size(); ++i) {
+            const Asset &asset = snapshot.asset(i);
             const bool expected = asset.url.baseName().toLower().contains(needle) ||
                                   folderNameOf(asset).toLower().contains(needle) ||
                                   kindLabel(asset.kind).toLower().contains(needle);
@@ -109,20 +109,20 @@ AssertionResult checkSearch(const VaultPicture &picture)
 
 } // namespace
 
-AssertionResult keepsItsPromises(const VaultPicture &picture)
+AssertionResult keepsItsPromises(const VaultSnapshot &snapshot)
 {
     for (const auto check : {checkOrders, checkPlaces, checkSearch}) {
-        if (const AssertionResult result = check(picture); !result)
+        if (const AssertionResult result = check(snapshot); !result)
             return result;
     }
     for (const VaultCategory category : allCategories) {
-        if (const AssertionResult result = checkNode(picture, *picture.tree(category)); !result)
+        if (const AssertionResult result = checkNode(snapshot, *snapshot.tree(category)); !result)
             return result;
     }
     return AssertionSuccess();
 }
 
-AssertionResult areEqual(const VaultPicture &a, const VaultPicture &b)
+AssertionResult areEqual(const VaultSnapshot &a, const VaultSnapshot &b)
 {
     if (!(a.root() == b.root()) || a.size() != b.size() || a.totalSize() != b.totalSize())
         return AssertionFailure() << "root, size or total: " << a.size() << " and " << b.size();
@@ -141,11 +141,11 @@ AssertionResult areEqual(const VaultPicture &a, const VaultPicture &b)
     return AssertionSuccess();
 }
 
-std::vector<QString> namesIn(const VaultPicture &picture, std::span<const AssetIndex> indices)
+std::vector<QString> namesIn(const VaultSnapshot &snapshot, std::span<const AssetIndex> indices)
 {
     std::vector<QString> names;
     for (const AssetIndex index : indices)
-        names.push_back(picture.asset(index).url.name());
+        names.push_back(snapshot.asset(index).url.name());
     return names;
 }
 

@@ -1,19 +1,19 @@
-#include "vault/snapshot/picture_orders.h"
+#include "vault/snapshot/sort_orders.h"
 
 #include <gtest/gtest.h>
 
 namespace cratewell {
 namespace {
 
-// A picture of one folder that lists these names in this order, all of one size and age.
-PictureData pictureListing(const std::vector<const char *> &names)
+// A snapshot of one folder that lists these names in this order, all of one size and age.
+SnapshotData snapshotListing(const std::vector<const char *> &names)
 {
     const Location folder = Location::fromBytes("/vault/SFX");
     std::vector<Asset> assets;
     assets.reserve(names.size());
     for (const char *name : names)
         assets.push_back({folder.child(QByteArrayView(name)), AssetKind::Audio, 1, 2.0, {3, 1, 4}});
-    PictureData data;
+    SnapshotData data;
     data.scanned = true;
     const quint32 count = quint32(assets.size());
     const auto chunk =
@@ -28,7 +28,7 @@ PictureData pictureListing(const std::vector<const char *> &names)
 }
 
 // Many file systems list a folder in another order after a while.
-TEST(PictureOrders, EqualAssetsFollowTheListingAlsoWhenItWasShuffled)
+TEST(SortOrders, EqualAssetsFollowTheListingAlsoWhenItWasShuffled)
 {
     const std::vector<std::vector<const char *>> listings{
         {"hit.wav", "HIT.wav", "b.wav", "Hit.wav", "hit 1.wav", "hit 01.wav", "a.wav", "c.wav", "d.wav"},
@@ -36,11 +36,11 @@ TEST(PictureOrders, EqualAssetsFollowTheListingAlsoWhenItWasShuffled)
         {"b.wav", "hit 01.wav", "a.wav", "HIT.wav", "Hit.wav", "hit 1.wav", "hit.wav", "c.wav", "d.wav"},
         {"b.wav", "hit 01.wav", "a.wav", "HIT.wav", "Hit.wav", "hit 1.wav", "hit.wav", "d.wav", "new.wav"},
     };
-    PictureData before;
+    SnapshotData before;
     for (const std::vector<const char *> &names : listings) {
-        PictureData fresh = pictureListing(names);
+        SnapshotData fresh = snapshotListing(names);
         ASSERT_TRUE(makeOrders(fresh, nullptr, {}));
-        PictureData carried = pictureListing(names);
+        SnapshotData carried = snapshotListing(names);
         ASSERT_TRUE(makeOrders(carried, &before, {}));
         EXPECT_EQ(fresh.orders, carried.orders);
         before = std::move(carried);

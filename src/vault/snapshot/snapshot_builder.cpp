@@ -1,4 +1,4 @@
-#include "vault/snapshot/picture_builder.h"
+#include "vault/snapshot/snapshot_builder.h"
 
 #include <algorithm>
 
@@ -6,10 +6,10 @@ namespace cratewell {
 
 namespace {
 
-class PictureBuilder
+class SnapshotBuilder
 {
 public:
-    explicit PictureBuilder(PictureData &data) : m_data(data) {}
+    explicit SnapshotBuilder(SnapshotData &data) : m_data(data) {}
 
     FolderNode add(const CrawledFolder &folder);
     void pointToNodes(const FolderNode &node);
@@ -18,11 +18,11 @@ private:
     void addRun(quint32 folder, quint32 from, quint32 to);
     void sortChildren(std::vector<FolderNode> &children) const;
 
-    PictureData &m_data;
+    SnapshotData &m_data;
     NameCollation m_collation;
 };
 
-FolderNode PictureBuilder::add(const CrawledFolder &folder)
+FolderNode SnapshotBuilder::add(const CrawledFolder &folder)
 {
     const FolderChunk &chunk = *folder.chunk;
     const quint32 index = quint32(m_data.folders.size());
@@ -48,11 +48,11 @@ FolderNode PictureBuilder::add(const CrawledFolder &folder)
     return node;
 }
 
-void PictureBuilder::addRun(quint32 folder, quint32 from, quint32 to)
+void SnapshotBuilder::addRun(quint32 folder, quint32 from, quint32 to)
 {
     if (from == to)
         return;
-    PictureFolder &holder = m_data.folders[folder];
+    SnapshotFolder &holder = m_data.folders[folder];
     const AssetIndex first = AssetIndex(m_data.assets.size());
     holder.runs.push_back({from, first, to - from});
     m_data.runs.push_back({holder.chunk.get(), from, first, to - from});
@@ -60,14 +60,14 @@ void PictureBuilder::addRun(quint32 folder, quint32 from, quint32 to)
         m_data.assets.push_back(&holder.chunk->assets[i]);
 }
 
-void PictureBuilder::sortChildren(std::vector<FolderNode> &children) const
+void SnapshotBuilder::sortChildren(std::vector<FolderNode> &children) const
 {
     std::ranges::stable_sort(children, [&](const FolderNode &a, const FolderNode &b) {
         return m_collation.compare(a.url.nameBytes(), b.url.nameBytes()) < 0;
     });
 }
 
-void PictureBuilder::pointToNodes(const FolderNode &node)
+void SnapshotBuilder::pointToNodes(const FolderNode &node)
 {
     m_data.folders[m_data.folderIndex.value(node.url)].node = &node;
     for (const FolderNode &child : node.children)
@@ -76,13 +76,13 @@ void PictureBuilder::pointToNodes(const FolderNode &node)
 
 } // namespace
 
-void buildPicture(PictureData &data, const Location &root, const Crawl &crawl)
+void buildSnapshot(SnapshotData &data, const Location &root, const Crawl &crawl)
 {
     data.root = root;
     data.scanned = true;
     data.folders.reserve(crawl.folderCount());
     data.assets.reserve(crawl.assetCount());
-    PictureBuilder builder(data);
+    SnapshotBuilder builder(data);
     for (const VaultCategory category : allCategories)
         data.trees[size_t(category)] = builder.add(crawl.category(category));
     for (const FolderNode &tree : data.trees)

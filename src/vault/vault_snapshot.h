@@ -8,7 +8,7 @@
 
 namespace cratewell {
 
-// The index of an asset in one picture's flat list.
+// The index of an asset in one snapshot's flat list.
 using AssetIndex = quint32;
 inline constexpr AssetIndex noAsset = ~AssetIndex{0};
 
@@ -39,17 +39,17 @@ struct FolderChunk;
 
 // Everything one scan saw: immutable and shared, safe on any thread. The flat list holds Overlays, then LUTs,
 // then SFX, each depth first in directory order, so what lies under one folder is one run of it. It is built
-// from one chunk per folder; chunks that did not change are shared with the picture before.
-class VaultPicture
+// from one chunk per folder; chunks that did not change are shared with the snapshot before.
+class VaultSnapshot
 {
 public:
-    VaultPicture();
-    ~VaultPicture();
+    VaultSnapshot();
+    ~VaultSnapshot();
 
     const Location &root() const;
     AssetIndex size() const;
     const Asset &asset(AssetIndex index) const;
-    // Null for a picture that was never scanned.
+    // Null for a snapshot that was never scanned.
     const FolderNode *tree(VaultCategory category) const;
     const FolderNode *node(const Location &folder) const;
     qint64 totalSize() const; // bytes
@@ -72,11 +72,11 @@ private:
     std::unique_ptr<Private> d;
 };
 
-// From one published picture to the next.
-struct VaultChanges
+// From one published snapshot to the next.
+struct SnapshotDiff
 {
-    std::shared_ptr<const VaultPicture> before;
-    std::shared_ptr<const VaultPicture> after;
+    std::shared_ptr<const VaultSnapshot> before;
+    std::shared_ptr<const VaultSnapshot> after;
     // For each index of `after` the index of the asset at the same place in `before`, or noAsset.
     std::vector<AssetIndex> previous;
     // Indices of `after` whose asset or file version differs from the one before at the same place.
@@ -87,4 +87,4 @@ struct VaultChanges
 
 } // namespace cratewell
 
-Q_DECLARE_METATYPE(cratewell::VaultChanges)
+Q_DECLARE_METATYPE(cratewell::SnapshotDiff)

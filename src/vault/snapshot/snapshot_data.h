@@ -1,7 +1,7 @@
 #pragma once
 
 #include "vault/scan/folder_chunk.h"
-#include "vault/vault_picture.h"
+#include "vault/vault_snapshot.h"
 
 #include <QHash>
 
@@ -25,7 +25,7 @@ struct FlatRun
     quint32 count = 0;
 };
 
-struct PictureFolder
+struct SnapshotFolder
 {
     std::shared_ptr<const FolderChunk> chunk;
     std::vector<FolderRun> runs; // ascending
@@ -34,25 +34,25 @@ struct PictureFolder
     AssetIndex indexOf(quint32 position) const;
 };
 
-// What a picture is made of. Filled by PictureBuilder, never changed afterwards.
-struct PictureData
+// What a snapshot is made of. Filled by SnapshotBuilder, never changed afterwards.
+struct SnapshotData
 {
     Location root;
     bool scanned = false;
-    std::vector<PictureFolder> folders; // depth first in listing order, category after category
-    std::vector<const Asset *> assets;  // the flat list; they live in the chunks
-    std::vector<FlatRun> runs;          // ascending; all assets
-    size_t nameBytes = 0;               // of all assets' names together
+    std::vector<SnapshotFolder> folders; // depth first in listing order, category after category
+    std::vector<const Asset *> assets;   // the flat list; they live in the chunks
+    std::vector<FlatRun> runs;           // ascending; all assets
+    size_t nameBytes = 0;                // of all assets' names together
     QHash<Location, quint32> folderIndex;
     std::array<FolderNode, allCategories.size()> trees;
     std::array<std::vector<AssetIndex>, assetOrderCount> orders;
     qint64 totalSize = 0;
 
-    const PictureFolder *folder(const Location &url) const;
+    const SnapshotFolder *folder(const Location &url) const;
     const Asset &asset(AssetIndex index) const { return *assets[index]; }
 };
 
-struct VaultPicture::Private : PictureData
+struct VaultSnapshot::Private : SnapshotData
 {
 };
 

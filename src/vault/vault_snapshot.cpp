@@ -1,4 +1,4 @@
-#include "vault/snapshot/picture_data.h"
+#include "vault/snapshot/snapshot_data.h"
 
 #include <algorithm>
 #include <string_view>
@@ -7,13 +7,13 @@ namespace cratewell {
 
 namespace {
 
-void markName(const PictureFolder &folder, QByteArrayView needle, std::vector<bool> &matches)
+void markName(const SnapshotFolder &folder, QByteArrayView needle, std::vector<bool> &matches)
 {
     for (const FolderRun &run : folder.runs)
         folder.chunk->names.mark(needle, matches, run.first, run.position, run.position + run.count);
 }
 
-void markKinds(const PictureFolder &folder, quint8 kinds, std::vector<bool> &matches)
+void markKinds(const SnapshotFolder &folder, quint8 kinds, std::vector<bool> &matches)
 {
     for (const FolderRun &run : folder.runs) {
         for (quint32 i = 0; i < run.count; ++i) {
@@ -23,7 +23,7 @@ void markKinds(const PictureFolder &folder, quint8 kinds, std::vector<bool> &mat
     }
 }
 
-void markAll(const PictureFolder &folder, std::vector<bool> &matches)
+void markAll(const SnapshotFolder &folder, std::vector<bool> &matches)
 {
     for (const FolderRun &run : folder.runs)
         std::fill_n(matches.begin() + run.first, run.count, true);
@@ -41,7 +41,7 @@ quint8 kindsLabelled(const QString &needle)
 
 // Text that is not well formed has no UTF-8 to look for; comparing as text finds also what it holds of a
 // name's stray bytes.
-void markNameAsText(const PictureFolder &folder, const QString &needle, std::vector<bool> &matches)
+void markNameAsText(const SnapshotFolder &folder, const QString &needle, std::vector<bool> &matches)
 {
     for (const FolderRun &run : folder.runs) {
         for (quint32 i = 0; i < run.count; ++i) {
@@ -54,14 +54,14 @@ void markNameAsText(const PictureFolder &folder, const QString &needle, std::vec
 
 } // namespace
 
-AssetIndex PictureFolder::indexOf(quint32 position) const
+AssetIndex SnapshotFolder::indexOf(quint32 position) const
 {
     const auto behind = std::ranges::upper_bound(runs, position, {}, &FolderRun::position);
     const FolderRun &run = *(behind - 1);
     return run.first + (position - run.position);
 }
 
-const PictureFolder *PictureData::folder(const Location &url) const
+const SnapshotFolder *SnapshotData::folder(const Location &url) const
 {
     const auto found = url.isEmpty() ? folderIndex.cend() : folderIndex.constFind(url);
     return found == folderIndex.cend() ? nullptr : &folders[*found];
@@ -74,66 +74,66 @@ QByteArrayView baseNameOf(const Asset &asset)
     return baseNameOf(QByteArrayView(path).sliced(qsizetype(slash + 1)));
 }
 
-VaultPicture::VaultPicture() : d(std::make_unique<Private>()) {}
+VaultSnapshot::VaultSnapshot() : d(std::make_unique<Private>()) {}
 
-VaultPicture::~VaultPicture() = default;
+VaultSnapshot::~VaultSnapshot() = default;
 
-const Location &VaultPicture::root() const
+const Location &VaultSnapshot::root() const
 {
     return d->root;
 }
 
-AssetIndex VaultPicture::size() const
+AssetIndex VaultSnapshot::size() const
 {
     return AssetIndex(d->assets.size());
 }
 
-const Asset &VaultPicture::asset(AssetIndex index) const
+const Asset &VaultSnapshot::asset(AssetIndex index) const
 {
     return d->asset(index);
 }
 
-const FolderNode *VaultPicture::tree(VaultCategory category) const
+const FolderNode *VaultSnapshot::tree(VaultCategory category) const
 {
     return d->scanned ? &d->trees[size_t(category)] : nullptr;
 }
 
-const FolderNode *VaultPicture::node(const Location &folder) const
+const FolderNode *VaultSnapshot::node(const Location &folder) const
 {
-    const PictureFolder *found = d->folder(folder);
+    const SnapshotFolder *found = d->folder(folder);
     return found ? found->node : nullptr;
 }
 
-qint64 VaultPicture::totalSize() const
+qint64 VaultSnapshot::totalSize() const
 {
     return d->totalSize;
 }
 
-std::optional<AssetIndex> VaultPicture::find(const Location &url) const
+std::optional<AssetIndex> VaultSnapshot::find(const Location &url) const
 {
     const QByteArrayView path = url.bytes();
     const qsizetype slash = path.lastIndexOf('/');
     if (slash <= 0)
         return std::nullopt;
-    const PictureFolder *folder =
+    const SnapshotFolder *folder =
         d->folder(Location::fromStandardized(QByteArray::fromRawData(path.data(), slash)));
     const std::optional<quint32> position =
         folder ? folder->chunk->find(path.sliced(slash + 1)) : std::nullopt;
     return position ? std::optional(folder->indexOf(*position)) : std::nullopt;
 }
 
-AssetRange VaultPicture::under(const Location &folder) const
+AssetRange VaultSnapshot::under(const Location &folder) const
 {
     const FolderNode *found = node(folder);
     return found ? found->assets : AssetRange{};
 }
 
-std::span<const AssetIndex> VaultPicture::order(AssetOrder order) const
+std::span<const AssetIndex> VaultSnapshot::order(AssetOrder order) const
 {
     return d->orders[size_t(order)];
 }
 
-std::vector<bool> VaultPicture::matching(const QString &needle) const
+std::vector<bool> VaultSnapshot::matching(const QString &needle) const
 {
     std::vector<bool> matches(d->assets.size());
     if (needle.isEmpty() || needle.contains(QChar::Null))
@@ -141,7 +141,7 @@ std::vector<bool> VaultPicture::matching(const QString &needle) const
     const bool wellFormed = needle.isValidUtf16();
     const QByteArray bytes = needle.toUtf8();
     const quint8 kinds = kindsLabelled(needle);
-    for (const PictureFolder &folder : d->folders) {
+    for (const SnapshotFolder &folder : d->folders) {
         const quint8 present = folder.chunk->kinds;
         if (present == 0)
             continue;

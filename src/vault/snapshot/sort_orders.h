@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vault/snapshot/picture_data.h"
+#include "vault/snapshot/snapshot_data.h"
 
 #include <functional>
 
@@ -9,6 +9,6 @@ namespace cratewell {
 // Fills the sort orders of `data` with two threads. `before` may be null; the orders of what did not change
 // since then are taken over and only the rest is sorted in. False when cancelled, which is asked by the
 // calling thread only.
-bool makeOrders(PictureData &data, const PictureData *before, const std::function<bool()> &cancelled);
+bool makeOrders(SnapshotData &data, const SnapshotData *before, const std::function<bool()> &cancelled);
 
 } // namespace cratewell

@@ -6,6 +6,6 @@
 namespace cratewell {
 
 // Numbers what a crawl read: fills root, folders, flat list and trees of `data`.
-void buildPicture(PictureData &data, const Location &root, const Crawl &crawl);
+void buildSnapshot(SnapshotData &data, const Location &root, const Crawl &crawl);
 
 } // namespace cratewell
