@@ -10,13 +10,13 @@ std::shared_ptr<const VaultSnapshot> VaultScan::run(const Location &root,
                                                     const std::function<bool()> &cancelled)
 {
     const SnapshotData *earlier = before ? before->d.get() : nullptr;
-    Crawl crawl(root, earlier, cancelled);
-    if (!crawl.run())
+    DirectoryScanner scanner(root, earlier, cancelled);
+    if (!scanner.run())
         return nullptr;
-    if (crawl.changedNothing() && before->root() == root)
+    if (scanner.changedNothing() && before->root() == root)
         return before;
     auto snapshot = std::make_shared<VaultSnapshot>();
-    buildSnapshot(*snapshot->d, root, crawl);
+    buildSnapshot(*snapshot->d, root, scanner);
     if (!makeOrders(*snapshot->d, earlier, cancelled))
         return nullptr;
     return snapshot;

@@ -11,7 +11,7 @@ class SnapshotBuilder
 public:
     explicit SnapshotBuilder(SnapshotData &data) : m_data(data) {}
 
-    FolderNode add(const CrawledFolder &folder);
+    FolderNode add(const ScannedFolder &folder);
     void pointToNodes(const FolderNode &node);
 
 private:
@@ -22,7 +22,7 @@ private:
     NameCollation m_collation;
 };
 
-FolderNode SnapshotBuilder::add(const CrawledFolder &folder)
+FolderNode SnapshotBuilder::add(const ScannedFolder &folder)
 {
     const FolderChunk &chunk = *folder.chunk;
     const quint32 index = quint32(m_data.folders.size());
@@ -76,15 +76,15 @@ void SnapshotBuilder::pointToNodes(const FolderNode &node)
 
 } // namespace
 
-void buildSnapshot(SnapshotData &data, const Location &root, const Crawl &crawl)
+void buildSnapshot(SnapshotData &data, const Location &root, const DirectoryScanner &scanner)
 {
     data.root = root;
     data.scanned = true;
-    data.folders.reserve(crawl.folderCount());
-    data.assets.reserve(crawl.assetCount());
+    data.folders.reserve(scanner.folderCount());
+    data.assets.reserve(scanner.assetCount());
     SnapshotBuilder builder(data);
     for (const VaultCategory category : allCategories)
-        data.trees[size_t(category)] = builder.add(crawl.category(category));
+        data.trees[size_t(category)] = builder.add(scanner.category(category));
     for (const FolderNode &tree : data.trees)
         builder.pointToNodes(tree);
 }

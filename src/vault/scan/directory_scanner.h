@@ -10,16 +10,17 @@
 
 namespace cratewell {
 
-// One folder of a crawl. Its chunk is that of the snapshot before when nothing in the folder itself changed.
-struct CrawledFolder
+// One folder of a scanner. Its chunk is that of the snapshot before when nothing in the folder itself
+// changed.
+struct ScannedFolder
 {
-    const CrawledFolder *parent = nullptr;
+    const ScannedFolder *parent = nullptr;
     Location url;
     VaultCategory category = VaultCategory::Overlays;
     int depth = 0;
     FolderReader::Identity identity;
     std::shared_ptr<const FolderChunk> chunk;
-    std::vector<std::unique_ptr<CrawledFolder>> children; // in listing order, one for each of the chunk's
+    std::vector<std::unique_ptr<ScannedFolder>> children; // in listing order, one for each of the chunk's
 
     std::unique_ptr<FolderReader> reader; // until the chunk is made
     std::atomic<size_t> unreadParts = 0;
@@ -27,16 +28,17 @@ struct CrawledFolder
 
 // Reads the folders of a vault from disk with a few threads that share a list of what is to be done: folders
 // to list, and parts of large folders whose files are to be looked at.
-class Crawl
+class DirectoryScanner
 {
 public:
-    Crawl(const Location &root, const SnapshotData *before, const std::function<bool()> &cancelled);
-    ~Crawl();
+    DirectoryScanner(const Location &root, const SnapshotData *before,
+                     const std::function<bool()> &cancelled);
+    ~DirectoryScanner();
 
     // False when cancelled. `cancelled` is asked by the calling thread only.
     bool run();
 
-    const CrawledFolder &category(VaultCategory category) const { return m_categories[size_t(category)]; }
+    const ScannedFolder &category(VaultCategory category) const { return m_categories[size_t(category)]; }
     size_t folderCount() const { return m_folders; }
     size_t assetCount() const { return m_assets; }
     // No folder has come, gone or changed since the snapshot before.
@@ -45,7 +47,7 @@ public:
 private:
     struct Job
     {
-        CrawledFolder *folder = nullptr;
+        ScannedFolder *folder = nullptr;
         size_t first = 0;
         size_t last = 0; // 0: list the folder
     };
@@ -56,13 +58,13 @@ private:
     void addJobs(const std::vector<Job> &jobs);
     void finishJob();
     void perform(const Job &job);
-    void list(CrawledFolder &folder);
-    void readPart(CrawledFolder &folder, size_t first, size_t last);
-    void makeChunk(CrawledFolder &folder);
+    void list(ScannedFolder &folder);
+    void readPart(ScannedFolder &folder, size_t first, size_t last);
+    void makeChunk(ScannedFolder &folder);
 
     const SnapshotData *m_before = nullptr;
     const std::function<bool()> &m_cancelled;
-    std::array<CrawledFolder, allCategories.size()> m_categories;
+    std::array<ScannedFolder, allCategories.size()> m_categories;
     std::atomic<size_t> m_folders = 0;
     std::atomic<size_t> m_assets = 0;
     std::atomic<size_t> m_keptFolders = 0;

@@ -1,4 +1,4 @@
-#include "vault/scan/crawl.h"
+#include "vault/scan/directory_scanner.h"
 
 #include <algorithm>
 #include <cstring>
@@ -14,9 +14,9 @@ constexpr size_t filesPerPart = 512;
 constexpr int mostThreads = 8;
 constexpr std::chrono::milliseconds pollInterval{20};
 
-bool liesInItself(const CrawledFolder &folder)
+bool liesInItself(const ScannedFolder &folder)
 {
-    for (const CrawledFolder *above = folder.parent; above; above = above->parent) {
+    for (const ScannedFolder *above = folder.parent; above; above = above->parent) {
         if (above->identity == folder.identity)
             return true;
     }
@@ -62,22 +62,23 @@ bool holdsSame(const FolderReader &reader, const FolderChunk &chunk)
 
 } // namespace
 
-Crawl::Crawl(const Location &root, const SnapshotData *before, const std::function<bool()> &cancelled)
+DirectoryScanner::DirectoryScanner(const Location &root, const SnapshotData *before,
+                                   const std::function<bool()> &cancelled)
     : m_before(before), m_cancelled(cancelled)
 {
     for (const VaultCategory category : allCategories) {
-        CrawledFolder &folder = m_categories[size_t(category)];
+        ScannedFolder &folder = m_categories[size_t(category)];
         folder.url = categoryFolder(root, category);
         folder.category = category;
     }
 }
 
-Crawl::~Crawl() = default;
+DirectoryScanner::~DirectoryScanner() = default;
 
-bool Crawl::run()
+bool DirectoryScanner::run()
 {
     std::vector<Job> jobs;
-    for (CrawledFolder &folder : m_categories)
+    for (ScannedFolder &folder : m_categories)
         jobs.push_back({&folder});
     addJobs(jobs);
     {
@@ -90,13 +91,13 @@ bool Crawl::run()
     return !m_stopped;
 }
 
-bool Crawl::changedNothing() const
+bool DirectoryScanner::changedNothing() const
 {
     return m_before && m_before->scanned && m_keptFolders == m_folders &&
            m_folders == m_before->folders.size();
 }
 
-void Crawl::work(Role role)
+void DirectoryScanner::work(Role role)
 {
     while (const std::optional<Job> job = takeJob(role)) {
         perform(*job);
@@ -104,8 +105,8 @@ void Crawl::work(Role role)
     }
 }
 
-// Waits for something to do; nothing when all is done or the crawl was stopped.
-std::optional<Crawl::Job> Crawl::takeJob(Role role)
+// Waits for something to do; nothing when all is done or the scanner was stopped.
+std::optional<DirectoryScanner::Job> DirectoryScanner::takeJob(Role role)
 {
     const auto stop = [&] { return role == Role::Caller && m_cancelled && m_cancelled(); };
     if (stop())
@@ -125,7 +126,7 @@ std::optional<Crawl::Job> Crawl::takeJob(Role role)
     return job;
 }
 
-void Crawl::addJobs(const std::vector<Job> &jobs)
+void DirectoryScanner::addJobs(const std::vector<Job> &jobs)
 {
     if (jobs.empty())
         return;
@@ -135,14 +136,14 @@ void Crawl::addJobs(const std::vector<Job> &jobs)
     m_changed.notify_all();
 }
 
-void Crawl::finishJob()
+void DirectoryScanner::finishJob()
 {
     const std::scoped_lock lock(m_mutex);
     if (--m_unfinished == 0)
         m_changed.notify_all();
 }
 
-void Crawl::perform(const Job &job)
+void DirectoryScanner::perform(const Job &job)
 {
     if (job.last == 0)
         list(*job.folder);
@@ -150,7 +151,7 @@ void Crawl::perform(const Job &job)
         readPart(*job.folder, job.first, job.last);
 }
 
-void Crawl::list(CrawledFolder &folder)
+void DirectoryScanner::list(ScannedFolder &folder)
 {
     using LinkedFolder = FolderReader::LinkedFolder;
     // A category may be kept on another disk through a link; below it links to folders are not followed.
@@ -164,7 +165,7 @@ void Crawl::list(CrawledFolder &folder)
     for (const ListedEntry &entry : folder.reader->entries()) {
         if (entry.type != ListedEntry::Type::Folder)
             continue;
-        auto child = std::make_unique<CrawledFolder>();
+        auto child = std::make_unique<ScannedFolder>();
         child->parent = &folder;
         child->url = childUrl(folder.url, folder.reader->name(entry));
         child->category = folder.category;
@@ -181,14 +182,14 @@ void Crawl::list(CrawledFolder &folder)
     readPart(folder, 0, entries / parts);
 }
 
-void Crawl::readPart(CrawledFolder &folder, size_t first, size_t last)
+void DirectoryScanner::readPart(ScannedFolder &folder, size_t first, size_t last)
 {
     folder.reader->readDetails(first, last);
     if (--folder.unreadParts == 0)
         makeChunk(folder);
 }
 
-void Crawl::makeChunk(CrawledFolder &folder)
+void DirectoryScanner::makeChunk(ScannedFolder &folder)
 {
     const FolderReader &reader = *folder.reader;
     const SnapshotFolder *earlier = m_before ? m_before->folder(folder.url) : nullptr;
