@@ -10,14 +10,14 @@ namespace {
 void markName(const SnapshotFolder &folder, QByteArrayView needle, std::vector<bool> &matches)
 {
     for (const FolderRun &run : folder.runs)
-        folder.chunk->names.mark(needle, matches, run.first, run.position, run.position + run.count);
+        folder.contents->names.mark(needle, matches, run.first, run.position, run.position + run.count);
 }
 
 void markKinds(const SnapshotFolder &folder, quint8 kinds, std::vector<bool> &matches)
 {
     for (const FolderRun &run : folder.runs) {
         for (quint32 i = 0; i < run.count; ++i) {
-            if (kindBit(folder.chunk->assets[run.position + i].kind) & kinds)
+            if (kindBit(folder.contents->assets[run.position + i].kind) & kinds)
                 matches[run.first + i] = true;
         }
     }
@@ -45,7 +45,7 @@ void markNameAsText(const SnapshotFolder &folder, const QString &needle, std::ve
 {
     for (const FolderRun &run : folder.runs) {
         for (quint32 i = 0; i < run.count; ++i) {
-            const QByteArrayView name = folder.chunk->baseName(run.position + i);
+            const QByteArrayView name = folder.contents->baseName(run.position + i);
             if (textFromBytes(name).toLower().contains(needle))
                 matches[run.first + i] = true;
         }
@@ -118,7 +118,7 @@ std::optional<AssetIndex> VaultSnapshot::find(const Location &url) const
     const SnapshotFolder *folder =
         d->folder(Location::fromStandardized(QByteArray::fromRawData(path.data(), slash)));
     const std::optional<quint32> position =
-        folder ? folder->chunk->find(path.sliced(slash + 1)) : std::nullopt;
+        folder ? folder->contents->find(path.sliced(slash + 1)) : std::nullopt;
     return position ? std::optional(folder->indexOf(*position)) : std::nullopt;
 }
 
@@ -142,10 +142,10 @@ std::vector<bool> VaultSnapshot::matching(const QString &needle) const
     const QByteArray bytes = needle.toUtf8();
     const quint8 kinds = kindsLabelled(needle);
     for (const SnapshotFolder &folder : d->folders) {
-        const quint8 present = folder.chunk->kinds;
+        const quint8 present = folder.contents->kinds;
         if (present == 0)
             continue;
-        if ((present & kinds) == present || folder.chunk->lowerName.contains(needle)) {
+        if ((present & kinds) == present || folder.contents->lowerName.contains(needle)) {
             markAll(folder, matches);
             continue;
         }

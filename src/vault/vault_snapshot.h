@@ -35,11 +35,11 @@ struct FolderNode
     }
 };
 
-struct FolderChunk;
+struct FolderContents;
 
 // Everything one scan saw: immutable and shared, safe on any thread. The flat list holds Overlays, then LUTs,
 // then SFX, each depth first in directory order, so what lies under one folder is one run of it. It is built
-// from one chunk per folder; chunks that did not change are shared with the snapshot before.
+// from one contents per folder; allContents that did not change are shared with the snapshot before.
 class VaultSnapshot
 {
 public:

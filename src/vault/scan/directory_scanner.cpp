@@ -39,25 +39,25 @@ bool sameFacts(const Asset &asset, const ListedEntry &entry)
     return asset.added == entry.added && asset.version == entry.version && asset.kind == entry.kind;
 }
 
-// Whether a chunk would come out exactly like `chunk`.
-bool holdsSame(const FolderReader &reader, const FolderChunk &chunk)
+// Whether a contents would come out exactly like `contents`.
+bool holdsSame(const FolderReader &reader, const FolderContents &contents)
 {
     size_t position = 0;
     size_t child = 0;
     for (const ListedEntry &entry : reader.entries()) {
         if (entry.type == ListedEntry::Type::Folder) {
-            if (child == chunk.children.size() || chunk.children[child].position != position ||
-                chunk.children[child].url.nameBytes() != reader.name(entry))
+            if (child == contents.children.size() || contents.children[child].position != position ||
+                contents.children[child].url.nameBytes() != reader.name(entry))
                 return false;
             ++child;
         } else if (entry.type == ListedEntry::Type::File) {
-            if (position == chunk.assets.size() || !sameFacts(chunk.assets[position], entry) ||
-                chunk.name(position) != reader.name(entry))
+            if (position == contents.assets.size() || !sameFacts(contents.assets[position], entry) ||
+                contents.name(position) != reader.name(entry))
                 return false;
             ++position;
         }
     }
-    return position == chunk.assets.size() && child == chunk.children.size();
+    return position == contents.assets.size() && child == contents.children.size();
 }
 
 } // namespace
@@ -186,18 +186,18 @@ void DirectoryScanner::readPart(ScannedFolder &folder, size_t first, size_t last
 {
     folder.reader->readDetails(first, last);
     if (--folder.unreadParts == 0)
-        makeChunk(folder);
+        makeContents(folder);
 }
 
-void DirectoryScanner::makeChunk(ScannedFolder &folder)
+void DirectoryScanner::makeContents(ScannedFolder &folder)
 {
     const FolderReader &reader = *folder.reader;
     const SnapshotFolder *earlier = m_before ? m_before->folder(folder.url) : nullptr;
     ++m_folders;
-    if (earlier && holdsSame(reader, *earlier->chunk)) {
+    if (earlier && holdsSame(reader, *earlier->contents)) {
         ++m_keptFolders;
-        folder.chunk = earlier->chunk;
-        m_assets += folder.chunk->assets.size();
+        folder.contents = earlier->contents;
+        m_assets += folder.contents->assets.size();
         folder.reader.reset();
         return;
     }
@@ -210,13 +210,14 @@ void DirectoryScanner::makeChunk(ScannedFolder &folder)
             children.push_back({folder.children[children.size()]->url, quint32(assets.size())});
         } else if (entry.type == ListedEntry::Type::File) {
             const QByteArrayView name = reader.name(entry);
-            const std::optional<quint32> known = earlier ? earlier->chunk->find(name) : std::nullopt;
-            Location url = known ? earlier->chunk->assets[*known].url : childUrl(folder.url, name);
+            const std::optional<quint32> known = earlier ? earlier->contents->find(name) : std::nullopt;
+            Location url = known ? earlier->contents->assets[*known].url : childUrl(folder.url, name);
             assets.push_back({std::move(url), entry.kind, entry.version.size, entry.added, entry.version});
         }
     }
     m_assets += assets.size();
-    folder.chunk = std::make_shared<const FolderChunk>(folder.url, std::move(assets), std::move(children));
+    folder.contents =
+        std::make_shared<const FolderContents>(folder.url, std::move(assets), std::move(children));
     folder.reader.reset();
 }
 

@@ -10,7 +10,7 @@
 
 namespace cratewell {
 
-// One folder of a scanner. Its chunk is that of the snapshot before when nothing in the folder itself
+// One folder of a scanner. Its contents is that of the snapshot before when nothing in the folder itself
 // changed.
 struct ScannedFolder
 {
@@ -19,10 +19,10 @@ struct ScannedFolder
     VaultCategory category = VaultCategory::Overlays;
     int depth = 0;
     FolderReader::Identity identity;
-    std::shared_ptr<const FolderChunk> chunk;
-    std::vector<std::unique_ptr<ScannedFolder>> children; // in listing order, one for each of the chunk's
+    std::shared_ptr<const FolderContents> contents;
+    std::vector<std::unique_ptr<ScannedFolder>> children; // in listing order, one for each of the contents's
 
-    std::unique_ptr<FolderReader> reader; // until the chunk is made
+    std::unique_ptr<FolderReader> reader; // until the contents is made
     std::atomic<size_t> unreadParts = 0;
 };
 
@@ -60,7 +60,7 @@ private:
     void perform(const Job &job);
     void list(ScannedFolder &folder);
     void readPart(ScannedFolder &folder, size_t first, size_t last);
-    void makeChunk(ScannedFolder &folder);
+    void makeContents(ScannedFolder &folder);
 
     const SnapshotData *m_before = nullptr;
     const std::function<bool()> &m_cancelled;

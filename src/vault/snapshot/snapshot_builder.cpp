@@ -24,24 +24,24 @@ private:
 
 FolderNode SnapshotBuilder::add(const ScannedFolder &folder)
 {
-    const FolderChunk &chunk = *folder.chunk;
+    const FolderContents &contents = *folder.contents;
     const quint32 index = quint32(m_data.folders.size());
-    m_data.folders.push_back({folder.chunk, {}, nullptr});
-    m_data.folderIndex.insert(chunk.url, index);
-    m_data.totalSize += chunk.totalSize;
-    m_data.nameBytes += chunk.nameBytes;
+    m_data.folders.push_back({folder.contents, {}, nullptr});
+    m_data.folderIndex.insert(contents.url, index);
+    m_data.totalSize += contents.totalSize;
+    m_data.nameBytes += contents.nameBytes;
 
     FolderNode node;
-    node.url = chunk.url;
+    node.url = contents.url;
     node.assets.first = AssetIndex(m_data.assets.size());
     node.children.reserve(folder.children.size());
     quint32 position = 0;
     for (size_t i = 0; i < folder.children.size(); ++i) {
-        addRun(index, position, chunk.children[i].position);
-        position = chunk.children[i].position;
+        addRun(index, position, contents.children[i].position);
+        position = contents.children[i].position;
         node.children.push_back(add(*folder.children[i]));
     }
-    addRun(index, position, quint32(chunk.assets.size()));
+    addRun(index, position, quint32(contents.assets.size()));
     node.assets.last = AssetIndex(m_data.assets.size());
     node.count = int(node.assets.count());
     sortChildren(node.children);
@@ -55,9 +55,9 @@ void SnapshotBuilder::addRun(quint32 folder, quint32 from, quint32 to)
     SnapshotFolder &holder = m_data.folders[folder];
     const AssetIndex first = AssetIndex(m_data.assets.size());
     holder.runs.push_back({from, first, to - from});
-    m_data.runs.push_back({holder.chunk.get(), from, first, to - from});
+    m_data.runs.push_back({holder.contents.get(), from, first, to - from});
     for (quint32 i = from; i < to; ++i)
-        m_data.assets.push_back(&holder.chunk->assets[i]);
+        m_data.assets.push_back(&holder.contents->assets[i]);
 }
 
 void SnapshotBuilder::sortChildren(std::vector<FolderNode> &children) const

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vault/scan/folder_chunk.h"
+#include "vault/scan/folder_contents.h"
 #include "vault/vault_snapshot.h"
 
 #include <QHash>
@@ -11,7 +11,7 @@ namespace cratewell {
 // two of them.
 struct FolderRun
 {
-    quint32 position = 0; // of the first, within the chunk
+    quint32 position = 0; // of the first, within the contents
     AssetIndex first = 0;
     quint32 count = 0;
 };
@@ -19,7 +19,7 @@ struct FolderRun
 // The same, seen from the flat list.
 struct FlatRun
 {
-    const FolderChunk *chunk = nullptr;
+    const FolderContents *contents = nullptr;
     quint32 position = 0;
     AssetIndex first = 0;
     quint32 count = 0;
@@ -27,7 +27,7 @@ struct FlatRun
 
 struct SnapshotFolder
 {
-    std::shared_ptr<const FolderChunk> chunk;
+    std::shared_ptr<const FolderContents> contents;
     std::vector<FolderRun> runs; // ascending
     const FolderNode *node = nullptr;
 
@@ -40,7 +40,7 @@ struct SnapshotData
     Location root;
     bool scanned = false;
     std::vector<SnapshotFolder> folders; // depth first in listing order, category after category
-    std::vector<const Asset *> assets;   // the flat list; they live in the chunks
+    std::vector<const Asset *> assets;   // the flat list; they live in the allContents
     std::vector<FlatRun> runs;           // ascending; all assets
     size_t nameBytes = 0;                // of all assets' names together
     QHash<Location, quint32> folderIndex;

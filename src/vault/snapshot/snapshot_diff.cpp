@@ -5,9 +5,9 @@ namespace cratewell {
 
 namespace {
 
-// The same chunk means the same positions; only the numbers in the flat lists differ.
-void matchSharedChunk(const SnapshotFolder &before, const SnapshotFolder &after,
-                      std::vector<AssetIndex> &previous)
+// The same contents means the same positions; only the numbers in the flat lists differ.
+void matchSharedContents(const SnapshotFolder &before, const SnapshotFolder &after,
+                         std::vector<AssetIndex> &previous)
 {
     for (const FolderRun &run : after.runs) {
         for (quint32 i = 0; i < run.count; ++i)
@@ -19,7 +19,7 @@ void matchByName(const SnapshotFolder &before, const SnapshotFolder &after, std:
 {
     for (const FolderRun &run : after.runs) {
         for (quint32 i = 0; i < run.count; ++i) {
-            if (const auto position = before.chunk->find(after.chunk->name(run.position + i)))
+            if (const auto position = before.contents->find(after.contents->name(run.position + i)))
                 previous[run.first + i] = before.indexOf(*position);
         }
     }
@@ -31,11 +31,11 @@ std::vector<AssetIndex> previousIndices(const SnapshotData &before, const Snapsh
 {
     std::vector<AssetIndex> previous(after.assets.size(), noAsset);
     for (const SnapshotFolder &folder : after.folders) {
-        const SnapshotFolder *earlier = before.folder(folder.chunk->url);
+        const SnapshotFolder *earlier = before.folder(folder.contents->url);
         if (!earlier)
             continue;
-        if (earlier->chunk == folder.chunk)
-            matchSharedChunk(*earlier, folder, previous);
+        if (earlier->contents == folder.contents)
+            matchSharedContents(*earlier, folder, previous);
         else
             matchByName(*earlier, folder, previous);
     }

@@ -101,7 +101,7 @@ template<typename Visit> void forEachName(const SnapshotData &data, const Visit 
 {
     for (const FlatRun &run : data.runs) {
         for (quint32 i = 0; i < run.count; ++i)
-            visit(run.first + i, run.chunk->baseName(run.position + i));
+            visit(run.first + i, run.contents->baseName(run.position + i));
     }
 }
 

@@ -16,13 +16,13 @@ SnapshotData snapshotListing(const std::vector<const char *> &names)
     SnapshotData data;
     data.scanned = true;
     const quint32 count = quint32(assets.size());
-    const auto chunk =
-        std::make_shared<const FolderChunk>(folder, std::move(assets), std::vector<ChildFolder>());
-    data.folders.push_back({chunk, {{0, 0, count}}, nullptr});
+    const auto contents =
+        std::make_shared<const FolderContents>(folder, std::move(assets), std::vector<ChildFolder>());
+    data.folders.push_back({contents, {{0, 0, count}}, nullptr});
     data.folderIndex.insert(folder, 0);
-    data.runs.push_back({chunk.get(), 0, 0, count});
-    data.nameBytes = chunk->nameBytes;
-    for (const Asset &asset : chunk->assets)
+    data.runs.push_back({contents.get(), 0, 0, count});
+    data.nameBytes = contents->nameBytes;
+    for (const Asset &asset : contents->assets)
         data.assets.push_back(&asset);
     return data;
 }

@@ -19,9 +19,9 @@ struct ChildFolder
 
 // What one folder itself holds, in listing order. Knows nothing of its place in a snapshot, so that snapshots
 // share it for as long as the folder does not change. Immutable.
-struct FolderChunk
+struct FolderContents
 {
-    FolderChunk(Location folder, std::vector<Asset> ownAssets, std::vector<ChildFolder> ownChildren);
+    FolderContents(Location folder, std::vector<Asset> ownAssets, std::vector<ChildFolder> ownChildren);
 
     Location url;
     std::vector<Asset> assets;

@@ -1,4 +1,4 @@
-#include "vault/scan/folder_chunk.h"
+#include "vault/scan/folder_contents.h"
 
 #include <bit>
 
@@ -12,7 +12,8 @@ QByteArrayView baseNameOf(QByteArrayView name)
     return dot > 0 ? name.first(dot) : name;
 }
 
-FolderChunk::FolderChunk(Location folder, std::vector<Asset> ownAssets, std::vector<ChildFolder> ownChildren)
+FolderContents::FolderContents(Location folder, std::vector<Asset> ownAssets,
+                               std::vector<ChildFolder> ownChildren)
     : url(std::move(folder)), assets(std::move(ownAssets)), children(std::move(ownChildren)),
       lowerName(url.name().toLower())
 {
@@ -28,18 +29,18 @@ FolderChunk::FolderChunk(Location folder, std::vector<Asset> ownAssets, std::vec
     }
 }
 
-QByteArrayView FolderChunk::name(size_t position) const
+QByteArrayView FolderContents::name(size_t position) const
 {
     return QByteArrayView(assets[position].url.bytes()).sliced(url.bytes().size() + 1);
 }
 
-QByteArrayView FolderChunk::baseName(size_t position) const
+QByteArrayView FolderContents::baseName(size_t position) const
 {
     return baseNameOf(name(position));
 }
 
 // The slot that holds `wanted`, or the free one where it belongs.
-size_t FolderChunk::slotOf(QByteArrayView wanted) const
+size_t FolderContents::slotOf(QByteArrayView wanted) const
 {
     const size_t mask = m_slots.size() - 1;
     size_t slot = qHash(wanted) & mask;
@@ -48,7 +49,7 @@ size_t FolderChunk::slotOf(QByteArrayView wanted) const
     return slot;
 }
 
-std::optional<quint32> FolderChunk::find(QByteArrayView wanted) const
+std::optional<quint32> FolderContents::find(QByteArrayView wanted) const
 {
     if (m_slots.empty())
         return std::nullopt;
