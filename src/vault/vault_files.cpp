@@ -24,7 +24,7 @@ void Vault::Private::change(const QString &title, DiskPart disk, MainPart after,
                        after = std::move(after)](WorkMonitor &monitor) -> FileQueue::Effects {
         if (!files->isOpen())
             files->open();
-        const FileWork::Outcome outcome = disk(*files, monitor);
+        const FileOperations::Outcome outcome = disk(*files, monitor);
         return [this, files, outcome, trashNow = files->trash(), after] {
             if (files->root() != root)
                 return;
@@ -41,7 +41,7 @@ void Vault::Private::change(const QString &title, DiskPart disk, MainPart after,
 
 void Vault::Private::openTrash()
 {
-    files = std::make_shared<FileWork>(root);
+    files = std::make_shared<FileOperations>(root);
     q.purgeExpired();
 }
 
@@ -62,8 +62,9 @@ void Vault::createFolder(const QString &name, const Location &parent, FolderCrea
         return;
     }
     d->change(
-        {}, [parent, cleaned](FileWork &work, WorkMonitor &) { return work.createFolder(parent, cleaned); },
-        [this, done = std::move(done)](const FileWork::Outcome &outcome) {
+        {},
+        [parent, cleaned](FileOperations &work, WorkMonitor &) { return work.createFolder(parent, cleaned); },
+        [this, done = std::move(done)](const FileOperations::Outcome &outcome) {
             const bool made = !outcome.placed.empty();
             if (made)
                 rescan();
@@ -79,8 +80,9 @@ void Vault::rename(const Location &item, const QString &name)
         return;
     const Location destination = item.parent().child(cleaned);
     d->change(
-        {}, [item, destination](FileWork &work, WorkMonitor &) { return work.rename(item, destination); },
-        [this, item, destination](const FileWork::Outcome &outcome) {
+        {},
+        [item, destination](FileOperations &work, WorkMonitor &) { return work.rename(item, destination); },
+        [this, item, destination](const FileOperations::Outcome &outcome) {
             if (outcome.count > 0)
                 Q_EMIT itemRenamed(item, destination);
             rescan();
@@ -91,8 +93,10 @@ void Vault::move(const std::vector<Location> &items, const Location &folder)
 {
     d->change(
         tr("Moving"),
-        [items, folder](FileWork &work, WorkMonitor &monitor) { return work.move(items, folder, monitor); },
-        [this, folder](const FileWork::Outcome &outcome) {
+        [items, folder](FileOperations &work, WorkMonitor &monitor) {
+            return work.move(items, folder, monitor);
+        },
+        [this, folder](const FileOperations::Outcome &outcome) {
             Q_EMIT itemsMoved();
             rescan();
             if (outcome.count > 0)
@@ -129,8 +133,8 @@ void Vault::moveToTrash(const std::vector<Location> &items)
         d->queue.cancelFilling(item);
     d->change(
         tr("Moving to Trash"),
-        [items](FileWork &work, WorkMonitor &monitor) { return work.trash(items, monitor); },
-        [this](const FileWork::Outcome &outcome) {
+        [items](FileOperations &work, WorkMonitor &monitor) { return work.trash(items, monitor); },
+        [this](const FileOperations::Outcome &outcome) {
             if (!outcome.trashed.empty())
                 Q_EMIT itemsTrashed(outcome.trashed);
             rescan();
@@ -146,8 +150,8 @@ void Vault::restore(const std::vector<TrashItem> &items)
 {
     d->change(
         tr("Restoring"),
-        [items](FileWork &work, WorkMonitor &monitor) { return work.restore(items, monitor); },
-        [this, asked = qsizetype(items.size())](const FileWork::Outcome &) {
+        [items](FileOperations &work, WorkMonitor &monitor) { return work.restore(items, monitor); },
+        [this, asked = qsizetype(items.size())](const FileOperations::Outcome &) {
             rescan();
             Q_EMIT toast(u"Restored "_s + counted(asked, u"item"_s), true);
         });
@@ -157,22 +161,22 @@ void Vault::deleteForever(const std::vector<TrashItem> &items)
 {
     d->change(
         tr("Deleting"),
-        [items](FileWork &work, WorkMonitor &monitor) {
+        [items](FileOperations &work, WorkMonitor &monitor) {
             work.removeForever(items, monitor);
-            return FileWork::Outcome();
+            return FileOperations::Outcome();
         },
-        [](const FileWork::Outcome &) {});
+        [](const FileOperations::Outcome &) {});
 }
 
 void Vault::purgeExpired()
 {
     d->change(
         tr("Deleting"),
-        [](FileWork &work, WorkMonitor &monitor) {
+        [](FileOperations &work, WorkMonitor &monitor) {
             work.purge(secondsNow() - retention, monitor);
-            return FileWork::Outcome();
+            return FileOperations::Outcome();
         },
-        [](const FileWork::Outcome &) {});
+        [](const FileOperations::Outcome &) {});
 }
 
 void Vault::importItems(const std::vector<Location> &items, const std::optional<Location> &into,
@@ -180,10 +184,10 @@ void Vault::importItems(const std::vector<Location> &items, const std::optional<
 {
     d->change(
         tr("Importing"),
-        [items, into, mode](FileWork &work, WorkMonitor &monitor) {
+        [items, into, mode](FileOperations &work, WorkMonitor &monitor) {
             return work.import(items, into, mode, monitor);
         },
-        [this](const FileWork::Outcome &outcome) {
+        [this](const FileOperations::Outcome &outcome) {
             if (!outcome.placed.empty()) {
                 std::vector<Location> recent(outcome.placed.rbegin(), outcome.placed.rend());
                 recent.insert(recent.end(), d->recentImports.begin(), d->recentImports.end());

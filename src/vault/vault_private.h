@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/file_events.h"
+#include "vault/files/file_operations.h"
 #include "vault/files/file_queue.h"
-#include "vault/files/file_work.h"
 #include "vault/scan/scan_worker.h"
 #include "vault/vault.h"
 
@@ -19,8 +19,8 @@ struct Vault::Private
     void follow();
 
     // What an operation does on the disk, and what follows on the main thread from what came out.
-    using DiskPart = std::function<FileWork::Outcome(FileWork &, WorkMonitor &)>;
-    using MainPart = std::function<void(const FileWork::Outcome &)>;
+    using DiskPart = std::function<FileOperations::Outcome(FileOperations &, WorkMonitor &)>;
+    using MainPart = std::function<void(const FileOperations::Outcome &)>;
     // The failure is told first, the list of the trash second, then `after` is called; nothing of it when the
     // root has changed meanwhile.
     void change(const QString &title, DiskPart disk, MainPart after, const Location &destination = {});
@@ -45,7 +45,7 @@ struct Vault::Private
     std::vector<Location> recentImports;
     FileProgress progress;
     // The file thread's own, one for each root.
-    std::shared_ptr<FileWork> files = std::make_shared<FileWork>(root);
+    std::shared_ptr<FileOperations> files = std::make_shared<FileOperations>(root);
     ScanWorker worker; // their threads end before the rest goes
     FileQueue queue{progress};
 };

@@ -2,7 +2,7 @@
 // every file, complete, and a trash without gaps.
 
 #include "vault/files/disk.h"
-#include "vault/files/file_work.h"
+#include "vault/files/file_operations.h"
 #include "vault/temporary_vault.h"
 
 #include <QCoreApplication>
@@ -75,7 +75,7 @@ TEST(FileKillChild, DISABLED_ChangesFilesForEver)
 {
     const Location root = Location::fromBytes(qgetenv(rootVariable));
     std::mt19937 random(std::random_device{}());
-    FileWork work(root);
+    FileOperations work(root);
     work.open();
     std::puts("ready");
     std::fflush(stdout);
@@ -160,7 +160,7 @@ std::map<int, int> completeAssets(const Location &root)
     return found;
 }
 
-void expectTidyTrash(const Location &root, const FileWork &work)
+void expectTidyTrash(const Location &root, const FileOperations &work)
 {
     std::set<std::string> listed;
     for (const TrashItem &item : work.trash()) {
@@ -213,7 +213,7 @@ TEST_P(FileKill, LosesNothingAtAnyInstant)
         ASSERT_TRUE(victim.killAfter(std::chrono::milliseconds(random() % 60)))
             << victim.output().constData();
         caughtCopying += unfinished() > 0 ? 1 : 0;
-        FileWork work(root);
+        FileOperations work(root);
         work.open();
         caughtTrashing += work.trash().empty() ? 0 : 1;
         expectTidyTrash(root, work);

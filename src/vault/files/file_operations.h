@@ -10,10 +10,10 @@ namespace cratewell {
 // The disk side of the vault's operations. Killed at any instant, it leaves every file complete at its old
 // place or at its new one, and nothing in the trash without its record. Confined to the file thread; knows no
 // state of the program but the trash, whose list it owns.
-class FileWork
+class FileOperations
 {
 public:
-    explicit FileWork(Location root) : m_root(std::move(root)) {}
+    explicit FileOperations(Location root) : m_root(std::move(root)) {}
 
     const Location &root() const { return m_root; }
     // Newest first.

@@ -1,8 +1,8 @@
-#include "vault/temporary_vault.h"
 #include "vault/files/disk.h"
 #include "vault/files/file_names.h"
-#include "vault/files/file_work.h"
+#include "vault/files/file_operations.h"
 #include "vault/item_name.h"
+#include "vault/temporary_vault.h"
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -22,10 +22,10 @@ using namespace test;
 using testing::ElementsAre;
 namespace fs = std::filesystem;
 
-class FileWorkTest : public testing::Test
+class FileOperationsTest : public testing::Test
 {
 protected:
-    FileWorkTest()
+    FileOperationsTest()
     {
         for (const char *category : {"Overlays/Grains", "LUTs", "SFX/Hits"})
             disk.makeFolder(category);
@@ -76,11 +76,11 @@ protected:
     }
 
     TemporaryVault disk;
-    FileWork work{disk.root()};
+    FileOperations work{disk.root()};
     WorkMonitor monitor;
 };
 
-TEST_F(FileWorkTest, NamesAreCleanedAndNumbered)
+TEST_F(FileOperationsTest, NamesAreCleanedAndNumbered)
 {
     EXPECT_EQ(cleanedName(u" \n a/b\t"_s), u"a-b"_s);
     EXPECT_EQ(cleanedName(u"  \n"_s), QString());
@@ -101,7 +101,7 @@ TEST_F(FileWorkTest, NamesAreCleanedAndNumbered)
     EXPECT_FALSE(fs::exists(disk.native(""))) << "a vanished vault is not made anew";
 }
 
-TEST_F(FileWorkTest, RenameNeverReplaces)
+TEST_F(FileOperationsTest, RenameNeverReplaces)
 {
     disk.write("SFX/Hits/a.wav", 1);
     disk.write("SFX/Hits/b.wav", 2);
@@ -113,7 +113,7 @@ TEST_F(FileWorkTest, RenameNeverReplaces)
     EXPECT_THAT(listed("SFX"), ElementsAre("Thuds/a.wav", "Thuds/b.wav"));
 }
 
-TEST_F(FileWorkTest, MoveLeavesOutWhatDoesNotBelongThere)
+TEST_F(FileOperationsTest, MoveLeavesOutWhatDoesNotBelongThere)
 {
     disk.write("SFX/a.wav", 1);
     disk.write("SFX/Hits/a.wav", 2);
@@ -135,7 +135,7 @@ TEST_F(FileWorkTest, MoveLeavesOutWhatDoesNotBelongThere)
     EXPECT_TRUE(partly.error.contains(u"gone"_s)) << partly.error.toStdString();
 }
 
-TEST_F(FileWorkTest, TrashKeepsEqualNamesApartAndPutsThemBack)
+TEST_F(FileOperationsTest, TrashKeepsEqualNamesApartAndPutsThemBack)
 {
     disk.write("SFX/Hits/Hit.wav", 3);
     disk.write("SFX/Hit.wav", 4);
@@ -150,7 +150,7 @@ TEST_F(FileWorkTest, TrashKeepsEqualNamesApartAndPutsThemBack)
     EXPECT_TRUE(work.trash().front().isFolder);
     EXPECT_EQ(work.trash().front().size, 10);
 
-    FileWork again(disk.root());
+    FileOperations again(disk.root());
     again.open();
     EXPECT_EQ(again.trash(), work.trash()) << "to the part of a second";
 
@@ -167,7 +167,7 @@ TEST_F(FileWorkTest, TrashKeepsEqualNamesApartAndPutsThemBack)
     EXPECT_TRUE(fs::exists(disk.native("SFX/Hits/Hit.wav"))) << "its folder comes back with it";
 }
 
-TEST_F(FileWorkTest, RecordsAreCheckedBeforeTheyAreBelieved)
+TEST_F(FileOperationsTest, RecordsAreCheckedBeforeTheyAreBelieved)
 {
     disk.write("SFX/Hit.wav", 4);
     disk.write("../victim.txt", 1);
@@ -204,7 +204,7 @@ TEST_F(FileWorkTest, RecordsAreCheckedBeforeTheyAreBelieved)
     EXPECT_TRUE(fs::exists(disk.native("../victim.txt")));
 }
 
-TEST_F(FileWorkTest, RepairsWhatAKillLeftBehind)
+TEST_F(FileOperationsTest, RepairsWhatAKillLeftBehind)
 {
     disk.write("SFX/Hit.wav");
     disk.write("SFX/Gone.wav");
@@ -226,7 +226,7 @@ TEST_F(FileWorkTest, RepairsWhatAKillLeftBehind)
     EXPECT_TRUE(fs::exists(disk.native("../.cratewell-00112233445566778899aabbccddeeff.part")));
 }
 
-TEST_F(FileWorkTest, PurgesWhatHasLainThereForThirtyDays)
+TEST_F(FileOperationsTest, PurgesWhatHasLainThereForThirtyDays)
 {
     disk.write("SFX/old.wav");
     disk.write("SFX/new.wav");
@@ -250,7 +250,7 @@ TEST_F(FileWorkTest, PurgesWhatHasLainThereForThirtyDays)
     }
 }
 
-TEST_F(FileWorkTest, ImportFilesByTypeAndKeepsStructure)
+TEST_F(FileOperationsTest, ImportFilesByTypeAndKeepsStructure)
 {
     disk.write("../in/Pack/a.mov", 1);
     disk.write("../in/Pack/b.wav", 2);
@@ -281,7 +281,7 @@ TEST_F(FileWorkTest, ImportFilesByTypeAndKeepsStructure)
     EXPECT_EQ(around.count, 4) << "what is in the vault is not imported along with a folder around it";
 }
 
-TEST_F(FileWorkTest, ImportKeepsDatesAndPermissionsAndCanBeBrokenOff)
+TEST_F(FileOperationsTest, ImportKeepsDatesAndPermissionsAndCanBeBrokenOff)
 {
     disk.write("../in/a.mov", 5 << 20);
     ::chmod(disk.native("../in/a.mov").c_str(), 0640);
@@ -316,7 +316,7 @@ TEST_F(FileWorkTest, ImportKeepsDatesAndPermissionsAndCanBeBrokenOff)
         EXPECT_EQ(fs::file_size(disk.native("Overlays/many/" + name)), 16u << 20);
 }
 
-TEST_F(FileWorkTest, FoldersMoveWholeBetweenFileSystems)
+TEST_F(FileOperationsTest, FoldersMoveWholeBetweenFileSystems)
 {
     TemporaryVault other("/dev/shm");
     other.makeFolder("sounds");
@@ -343,7 +343,7 @@ TEST(FullDiskChild, DISABLED_LeavesBothSidesAsTheyWere)
     small.makeFolder("SFX");
     for (int i = 0; i < 8; ++i)
         large.write("in/" + std::to_string(i) + ".mov", 3 << 20);
-    FileWork work(small.root());
+    FileOperations work(small.root());
     work.open();
     for (const ImportMode mode : {ImportMode::Copy, ImportMode::Move}) {
         WorkMonitor monitor;

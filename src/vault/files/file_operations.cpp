@@ -1,4 +1,4 @@
-#include "vault/files/file_work.h"
+#include "vault/files/file_operations.h"
 
 #include "vault/files/disk.h"
 #include "vault/files/file_names.h"
@@ -23,7 +23,7 @@ namespace {
 constexpr qint64 largestIndex = qint64{256} << 20; // bytes; more is no index of ours
 
 // Nothing is worth telling of a work that the user broke off.
-void note(FileWork::Outcome &outcome, int error, const QString &subject)
+void note(FileOperations::Outcome &outcome, int error, const QString &subject)
 {
     if (error && error != ECANCELED)
         outcome.error = Error::fromErrno(error, subject).message;
@@ -50,7 +50,7 @@ QSet<QString> idsOf(const std::vector<TrashItem> &items)
 
 } // namespace
 
-void FileWork::open()
+void FileOperations::open()
 {
     m_open = true;
     Temporaries::cleanUp(m_root);
@@ -78,7 +78,7 @@ void FileWork::open()
         saveTrash();
 }
 
-FileWork::Outcome FileWork::createFolder(const Location &parent, const QString &name)
+FileOperations::Outcome FileOperations::createFolder(const Location &parent, const QString &name)
 {
     Outcome outcome;
     FreeNames names;
@@ -92,7 +92,7 @@ FileWork::Outcome FileWork::createFolder(const Location &parent, const QString &
     return outcome;
 }
 
-FileWork::Outcome FileWork::rename(const Location &item, const Location &destination)
+FileOperations::Outcome FileOperations::rename(const Location &item, const Location &destination)
 {
     Outcome outcome;
     const int error = item == destination ? 0 : disk::renameWithoutReplacing(item, destination);
@@ -101,7 +101,8 @@ FileWork::Outcome FileWork::rename(const Location &item, const Location &destina
     return outcome;
 }
 
-bool FileWork::mayMove(const Location &item, const Location &folder, const Location &resolvedFolder) const
+bool FileOperations::mayMove(const Location &item, const Location &folder,
+                             const Location &resolvedFolder) const
 {
     const Location resolved = item.resolved();
     if (resolved.parent() == resolvedFolder || resolved == resolvedFolder ||
@@ -112,8 +113,8 @@ bool FileWork::mayMove(const Location &item, const Location &folder, const Locat
     return !kind || !category || accepts(*category, *kind);
 }
 
-FileWork::Outcome FileWork::move(const std::vector<Location> &items, const Location &folder,
-                                 WorkMonitor &monitor)
+FileOperations::Outcome FileOperations::move(const std::vector<Location> &items, const Location &folder,
+                                             WorkMonitor &monitor)
 {
     Outcome outcome;
     monitor.filesTotal = int(items.size());
@@ -138,7 +139,7 @@ FileWork::Outcome FileWork::move(const std::vector<Location> &items, const Locat
     return outcome;
 }
 
-FileWork::Outcome FileWork::trash(const std::vector<Location> &items, WorkMonitor &monitor)
+FileOperations::Outcome FileOperations::trash(const std::vector<Location> &items, WorkMonitor &monitor)
 {
     Outcome outcome;
     monitor.filesTotal = int(items.size());
@@ -169,8 +170,8 @@ FileWork::Outcome FileWork::trash(const std::vector<Location> &items, WorkMonito
     return outcome;
 }
 
-void FileWork::moveToSlots(const std::vector<TrashItem> &records, WorkMonitor &monitor,
-                           Outcome &outcome) const
+void FileOperations::moveToSlots(const std::vector<TrashItem> &records, WorkMonitor &monitor,
+                                 Outcome &outcome) const
 {
     Relocation relocation(m_root, monitor);
     for (const TrashItem &record : records) {
@@ -200,7 +201,7 @@ void FileWork::moveToSlots(const std::vector<TrashItem> &records, WorkMonitor &m
 }
 
 // A record may come from anywhere: it does not lead out of the categories.
-Location FileWork::homeOf(const TrashItem &item) const
+Location FileOperations::homeOf(const TrashItem &item) const
 {
     const Location home = Location::fromText(item.original);
     if (categoryOf(m_root, home) && !isCategoryRoot(m_root, home))
@@ -209,12 +210,12 @@ Location FileWork::homeOf(const TrashItem &item) const
     return categoryFolder(m_root, defaultCategory(kind)).child(item.name);
 }
 
-bool FileWork::standsAtHome(const TrashItem &item) const
+bool FileOperations::standsAtHome(const TrashItem &item) const
 {
     return disk::exists(Location::fromText(item.original));
 }
 
-FileWork::Outcome FileWork::restore(const std::vector<TrashItem> &items, WorkMonitor &monitor)
+FileOperations::Outcome FileOperations::restore(const std::vector<TrashItem> &items, WorkMonitor &monitor)
 {
     Outcome outcome;
     monitor.filesTotal = int(items.size());
@@ -251,7 +252,7 @@ FileWork::Outcome FileWork::restore(const std::vector<TrashItem> &items, WorkMon
     return outcome;
 }
 
-void FileWork::removeForever(const std::vector<TrashItem> &items, WorkMonitor &monitor)
+void FileOperations::removeForever(const std::vector<TrashItem> &items, WorkMonitor &monitor)
 {
     monitor.filesTotal = int(items.size());
     const QSet<QString> known = idsOf(m_trash);
@@ -271,7 +272,7 @@ void FileWork::removeForever(const std::vector<TrashItem> &items, WorkMonitor &m
     saveTrash();
 }
 
-bool FileWork::purge(double cutoff, WorkMonitor &monitor)
+bool FileOperations::purge(double cutoff, WorkMonitor &monitor)
 {
     std::vector<TrashItem> expired;
     std::ranges::copy_if(m_trash, std::back_inserter(expired),
@@ -281,8 +282,9 @@ bool FileWork::purge(double cutoff, WorkMonitor &monitor)
     return !expired.empty();
 }
 
-FileWork::Outcome FileWork::import(const std::vector<Location> &items, const std::optional<Location> &into,
-                                   ImportMode mode, WorkMonitor &monitor)
+FileOperations::Outcome FileOperations::import(const std::vector<Location> &items,
+                                               const std::optional<Location> &into, ImportMode mode,
+                                               WorkMonitor &monitor)
 {
     Outcome outcome;
     const ImportPlan plan = ImportPlan::make(m_root, items, into, monitor);
@@ -327,7 +329,7 @@ FileWork::Outcome FileWork::import(const std::vector<Location> &items, const std
     return outcome;
 }
 
-int FileWork::saveTrash() const
+int FileOperations::saveTrash() const
 {
     const int error = disk::makeFolder(trashFolder(m_root));
     if (error && error != EEXIST)
@@ -336,7 +338,7 @@ int FileWork::saveTrash() const
 }
 
 // A vault that has vanished is not made anew below the place where it was.
-int FileWork::makeFoldersInVault(const Location &folder) const
+int FileOperations::makeFoldersInVault(const Location &folder) const
 {
     if (folder.isInside(m_root) && !disk::exists(m_root))
         return ENOENT;
