@@ -21,7 +21,7 @@ QString counted(qsizetype count, const QString &what)
 void Vault::Private::change(const QString &title, DiskPart disk, MainPart after, const Location &destination)
 {
     const auto work = [this, files = files, disk = std::move(disk),
-                       after = std::move(after)](WorkMonitor &monitor) -> FileQueue::Effects {
+                       after = std::move(after)](OperationProgress &monitor) -> FileQueue::Effects {
         if (!files->isOpen())
             files->open();
         const FileOperations::Outcome outcome = disk(*files, monitor);
@@ -63,7 +63,9 @@ void Vault::createFolder(const QString &name, const Location &parent, FolderCrea
     }
     d->change(
         {},
-        [parent, cleaned](FileOperations &work, WorkMonitor &) { return work.createFolder(parent, cleaned); },
+        [parent, cleaned](FileOperations &work, OperationProgress &) {
+            return work.createFolder(parent, cleaned);
+        },
         [this, done = std::move(done)](const FileOperations::Outcome &outcome) {
             const bool made = !outcome.placed.empty();
             if (made)
@@ -81,7 +83,9 @@ void Vault::rename(const Location &item, const QString &name)
     const Location destination = item.parent().child(cleaned);
     d->change(
         {},
-        [item, destination](FileOperations &work, WorkMonitor &) { return work.rename(item, destination); },
+        [item, destination](FileOperations &work, OperationProgress &) {
+            return work.rename(item, destination);
+        },
         [this, item, destination](const FileOperations::Outcome &outcome) {
             if (outcome.count > 0)
                 Q_EMIT itemRenamed(item, destination);
@@ -93,7 +97,7 @@ void Vault::move(const std::vector<Location> &items, const Location &folder)
 {
     d->change(
         tr("Moving"),
-        [items, folder](FileOperations &work, WorkMonitor &monitor) {
+        [items, folder](FileOperations &work, OperationProgress &monitor) {
             return work.move(items, folder, monitor);
         },
         [this, folder](const FileOperations::Outcome &outcome) {
@@ -133,7 +137,7 @@ void Vault::moveToTrash(const std::vector<Location> &items)
         d->queue.cancelFilling(item);
     d->change(
         tr("Moving to Trash"),
-        [items](FileOperations &work, WorkMonitor &monitor) { return work.trash(items, monitor); },
+        [items](FileOperations &work, OperationProgress &monitor) { return work.trash(items, monitor); },
         [this](const FileOperations::Outcome &outcome) {
             if (!outcome.trashed.empty())
                 Q_EMIT itemsTrashed(outcome.trashed);
@@ -150,7 +154,7 @@ void Vault::restore(const std::vector<TrashItem> &items)
 {
     d->change(
         tr("Restoring"),
-        [items](FileOperations &work, WorkMonitor &monitor) { return work.restore(items, monitor); },
+        [items](FileOperations &work, OperationProgress &monitor) { return work.restore(items, monitor); },
         [this, asked = qsizetype(items.size())](const FileOperations::Outcome &) {
             rescan();
             Q_EMIT toast(u"Restored "_s + counted(asked, u"item"_s), true);
@@ -161,7 +165,7 @@ void Vault::deleteForever(const std::vector<TrashItem> &items)
 {
     d->change(
         tr("Deleting"),
-        [items](FileOperations &work, WorkMonitor &monitor) {
+        [items](FileOperations &work, OperationProgress &monitor) {
             work.removeForever(items, monitor);
             return FileOperations::Outcome();
         },
@@ -172,7 +176,7 @@ void Vault::purgeExpired()
 {
     d->change(
         tr("Deleting"),
-        [](FileOperations &work, WorkMonitor &monitor) {
+        [](FileOperations &work, OperationProgress &monitor) {
             work.purge(secondsNow() - retention, monitor);
             return FileOperations::Outcome();
         },
@@ -184,7 +188,7 @@ void Vault::importItems(const std::vector<Location> &items, const std::optional<
 {
     d->change(
         tr("Importing"),
-        [items, into, mode](FileOperations &work, WorkMonitor &monitor) {
+        [items, into, mode](FileOperations &work, OperationProgress &monitor) {
             return work.import(items, into, mode, monitor);
         },
         [this](const FileOperations::Outcome &outcome) {

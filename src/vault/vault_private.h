@@ -19,7 +19,7 @@ struct Vault::Private
     void follow();
 
     // What an operation does on the disk, and what follows on the main thread from what came out.
-    using DiskPart = std::function<FileOperations::Outcome(FileOperations &, WorkMonitor &)>;
+    using DiskPart = std::function<FileOperations::Outcome(FileOperations &, OperationProgress &)>;
     using MainPart = std::function<void(const FileOperations::Outcome &)>;
     // The failure is told first, the list of the trash second, then `after` is called; nothing of it when the
     // root has changed meanwhile.

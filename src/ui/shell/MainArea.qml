@@ -26,7 +26,7 @@ FocusScope {
         importMenu.open({});
     }
 
-    WorkStatus { id: work }
+    OperationStatus { id: work }
     Item {
         id: view
 

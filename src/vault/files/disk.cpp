@@ -1,6 +1,6 @@
 #include "vault/files/disk.h"
 
-#include "vault/files/work_monitor.h"
+#include "vault/files/operation_progress.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -69,11 +69,11 @@ int writeAll(int descriptor, const char *bytes, size_t count)
     return 0;
 }
 
-int copyThroughMemory(int from, int to, WorkMonitor &monitor)
+int copyThroughMemory(int from, int to, OperationProgress &progress)
 {
     const auto buffer = std::make_unique_for_overwrite<char[]>(bufferSize);
     for (;;) {
-        if (monitor.cancelled)
+        if (progress.cancelled)
             return ECANCELED;
         const ssize_t got = ::read(from, buffer.get(), bufferSize);
         if (got < 0 && errno == EINTR)
@@ -82,26 +82,26 @@ int copyThroughMemory(int from, int to, WorkMonitor &monitor)
             return got < 0 ? errno : 0;
         if (const int error = writeAll(to, buffer.get(), size_t(got)))
             return error;
-        monitor.bytesDone += got;
+        progress.bytesDone += got;
     }
 }
 
 #ifdef __linux__
 
-int copyBytes(int from, int to, qint64 size, WorkMonitor &monitor)
+int copyBytes(int from, int to, qint64 size, OperationProgress &progress)
 {
     if (size > 0 && ::ioctl(to, FICLONE, from) == 0) {
-        monitor.bytesDone += size;
+        progress.bytesDone += size;
         return 0;
     }
     qint64 copied = 0;
     for (;;) {
-        if (monitor.cancelled)
+        if (progress.cancelled)
             return ECANCELED;
         const ssize_t got = ::copy_file_range(from, nullptr, to, nullptr, copyStep, 0);
         if (got > 0) {
             copied += got;
-            monitor.bytesDone += got;
+            progress.bytesDone += got;
             continue;
         }
         if (got < 0 && errno == EINTR)
@@ -109,7 +109,7 @@ int copyBytes(int from, int to, qint64 size, WorkMonitor &monitor)
         if (got < 0 && copied > 0)
             return errno;
         // The kernel cannot copy between these two, or says of a file it makes itself that it is empty.
-        return got < 0 || copied < size ? copyThroughMemory(from, to, monitor) : 0;
+        return got < 0 || copied < size ? copyThroughMemory(from, to, progress) : 0;
     }
 }
 
@@ -125,9 +125,9 @@ int flushSystemOf(int descriptor)
 
 #else
 
-int copyBytes(int from, int to, qint64, WorkMonitor &monitor)
+int copyBytes(int from, int to, qint64, OperationProgress &progress)
 {
-    return copyThroughMemory(from, to, monitor);
+    return copyThroughMemory(from, to, progress);
 }
 
 int claimedRename(const char *from, const char *to)
@@ -175,12 +175,12 @@ void takeOverTimes(int descriptor, const struct stat &facts)
     ::futimens(descriptor, times);
 }
 
-int copyOpened(int from, const Location &to, const struct stat &facts, WorkMonitor &monitor)
+int copyOpened(int from, const Location &to, const struct stat &facts, OperationProgress &progress)
 {
     Descriptor target(::open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (target < 0)
         return errno;
-    int error = copyBytes(from, target, facts.st_size, monitor);
+    int error = copyBytes(from, target, facts.st_size, progress);
     if (!error) {
         // Some file systems have no permissions or times of their own to set.
         ::fchmod(target, facts.st_mode & 0777);
@@ -202,12 +202,13 @@ int copyLink(const Location &from, const Location &to, qint64 size)
     return ::symlink(target.constData(), to.c_str()) == 0 ? 0 : errno;
 }
 
-int copyFolder(const Location &from, const Location &to, const struct stat &facts, WorkMonitor &monitor)
+int copyFolder(const Location &from, const Location &to, const struct stat &facts,
+               OperationProgress &progress)
 {
     if (const int error = makeFolder(to))
         return error;
     for (const QByteArray &name : names(from)) {
-        if (const int error = copyTree(from.child(name), to.child(name), monitor)) {
+        if (const int error = copyTree(from.child(name), to.child(name), progress)) {
             remove(to);
             return error;
         }
@@ -281,28 +282,28 @@ int renameWithoutReplacing(const Location &from, const Location &to)
     return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP ? renameByClaim(from, to) : error;
 }
 
-int copyFile(const Location &from, const Location &to, WorkMonitor &monitor)
+int copyFile(const Location &from, const Location &to, OperationProgress &progress)
 {
     // Not waiting: what is called like a clip may be a pipe.
     const Descriptor source(::open(from.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat facts;
     if (source < 0 || ::fstat(source, &facts) != 0)
         return errno;
-    return S_ISREG(facts.st_mode) ? copyOpened(source, to, facts, monitor) : EINVAL;
+    return S_ISREG(facts.st_mode) ? copyOpened(source, to, facts, progress) : EINVAL;
 }
 
-int copyTree(const Location &from, const Location &to, WorkMonitor &monitor)
+int copyTree(const Location &from, const Location &to, OperationProgress &progress)
 {
     struct stat facts;
     if (const int error = look(from, facts))
         return error;
-    if (monitor.cancelled)
+    if (progress.cancelled)
         return ECANCELED;
     if (S_ISDIR(facts.st_mode))
-        return copyFolder(from, to, facts, monitor);
+        return copyFolder(from, to, facts, progress);
     if (S_ISLNK(facts.st_mode))
         return copyLink(from, to, facts.st_size);
-    return copyFile(from, to, monitor);
+    return copyFile(from, to, progress);
 }
 
 int remove(const Location &place)

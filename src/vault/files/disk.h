@@ -6,7 +6,7 @@
 
 namespace cratewell {
 
-struct WorkMonitor;
+struct OperationProgress;
 
 // What operations on files are made of. Calls that can fail give 0 or an errno value; none leaves a half-made
 // target behind. Any thread.
@@ -28,10 +28,10 @@ int makeFolder(const Location &folder);
 // EEXIST when something is at `to`, EXDEV when it lies on another file system; else all or nothing.
 int renameWithoutReplacing(const Location &from, const Location &to);
 // Bytes, permissions and times of a regular file, by the file system's own cloning where there is one. `to`
-// must not exist. ECANCELED when the monitor says so.
-int copyFile(const Location &from, const Location &to, WorkMonitor &monitor);
+// must not exist. ECANCELED when the progress says so.
+int copyFile(const Location &from, const Location &to, OperationProgress &progress);
 // A file, a link as a link, or a folder with everything in it. `to` must not exist.
-int copyTree(const Location &from, const Location &to, WorkMonitor &monitor);
+int copyTree(const Location &from, const Location &to, OperationProgress &progress);
 int remove(const Location &place);
 // Removes an empty folder.
 int removeFolder(const Location &folder);

@@ -114,14 +114,14 @@ bool FileOperations::mayMove(const Location &item, const Location &folder,
 }
 
 FileOperations::Outcome FileOperations::move(const std::vector<Location> &items, const Location &folder,
-                                             WorkMonitor &monitor)
+                                             OperationProgress &progress)
 {
     Outcome outcome;
-    monitor.filesTotal = int(items.size());
+    progress.filesTotal = int(items.size());
     const Location resolvedFolder = folder.resolved();
-    Relocation relocation(m_root, monitor);
+    Relocation relocation(m_root, progress);
     for (const Location &item : items) {
-        if (monitor.cancelled)
+        if (progress.cancelled)
             break;
         if (!mayMove(item, folder, resolvedFolder))
             continue;
@@ -131,7 +131,7 @@ FileOperations::Outcome FileOperations::move(const std::vector<Location> &items,
                            if (error)
                                return;
                            ++outcome.count;
-                           ++monitor.filesDone;
+                           ++progress.filesDone;
                            outcome.placed.push_back(place);
                        });
     }
@@ -139,10 +139,10 @@ FileOperations::Outcome FileOperations::move(const std::vector<Location> &items,
     return outcome;
 }
 
-FileOperations::Outcome FileOperations::trash(const std::vector<Location> &items, WorkMonitor &monitor)
+FileOperations::Outcome FileOperations::trash(const std::vector<Location> &items, OperationProgress &progress)
 {
     Outcome outcome;
-    monitor.filesTotal = int(items.size());
+    progress.filesTotal = int(items.size());
     std::vector<TrashItem> records;
     for (const Location &item : items) {
         if (isCategoryRoot(m_root, item) || !disk::exists(item))
@@ -150,7 +150,7 @@ FileOperations::Outcome FileOperations::trash(const std::vector<Location> &items
         records.push_back({QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper(), item.name(),
                            item.text(), secondsNow(), disk::isFolder(item), disk::sizeOf(item)});
     }
-    if (records.empty() || monitor.cancelled)
+    if (records.empty() || progress.cancelled)
         return outcome;
 
     // The records come first: what is in the trash has one at every instant.
@@ -158,7 +158,7 @@ FileOperations::Outcome FileOperations::trash(const std::vector<Location> &items
     if (const int error = saveTrash())
         note(outcome, error, u"Trash"_s);
     else
-        moveToSlots(records, monitor, outcome);
+        moveToSlots(records, progress, outcome);
     if (outcome.trashed.size() < records.size()) {
         const QSet<QString> tried = idsOf(records);
         const QSet<QString> done = idsOf(outcome.trashed);
@@ -170,12 +170,12 @@ FileOperations::Outcome FileOperations::trash(const std::vector<Location> &items
     return outcome;
 }
 
-void FileOperations::moveToSlots(const std::vector<TrashItem> &records, WorkMonitor &monitor,
+void FileOperations::moveToSlots(const std::vector<TrashItem> &records, OperationProgress &progress,
                                  Outcome &outcome) const
 {
-    Relocation relocation(m_root, monitor);
+    Relocation relocation(m_root, progress);
     for (const TrashItem &record : records) {
-        if (monitor.cancelled)
+        if (progress.cancelled)
             break;
         const Location original = Location::fromText(record.original);
         const Location slot = trashSlot(m_root, record);
@@ -188,7 +188,7 @@ void FileOperations::moveToSlots(const std::vector<TrashItem> &records, WorkMoni
                            if (!error) {
                                outcome.trashed.push_back(record);
                                ++outcome.count;
-                               ++monitor.filesDone;
+                               ++progress.filesDone;
                                return;
                            }
                            disk::removeFolder(slot);
@@ -215,16 +215,17 @@ bool FileOperations::standsAtHome(const TrashItem &item) const
     return disk::exists(Location::fromText(item.original));
 }
 
-FileOperations::Outcome FileOperations::restore(const std::vector<TrashItem> &items, WorkMonitor &monitor)
+FileOperations::Outcome FileOperations::restore(const std::vector<TrashItem> &items,
+                                                OperationProgress &progress)
 {
     Outcome outcome;
-    monitor.filesTotal = int(items.size());
+    progress.filesTotal = int(items.size());
     const QSet<QString> known = idsOf(m_trash);
     std::vector<TrashItem> restored;
     {
-        Relocation relocation(m_root, monitor);
+        Relocation relocation(m_root, progress);
         for (const TrashItem &item : items) {
-            if (monitor.cancelled)
+            if (progress.cancelled)
                 break;
             if (!known.contains(item.id))
                 continue;
@@ -237,7 +238,7 @@ FileOperations::Outcome FileOperations::restore(const std::vector<TrashItem> &it
                                    return;
                                restored.push_back(item);
                                outcome.placed.push_back(place);
-                               ++monitor.filesDone;
+                               ++progress.filesDone;
                            });
         }
         relocation.finish();
@@ -252,13 +253,13 @@ FileOperations::Outcome FileOperations::restore(const std::vector<TrashItem> &it
     return outcome;
 }
 
-void FileOperations::removeForever(const std::vector<TrashItem> &items, WorkMonitor &monitor)
+void FileOperations::removeForever(const std::vector<TrashItem> &items, OperationProgress &progress)
 {
-    monitor.filesTotal = int(items.size());
+    progress.filesTotal = int(items.size());
     const QSet<QString> known = idsOf(m_trash);
     QSet<QString> gone;
     for (const TrashItem &item : items) {
-        if (monitor.cancelled)
+        if (progress.cancelled)
             break;
         if (!known.contains(item.id))
             continue;
@@ -266,37 +267,37 @@ void FileOperations::removeForever(const std::vector<TrashItem> &items, WorkMoni
         // What could not be removed stays listed, so that it can be tried again.
         if (!disk::exists(trashSlot(m_root, item)))
             gone.insert(item.id);
-        ++monitor.filesDone;
+        ++progress.filesDone;
     }
     std::erase_if(m_trash, [&](const TrashItem &item) { return gone.contains(item.id); });
     saveTrash();
 }
 
-bool FileOperations::purge(double cutoff, WorkMonitor &monitor)
+bool FileOperations::purge(double cutoff, OperationProgress &progress)
 {
     std::vector<TrashItem> expired;
     std::ranges::copy_if(m_trash, std::back_inserter(expired),
                          [cutoff](const TrashItem &item) { return item.deletedAt < cutoff; });
     if (!expired.empty())
-        removeForever(expired, monitor);
+        removeForever(expired, progress);
     return !expired.empty();
 }
 
 FileOperations::Outcome FileOperations::import(const std::vector<Location> &items,
                                                const std::optional<Location> &into, ImportMode mode,
-                                               WorkMonitor &monitor)
+                                               OperationProgress &progress)
 {
     Outcome outcome;
-    const ImportPlan plan = ImportPlan::make(m_root, items, into, monitor);
+    const ImportPlan plan = ImportPlan::make(m_root, items, into, progress);
     Temporaries temporaries(m_root);
     FreeNames names;
-    Relocation relocation(m_root, monitor);
+    Relocation relocation(m_root, progress);
     const auto placed = [&](int error, const Location &source, const Location &place) {
         note(outcome, error, source.name());
         if (error)
             return;
         ++outcome.count;
-        ++monitor.filesDone;
+        ++progress.filesDone;
         outcome.placed.push_back(place);
     };
     const auto copy = [&](const Location &source, const Location &folder) {
@@ -304,7 +305,7 @@ FileOperations::Outcome FileOperations::import(const std::vector<Location> &item
         Location place;
         int error = temporaries.name(folder, part);
         if (!error)
-            error = disk::copyFile(source, part, monitor);
+            error = disk::copyFile(source, part, progress);
         if (!error)
             error = names.claim(folder, source.nameBytes().toByteArray(), FreeNames::Naming::File, place,
                                 [&](const Location &to) { return disk::renameWithoutReplacing(part, to); });
@@ -313,7 +314,7 @@ FileOperations::Outcome FileOperations::import(const std::vector<Location> &item
         placed(error, source, place);
     };
     for (const ImportPlan::Step &step : plan.steps) {
-        if (monitor.cancelled)
+        if (progress.cancelled)
             break;
         if (step.source.isEmpty())
             makeFoldersInVault(step.folder);

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/error.h"
+#include "vault/files/operation_progress.h"
 #include "vault/files/trash_index.h"
-#include "vault/files/work_monitor.h"
 #include "vault/vault.h"
 
 namespace cratewell {
@@ -34,18 +34,19 @@ public:
     Outcome createFolder(const Location &parent, const QString &name);
     // Count 1 when it was renamed.
     Outcome rename(const Location &item, const Location &destination);
-    Outcome move(const std::vector<Location> &items, const Location &folder, WorkMonitor &monitor);
-    Outcome trash(const std::vector<Location> &items, WorkMonitor &monitor);
-    Outcome restore(const std::vector<TrashItem> &items, WorkMonitor &monitor);
-    void removeForever(const std::vector<TrashItem> &items, WorkMonitor &monitor);
+    Outcome move(const std::vector<Location> &items, const Location &folder, OperationProgress &progress);
+    Outcome trash(const std::vector<Location> &items, OperationProgress &progress);
+    Outcome restore(const std::vector<TrashItem> &items, OperationProgress &progress);
+    void removeForever(const std::vector<TrashItem> &items, OperationProgress &progress);
     // What was deleted before `cutoff`, in seconds since 2001-01-01 UTC. False when there was nothing.
-    bool purge(double cutoff, WorkMonitor &monitor);
+    bool purge(double cutoff, OperationProgress &progress);
     // Placed: in the order of placing.
     Outcome import(const std::vector<Location> &items, const std::optional<Location> &into, ImportMode mode,
-                   WorkMonitor &monitor);
+                   OperationProgress &progress);
 
 private:
-    void moveToSlots(const std::vector<TrashItem> &records, WorkMonitor &monitor, Outcome &outcome) const;
+    void moveToSlots(const std::vector<TrashItem> &records, OperationProgress &progress,
+                     Outcome &outcome) const;
     Location homeOf(const TrashItem &item) const;
     bool standsAtHome(const TrashItem &item) const;
     int saveTrash() const;

@@ -13,10 +13,11 @@ constexpr std::chrono::milliseconds untilShown{300};
 constexpr std::chrono::milliseconds interval{100};
 constexpr std::chrono::milliseconds untilGuessed{1000}; // earlier guesses of the time left jump about
 
-FileProgress::Values valuesOf(const QString &title, const WorkMonitor &monitor, Clock::duration elapsed)
+FileProgress::Values valuesOf(const QString &title, const OperationProgress &progress,
+                              Clock::duration elapsed)
 {
     FileProgress::Values values{
-        true, title, monitor.filesDone, monitor.filesTotal, monitor.bytesDone, monitor.bytesTotal, 0, -1};
+        true, title, progress.filesDone, progress.filesTotal, progress.bytesDone, progress.bytesTotal, 0, -1};
     if (values.bytesTotal > 0)
         values.fraction = double(values.bytesDone) / double(values.bytesTotal);
     else if (values.filesTotal > 0)
@@ -65,7 +66,7 @@ void FileQueue::cancel()
 {
     const std::scoped_lock lock(m_mutex);
     if (!m_jobs.empty())
-        m_jobs.front()->monitor.cancelled = true;
+        m_jobs.front()->progress.cancelled = true;
 }
 
 void FileQueue::cancelFilling(const Location &folder)
@@ -73,7 +74,7 @@ void FileQueue::cancelFilling(const Location &folder)
     const std::scoped_lock lock(m_mutex);
     for (const auto &job : m_jobs) {
         if (job->destination == folder || job->destination.isInside(folder))
-            job->monitor.cancelled = true;
+            job->progress.cancelled = true;
     }
 }
 
@@ -81,7 +82,7 @@ void FileQueue::cancelAll()
 {
     const std::scoped_lock lock(m_mutex);
     for (const auto &job : m_jobs)
-        job->monitor.cancelled = true;
+        job->progress.cancelled = true;
 }
 
 void FileQueue::drain()
@@ -90,7 +91,7 @@ void FileQueue::drain()
         const std::scoped_lock lock(m_mutex);
         m_ending = true;
         if (!m_jobs.empty())
-            m_jobs.front()->monitor.cancelled = true;
+            m_jobs.front()->progress.cancelled = true;
     }
     m_changed.notify_one();
     if (m_thread.joinable())
@@ -108,7 +109,7 @@ void FileQueue::run()
         const std::shared_ptr<Job> job = m_jobs.front();
         job->started = Clock::now();
         lock.unlock();
-        Effects effects = job->work(job->monitor);
+        Effects effects = job->work(job->progress);
         QMetaObject::invokeMethod(
             this, [this, effects = std::move(effects)] { finish(effects); }, Qt::QueuedConnection);
         lock.lock();
@@ -134,7 +135,7 @@ void FileQueue::show()
             const Job &job = *m_jobs.front();
             const Clock::duration elapsed = Clock::now() - job.started;
             if (elapsed >= untilShown)
-                values = valuesOf(job.title, job.monitor, elapsed);
+                values = valuesOf(job.title, job.progress, elapsed);
         }
     }
     m_progress.show(values);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/location.h"
-#include "vault/files/work_monitor.h"
+#include "vault/files/operation_progress.h"
 
 #include <QObject>
 #include <QTimer>
@@ -25,7 +25,7 @@ class FileQueue : public QObject
 public:
     // What is to be done on the main thread afterwards.
     using Effects = std::function<void()>;
-    using Work = std::function<Effects(WorkMonitor &)>;
+    using Work = std::function<Effects(OperationProgress &)>;
 
     explicit FileQueue(FileProgress &progress);
     ~FileQueue() override;
@@ -48,7 +48,7 @@ private:
         QString title;
         Work work;
         Location destination;
-        WorkMonitor monitor;
+        OperationProgress progress;
         std::chrono::steady_clock::time_point started;
     };
 

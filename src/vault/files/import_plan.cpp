@@ -1,7 +1,7 @@
 #include "vault/files/import_plan.h"
 
 #include "vault/files/disk.h"
-#include "vault/files/work_monitor.h"
+#include "vault/files/operation_progress.h"
 
 #include <sys/stat.h>
 
@@ -15,8 +15,8 @@ constexpr int deepestFolder = 200;
 class Planner
 {
 public:
-    Planner(const Location &root, WorkMonitor &monitor)
-        : m_root(root), m_resolvedRoot(root.resolved()), m_monitor(monitor)
+    Planner(const Location &root, OperationProgress &progress)
+        : m_root(root), m_resolvedRoot(root.resolved()), m_monitor(progress)
     {
     }
 
@@ -31,7 +31,7 @@ private:
 
     const Location m_root;
     const Location m_resolvedRoot;
-    WorkMonitor &m_monitor;
+    OperationProgress &m_monitor;
 };
 
 void Planner::place(const Location &item, const std::optional<Location> &target, int depth)
@@ -86,9 +86,9 @@ void Planner::placeFile(const Location &file, qint64 size, const std::optional<L
 } // namespace
 
 ImportPlan ImportPlan::make(const Location &root, const std::vector<Location> &items,
-                            const std::optional<Location> &into, WorkMonitor &monitor)
+                            const std::optional<Location> &into, OperationProgress &progress)
 {
-    Planner planner(root, monitor);
+    Planner planner(root, progress);
     for (const Location &item : items)
         planner.place(item, into, 0);
     return std::move(planner.plan);

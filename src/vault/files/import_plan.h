@@ -7,7 +7,7 @@
 
 namespace cratewell {
 
-struct WorkMonitor;
+struct OperationProgress;
 
 // What an import will do, in order: folders to make and files to place. Made by looking at the sources only,
 // so that the amount of work is known before the first file is touched.
@@ -24,7 +24,7 @@ struct ImportPlan
     // by type below `root`. What a folder holds that the destination's category does not accept goes to the
     // category that does. Nothing inside the vault is imported along with a folder around it.
     static ImportPlan make(const Location &root, const std::vector<Location> &items,
-                           const std::optional<Location> &into, WorkMonitor &monitor);
+                           const std::optional<Location> &into, OperationProgress &progress);
 };
 
 } // namespace cratewell

@@ -1,14 +1,15 @@
 #include "vault/files/relocation.h"
 
 #include "vault/files/disk.h"
-#include "vault/files/work_monitor.h"
+#include "vault/files/operation_progress.h"
 
 #include <cerrno>
 #include <utility>
 
 namespace cratewell {
 
-Relocation::Relocation(const Location &root, WorkMonitor &monitor) : m_monitor(monitor), m_temporaries(root)
+Relocation::Relocation(const Location &root, OperationProgress &progress)
+    : m_monitor(progress), m_temporaries(root)
 {
 }
 

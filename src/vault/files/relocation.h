@@ -8,7 +8,7 @@
 
 namespace cratewell {
 
-struct WorkMonitor;
+struct OperationProgress;
 
 // Moves items to free names in other folders. On one file system that is a rename. Between file systems
 // everything is copied under hidden names first; finish() then flushes once, gives the copies their names and
@@ -16,7 +16,7 @@ struct WorkMonitor;
 class Relocation
 {
 public:
-    Relocation(const Location &root, WorkMonitor &monitor);
+    Relocation(const Location &root, OperationProgress &progress);
     // Without finish(), copies vanish and their sources stay.
     ~Relocation();
     Q_DISABLE_COPY_MOVE(Relocation)
@@ -40,7 +40,7 @@ private:
     void stage(const Location &item, const Location &folder, const QByteArray &name, Moved moved);
     void unpack(Staged &staged);
 
-    WorkMonitor &m_monitor;
+    OperationProgress &m_monitor;
     Temporaries m_temporaries;
     FreeNames m_names;
     std::vector<Staged> m_staged;

@@ -80,26 +80,26 @@ TEST(FileKillChild, DISABLED_ChangesFilesForEver)
     std::puts("ready");
     std::fflush(stdout);
     for (;;) {
-        WorkMonitor monitor;
+        OperationProgress progress;
         const std::vector<Location> files = filesBelow(root, "Overlays");
         const Location folder =
             Location::fromBytes(root.bytes() + '/' + folders[random() % folders.size()].c_str());
         switch (random() % 5) {
         case 0:
-            work.move(some(files, random), folder, monitor);
+            work.move(some(files, random), folder, progress);
             break;
         case 1:
-            work.trash(random() % 6 == 0 ? std::vector{folder} : some(files, random), monitor);
+            work.trash(random() % 6 == 0 ? std::vector{folder} : some(files, random), progress);
             break;
         case 2:
-            work.restore(work.trash(), monitor);
+            work.restore(work.trash(), progress);
             break;
         case 3:
-            work.import({outside(root)}, folder, ImportMode::Move, monitor);
+            work.import({outside(root)}, folder, ImportMode::Move, progress);
             break;
         case 4:
             if (!files.empty())
-                work.import({files[random() % files.size()]}, folder, ImportMode::Copy, monitor);
+                work.import({files[random() % files.size()]}, folder, ImportMode::Copy, progress);
             // Copies would fill the vault.
             for (const Location &file : filesBelow(root, "Overlays")) {
                 if (file.baseName().contains(u' ') && random() % 2)

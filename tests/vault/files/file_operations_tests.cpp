@@ -77,7 +77,7 @@ protected:
 
     TemporaryVault disk;
     FileOperations work{disk.root()};
-    WorkMonitor monitor;
+    OperationProgress progress;
 };
 
 TEST_F(FileOperationsTest, NamesAreCleanedAndNumbered)
@@ -121,7 +121,7 @@ TEST_F(FileOperationsTest, MoveLeavesOutWhatDoesNotBelongThere)
     disk.write("SFX/notes.txt");
     disk.makeFolder("SFX/Hits/Deep");
     const auto move = [this](const std::vector<std::string> &items, const std::string &folder) {
-        return work.move(at(items), disk.at(folder), monitor).count;
+        return work.move(at(items), disk.at(folder), progress).count;
     };
     EXPECT_EQ(move({"SFX/a.wav", "SFX/b.wav"}, "Overlays/Grains"), 0) << "a sound is no overlay";
     EXPECT_EQ(move({"SFX/a.wav"}, "SFX"), 0) << "there already";
@@ -130,7 +130,7 @@ TEST_F(FileOperationsTest, MoveLeavesOutWhatDoesNotBelongThere)
     EXPECT_EQ(move({"SFX/a.wav", "SFX/notes.txt"}, "SFX/Hits"), 2);
     EXPECT_EQ(fs::file_size(disk.native("SFX/Hits/a.wav")), 2u);
     EXPECT_EQ(fs::file_size(disk.native("SFX/Hits/a 2.wav")), 1u);
-    const auto partly = work.move(at({"SFX/gone.wav", "SFX/b.wav"}), disk.at("SFX/Hits"), monitor);
+    const auto partly = work.move(at({"SFX/gone.wav", "SFX/b.wav"}), disk.at("SFX/Hits"), progress);
     EXPECT_EQ(partly.count, 1);
     EXPECT_TRUE(partly.error.contains(u"gone"_s)) << partly.error.toStdString();
 }
@@ -141,7 +141,7 @@ TEST_F(FileOperationsTest, TrashKeepsEqualNamesApartAndPutsThemBack)
     disk.write("SFX/Hit.wav", 4);
     disk.write("SFX/Old/Deep/x.wav", 10);
     const auto trashed =
-        work.trash(at({"SFX/Hits/Hit.wav", "SFX/Hit.wav", "SFX/Old", "SFX/Old/Deep/x.wav", "SFX"}), monitor);
+        work.trash(at({"SFX/Hits/Hit.wav", "SFX/Hit.wav", "SFX/Old", "SFX/Old/Deep/x.wav", "SFX"}), progress);
     EXPECT_EQ(trashed.count, 3);
     EXPECT_EQ(trashed.error, QString());
     EXPECT_TRUE(listed().empty());
@@ -155,15 +155,15 @@ TEST_F(FileOperationsTest, TrashKeepsEqualNamesApartAndPutsThemBack)
     EXPECT_EQ(again.trash(), work.trash()) << "to the part of a second";
 
     disk.write("SFX/Hit.wav", 5);
-    EXPECT_EQ(work.restore(work.trash(), monitor).count, 3);
+    EXPECT_EQ(work.restore(work.trash(), progress).count, 3);
     EXPECT_THAT(listed("SFX"), ElementsAre("Hit 2.wav", "Hit.wav", "Hits/Hit.wav", "Old/Deep/x.wav"));
     EXPECT_EQ(fs::file_size(disk.native("SFX/Hit 2.wav")), 4u);
     EXPECT_TRUE(slots().empty());
     EXPECT_TRUE(decodeTrash(indexBytes()).items.empty());
 
-    work.trash(at({"SFX/Hits/Hit.wav"}), monitor);
+    work.trash(at({"SFX/Hits/Hit.wav"}), progress);
     disk.remove("SFX/Hits");
-    work.restore(work.trash(), monitor);
+    work.restore(work.trash(), progress);
     EXPECT_TRUE(fs::exists(disk.native("SFX/Hits/Hit.wav"))) << "its folder comes back with it";
 }
 
@@ -171,7 +171,7 @@ TEST_F(FileOperationsTest, RecordsAreCheckedBeforeTheyAreBelieved)
 {
     disk.write("SFX/Hit.wav", 4);
     disk.write("../victim.txt", 1);
-    work.trash(at({"SFX/Hit.wav"}), monitor);
+    work.trash(at({"SFX/Hit.wav"}), progress);
     const TrashItem honest = work.trash().front();
     const auto altered = [&](const std::function<void(TrashItem &)> &change) {
         TrashItem item = honest;
@@ -190,7 +190,7 @@ TEST_F(FileOperationsTest, RecordsAreCheckedBeforeTheyAreBelieved)
     writeIndex(encodeTrash(
         {altered([&](TrashItem &item) { item.original = disk.at("../elsewhere/Hit.wav").text(); })}));
     work.open();
-    work.restore(work.trash(), monitor);
+    work.restore(work.trash(), progress);
     EXPECT_FALSE(fs::exists(disk.native("../elsewhere")));
     EXPECT_TRUE(fs::exists(disk.native("SFX/Hit.wav"))) << "back where its kind lives";
 
@@ -208,7 +208,7 @@ TEST_F(FileOperationsTest, RepairsWhatAKillLeftBehind)
 {
     disk.write("SFX/Hit.wav");
     disk.write("SFX/Gone.wav");
-    work.trash(at({"SFX/Hit.wav", "SFX/Gone.wav"}), monitor);
+    work.trash(at({"SFX/Hit.wav", "SFX/Gone.wav"}), progress);
     const TrashItem unmoved = work.trash().back();
     fs::rename(trashedItem(disk.root(), unmoved).c_str(), disk.native("SFX/Hit.wav"));
     disk.write("SFX/.cratewell-00112233445566778899aabbccddeeff.part");
@@ -230,17 +230,17 @@ TEST_F(FileOperationsTest, PurgesWhatHasLainThereForThirtyDays)
 {
     disk.write("SFX/old.wav");
     disk.write("SFX/new.wav");
-    work.trash(at({"SFX/old.wav", "SFX/new.wav"}), monitor);
+    work.trash(at({"SFX/old.wav", "SFX/new.wav"}), progress);
     std::vector<TrashItem> items = work.trash();
     const double now = secondsNow();
     items[1].deletedAt = now - 31 * 86400.0;
     writeIndex(encodeTrash(items));
     work.open();
-    EXPECT_TRUE(work.purge(now - 30 * 86400.0, monitor));
+    EXPECT_TRUE(work.purge(now - 30 * 86400.0, progress));
     ASSERT_EQ(work.trash().size(), 1u);
     EXPECT_EQ(work.trash().front().name, u"new.wav"_s);
     EXPECT_EQ(slots().size(), 1u);
-    EXPECT_FALSE(work.purge(now - 30 * 86400.0, monitor));
+    EXPECT_FALSE(work.purge(now - 30 * 86400.0, progress));
 
     TrashItem item;
     for (const auto &[age, left] :
@@ -262,7 +262,7 @@ TEST_F(FileOperationsTest, ImportFilesByTypeAndKeepsStructure)
     disk.link("../in/Pack/loop", "..");
     ::mkfifo(disk.native("../in/Pack/pipe.mov").c_str(), 0600);
     const auto first =
-        work.import(at({"../in/Pack", "../in/Mixed", "../in/none"}), {}, ImportMode::Copy, monitor);
+        work.import(at({"../in/Pack", "../in/Mixed", "../in/none"}), {}, ImportMode::Copy, progress);
     EXPECT_EQ(first.count, 5);
     EXPECT_FALSE(first.error.isEmpty()) << "a pipe cannot be copied, and nothing waits for it";
     EXPECT_THAT(listed(), ElementsAre("LUTs/Looks/e.cube", "Overlays/Pack/More/c.png", "Overlays/Pack/a.mov",
@@ -270,14 +270,14 @@ TEST_F(FileOperationsTest, ImportFilesByTypeAndKeepsStructure)
 
     disk.write("SFX/Hits/d.mp3", 9);
     const auto merged = work.import(at({"../in/Mixed/Sounds/d.mp3", "../in/Pack/a.mov"}), disk.at("SFX/Hits"),
-                                    ImportMode::Move, monitor);
+                                    ImportMode::Move, progress);
     EXPECT_THAT(merged.placed, ElementsAre(disk.at("SFX/Hits/d 2.mp3"), disk.at("Overlays/a.mov")))
         << "each where its kind may lie";
     EXPECT_FALSE(fs::exists(disk.native("../in/Pack/a.mov")));
     EXPECT_EQ(fs::file_size(disk.native("SFX/Hits/d.mp3")), 9u);
 
     disk.write("../whole.mov");
-    const auto around = work.import({disk.root().parent()}, {}, ImportMode::Copy, monitor);
+    const auto around = work.import({disk.root().parent()}, {}, ImportMode::Copy, progress);
     EXPECT_EQ(around.count, 4) << "what is in the vault is not imported along with a folder around it";
 }
 
@@ -287,13 +287,13 @@ TEST_F(FileOperationsTest, ImportKeepsDatesAndPermissionsAndCanBeBrokenOff)
     ::chmod(disk.native("../in/a.mov").c_str(), 0640);
     const auto date = fs::last_write_time(disk.native("../in/a.mov")) - std::chrono::hours(1000);
     fs::last_write_time(disk.native("../in/a.mov"), date);
-    work.import(at({"../in/a.mov"}), {}, ImportMode::Copy, monitor);
+    work.import(at({"../in/a.mov"}), {}, ImportMode::Copy, progress);
     EXPECT_EQ(fs::last_write_time(disk.native("Overlays/a.mov")), date);
     EXPECT_EQ(fs::status(disk.native("Overlays/a.mov")).permissions(), fs::perms(0640));
-    EXPECT_EQ(monitor.bytesDone, 5 << 20);
-    EXPECT_EQ(monitor.filesDone, monitor.filesTotal);
+    EXPECT_EQ(progress.bytesDone, 5 << 20);
+    EXPECT_EQ(progress.filesDone, progress.filesTotal);
 
-    WorkMonitor cancelled;
+    OperationProgress cancelled;
     cancelled.cancelled = true;
     const auto nothing = work.import(at({"../in/a.mov"}), {}, ImportMode::Move, cancelled);
     EXPECT_EQ(nothing.count, 0);
@@ -303,7 +303,7 @@ TEST_F(FileOperationsTest, ImportKeepsDatesAndPermissionsAndCanBeBrokenOff)
 
     for (int i = 0; i < 40; ++i)
         disk.write("../many/" + std::to_string(i) + ".mov", 16 << 20);
-    WorkMonitor halfway;
+    OperationProgress halfway;
     std::jthread person([&] {
         while (halfway.bytesDone < 24 << 20)
             std::this_thread::yield();
@@ -324,11 +324,11 @@ TEST_F(FileOperationsTest, FoldersMoveWholeBetweenFileSystems)
     disk.link("SFX", other.native("sounds"));
     disk.write("SFX/Pack/Deep/a.wav", 7);
     disk.link("SFX/Pack/same.wav", "Deep/a.wav");
-    ASSERT_EQ(work.trash(at({"SFX/Pack"}), monitor).count, 1);
+    ASSERT_EQ(work.trash(at({"SFX/Pack"}), progress).count, 1);
     EXPECT_FALSE(fs::exists(disk.native("SFX/Pack")));
     EXPECT_EQ(fs::file_size(fs::path(trashedItem(disk.root(), work.trash().front()).c_str()) / "Deep/a.wav"),
               7u);
-    ASSERT_EQ(work.restore(work.trash(), monitor).count, 1);
+    ASSERT_EQ(work.restore(work.trash(), progress).count, 1);
     EXPECT_EQ(fs::file_size(disk.native("SFX/Pack/Deep/a.wav")), 7u);
     EXPECT_TRUE(fs::is_symlink(disk.native("SFX/Pack/same.wav")));
     EXPECT_TRUE(slots().empty());
@@ -346,8 +346,8 @@ TEST(FullDiskChild, DISABLED_LeavesBothSidesAsTheyWere)
     FileOperations work(small.root());
     work.open();
     for (const ImportMode mode : {ImportMode::Copy, ImportMode::Move}) {
-        WorkMonitor monitor;
-        const auto outcome = work.import({large.at("in")}, {}, mode, monitor);
+        OperationProgress progress;
+        const auto outcome = work.import({large.at("in")}, {}, mode, progress);
         EXPECT_TRUE(outcome.error.contains(u"No space"_s)) << outcome.error.toStdString();
         EXPECT_LT(outcome.count, 8);
         EXPECT_GT(outcome.count, 0);

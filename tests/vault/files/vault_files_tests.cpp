@@ -140,15 +140,15 @@ TEST(FileQueue, ShowsLongWorkAndCancelsIt)
     FileProgress progress;
     FileQueue queue(progress);
     std::vector<QString> done;
-    queue.add(u"Importing"_s, [&](WorkMonitor &monitor) -> FileQueue::Effects {
-        monitor.filesTotal = 60;
-        monitor.filesDone = 15;
-        while (!monitor.cancelled)
+    queue.add(u"Importing"_s, [&](OperationProgress &progress) -> FileQueue::Effects {
+        progress.filesTotal = 60;
+        progress.filesDone = 15;
+        while (!progress.cancelled)
             std::this_thread::yield();
         return [&] { done.push_back(u"first"_s); };
     });
-    queue.add(u"Moving"_s, [&](WorkMonitor &monitor) -> FileQueue::Effects {
-        return [&, cancelled = monitor.cancelled.load()] {
+    queue.add(u"Moving"_s, [&](OperationProgress &progress) -> FileQueue::Effects {
+        return [&, cancelled = progress.cancelled.load()] {
             done.push_back(cancelled ? u"cancelled"_s : u"second"_s);
         };
     });
@@ -171,10 +171,10 @@ TEST(FileQueue, EndsWhatFillsAFolderThatGoes)
     const auto fill = [&](const char *folder, bool waits) {
         queue.add(
             u"Importing"_s,
-            [&, waits](WorkMonitor &monitor) -> FileQueue::Effects {
-                while (waits && !monitor.cancelled)
+            [&, waits](OperationProgress &progress) -> FileQueue::Effects {
+                while (waits && !progress.cancelled)
                     std::this_thread::yield();
-                return [&, was = monitor.cancelled.load()] { cancelled.push_back(was); };
+                return [&, was = progress.cancelled.load()] { cancelled.push_back(was); };
             },
             Location::fromText(QString::fromLatin1(folder)));
     };

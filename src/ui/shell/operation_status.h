@@ -9,7 +9,7 @@ namespace cratewell {
 class FileProgress;
 
 // The vault's work on files that takes its time, in words.
-class WorkStatus : public QObject, public QQmlParserStatus
+class OperationStatus : public QObject, public QQmlParserStatus
 {
     Q_OBJECT
     QML_ELEMENT

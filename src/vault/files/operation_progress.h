@@ -7,7 +7,7 @@
 namespace cratewell {
 
 // How far a piece of work on files has come. The file thread counts, the main thread looks and cancels.
-struct WorkMonitor
+struct OperationProgress
 {
     std::atomic<int> filesDone = 0;
     std::atomic<int> filesTotal = 0; // 0 while they are being counted

@@ -1,4 +1,4 @@
-#include "ui/shell/work_status.h"
+#include "ui/shell/operation_status.h"
 
 #include "ui/controls/formats.h"
 #include "ui/shell/ui_objects.h"
@@ -6,46 +6,46 @@
 
 namespace cratewell {
 
-void WorkStatus::follow(FileProgress &progress)
+void OperationStatus::follow(FileProgress &progress)
 {
     m_progress = &progress;
-    connect(&progress, &FileProgress::changed, this, &WorkStatus::changed);
+    connect(&progress, &FileProgress::changed, this, &OperationStatus::changed);
     Q_EMIT changed();
 }
 
-void WorkStatus::componentComplete()
+void OperationStatus::componentComplete()
 {
     follow(uiObjects(*this).vault.progress());
 }
 
-bool WorkStatus::isActive() const
+bool OperationStatus::isActive() const
 {
     return m_progress && m_progress->isActive();
 }
 
-QString WorkStatus::title() const
+QString OperationStatus::title() const
 {
     return m_progress ? m_progress->title() : QString();
 }
 
-QString WorkStatus::detail() const
+QString OperationStatus::detail() const
 {
     return m_progress ? progressText(m_progress->filesDone(), m_progress->filesTotal(),
                                      m_progress->bytesDone(), m_progress->bytesTotal())
                       : QString();
 }
 
-QString WorkStatus::remaining() const
+QString OperationStatus::remaining() const
 {
     return m_progress ? remainingText(m_progress->secondsLeft()) : QString();
 }
 
-double WorkStatus::fraction() const
+double OperationStatus::fraction() const
 {
     return m_progress ? m_progress->fraction() : 0;
 }
 
-void WorkStatus::cancel()
+void OperationStatus::cancel()
 {
     if (m_progress)
         m_progress->cancel();
