@@ -3,7 +3,7 @@
 #include "vault/files/disk.h"
 #include "vault/files/file_names.h"
 #include "vault/files/import_plan.h"
-#include "vault/files/relocation.h"
+#include "vault/files/move_transaction.h"
 
 #include <QFile>
 #include <QSet>
@@ -119,23 +119,23 @@ FileOperations::Outcome FileOperations::move(const std::vector<Location> &items,
     Outcome outcome;
     progress.filesTotal = int(items.size());
     const Location resolvedFolder = folder.resolved();
-    Relocation relocation(m_root, progress);
+    MoveTransaction transaction(m_root, progress);
     for (const Location &item : items) {
         if (progress.cancelled)
             break;
         if (!mayMove(item, folder, resolvedFolder))
             continue;
-        relocation.add(item, folder, item.nameBytes().toByteArray(),
-                       [&, item](int error, const Location &place) {
-                           note(outcome, error, item.name());
-                           if (error)
-                               return;
-                           ++outcome.count;
-                           ++progress.filesDone;
-                           outcome.placed.push_back(place);
-                       });
+        transaction.add(item, folder, item.nameBytes().toByteArray(),
+                        [&, item](int error, const Location &place) {
+                            note(outcome, error, item.name());
+                            if (error)
+                                return;
+                            ++outcome.count;
+                            ++progress.filesDone;
+                            outcome.placed.push_back(place);
+                        });
     }
-    relocation.finish();
+    transaction.finish();
     return outcome;
 }
 
@@ -173,7 +173,7 @@ FileOperations::Outcome FileOperations::trash(const std::vector<Location> &items
 void FileOperations::moveToSlots(const std::vector<TrashItem> &records, OperationProgress &progress,
                                  Outcome &outcome) const
 {
-    Relocation relocation(m_root, progress);
+    MoveTransaction transaction(m_root, progress);
     for (const TrashItem &record : records) {
         if (progress.cancelled)
             break;
@@ -183,21 +183,21 @@ void FileOperations::moveToSlots(const std::vector<TrashItem> &records, Operatio
             note(outcome, error, record.name);
             continue;
         }
-        relocation.add(original, slot, bytesFromText(record.name),
-                       [&, original, slot, record](int error, const Location &) {
-                           if (!error) {
-                               outcome.trashed.push_back(record);
-                               ++outcome.count;
-                               ++progress.filesDone;
-                               return;
-                           }
-                           disk::removeFolder(slot);
-                           // Silent when it went along with a folder that was trashed before it.
-                           if (error != ENOENT || disk::exists(original))
-                               note(outcome, error, record.name);
-                       });
+        transaction.add(original, slot, bytesFromText(record.name),
+                        [&, original, slot, record](int error, const Location &) {
+                            if (!error) {
+                                outcome.trashed.push_back(record);
+                                ++outcome.count;
+                                ++progress.filesDone;
+                                return;
+                            }
+                            disk::removeFolder(slot);
+                            // Silent when it went along with a folder that was trashed before it.
+                            if (error != ENOENT || disk::exists(original))
+                                note(outcome, error, record.name);
+                        });
     }
-    relocation.finish();
+    transaction.finish();
 }
 
 // A record may come from anywhere: it does not lead out of the categories.
@@ -223,7 +223,7 @@ FileOperations::Outcome FileOperations::restore(const std::vector<TrashItem> &it
     const QSet<QString> known = idsOf(m_trash);
     std::vector<TrashItem> restored;
     {
-        Relocation relocation(m_root, progress);
+        MoveTransaction transaction(m_root, progress);
         for (const TrashItem &item : items) {
             if (progress.cancelled)
                 break;
@@ -231,17 +231,17 @@ FileOperations::Outcome FileOperations::restore(const std::vector<TrashItem> &it
                 continue;
             const Location home = homeOf(item);
             makeFoldersInVault(home.parent());
-            relocation.add(trashedItem(m_root, item), home.parent(), home.nameBytes().toByteArray(),
-                           [&, item](int error, const Location &place) {
-                               note(outcome, error, item.name);
-                               if (error)
-                                   return;
-                               restored.push_back(item);
-                               outcome.placed.push_back(place);
-                               ++progress.filesDone;
-                           });
+            transaction.add(trashedItem(m_root, item), home.parent(), home.nameBytes().toByteArray(),
+                            [&, item](int error, const Location &place) {
+                                note(outcome, error, item.name);
+                                if (error)
+                                    return;
+                                restored.push_back(item);
+                                outcome.placed.push_back(place);
+                                ++progress.filesDone;
+                            });
         }
-        relocation.finish();
+        transaction.finish();
     }
     outcome.count = int(restored.size());
     for (const TrashItem &item : restored)
@@ -291,7 +291,7 @@ FileOperations::Outcome FileOperations::import(const std::vector<Location> &item
     const ImportPlan plan = ImportPlan::make(m_root, items, into, progress);
     Temporaries temporaries(m_root);
     FreeNames names;
-    Relocation relocation(m_root, progress);
+    MoveTransaction transaction(m_root, progress);
     const auto placed = [&](int error, const Location &source, const Location &place) {
         note(outcome, error, source.name());
         if (error)
@@ -321,12 +321,12 @@ FileOperations::Outcome FileOperations::import(const std::vector<Location> &item
         else if (mode == ImportMode::Copy)
             copy(step.source, step.folder);
         else
-            relocation.add(step.source, step.folder, step.source.nameBytes().toByteArray(),
-                           [&, source = step.source](int error, const Location &place) {
-                               placed(error, source, place);
-                           });
+            transaction.add(step.source, step.folder, step.source.nameBytes().toByteArray(),
+                            [&, source = step.source](int error, const Location &place) {
+                                placed(error, source, place);
+                            });
     }
-    relocation.finish();
+    transaction.finish();
     return outcome;
 }
 

@@ -1,4 +1,4 @@
-#include "vault/files/relocation.h"
+#include "vault/files/move_transaction.h"
 
 #include "vault/files/disk.h"
 #include "vault/files/operation_progress.h"
@@ -8,18 +8,18 @@
 
 namespace cratewell {
 
-Relocation::Relocation(const Location &root, OperationProgress &progress)
+MoveTransaction::MoveTransaction(const Location &root, OperationProgress &progress)
     : m_monitor(progress), m_temporaries(root)
 {
 }
 
-Relocation::~Relocation()
+MoveTransaction::~MoveTransaction()
 {
     for (const Staged &staged : m_staged)
         disk::remove(staged.copy);
 }
 
-void Relocation::add(const Location &item, const Location &folder, const QByteArray &name, Moved moved)
+void MoveTransaction::add(const Location &item, const Location &folder, const QByteArray &name, Moved moved)
 {
     Location place;
     const int error = m_names.claim(folder, name, FreeNames::Naming::File, place, [&](const Location &to) {
@@ -31,7 +31,7 @@ void Relocation::add(const Location &item, const Location &folder, const QByteAr
         moved(error, place);
 }
 
-void Relocation::stage(const Location &item, const Location &folder, const QByteArray &name, Moved moved)
+void MoveTransaction::stage(const Location &item, const Location &folder, const QByteArray &name, Moved moved)
 {
     Location copy;
     int error = m_temporaries.name(folder, copy);
@@ -43,7 +43,7 @@ void Relocation::stage(const Location &item, const Location &folder, const QByte
         m_staged.push_back({item, copy, folder, name, std::move(moved)});
 }
 
-void Relocation::finish()
+void MoveTransaction::finish()
 {
     // All copies are on the disk before the first source goes; one flush serves those on one file system.
     int error = m_monitor.cancelled ? ECANCELED : 0;
@@ -62,7 +62,7 @@ void Relocation::finish()
     }
 }
 
-void Relocation::unpack(Staged &staged)
+void MoveTransaction::unpack(Staged &staged)
 {
     Location place;
     const int error =

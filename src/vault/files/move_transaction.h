@@ -13,13 +13,13 @@ struct OperationProgress;
 // Moves items to free names in other folders. On one file system that is a rename. Between file systems
 // everything is copied under hidden names first; finish() then flushes once, gives the copies their names and
 // only then removes the sources, so that an item is always complete at its old place or at its new one.
-class Relocation
+class MoveTransaction
 {
 public:
-    Relocation(const Location &root, OperationProgress &progress);
+    MoveTransaction(const Location &root, OperationProgress &progress);
     // Without finish(), copies vanish and their sources stay.
-    ~Relocation();
-    Q_DISABLE_COPY_MOVE(Relocation)
+    ~MoveTransaction();
+    Q_DISABLE_COPY_MOVE(MoveTransaction)
 
     // Called once for each item that add() took: with 0 and where it is now, or with an errno value.
     using Moved = std::function<void(int error, const Location &place)>;
