@@ -1,9 +1,9 @@
 #include "vault/files/file_operations.h"
 
 #include "vault/files/disk.h"
-#include "vault/files/file_names.h"
 #include "vault/files/import_plan.h"
 #include "vault/files/move_transaction.h"
+#include "vault/files/unique_names.h"
 
 #include <QFile>
 #include <QSet>
@@ -60,9 +60,9 @@ void FileOperations::open()
     DecodedTrash decoded = json ? decodeTrash(*json) : DecodedTrash{};
     if (!decoded.intact || !readable) {
         // Whatever it was, it is kept: the next save makes a new one.
-        FreeNames names;
+        UniqueNames names;
         Location aside;
-        names.claim(index.parent(), "index damaged.json", FreeNames::Naming::File, aside,
+        names.claim(index.parent(), "index damaged.json", UniqueNames::Naming::File, aside,
                     [&](const Location &to) { return disk::renameWithoutReplacing(index, to); });
     }
     m_trash = std::move(decoded.items);
@@ -81,11 +81,12 @@ void FileOperations::open()
 FileOperations::Outcome FileOperations::createFolder(const Location &parent, const QString &name)
 {
     Outcome outcome;
-    FreeNames names;
+    UniqueNames names;
     Location made;
     int error = makeFoldersInVault(parent);
     if (!error)
-        error = names.claim(parent, bytesFromText(name), FreeNames::Naming::Folder, made, &disk::makeFolder);
+        error =
+            names.claim(parent, bytesFromText(name), UniqueNames::Naming::Folder, made, &disk::makeFolder);
     note(outcome, error, name);
     if (!error)
         outcome.placed.push_back(made);
@@ -290,7 +291,7 @@ FileOperations::Outcome FileOperations::import(const std::vector<Location> &item
     Outcome outcome;
     const ImportPlan plan = ImportPlan::make(m_root, items, into, progress);
     Temporaries temporaries(m_root);
-    FreeNames names;
+    UniqueNames names;
     MoveTransaction transaction(m_root, progress);
     const auto placed = [&](int error, const Location &source, const Location &place) {
         note(outcome, error, source.name());
@@ -307,7 +308,7 @@ FileOperations::Outcome FileOperations::import(const std::vector<Location> &item
         if (!error)
             error = disk::copyFile(source, part, progress);
         if (!error)
-            error = names.claim(folder, source.nameBytes().toByteArray(), FreeNames::Naming::File, place,
+            error = names.claim(folder, source.nameBytes().toByteArray(), UniqueNames::Naming::File, place,
                                 [&](const Location &to) { return disk::renameWithoutReplacing(part, to); });
         if (error)
             disk::remove(part);

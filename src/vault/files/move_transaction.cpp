@@ -22,7 +22,7 @@ MoveTransaction::~MoveTransaction()
 void MoveTransaction::add(const Location &item, const Location &folder, const QByteArray &name, Moved moved)
 {
     Location place;
-    const int error = m_names.claim(folder, name, FreeNames::Naming::File, place, [&](const Location &to) {
+    const int error = m_names.claim(folder, name, UniqueNames::Naming::File, place, [&](const Location &to) {
         return disk::renameWithoutReplacing(item, to);
     });
     if (error == EXDEV)
@@ -66,7 +66,7 @@ void MoveTransaction::unpack(Staged &staged)
 {
     Location place;
     const int error =
-        m_names.claim(staged.folder, staged.name, FreeNames::Naming::File, place,
+        m_names.claim(staged.folder, staged.name, UniqueNames::Naming::File, place,
                       [&](const Location &to) { return disk::renameWithoutReplacing(staged.copy, to); });
     if (error)
         disk::remove(staged.copy);

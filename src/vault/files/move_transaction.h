@@ -1,7 +1,7 @@
 #pragma once
 
-#include "vault/files/file_names.h"
 #include "vault/files/temporaries.h"
+#include "vault/files/unique_names.h"
 
 #include <functional>
 #include <vector>
@@ -42,7 +42,7 @@ private:
 
     OperationProgress &m_monitor;
     Temporaries m_temporaries;
-    FreeNames m_names;
+    UniqueNames m_names;
     std::vector<Staged> m_staged;
 };
 

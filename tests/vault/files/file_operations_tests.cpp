@@ -1,6 +1,6 @@
 #include "vault/files/disk.h"
-#include "vault/files/file_names.h"
 #include "vault/files/file_operations.h"
+#include "vault/files/unique_names.h"
 #include "vault/item_name.h"
 #include "vault/temporary_vault.h"
 
@@ -88,10 +88,10 @@ TEST_F(FileOperationsTest, NamesAreCleanedAndNumbered)
         EXPECT_FALSE(isPlainName(bad)) << bad;
     EXPECT_TRUE(isPlainName(QByteArray(255, 'n')));
     EXPECT_FALSE(isPlainName(QByteArray(256, 'n')));
-    EXPECT_EQ(FreeNames::numbered("Flash.final.mov", 2, FreeNames::Naming::File), "Flash.final 2.mov");
-    EXPECT_EQ(FreeNames::numbered("Hits", 3, FreeNames::Naming::File), "Hits 3");
-    EXPECT_EQ(FreeNames::numbered(".hidden", 2, FreeNames::Naming::File), ".hidden 2");
-    EXPECT_EQ(FreeNames::numbered("v1.2", 2, FreeNames::Naming::Folder), "v1.2 2");
+    EXPECT_EQ(UniqueNames::numbered("Flash.final.mov", 2, UniqueNames::Naming::File), "Flash.final 2.mov");
+    EXPECT_EQ(UniqueNames::numbered("Hits", 3, UniqueNames::Naming::File), "Hits 3");
+    EXPECT_EQ(UniqueNames::numbered(".hidden", 2, UniqueNames::Naming::File), ".hidden 2");
+    EXPECT_EQ(UniqueNames::numbered("v1.2", 2, UniqueNames::Naming::Folder), "v1.2 2");
 
     for (const char *expected : {"New Folder", "New Folder 2", "New Folder 3"})
         EXPECT_THAT(work.createFolder(disk.at("SFX"), u"New Folder"_s).placed,

@@ -1,12 +1,12 @@
-#include "vault/files/file_names.h"
+#include "vault/files/unique_names.h"
 
 #include <cerrno>
 
 namespace cratewell {
 
-const int FreeNames::alreadyThere = EEXIST;
+const int UniqueNames::alreadyThere = EEXIST;
 
-QByteArray FreeNames::numbered(const QByteArray &name, int number, Naming naming)
+QByteArray UniqueNames::numbered(const QByteArray &name, int number, Naming naming)
 {
     if (number == 1)
         return name;

@@ -9,7 +9,7 @@ namespace cratewell {
 // Names for items that must not replace others: the name itself, then "base 2.ext", "base 3.ext" and so on,
 // by the first that is free. Remembers where it stopped, so that many items of one name do not begin anew
 // each time.
-class FreeNames
+class UniqueNames
 {
 public:
     enum class Naming { File, Folder }; // a folder's name has no extension
