@@ -63,20 +63,20 @@ void run(const QString &program, const QStringList &arguments)
 }
 
 // Waits for all of them.
-void decode(DecodePool &pool, const std::vector<DecodeWish> &wishes)
+void decode(DecodePool &pool, const std::vector<DecodeRequest> &requests)
 {
     QEventLoop loop;
-    size_t left = wishes.size();
+    size_t left = requests.size();
     std::vector<std::unique_ptr<PreviewRequest>> requests;
-    requests.reserve(wishes.size());
-    for (const DecodeWish &wish : wishes) {
-        requests.push_back(
-            pool.submit({.key = wish.file.bytes(), .wish = wish, .finished = [&](const DecodeResult &result) {
-                             if (!result)
-                                 fail(result.error().message);
-                             if (--left == 0)
-                                 loop.quit();
-                         }}));
+    requests.reserve(requests.size());
+    for (const DecodeRequest &request : requests) {
+        requests.push_back(pool.submit(
+            {.key = request.file.bytes(), .request = request, .finished = [&](const DecodeResult &result) {
+                 if (!result)
+                     fail(result.error().message);
+                 if (--left == 0)
+                     loop.quit();
+             }}));
     }
     loop.exec();
 }
@@ -92,11 +92,12 @@ public:
     explicit Bench(const QString &folder) : m_folder(QDir(folder).absolutePath()) {}
 
     // One worker, which has started already.
-    void add(const QString &name, const std::vector<DecodeWish> &wishes, const std::function<void()> &peer)
+    void add(const QString &name, const std::vector<DecodeRequest> &requests,
+             const std::function<void()> &peer)
     {
         DecodePool pool(worker(), {.slots = 1});
         add(
-            name, [&] { decode(pool, wishes); }, peer);
+            name, [&] { decode(pool, requests); }, peer);
     }
 
     void add(const QString &name, const std::function<void()> &ours, const std::function<void()> &peer,
@@ -124,7 +125,7 @@ private:
     QJsonArray m_rows;
 };
 
-DecodeWish frame(const Location &file)
+DecodeRequest frame(const Location &file)
 {
     return {.file = file,
             .kind = worker::JobKind::VideoFrame,
@@ -157,14 +158,14 @@ void addStills(Bench &bench)
     const QStringList names = bench.names(u"photograph *.jpg"_s);
     const QTemporaryDir thumbnails;
     QStringList arguments{u"--size"_s, u"640x640"_s, u"-o"_s, thumbnails.path() + u"/%s.jpg"_s};
-    std::vector<DecodeWish> wishes;
-    wishes.reserve(size_t(names.size()));
+    std::vector<DecodeRequest> requests;
+    requests.reserve(size_t(names.size()));
     for (const QString &name : names) {
         arguments.append(bench.path(name));
-        wishes.push_back(
+        requests.push_back(
             {.file = bench.file(name), .kind = worker::JobKind::StillImage, .maxSide = thumbnailSide});
     }
-    bench.add(u"60 photographs"_s, wishes, [&] { run(u"vipsthumbnail"_s, arguments); });
+    bench.add(u"60 photographs"_s, requests, [&] { run(u"vipsthumbnail"_s, arguments); });
 }
 
 void addFrames(Bench &bench)
@@ -191,10 +192,10 @@ void addPeaks(Bench &bench)
 // As many processes as cores on both sides; the workers have to be started, too.
 void addPage(Bench &bench)
 {
-    std::vector<DecodeWish> wishes;
+    std::vector<DecodeRequest> requests;
     QStringList commands;
     for (const QString &name : bench.names(u"film *"_s)) {
-        wishes.push_back(frame(bench.file(name)));
+        requests.push_back(frame(bench.file(name)));
         const double duration = name.endsWith(u".mov"_s) ? proresSeconds : h264Seconds;
         const QStringList arguments = ffmpegFrame(bench.path(name), cardFraction * duration);
         commands.append(u"ffmpeg '"_s + arguments.join(u"' '"_s) + u"'"_s);
@@ -205,7 +206,7 @@ void addPage(Bench &bench)
         u"page of 60 videos"_s,
         [&] {
             DecodePool pool(worker(), DecodePool::usualLimits());
-            decode(pool, wishes);
+            decode(pool, requests);
         },
         [&] {
             run(u"sh"_s, QStringList{u"-c"_s, script, u"sh"_s} + commands);

@@ -28,7 +28,7 @@ QByteArray markerOf(int part)
     return part == thumbnailPart ? QByteArray("t") : '#' + QByteArray::number(part);
 }
 
-DecodeWish frameWish(const Location &url, double fraction, int maxSide)
+DecodeRequest frameWish(const Location &url, double fraction, int maxSide)
 {
     return {.file = url, .kind = worker::JobKind::VideoFrame, .maxSide = maxSide, .fraction = fraction};
 }
@@ -115,7 +115,8 @@ void Media::Private::tellPicture(const Location &url, int part)
 }
 
 std::unique_ptr<PreviewRequest> Media::Private::requestPicture(const Asset &asset, int part,
-                                                               const DecodeWish &wish, DecodeJob::Rank rank)
+                                                               const DecodeRequest &request,
+                                                               DecodeJob::Rank rank)
 {
     const PreviewKey key = keyOf(asset, part);
     if (pictures.state(key) != State::Missing)
@@ -125,7 +126,7 @@ std::unique_ptr<PreviewRequest> Media::Private::requestPicture(const Asset &asse
             tellPicture(key.url, key.part);
     };
     return loader.submit(asset.version, markerOf(part),
-                         {.key = {}, .wish = wish, .rank = rank, .finished = finished});
+                         {.key = {}, .request = request, .rank = rank, .finished = finished});
 }
 
 std::unique_ptr<PreviewRequest> Media::Private::requestLut(const PreviewKey &key)
@@ -263,7 +264,7 @@ std::unique_ptr<PreviewRequest> Media::requestWaveform(const Asset &asset)
     return d->loader.submit(
         asset.version, "w",
         {.key = {},
-         .wish = {.file = asset.url, .kind = worker::JobKind::AudioPeaks, .count = peakCount},
+         .request = {.file = asset.url, .kind = worker::JobKind::AudioPeaks, .count = peakCount},
          .finished = finished});
 }
 
@@ -311,7 +312,7 @@ std::unique_ptr<PreviewRequest> Media::requestFacts(const Asset &asset)
             Q_EMIT factsChanged(key.url);
     };
     return d->pool.submit({.key = previewJobKey(asset.url, asset.version, "facts"),
-                           .wish = {.file = asset.url, .kind = worker::JobKind::Facts},
+                           .request = {.file = asset.url, .kind = worker::JobKind::Facts},
                            .rank = DecodeJob::Rank::UnderPointer,
                            .finished = finished});
 }

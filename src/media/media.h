@@ -21,9 +21,9 @@ struct SystemPaths;
 
 // Loads and keeps everything costly that is drawn for an asset or said about it. Main thread. Accessors
 // answer at once with what is there; what is missing is made while somebody holds a request for it: media is
-// decoded in worker processes, LUTs are read on threads, newest wish first, at most one job for each preview.
-// Each job ends exactly once, with a preview or with a failure that is remembered for that version of the
-// file.
+// decoded in worker processes, LUTs are read on threads, newest request first, at most one job for each
+// preview. Each job ends exactly once, with a preview or with a failure that is remembered for that version
+// of the file.
 //
 // Memory stays bounded: pictures over the budget are let go without a word, the one shown longest ago first
 // (a card on screen holds its own copy). They come back from a cache on disk, which the next start finds as

@@ -35,10 +35,12 @@ QFuture<QImage> Media::frame(const Location &url, double fraction, int maxSide)
         job->request.reset();
     };
     const QByteArray key = url.bytes() + "/frame " + QByteArray::number(++d->turn);
-    job->request = d->pool.submit(
-        {.key = key,
-         .wish = {.file = url, .kind = worker::JobKind::VideoFrame, .maxSide = maxSide, .fraction = fraction},
-         .finished = finished});
+    job->request = d->pool.submit({.key = key,
+                                   .request = {.file = url,
+                                               .kind = worker::JobKind::VideoFrame,
+                                               .maxSide = maxSide,
+                                               .fraction = fraction},
+                                   .finished = finished});
     return job->promise.future();
 }
 

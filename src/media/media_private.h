@@ -28,7 +28,7 @@ struct Media::Private
     template<typename Store> QList<Location> forgetIn(Store &store, const SnapshotDiff &diff);
     void changeStill();
 
-    std::unique_ptr<PreviewRequest> requestPicture(const Asset &asset, int part, const DecodeWish &wish,
+    std::unique_ptr<PreviewRequest> requestPicture(const Asset &asset, int part, const DecodeRequest &request,
                                                    DecodeJob::Rank rank);
     // Reads the LUT, and where somebody waits grades the still with it.
     std::unique_ptr<PreviewRequest> requestLut(const PreviewKey &key);

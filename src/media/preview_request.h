@@ -2,8 +2,8 @@
 
 namespace cratewell {
 
-// Somebody's wish for a preview. While it lives, the preview is made; dropping it before the work has started
-// takes the work off the list.
+// Somebody's request for a preview. While it lives, the preview is made; dropping it before the work has
+// started takes the work off the list.
 class PreviewRequest
 {
 public:

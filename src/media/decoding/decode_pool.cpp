@@ -1,6 +1,6 @@
 #include "media/decoding/decode_pool.h"
 
-#include "media/decoding/decode_slot.h"
+#include "media/decoding/worker_slot.h"
 
 #include <QPointer>
 #include <QProcess>
@@ -37,7 +37,7 @@ private:
 DecodePool::DecodePool(const Location &program, const Limits &limits)
 {
     for (int i = 0; i < limits.slots; ++i)
-        m_slots.push_back(new DecodeSlot(program, limits.budget, this));
+        m_slots.push_back(new WorkerSlot(program, limits.budget, this));
 }
 
 // The slots kill their workers. A killed process is gone at once, unless it hangs in a read from a dead disk:
@@ -50,7 +50,7 @@ DecodePool::~DecodePool()
         entry->phase = Entry::Phase::Over;
         entry->job.finished = {};
     }
-    for (DecodeSlot *slot : m_slots)
+    for (WorkerSlot *slot : m_slots)
         delete slot;
     for (QProcess *process : findChildren<QProcess *>()) {
         constexpr int patience = 500; // milliseconds
@@ -84,7 +84,7 @@ std::unique_ptr<PreviewRequest> DecodePool::submit(DecodeJob job)
 std::vector<qint64> DecodePool::workerProcessIds() const
 {
     std::vector<qint64> ids;
-    for (const DecodeSlot *slot : m_slots) {
+    for (const WorkerSlot *slot : m_slots) {
         if (const qint64 id = slot->workerProcessId())
             ids.push_back(id);
     }
@@ -112,7 +112,7 @@ void DecodePool::scheduleStart()
 void DecodePool::startWaiting()
 {
     m_startScheduled = false;
-    for (DecodeSlot *slot : m_slots) {
+    for (WorkerSlot *slot : m_slots) {
         if (m_waiting.empty())
             return;
         if (slot->isBusy())
@@ -121,7 +121,7 @@ void DecodePool::startWaiting()
         const std::shared_ptr<Entry> entry = newest->second;
         m_waiting.erase(newest);
         entry->phase = Entry::Phase::Started;
-        slot->run(entry->job.wish,
+        slot->run(entry->job.request,
                   [this, key = entry->job.key](const DecodeResult &result) { finish(key, result); });
     }
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "media/decoding/decode_wish.h"
+#include "media/decoding/decode_request.h"
 #include "media/media.h"
 
 #include <QHash>
@@ -13,7 +13,7 @@
 
 namespace cratewell {
 
-class DecodeSlot;
+class WorkerSlot;
 
 // A job for the workers. Two jobs of one key are the same work: the second joins the first, and `finished` of
 // the first is what is called, once; its rank is the highest asked for. It is not called for a job that was
@@ -24,7 +24,7 @@ struct DecodeJob
     enum class Rank { Usual, UnderPointer };
 
     QByteArray key;
-    DecodeWish wish;
+    DecodeRequest request;
     Rank rank = Rank::Usual;
     std::function<void(const DecodeResult &)> finished;
 };
@@ -62,7 +62,7 @@ private:
     void startWaiting();
     void finish(const QByteArray &key, const DecodeResult &result);
 
-    std::vector<DecodeSlot *> m_slots;
+    std::vector<WorkerSlot *> m_slots;
     QHash<QByteArray, std::shared_ptr<Entry>> m_entries;
     // By rank, then by the time of the newest request: the last is the next.
     std::map<std::pair<DecodeJob::Rank, quint64>, std::shared_ptr<Entry>> m_waiting;

@@ -87,14 +87,14 @@ ReplyMemory::~ReplyMemory()
     close(m_descriptor);
 }
 
-DecodeResult ReplyMemory::answer(const DecodeWish &wish, const worker::Reply &reply) const
+DecodeResult ReplyMemory::answer(const DecodeRequest &request, const worker::Reply &reply) const
 {
-    switch (wish.kind) {
+    switch (request.kind) {
     case worker::JobKind::VideoFrame:
     case worker::JobKind::StillImage:
-        return picture(wish.maxSide, reply);
+        return picture(request.maxSide, reply);
     case worker::JobKind::AudioPeaks:
-        return peaks(wish.count, reply);
+        return peaks(request.count, reply);
     case worker::JobKind::Facts:
         return believed(reply.facts);
     }

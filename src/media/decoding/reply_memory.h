@@ -1,6 +1,6 @@
 #pragma once
 
-#include "media/decoding/decode_wish.h"
+#include "media/decoding/decode_request.h"
 
 #include <memory>
 
@@ -17,8 +17,8 @@ public:
     ReplyMemory &operator=(const ReplyMemory &) = delete;
 
     int descriptor() const { return m_descriptor; }
-    // A copy of what a reply to this wish tells of; an error when the reply cannot be true.
-    DecodeResult answer(const DecodeWish &wish, const worker::Reply &reply) const;
+    // A copy of what a reply to this request tells of; an error when the reply cannot be true.
+    DecodeResult answer(const DecodeRequest &request, const worker::Reply &reply) const;
 
 private:
     explicit ReplyMemory(int descriptor) : m_descriptor(descriptor) {}

@@ -30,9 +30,9 @@ public:
     // False when the worker is gone.
     [[nodiscard]] bool send(const worker::Request &request, int file) const;
     // Valid from `answered` until the next request.
-    DecodeResult answer(const DecodeWish &wish, const worker::Reply &reply) const
+    DecodeResult answer(const DecodeRequest &request, const worker::Reply &reply) const
     {
-        return m_memory->answer(wish, reply);
+        return m_memory->answer(request, reply);
     }
 
 Q_SIGNALS:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "media/decoding/decode_wish.h"
+#include "media/decoding/decode_request.h"
 
 #include <atomic>
 #include <optional>

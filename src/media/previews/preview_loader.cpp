@@ -71,10 +71,10 @@ PreviewLoader::~PreviewLoader()
 std::unique_ptr<PreviewRequest> PreviewLoader::submit(const FileVersion &version, const QByteArray &marker,
                                                       DecodeJob job)
 {
-    const QByteArray key = cacheKey(job.wish.file, version, marker);
-    job.key = previewJobKey(job.wish.file, version, marker);
+    const QByteArray key = cacheKey(job.request.file, version, marker);
+    job.key = previewJobKey(job.request.file, version, marker);
     const auto decode = [this, key, version](DecodeJob wanted) {
-        wanted.finished = [this, key, version, file = wanted.wish.file,
+        wanted.finished = [this, key, version, file = wanted.request.file,
                            finished = std::move(wanted.finished)](const DecodeResult &result) {
             keep(version, file, key, result);
             finished(result);

@@ -18,7 +18,7 @@ public:
     // What waits to be written is written, if the disk takes it within a second.
     ~PreviewLoader();
 
-    // As DecodePool::submit() for the wish of a job that has everything but its key. `marker` tells the
+    // As DecodePool::submit() for the request of a job that has everything but its key. `marker` tells the
     // preview from others of the same file.
     [[nodiscard]] std::unique_ptr<PreviewRequest> submit(const FileVersion &version, const QByteArray &marker,
                                                          DecodeJob job);

@@ -20,7 +20,7 @@ QImage PreviewStill::image()
         constexpr int maxSide = 2560; // as large as a preview is ever shown
         m_request = m_pool.submit(
             {.key = m_file.bytes() + QByteArrayLiteral("/still"),
-             .wish = {.file = m_file, .kind = worker::JobKind::StillImage, .maxSide = maxSide},
+             .request = {.file = m_file, .kind = worker::JobKind::StillImage, .maxSide = maxSide},
              .finished = [this, file = m_file](const DecodeResult &result) { take(file, result); }});
     }
     if (!m_users.isNull())

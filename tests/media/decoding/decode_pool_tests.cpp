@@ -38,7 +38,7 @@ protected:
     {
         const std::string name = place.name().toStdString();
         return pool.submit({.key = place.bytes(),
-                            .wish = {.file = place, .kind = kind, .maxSide = 64, .fraction = 0.5},
+                            .request = {.file = place, .kind = kind, .maxSide = 64, .fraction = 0.5},
                             .rank = rank,
                             .finished = [this, name](const DecodeResult &result) {
                                 m_last = result;

@@ -11,7 +11,7 @@
 
 namespace cratewell {
 
-struct DecodeWish
+struct DecodeRequest
 {
     Location file;
     worker::JobKind kind = worker::JobKind::StillImage;

@@ -1,4 +1,4 @@
-#include "media/decoding/decode_slot.h"
+#include "media/decoding/worker_slot.h"
 
 #include "media/decoding/worker_process.h"
 
@@ -9,34 +9,34 @@ namespace cratewell {
 
 using namespace Qt::StringLiterals;
 
-DecodeSlot::DecodeSlot(Location program, std::chrono::milliseconds budget, QObject *parent)
+WorkerSlot::WorkerSlot(Location program, std::chrono::milliseconds budget, QObject *parent)
     : QObject(parent), m_program(std::move(program))
 {
     m_budget.setSingleShot(true);
     m_budget.setInterval(budget);
-    connect(&m_budget, &QTimer::timeout, this, &DecodeSlot::runOutOfTime);
-    connect(&m_opening, &QFutureWatcherBase::finished, this, &DecodeSlot::startDecoding);
+    connect(&m_budget, &QTimer::timeout, this, &WorkerSlot::runOutOfTime);
+    connect(&m_opening, &QFutureWatcherBase::finished, this, &WorkerSlot::startDecoding);
 }
 
-DecodeSlot::~DecodeSlot() = default;
+WorkerSlot::~WorkerSlot() = default;
 
-void DecodeSlot::run(const DecodeWish &wish, Finished finished)
+void WorkerSlot::run(const DecodeRequest &request, Finished finished)
 {
     Q_ASSERT(!isBusy());
-    m_wish = wish;
+    m_request = request;
     m_finished = std::move(finished);
     m_phase = Phase::Opening;
     ++m_job;
     m_budget.start();
-    m_opening.setFuture(openForReading(wish.file));
+    m_opening.setFuture(openForReading(request.file));
 }
 
-qint64 DecodeSlot::workerProcessId() const
+qint64 WorkerSlot::workerProcessId() const
 {
     return m_worker ? m_worker->processId() : 0;
 }
 
-void DecodeSlot::startDecoding()
+void WorkerSlot::startDecoding()
 {
     if (m_phase != Phase::Opening)
         return;
@@ -49,14 +49,14 @@ void DecodeSlot::startDecoding()
 }
 
 // A worker may have died while it had nothing to do; that is no fault of the job that meets it.
-Result<void> DecodeSlot::hand(const OpenFile &file)
+Result<void> WorkerSlot::hand(const OpenFile &file)
 {
     worker::Request request;
     request.job = m_job;
-    request.kind = m_wish.kind;
-    request.maxSide = m_wish.maxSide;
-    request.count = m_wish.count;
-    request.fraction = m_wish.fraction;
+    request.kind = m_request.kind;
+    request.maxSide = m_request.maxSide;
+    request.count = m_request.count;
+    request.fraction = m_request.fraction;
     for (int attempt = 0; attempt < 2; ++attempt) {
         if (const auto worker = ensureWorker(); !worker)
             return worker;
@@ -67,7 +67,7 @@ Result<void> DecodeSlot::hand(const OpenFile &file)
     return tl::unexpected(Error{u"The decoder could not be reached"_s});
 }
 
-Result<void> DecodeSlot::ensureWorker()
+Result<void> WorkerSlot::ensureWorker()
 {
     if (m_worker)
         return {};
@@ -75,13 +75,13 @@ Result<void> DecodeSlot::ensureWorker()
     if (!started)
         return tl::unexpected(started.error());
     m_worker = std::move(*started);
-    connect(m_worker.get(), &WorkerProcess::answered, this, &DecodeSlot::takeAnswer);
-    connect(m_worker.get(), &WorkerProcess::ended, this, &DecodeSlot::workerEnded);
+    connect(m_worker.get(), &WorkerProcess::answered, this, &WorkerSlot::takeAnswer);
+    connect(m_worker.get(), &WorkerProcess::ended, this, &WorkerSlot::workerEnded);
     return {};
 }
 
 // Deleted later, because the worker may be the one that is calling.
-void DecodeSlot::dropWorker()
+void WorkerSlot::dropWorker()
 {
     if (!m_worker)
         return;
@@ -90,7 +90,7 @@ void DecodeSlot::dropWorker()
     m_worker.release()->deleteLater();
 }
 
-void DecodeSlot::takeAnswer(const worker::Reply &reply)
+void WorkerSlot::takeAnswer(const worker::Reply &reply)
 {
     if (m_phase != Phase::Decoding || reply.job != m_job) {
         dropWorker();
@@ -102,13 +102,13 @@ void DecodeSlot::takeAnswer(const worker::Reply &reply)
         const auto length = qsizetype(strnlen(reply.error, sizeof reply.error));
         return finish(tl::unexpected(DecodeFailure(Error{QString::fromUtf8(reply.error, length)})));
     }
-    const DecodeResult result = m_worker->answer(m_wish, reply);
+    const DecodeResult result = m_worker->answer(m_request, reply);
     if (!result)
         dropWorker();
     finish(result);
 }
 
-void DecodeSlot::workerEnded()
+void WorkerSlot::workerEnded()
 {
     using Fault = DecodeFailure::Fault;
     const bool neverRan = m_worker->couldNotStart();
@@ -120,7 +120,7 @@ void DecodeSlot::workerEnded()
                               : DecodeFailure(Error{u"The decoder ended over this file"_s})));
 }
 
-void DecodeSlot::runOutOfTime()
+void WorkerSlot::runOutOfTime()
 {
     const bool opened = m_phase == Phase::Decoding;
     if (opened)
@@ -132,7 +132,7 @@ void DecodeSlot::runOutOfTime()
                                                                           : DecodeFailure::Fault::OfSystem)));
 }
 
-void DecodeSlot::finish(const DecodeResult &result)
+void WorkerSlot::finish(const DecodeResult &result)
 {
     m_phase = Phase::Idle;
     m_budget.stop();

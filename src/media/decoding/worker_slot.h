@@ -1,6 +1,6 @@
 #pragma once
 
-#include "media/decoding/decode_wish.h"
+#include "media/decoding/decode_request.h"
 #include "media/decoding/file_opener.h"
 
 #include <QFutureWatcher>
@@ -16,19 +16,19 @@ class WorkerProcess;
 // Does one job after the other with a worker process of its own, which is started for the first job and
 // stays. A worker that dies, hangs over the time budget or answers nonsense costs the job it had; the next
 // job gets a new one. Main thread; never blocks.
-class DecodeSlot : public QObject
+class WorkerSlot : public QObject
 {
     Q_OBJECT
 public:
     using Finished = std::function<void(const DecodeResult &)>;
 
-    DecodeSlot(Location program, std::chrono::milliseconds budget, QObject *parent);
-    ~DecodeSlot() override;
+    WorkerSlot(Location program, std::chrono::milliseconds budget, QObject *parent);
+    ~WorkerSlot() override;
 
     bool isBusy() const { return m_phase != Phase::Idle; }
     // Only while it is not busy. `finished` is called exactly once, never from within this call; the slot is
     // free again then. It is not called after the slot's end.
-    void run(const DecodeWish &wish, Finished finished);
+    void run(const DecodeRequest &request, Finished finished);
     // 0 while there is none.
     qint64 workerProcessId() const;
 
@@ -45,7 +45,7 @@ private:
     void finish(const DecodeResult &result);
 
     Location m_program;
-    DecodeWish m_wish;
+    DecodeRequest m_request;
     Finished m_finished;
     Phase m_phase = Phase::Idle;
     quint64 m_job = 0;
