@@ -241,7 +241,7 @@ std::unique_ptr<PreviewRequest> Media::requestScrubFrame(const Asset &asset, int
         return nullptr;
     const double fraction = double(bucket) / (scrubFrames - 1);
     return d->requestPicture(asset, bucket, frameWish(asset.url, fraction, scrubSide),
-                             DecodeJob::Rank::UnderPointer);
+                             DecodeJob::Rank::Interactive);
 }
 
 std::optional<WaveformPeaks> Media::waveform(const Asset &asset) const
@@ -313,7 +313,7 @@ std::unique_ptr<PreviewRequest> Media::requestFacts(const Asset &asset)
     };
     return d->pool.submit({.key = previewJobKey(asset.url, asset.version, "facts"),
                            .request = {.file = asset.url, .kind = worker::JobKind::Facts},
-                           .rank = DecodeJob::Rank::UnderPointer,
+                           .rank = DecodeJob::Rank::Interactive,
                            .finished = finished});
 }
 

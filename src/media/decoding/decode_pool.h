@@ -21,7 +21,7 @@ class WorkerSlot;
 struct DecodeJob
 {
     // What the pointer is on comes before everything that merely is on screen.
-    enum class Rank { Usual, UnderPointer };
+    enum class Rank { Usual, Interactive };
 
     QByteArray key;
     DecodeRequest request;

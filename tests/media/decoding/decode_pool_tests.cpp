@@ -109,10 +109,10 @@ TEST_F(DecodePoolTest, WhatIsUnderThePointerComesFirst)
         requests.push_back(submit(pool, file(name, name.toUtf8()), worker::JobKind::StillImage, rank));
     };
     ask(u"a"_s, DecodeJob::Rank::Usual);
-    ask(u"b"_s, DecodeJob::Rank::UnderPointer);
-    ask(u"c"_s, DecodeJob::Rank::UnderPointer);
+    ask(u"b"_s, DecodeJob::Rank::Interactive);
+    ask(u"c"_s, DecodeJob::Rank::Interactive);
     ask(u"d"_s, DecodeJob::Rank::Usual);
-    ask(u"a"_s, DecodeJob::Rank::UnderPointer);
+    ask(u"a"_s, DecodeJob::Rank::Interactive);
     ask(u"a"_s, DecodeJob::Rank::Usual); // does not lower it
     ASSERT_TRUE(waitForResults(4));
     EXPECT_THAT(m_results, ElementsAre("a", "c", "b", "d"));
