@@ -27,7 +27,7 @@ void inheritOnly(int socket, int memory)
 
 Result<std::unique_ptr<WorkerProcess>> WorkerProcess::start(const Location &program, QObject *keeper)
 {
-    auto memory = ReplyMemory::create();
+    auto memory = SharedBuffer::create();
     if (!memory)
         return tl::unexpected(memory.error());
     int pair[2] = {-1, -1};
@@ -39,7 +39,7 @@ Result<std::unique_ptr<WorkerProcess>> WorkerProcess::start(const Location &prog
     return process;
 }
 
-WorkerProcess::WorkerProcess(std::unique_ptr<ReplyMemory> memory, int socket)
+WorkerProcess::WorkerProcess(std::unique_ptr<SharedBuffer> memory, int socket)
     : m_memory(std::move(memory)), m_socket(socket),
       m_notifier(new QSocketNotifier(socket, QSocketNotifier::Read, this))
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "media/decoding/reply_memory.h"
+#include "media/decoding/shared_buffer.h"
 #include "platform/location.h"
 
 #include <QObject>
@@ -41,11 +41,11 @@ Q_SIGNALS:
     void ended();
 
 private:
-    WorkerProcess(std::unique_ptr<ReplyMemory> memory, int socket);
+    WorkerProcess(std::unique_ptr<SharedBuffer> memory, int socket);
     void launch(const Location &program, int workerSocket, QObject *keeper);
     void receive();
 
-    std::unique_ptr<ReplyMemory> m_memory;
+    std::unique_ptr<SharedBuffer> m_memory;
     int m_socket;
     QSocketNotifier *m_notifier;
     QPointer<QProcess> m_process; // owned by the keeper

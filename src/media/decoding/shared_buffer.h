@@ -8,20 +8,20 @@ namespace cratewell {
 
 // The memory a worker puts its answers in: of a fixed, sealed size, read-only for this process. Pages that
 // were never written take no memory.
-class ReplyMemory
+class SharedBuffer
 {
 public:
-    static Result<std::unique_ptr<ReplyMemory>> create();
-    ~ReplyMemory();
-    ReplyMemory(const ReplyMemory &) = delete;
-    ReplyMemory &operator=(const ReplyMemory &) = delete;
+    static Result<std::unique_ptr<SharedBuffer>> create();
+    ~SharedBuffer();
+    SharedBuffer(const SharedBuffer &) = delete;
+    SharedBuffer &operator=(const SharedBuffer &) = delete;
 
     int descriptor() const { return m_descriptor; }
     // A copy of what a reply to this request tells of; an error when the reply cannot be true.
     DecodeResult answer(const DecodeRequest &request, const worker::Reply &reply) const;
 
 private:
-    explicit ReplyMemory(int descriptor) : m_descriptor(descriptor) {}
+    explicit SharedBuffer(int descriptor) : m_descriptor(descriptor) {}
     DecodeResult picture(int maxSide, const worker::Reply &reply) const;
     DecodeResult peaks(int count, const worker::Reply &reply) const;
 

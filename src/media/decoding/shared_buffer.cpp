@@ -1,4 +1,4 @@
-#include "media/decoding/reply_memory.h"
+#include "media/decoding/shared_buffer.h"
 
 #include <algorithm>
 #include <array>
@@ -63,13 +63,13 @@ DecodeResult believed(const worker::FileFacts &facts)
 
 } // namespace
 
-Result<std::unique_ptr<ReplyMemory>> ReplyMemory::create()
+Result<std::unique_ptr<SharedBuffer>> SharedBuffer::create()
 {
     const auto failure = [] { return tl::unexpected(Error::fromErrno(errno)); };
     const int descriptor = memfd_create("cratewell-decoded", MFD_CLOEXEC | MFD_ALLOW_SEALING);
     if (descriptor < 0)
         return failure();
-    std::unique_ptr<ReplyMemory> memory(new ReplyMemory(descriptor));
+    std::unique_ptr<SharedBuffer> memory(new SharedBuffer(descriptor));
     if (ftruncate(descriptor, off_t(worker::memoryBytes)) != 0 ||
         fcntl(descriptor, F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) != 0)
         return failure();
@@ -80,14 +80,14 @@ Result<std::unique_ptr<ReplyMemory>> ReplyMemory::create()
     return memory;
 }
 
-ReplyMemory::~ReplyMemory()
+SharedBuffer::~SharedBuffer()
 {
     if (m_bytes)
         munmap(const_cast<uchar *>(m_bytes), worker::memoryBytes);
     close(m_descriptor);
 }
 
-DecodeResult ReplyMemory::answer(const DecodeRequest &request, const worker::Reply &reply) const
+DecodeResult SharedBuffer::answer(const DecodeRequest &request, const worker::Reply &reply) const
 {
     switch (request.kind) {
     case worker::JobKind::VideoFrame:
@@ -101,7 +101,7 @@ DecodeResult ReplyMemory::answer(const DecodeRequest &request, const worker::Rep
     return impossible();
 }
 
-DecodeResult ReplyMemory::picture(int maxSide, const worker::Reply &reply) const
+DecodeResult SharedBuffer::picture(int maxSide, const worker::Reply &reply) const
 {
     const qint64 width = reply.width, height = reply.height, most = std::min(maxSide, worker::maxPictureSide);
     if (width < 1 || height < 1 || width > most || height > most ||
@@ -122,7 +122,7 @@ DecodeResult ReplyMemory::picture(int maxSide, const worker::Reply &reply) const
 }
 
 // Copied before they are looked at: the worker can still write to the memory.
-DecodeResult ReplyMemory::peaks(int count, const worker::Reply &reply) const
+DecodeResult SharedBuffer::peaks(int count, const worker::Reply &reply) const
 {
     if (count < 1 || count > worker::maxPeakCount || reply.bytes != quint64(count) * sizeof(float) ||
         !isBetween(0, reply.duration, longest))
