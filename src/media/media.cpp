@@ -131,7 +131,7 @@ std::unique_ptr<PreviewRequest> Media::Private::requestPicture(const Asset &asse
 
 std::unique_ptr<PreviewRequest> Media::Private::requestLut(const PreviewKey &key)
 {
-    const auto work = [this, key, now = ++turn]() -> ThreadJobs::Effects {
+    const auto work = [this, key, now = ++turn]() -> KeyedJobQueue::Effects {
         return [this, key, now, lut = LUT::read(key.url)](bool wanted) -> std::unique_ptr<PreviewRequest> {
             if (luts.put(key, now, lut))
                 Q_EMIT q.lutChanged(key.url);
@@ -152,7 +152,7 @@ std::unique_ptr<PreviewRequest> Media::Private::requestGraded(const PreviewKey &
     if (smallStill.isNull())
         smallStill = reduced(still.image());
     const auto work = [this, key, lut, over = smallStill, number = stillNumber,
-                       now = ++turn]() -> ThreadJobs::Effects {
+                       now = ++turn]() -> KeyedJobQueue::Effects {
         return [=, this, graded = lut.apply(over)](bool) {
             // Over another still since: somebody will ask again.
             if (number == stillNumber && lutThumbnails.put(key, now, graded))

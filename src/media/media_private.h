@@ -51,7 +51,7 @@ struct Media::Private
     PreviewStill still;
     QImage smallStill; // under LUT thumbnails; null until it is needed
     quint64 stillNumber = 0;
-    ThreadJobs lutJobs;
+    KeyedJobQueue lutJobs;
 };
 
 } // namespace cratewell

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "media/decoding/decode_pool.h"
+#include "media/previews/keyed_job_queue.h"
 #include "media/previews/preview_cache.h"
-#include "media/previews/thread_jobs.h"
 #include "vault/asset.h"
 
 #include <atomic>
@@ -33,7 +33,7 @@ private:
     std::shared_ptr<const PreviewCache> m_cache;
     std::shared_ptr<Writing> m_writing;
     std::unique_ptr<QThreadPool> m_writer;
-    ThreadJobs m_readers;
+    KeyedJobQueue m_readers;
 };
 
 // Names the work for one preview of one version of a file. No path goes on after the slash that ends it here.

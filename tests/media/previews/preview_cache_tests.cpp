@@ -1,7 +1,7 @@
 #include "made_media.h"
+#include "media/previews/keyed_job_queue.h"
 #include "media/previews/preview_cache.h"
 #include "media/previews/preview_store.h"
-#include "media/previews/thread_jobs.h"
 #include "support/wait.h"
 
 #include <QDirIterator>
@@ -206,13 +206,13 @@ TEST_F(PreviewCacheTest, PrunesWhatWasUsedLongestAgo)
     EXPECT_TRUE(m_cache.load(keys.last()));
 }
 
-TEST(ThreadJobs, JoinsOneKeyDropsWhatNobodyWaitsForAndEndsEachOnce)
+TEST(KeyedJobQueue, JoinsOneKeyDropsWhatNobodyWaitsForAndEndsEachOnce)
 {
-    ThreadJobs jobs(1);
+    KeyedJobQueue jobs(1);
     QSemaphore begun, goOn;
     QStringList ended;
     const auto work = [&](const QString &name, bool held = false) {
-        return [&, name, held]() -> ThreadJobs::Effects {
+        return [&, name, held]() -> KeyedJobQueue::Effects {
             if (held) {
                 begun.release();
                 goOn.acquire();

@@ -1,4 +1,4 @@
-#include "media/previews/thread_jobs.h"
+#include "media/previews/keyed_job_queue.h"
 
 #include <atomic>
 #include <mutex>
@@ -13,7 +13,7 @@ void endOrAbandon(std::unique_ptr<QThreadPool> pool)
         static_cast<void>(pool.release()); // its own end would wait for ever
 }
 
-struct ThreadJobs::Job
+struct KeyedJobQueue::Job
 {
     enum class Phase { Waiting, Started, Dropped };
 
@@ -22,7 +22,7 @@ struct ThreadJobs::Job
     std::unique_ptr<PreviewRequest> next; // main thread
 };
 
-class ThreadJobs::Request : public PreviewRequest
+class KeyedJobQueue::Request : public PreviewRequest
 {
 public:
     explicit Request(std::shared_ptr<Job> job) : m_job(std::move(job)) { ++m_job->requests; }
@@ -40,20 +40,20 @@ private:
 };
 
 // Where threads that may outlive the owner leave what they have done.
-struct ThreadJobs::Mailbox
+struct KeyedJobQueue::Mailbox
 {
     std::mutex mutex;
-    ThreadJobs *owner = nullptr;
+    KeyedJobQueue *owner = nullptr;
 };
 
-ThreadJobs::ThreadJobs(int threads)
+KeyedJobQueue::KeyedJobQueue(int threads)
     : m_pool(std::make_unique<QThreadPool>()), m_mailbox(std::make_shared<Mailbox>())
 {
     m_pool->setMaxThreadCount(threads);
     m_mailbox->owner = this;
 }
 
-ThreadJobs::~ThreadJobs()
+KeyedJobQueue::~KeyedJobQueue()
 {
     {
         const std::scoped_lock lock(m_mailbox->mutex);
@@ -63,7 +63,7 @@ ThreadJobs::~ThreadJobs()
     endOrAbandon(std::move(m_pool));
 }
 
-std::unique_ptr<PreviewRequest> ThreadJobs::submit(const QByteArray &key, Work work)
+std::unique_ptr<PreviewRequest> KeyedJobQueue::submit(const QByteArray &key, Work work)
 {
     std::shared_ptr<Job> &known = m_jobs[key];
     if (known && known->phase != Job::Phase::Dropped)
@@ -74,7 +74,7 @@ std::unique_ptr<PreviewRequest> ThreadJobs::submit(const QByteArray &key, Work w
         const bool wanted = job->phase.compare_exchange_strong(waiting, Job::Phase::Started);
         Effects effects = wanted ? work() : Effects();
         const std::scoped_lock lock(mailbox->mutex);
-        if (ThreadJobs *owner = mailbox->owner)
+        if (KeyedJobQueue *owner = mailbox->owner)
             QMetaObject::invokeMethod(
                 owner, [owner, key, job, effects = std::move(effects)] { owner->finish(key, job, effects); },
                 Qt::QueuedConnection);
@@ -84,7 +84,7 @@ std::unique_ptr<PreviewRequest> ThreadJobs::submit(const QByteArray &key, Work w
     return request;
 }
 
-void ThreadJobs::finish(const QByteArray &key, const std::shared_ptr<Job> &job, const Effects &effects)
+void KeyedJobQueue::finish(const QByteArray &key, const std::shared_ptr<Job> &job, const Effects &effects)
 {
     if (m_jobs.value(key) == job)
         m_jobs.remove(key);

@@ -17,7 +17,7 @@ void endOrAbandon(std::unique_ptr<QThreadPool> pool);
 // Work for previews on threads of this process, newest first. Two jobs of one key are the same work: the
 // second joins the first, also while that runs. A job that nobody waits for any more when its turn comes is
 // dropped. Main thread.
-class ThreadJobs : public QObject
+class KeyedJobQueue : public QObject
 {
 public:
     // What is to be done on the main thread afterwards. `wanted` tells whether somebody still waits; what is
@@ -26,9 +26,9 @@ public:
     // Any thread. Must own what it touches.
     using Work = std::function<Effects()>;
 
-    explicit ThreadJobs(int threads);
+    explicit KeyedJobQueue(int threads);
     // Nothing has its effects any more.
-    ~ThreadJobs() override;
+    ~KeyedJobQueue() override;
 
     [[nodiscard]] std::unique_ptr<PreviewRequest> submit(const QByteArray &key, Work work);
 
