@@ -1,6 +1,6 @@
 // vault_scan_bench ROOT: times scans of the vault at ROOT and questions to its snapshot, in turn with `find`
-// reading the same facts. Prints a JSON list of rows {name, ours, peer, unit}; without a peer that is null.
-// Puts one file into SFX for a moment. With --first before ROOT: the facts of one first scan, in one line.
+// reading the same info. Prints a JSON list of rows {name, ours, peer, unit}; without a peer that is null.
+// Puts one file into SFX for a moment. With --first before ROOT: the info of one first scan, in one line.
 
 #include "vault/vault_scan.h"
 
@@ -121,26 +121,26 @@ FirstScan scanFirst(const char *program, const Location &root)
     QProcess process;
     process.start(QString::fromLocal8Bit(program), {u"--first"_s, root.text()});
     process.waitForFinished();
-    FirstScan facts;
-    if (std::sscanf(process.readAllStandardOutput().constData(), "%lf %lf %lf", &facts.milliseconds,
-                    &facts.megabytes, &facts.mostMegabytes) != 3)
+    FirstScan info;
+    if (std::sscanf(process.readAllStandardOutput().constData(), "%lf %lf %lf", &info.milliseconds,
+                    &info.megabytes, &info.mostMegabytes) != 3)
         fail("the first scan gave no numbers");
-    return facts;
+    return info;
 }
 
 QJsonArray firstScans(const char *program, const Location &root)
 {
     std::vector<double> ours;
     std::vector<double> peer;
-    FirstScan facts;
+    FirstScan info;
     for (int i = 0; i < rounds; ++i) {
         peer.push_back(milliseconds([&] { runFind(root.c_str()); }));
-        facts = scanFirst(program, root);
-        ours.push_back(facts.milliseconds);
+        info = scanFirst(program, root);
+        ours.push_back(info.milliseconds);
     }
     return {row(u"first scan"_s, median(ours), median(peer), u"ms"_s),
-            row(u"memory of the snapshot"_s, facts.megabytes, {}, u"MB"_s),
-            row(u"most memory while scanning"_s, facts.mostMegabytes, {}, u"MB"_s)};
+            row(u"memory of the snapshot"_s, info.megabytes, {}, u"MB"_s),
+            row(u"most memory while scanning"_s, info.mostMegabytes, {}, u"MB"_s)};
 }
 
 QJsonArray laterScans(const Location &root)

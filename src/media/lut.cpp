@@ -45,10 +45,10 @@ struct Bytes
 
 std::optional<Bytes> readWhole(int descriptor)
 {
-    struct stat facts = {};
-    if (fstat(descriptor, &facts) != 0 || !S_ISREG(facts.st_mode) || size_t(facts.st_size) > longestCubeText)
+    struct stat info = {};
+    if (fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode) || size_t(info.st_size) > longestCubeText)
         return std::nullopt;
-    const auto size = size_t(facts.st_size);
+    const auto size = size_t(info.st_size);
     Bytes bytes{.data = std::unique_ptr<char[]>(new (std::nothrow) char[size])};
     if (!bytes.data)
         return std::nullopt;

@@ -84,8 +84,8 @@ void Media::Private::forgetChanged(const SnapshotDiff &diff)
         Q_EMIT q.waveformChanged(url);
     for (const Location &url : forgetIn(luts, diff))
         Q_EMIT q.lutChanged(url);
-    for (const Location &url : forgetIn(facts, diff))
-        Q_EMIT q.factsChanged(url);
+    for (const Location &url : forgetIn(info, diff))
+        Q_EMIT q.infoChanged(url);
 }
 
 template<typename Value, typename Store>
@@ -292,27 +292,27 @@ std::unique_ptr<PreviewRequest> Media::requestLut(const Asset &asset)
     return lutState(asset) == State::Missing ? d->requestLut(keyOf(asset)) : nullptr;
 }
 
-std::optional<MediaFacts> Media::facts(const Asset &asset) const
+std::optional<MediaInfo> Media::info(const Asset &asset) const
 {
-    const MediaFacts *facts = d->facts.show(keyOf(asset));
-    return facts ? std::optional(*facts) : std::nullopt;
+    const MediaInfo *info = d->info.show(keyOf(asset));
+    return info ? std::optional(*info) : std::nullopt;
 }
 
-Media::State Media::factsState(const Asset &asset) const
+Media::State Media::infoState(const Asset &asset) const
 {
-    return asset.kind == AssetKind::Lut ? State::Failed : d->facts.state(keyOf(asset));
+    return asset.kind == AssetKind::Lut ? State::Failed : d->info.state(keyOf(asset));
 }
 
-std::unique_ptr<PreviewRequest> Media::requestFacts(const Asset &asset)
+std::unique_ptr<PreviewRequest> Media::requestInfo(const Asset &asset)
 {
-    if (factsState(asset) != State::Missing)
+    if (infoState(asset) != State::Missing)
         return nullptr;
     const auto finished = [this, key = keyOf(asset), now = ++d->turn](const DecodeResult &result) {
-        if (d->put<MediaFacts>(d->facts, key, now, result))
-            Q_EMIT factsChanged(key.url);
+        if (d->put<MediaInfo>(d->info, key, now, result))
+            Q_EMIT infoChanged(key.url);
     };
-    return d->pool.submit({.key = previewJobKey(asset.url, asset.version, "facts"),
-                           .request = {.file = asset.url, .kind = worker::JobKind::Facts},
+    return d->pool.submit({.key = previewJobKey(asset.url, asset.version, "info"),
+                           .request = {.file = asset.url, .kind = worker::JobKind::Info},
                            .rank = DecodeJob::Rank::Interactive,
                            .finished = finished});
 }

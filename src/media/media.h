@@ -1,7 +1,7 @@
 #pragma once
 
 #include "media/lut.h"
-#include "media/media_facts.h"
+#include "media/media_info.h"
 #include "media/preview_request.h"
 #include "media/preview_state.h"
 #include "media/waveform_peaks.h"
@@ -65,9 +65,9 @@ public:
     [[nodiscard]] std::unique_ptr<PreviewRequest> requestLut(const Asset &asset);
 
     // What the header of a video, still or sound tells.
-    std::optional<MediaFacts> facts(const Asset &asset) const;
-    State factsState(const Asset &asset) const;
-    [[nodiscard]] std::unique_ptr<PreviewRequest> requestFacts(const Asset &asset);
+    std::optional<MediaInfo> info(const Asset &asset) const;
+    State infoState(const Asset &asset) const;
+    [[nodiscard]] std::unique_ptr<PreviewRequest> requestInfo(const Asset &asset);
 
     // One frame of a video, at most 0.98 of its duration in, that fits inside maxSide x maxSide. Null when
     // there is none; cancelled when Media ends first.
@@ -85,7 +85,7 @@ Q_SIGNALS:
     void scrubFrameChanged(const cratewell::Location &url, int bucket);
     void waveformChanged(const cratewell::Location &url);
     void lutChanged(const cratewell::Location &url);
-    void factsChanged(const cratewell::Location &url);
+    void infoChanged(const cratewell::Location &url);
     void stillChanged();
 
 private:

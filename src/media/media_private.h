@@ -17,7 +17,7 @@ struct PreviewCost
     qint64 operator()(const DecodedSound &sound) const { return sound.peaks.size() * qint64(sizeof(float)); }
     // With the table of whole numbers that grading makes beside it.
     qint64 operator()(const LUT &lut) const { return qint64(lut.data().size_bytes()) * 11 / 8; }
-    qint64 operator()(const MediaFacts &) const { return sizeof(MediaFacts); }
+    qint64 operator()(const MediaInfo &) const { return sizeof(MediaInfo); }
 };
 
 struct Media::Private
@@ -44,7 +44,7 @@ struct Media::Private
     PreviewStore<QImage, PreviewCost> lutThumbnails{qint64{128} << 20};
     PreviewStore<DecodedSound, PreviewCost> sounds{qint64{16} << 20};
     PreviewStore<LUT, PreviewCost> luts{qint64{64} << 20};
-    PreviewStore<MediaFacts, PreviewCost> facts{qint64{4} << 20};
+    PreviewStore<MediaInfo, PreviewCost> info{qint64{4} << 20};
     quint64 turn = 0;
     DecodePool pool;
     PreviewLoader loader;

@@ -8,7 +8,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct CategoryFacts
+struct CategoryTraits
 {
     const char16_t *rawValue;
     const char *folderName;
@@ -20,9 +20,9 @@ constexpr std::array overlayStarters{"Light Leaks", "Glitches", "Flashes", "Grai
 constexpr std::array sfxStarters{"Sports", "Whooshes", "Risers",  "Hits",
                                  "Clicks", "Buttons",  "Cameras", "Shutters"};
 
-const CategoryFacts &facts(VaultCategory category)
+const CategoryTraits &facts(VaultCategory category)
 {
-    static const std::array<CategoryFacts, allCategories.size()> table{{
+    static const std::array<CategoryTraits, allCategories.size()> table{{
         {u"overlays", "Overlays", overlayStarters, {u"#FF8C3A", u"#FF4ECD"}},
         {u"luts", "LUTs", {}, {u"#2FD6FF", u"#4A5CFF"}},
         {u"sfx", "SFX", sfxStarters, {u"#62D991", u"#1FA2A6"}},

@@ -1,5 +1,5 @@
 #include "decode/audio_peaks.h"
-#include "decode/file_facts.h"
+#include "decode/file_info.h"
 #include "decode/still_image.h"
 #include "decode/video_frame.h"
 #include "worker/give_back_memory.h"
@@ -20,8 +20,8 @@ using namespace cratewell::worker;
 
 uint8_t *mapMemory()
 {
-    struct stat facts = {};
-    if (fstat(memoryDescriptor, &facts) != 0 || facts.st_size < off_t(memoryBytes))
+    struct stat info = {};
+    if (fstat(memoryDescriptor, &info) != 0 || info.st_size < off_t(memoryBytes))
         return nullptr;
     void *memory = mmap(nullptr, memoryBytes, PROT_READ | PROT_WRITE, MAP_SHARED, memoryDescriptor, 0);
     return memory == MAP_FAILED ? nullptr : static_cast<uint8_t *>(memory);
@@ -52,22 +52,22 @@ void putSound(int file, int count, uint8_t *memory, Reply &reply)
     const std::vector<float> &peaks = orThrow(decoded);
     reply.bytes = peaks.size() * sizeof(float);
     std::memcpy(memory, peaks.data(), reply.bytes);
-    if (const auto facts = decode::fileFacts(file))
-        reply.duration = facts->duration;
+    if (const auto info = decode::fileInfo(file))
+        reply.duration = info->duration;
 }
 
-FileFacts factsToSend(const decode::FileFacts &facts)
+FileInfo infoToSend(const decode::FileInfo &info)
 {
-    return {.duration = facts.duration,
-            .frameRate = facts.frameRate,
-            .frames = facts.frames,
-            .width = facts.width,
-            .height = facts.height,
-            .codec = facts.codec,
-            .sampleRate = facts.sampleRate,
-            .channels = facts.channels,
-            .hasVideo = facts.hasVideo ? 1U : 0U,
-            .hasAudio = facts.hasAudio ? 1U : 0U};
+    return {.duration = info.duration,
+            .frameRate = info.frameRate,
+            .frames = info.frames,
+            .width = info.width,
+            .height = info.height,
+            .codec = info.codec,
+            .sampleRate = info.sampleRate,
+            .channels = info.channels,
+            .hasVideo = info.hasVideo ? 1U : 0U,
+            .hasAudio = info.hasAudio ? 1U : 0U};
 }
 
 void work(const ReceivedJob &job, uint8_t *memory, Reply &reply)
@@ -81,8 +81,8 @@ void work(const ReceivedJob &job, uint8_t *memory, Reply &reply)
         put(orThrow(decode::stillImage(job.file(), request.maxSide)), memory, reply);
     else if (job.file() >= 0 && request.kind == JobKind::AudioPeaks && countIsPossible)
         putSound(job.file(), request.count, memory, reply);
-    else if (job.file() >= 0 && request.kind == JobKind::Facts)
-        reply.facts = factsToSend(orThrow(decode::fileFacts(job.file())));
+    else if (job.file() >= 0 && request.kind == JobKind::Info)
+        reply.info = infoToSend(orThrow(decode::fileInfo(job.file())));
     else
         throw std::runtime_error("a request that makes no sense");
 }

@@ -18,7 +18,7 @@ inline constexpr size_t memoryBytes = size_t{32} << 20;
 inline constexpr int maxPictureSide = 2896;
 inline constexpr int maxPeakCount = 1 << 16;
 
-enum class JobKind : uint32_t { VideoFrame = 1, StillImage = 2, AudioPeaks = 3, Facts = 4 };
+enum class JobKind : uint32_t { VideoFrame = 1, StillImage = 2, AudioPeaks = 3, Info = 4 };
 enum class JobStatus : uint32_t { Done = 1, Failed = 2 };
 
 struct Request
@@ -31,7 +31,7 @@ struct Request
 };
 
 // What a header tells of a file; 0 is unknown.
-struct FileFacts
+struct FileInfo
 {
     double duration = 0; // seconds
     double frameRate = 0;
@@ -56,7 +56,7 @@ struct Reply
     // count x 4, 32-bit floats from 0 to 1.
     uint64_t bytes = 0;
     double duration = 0; // seconds, of the video or the sound; 0 for a still or when unknown
-    FileFacts facts;
+    FileInfo info;
     char error[240] = {}; // UTF-8, ended by a zero byte
 };
 

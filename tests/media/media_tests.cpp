@@ -217,7 +217,7 @@ TEST_F(MediaTest, EndsWithWorkUnderWay)
     auto media = std::make_unique<Media>(m_vault, m_prefs, m_paths);
     std::vector<std::unique_ptr<PreviewRequest>> requests;
     requests.push_back(media->requestThumbnail(film));
-    requests.push_back(media->requestFacts(film));
+    requests.push_back(media->requestInfo(film));
     requests.push_back(media->requestLut(lut));
     for (int bucket = 0; bucket < Media::scrubFrames; ++bucket)
         requests.push_back(media->requestScrubFrame(film, bucket));
@@ -259,7 +259,7 @@ TEST_F(MediaTest, GradesTheStillForLutsAndAnewForAnotherStill)
     EXPECT_EQ(m_media.thumbnail(swap).pixel(60, 40), qRgb(255, 0, 0));
 }
 
-TEST_F(MediaTest, ReadsPeaksFramesAndFacts)
+TEST_F(MediaTest, ReadsPeaksFramesAndInfo)
 {
     const Asset sound = scanned(add(tone(), u"tone.wav"_s, u"SFX"_s));
     const Asset text = scanned(add(m_files.bytes(u"text"_s, "only text"), u"text.wav"_s, u"SFX"_s));
@@ -289,12 +289,12 @@ TEST_F(MediaTest, ReadsPeaksFramesAndFacts)
     EXPECT_EQ(m_media.requestScrubFrame(film, 24), nullptr);
     EXPECT_EQ(m_media.requestScrubFrame(sound, 0), nullptr);
 
-    const auto request = m_media.requestFacts(film);
-    ASSERT_TRUE(waitUntil([&] { return m_media.factsState(film) == Media::State::Ready; }));
-    EXPECT_EQ(m_media.facts(film)->codec, u"avc1"_s);
-    EXPECT_EQ(m_media.facts(film)->frameRate, 25);
-    const auto nothing = m_media.requestFacts(text);
-    ASSERT_TRUE(waitUntil([&] { return m_media.factsState(text) == Media::State::Failed; }));
+    const auto request = m_media.requestInfo(film);
+    ASSERT_TRUE(waitUntil([&] { return m_media.infoState(film) == Media::State::Ready; }));
+    EXPECT_EQ(m_media.info(film)->codec, u"avc1"_s);
+    EXPECT_EQ(m_media.info(film)->frameRate, 25);
+    const auto nothing = m_media.requestInfo(text);
+    ASSERT_TRUE(waitUntil([&] { return m_media.infoState(text) == Media::State::Failed; }));
 }
 
 TEST_F(MediaTest, ARewrittenSoundOrLutGetsNewPreviews)

@@ -42,16 +42,16 @@ int DescriptorInput::read(void *self, uint8_t *to, int size)
 int64_t DescriptorInput::seek(void *self, int64_t offset, int whence)
 {
     auto *input = static_cast<DescriptorInput *>(self);
-    struct stat facts = {};
-    if (fstat(input->m_descriptor, &facts) != 0)
+    struct stat info = {};
+    if (fstat(input->m_descriptor, &info) != 0)
         return AVERROR(errno);
     whence &= ~AVSEEK_FORCE;
     if (whence == AVSEEK_SIZE)
-        return facts.st_size;
+        return info.st_size;
     if (whence == SEEK_CUR)
         offset += input->m_position;
     else if (whence == SEEK_END)
-        offset += facts.st_size;
+        offset += info.st_size;
     if (offset < 0)
         return AVERROR(EINVAL);
     return input->m_position = offset;

@@ -69,7 +69,7 @@ bool MediaContainer::headerTells(Purpose purpose) const
     const AVStream *video = firstVideo(), *audio = firstAudio();
     const bool soundTold = audio && isPcm(audio->codecpar->codec_id) && audio->codecpar->sample_rate > 0 &&
                            audio->codecpar->ch_layout.nb_channels > 0;
-    if (purpose == Purpose::Sound || (purpose == Purpose::Facts && !video))
+    if (purpose == Purpose::Sound || (purpose == Purpose::Info && !video))
         return soundTold;
     const bool frameTold = (isNamed("mov") || isNamed("matroska")) && video && video->codecpar->width > 0 &&
                            video->codecpar->codec_id != AV_CODEC_ID_NONE &&

@@ -12,7 +12,7 @@ class MediaContainer
 public:
     // What must be known when open() returns. Where the header tells it nothing more is read, else the
     // beginning of the file is probed.
-    enum class Purpose { Frames, Sound, Facts };
+    enum class Purpose { Frames, Sound, Info };
 
     // The descriptor is borrowed for the life of the container.
     static Decoded<std::unique_ptr<MediaContainer>> open(int descriptor, Purpose purpose);

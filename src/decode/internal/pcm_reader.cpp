@@ -13,8 +13,8 @@ constexpr int64_t bufferBytes = 128 * 1024;
 
 int64_t sizeOf(int descriptor)
 {
-    struct stat facts = {};
-    return fstat(descriptor, &facts) == 0 ? facts.st_size : 0;
+    struct stat info = {};
+    return fstat(descriptor, &info) == 0 ? info.st_size : 0;
 }
 
 // As much as there is of what was asked for.

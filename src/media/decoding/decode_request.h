@@ -1,7 +1,7 @@
 #pragma once
 
 #include "media/decoding/decode_failure.h"
-#include "media/media_facts.h"
+#include "media/media_info.h"
 #include "media/waveform_peaks.h"
 #include "platform/location.h"
 #include "worker/protocol.h"
@@ -32,7 +32,7 @@ struct DecodedSound
     double duration = 0; // seconds; 0 when unknown
 };
 
-// A frame or a still is answered by a picture, peaks by a sound, facts by facts.
-using DecodeResult = tl::expected<std::variant<DecodedPicture, DecodedSound, MediaFacts>, DecodeFailure>;
+// A frame or a still is answered by a picture, peaks by a sound, info by info.
+using DecodeResult = tl::expected<std::variant<DecodedPicture, DecodedSound, MediaInfo>, DecodeFailure>;
 
 } // namespace cratewell

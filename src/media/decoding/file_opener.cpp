@@ -39,10 +39,10 @@ OpenedFile openNow(const Location &file)
         return failure(errno, file);
     auto opened = std::make_shared<const OpenFile>(descriptor);
 
-    struct stat facts = {};
-    if (fstat(descriptor, &facts) != 0)
+    struct stat info = {};
+    if (fstat(descriptor, &info) != 0)
         return failure(errno, file);
-    if (!S_ISREG(facts.st_mode))
+    if (!S_ISREG(info.st_mode))
         return tl::unexpected(DecodeFailure(Error{file.name() + u": not a file"_s}));
     return opened;
 }

@@ -40,25 +40,24 @@ QString codecText(uint32_t code)
     return QString::fromLatin1(text.data(), text.size()).trimmed();
 }
 
-DecodeResult believed(const worker::FileFacts &facts)
+DecodeResult believed(const worker::FileInfo &info)
 {
-    const bool possible = isBetween(0, facts.duration, longest) &&
-                          isBetween(0, facts.frameRate, mostFramesPerSecond) && facts.frames >= 0 &&
-                          facts.width >= 0 && facts.height >= 0 && facts.hasVideo <= 1 &&
-                          facts.hasAudio <= 1 && isBetween(0, facts.sampleRate, mostSamplesPerSecond) &&
-                          isBetween(0, facts.channels, mostChannels);
+    const bool possible =
+        isBetween(0, info.duration, longest) && isBetween(0, info.frameRate, mostFramesPerSecond) &&
+        info.frames >= 0 && info.width >= 0 && info.height >= 0 && info.hasVideo <= 1 && info.hasAudio <= 1 &&
+        isBetween(0, info.sampleRate, mostSamplesPerSecond) && isBetween(0, info.channels, mostChannels);
     if (!possible)
         return impossible();
-    return MediaFacts{.duration = facts.duration,
-                      .width = facts.width,
-                      .height = facts.height,
-                      .frameRate = facts.frameRate,
-                      .codec = facts.hasVideo == 1 ? codecText(facts.codec) : QString(),
-                      .sampleRate = facts.sampleRate,
-                      .channels = facts.channels,
-                      .frames = facts.frames,
-                      .hasVideo = facts.hasVideo == 1,
-                      .hasAudio = facts.hasAudio == 1};
+    return MediaInfo{.duration = info.duration,
+                     .width = info.width,
+                     .height = info.height,
+                     .frameRate = info.frameRate,
+                     .codec = info.hasVideo == 1 ? codecText(info.codec) : QString(),
+                     .sampleRate = info.sampleRate,
+                     .channels = info.channels,
+                     .frames = info.frames,
+                     .hasVideo = info.hasVideo == 1,
+                     .hasAudio = info.hasAudio == 1};
 }
 
 } // namespace
@@ -95,8 +94,8 @@ DecodeResult SharedBuffer::answer(const DecodeRequest &request, const worker::Re
         return picture(request.maxSide, reply);
     case worker::JobKind::AudioPeaks:
         return peaks(request.count, reply);
-    case worker::JobKind::Facts:
-        return believed(reply.facts);
+    case worker::JobKind::Info:
+        return believed(reply.info);
     }
     return impossible();
 }

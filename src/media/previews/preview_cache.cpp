@@ -172,9 +172,8 @@ std::optional<PreviewCache::Preview> PreviewCache::load(const QByteArray &key) c
     const int descriptor = open(file(key).c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
     if (descriptor < 0)
         return {};
-    struct stat facts = {};
-    const bool usable =
-        fstat(descriptor, &facts) == 0 && S_ISREG(facts.st_mode) && facts.st_size <= largestFile;
+    struct stat info = {};
+    const bool usable = fstat(descriptor, &info) == 0 && S_ISREG(info.st_mode) && info.st_size <= largestFile;
     QByteArray bytes;
     QFile reader;
     if (usable && reader.open(descriptor, QIODevice::ReadOnly))

@@ -24,15 +24,15 @@ QByteArray cacheKey(const Location &file, const FileVersion &version, const QByt
 // Whether what was decoded is of this version: the file may have been written again since it was listed.
 bool isStill(const Location &file, const FileVersion &version)
 {
-    struct stat facts = {};
-    if (stat(file.c_str(), &facts) != 0)
+    struct stat info = {};
+    if (stat(file.c_str(), &info) != 0)
         return false;
 #if defined(__APPLE__)
-    const timespec &modified = facts.st_mtimespec;
+    const timespec &modified = info.st_mtimespec;
 #else
-    const timespec &modified = facts.st_mtim;
+    const timespec &modified = info.st_mtim;
 #endif
-    return facts.st_size == version.size &&
+    return info.st_size == version.size &&
            qint64(modified.tv_sec) * 1'000'000'000 + modified.tv_nsec == version.modified;
 }
 

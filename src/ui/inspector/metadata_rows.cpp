@@ -21,9 +21,9 @@ QString codecText(const QString &codec)
     return std::ranges::find(alphaCodecs, codec) == alphaCodecs.end() ? codec : codec + u" (alpha capable)"_s;
 }
 
-QString sizeText(const MediaFacts &facts)
+QString sizeText(const MediaInfo &info)
 {
-    return u"%1 × %2"_s.arg(facts.width).arg(facts.height);
+    return u"%1 × %2"_s.arg(info.width).arg(info.height);
 }
 
 QString channelsText(int channels)
@@ -33,39 +33,39 @@ QString channelsText(int channels)
     return channels == 2 ? u"Stereo"_s : QString::number(channels);
 }
 
-void addVideoRows(std::vector<MetadataRows::Row> &rows, const MediaFacts &facts)
+void addVideoRows(std::vector<MetadataRows::Row> &rows, const MediaInfo &info)
 {
-    rows.push_back({u"Duration"_s, timeString(facts.duration)});
-    if (!facts.hasVideo)
+    rows.push_back({u"Duration"_s, timeString(info.duration)});
+    if (!info.hasVideo)
         return;
-    rows.push_back({u"Resolution"_s, sizeText(facts)});
-    rows.push_back({u"Frame rate"_s, QString::asprintf("%.3g fps", facts.frameRate)});
-    rows.push_back({u"Codec"_s, codecText(facts.codec)});
+    rows.push_back({u"Resolution"_s, sizeText(info)});
+    rows.push_back({u"Frame rate"_s, QString::asprintf("%.3g fps", info.frameRate)});
+    rows.push_back({u"Codec"_s, codecText(info.codec)});
 }
 
-void addAudioRows(std::vector<MetadataRows::Row> &rows, const MediaFacts &facts)
+void addAudioRows(std::vector<MetadataRows::Row> &rows, const MediaInfo &info)
 {
-    if (!facts.hasAudio || facts.sampleRate <= 0)
+    if (!info.hasAudio || info.sampleRate <= 0)
         return;
-    rows.push_back({u"Duration"_s, timeString(double(facts.frames) / facts.sampleRate)});
-    rows.push_back({u"Sample rate"_s, u"%1 Hz"_s.arg(facts.sampleRate)});
-    rows.push_back({u"Channels"_s, channelsText(facts.channels)});
+    rows.push_back({u"Duration"_s, timeString(double(info.frames) / info.sampleRate)});
+    rows.push_back({u"Sample rate"_s, u"%1 Hz"_s.arg(info.sampleRate)});
+    rows.push_back({u"Channels"_s, channelsText(info.channels)});
 }
 
 } // namespace
 
-std::vector<MetadataRows::Row> metadataRows(const Asset &asset, const std::optional<MediaFacts> &facts,
+std::vector<MetadataRows::Row> metadataRows(const Asset &asset, const std::optional<MediaInfo> &info,
                                             const std::optional<LUT> &lut)
 {
     std::vector<MetadataRows::Row> rows{
         {u"Type"_s, kindLabel(asset.kind) + u" · "_s + asset.url.extension().toUpper()},
         {u"Size"_s, byteText(asset.size)}};
-    if (asset.kind == AssetKind::Video && facts)
-        addVideoRows(rows, *facts);
-    else if (asset.kind == AssetKind::Image && facts && facts->width > 0)
-        rows.push_back({u"Resolution"_s, sizeText(*facts)});
-    else if (asset.kind == AssetKind::Audio && facts)
-        addAudioRows(rows, *facts);
+    if (asset.kind == AssetKind::Video && info)
+        addVideoRows(rows, *info);
+    else if (asset.kind == AssetKind::Image && info && info->width > 0)
+        rows.push_back({u"Resolution"_s, sizeText(*info)});
+    else if (asset.kind == AssetKind::Audio && info)
+        addAudioRows(rows, *info);
     if (lut) {
         rows.push_back({u"Lattice"_s, QString::number(lut->size()) + u'³'});
         rows.push_back({u"Title"_s, lut->title()});
@@ -83,7 +83,7 @@ void MetadataRows::follow(AppState &state, Media &media)
         if (m_asset && m_asset->url == url)
             load();
     };
-    connect(&media, &Media::factsChanged, this, showIfMine);
+    connect(&media, &Media::infoChanged, this, showIfMine);
     connect(&media, &Media::lutChanged, this, showIfMine);
     load();
 }
@@ -100,7 +100,7 @@ void MetadataRows::load()
     m_request.reset();
     if (m_asset)
         m_request =
-            m_asset->kind == AssetKind::Lut ? m_media->requestLut(*m_asset) : m_media->requestFacts(*m_asset);
+            m_asset->kind == AssetKind::Lut ? m_media->requestLut(*m_asset) : m_media->requestInfo(*m_asset);
     show();
 }
 
@@ -108,7 +108,7 @@ void MetadataRows::show()
 {
     std::vector<Row> rows;
     if (m_asset)
-        rows = metadataRows(*m_asset, m_media->facts(*m_asset),
+        rows = metadataRows(*m_asset, m_media->info(*m_asset),
                             m_asset->kind == AssetKind::Lut ? m_media->lut(*m_asset) : std::nullopt);
     if (rows == m_rows)
         return;

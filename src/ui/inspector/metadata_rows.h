@@ -52,8 +52,8 @@ private:
     std::vector<Row> m_rows;
 };
 
-// The rows of an asset; `facts` and `lut` stand for what is not known (yet) when they are empty.
-std::vector<MetadataRows::Row> metadataRows(const Asset &asset, const std::optional<MediaFacts> &facts,
+// The rows of an asset; `info` and `lut` stand for what is not known (yet) when they are empty.
+std::vector<MetadataRows::Row> metadataRows(const Asset &asset, const std::optional<MediaInfo> &info,
                                             const std::optional<LUT> &lut);
 
 } // namespace cratewell

@@ -34,7 +34,7 @@ Location childUrl(const Location &folder, QByteArrayView name)
     return Location::fromStandardized(std::move(joined));
 }
 
-bool sameFacts(const Asset &asset, const ListedEntry &entry)
+bool sameInfo(const Asset &asset, const ListedEntry &entry)
 {
     return asset.added == entry.added && asset.version == entry.version && asset.kind == entry.kind;
 }
@@ -51,7 +51,7 @@ bool holdsSame(const FolderReader &reader, const FolderContents &contents)
                 return false;
             ++child;
         } else if (entry.type == ListedEntry::Type::File) {
-            if (position == contents.assets.size() || !sameFacts(contents.assets[position], entry) ||
+            if (position == contents.assets.size() || !sameInfo(contents.assets[position], entry) ||
                 contents.name(position) != reader.name(entry))
                 return false;
             ++position;

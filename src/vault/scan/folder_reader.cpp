@@ -25,7 +25,7 @@ double addedFrom(const struct statx &facts)
 }
 
 // 0 or the error number.
-int readFacts(int folder, const char *name, int linkFlag, struct statx &facts)
+int readInfo(int folder, const char *name, int linkFlag, struct statx &facts)
 {
     constexpr unsigned wanted = STATX_TYPE | STATX_SIZE | STATX_INO | STATX_MTIME | STATX_BTIME;
     const int flags = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT | linkFlag;
@@ -84,7 +84,7 @@ void FolderReader::addEntry(QByteArrayView name, uchar directoryType, VaultCateg
         return;
     if (directoryType == DT_UNKNOWN) {
         struct statx facts;
-        if (readFacts(m_descriptor, name.data(), AT_SYMLINK_NOFOLLOW, facts) != 0)
+        if (readInfo(m_descriptor, name.data(), AT_SYMLINK_NOFOLLOW, facts) != 0)
             return;
         directoryType = uchar(IFTODT(facts.stx_mode));
     }
@@ -120,7 +120,7 @@ void FolderReader::readDetails(ListedEntry &entry) const
 {
     const char *name = m_names.data() + entry.nameStart;
     struct statx facts;
-    int error = readFacts(m_descriptor, name, AT_SYMLINK_NOFOLLOW, facts);
+    int error = readInfo(m_descriptor, name, AT_SYMLINK_NOFOLLOW, facts);
     if (error == ENOENT) {
         entry.type = ListedEntry::Type::Unlisted;
         return;
@@ -129,7 +129,7 @@ void FolderReader::readDetails(ListedEntry &entry) const
         return;
     entry.added = addedFrom(facts);
     if (S_ISLNK(facts.stx_mode)) {
-        error = readFacts(m_descriptor, name, 0, facts);
+        error = readInfo(m_descriptor, name, 0, facts);
         if (error != 0)
             return;
     }

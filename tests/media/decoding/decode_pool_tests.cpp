@@ -125,7 +125,7 @@ TEST_F(DecodePoolTest, AWorkerThatGoesWrongCostsItsJobAlone)
     for (const auto &[kind, deeds] : std::initializer_list<std::pair<JobKind, std::vector<QByteArray>>>{
              {JobKind::StillImage, {"die", "crash", "hang", "huge", "short", "unasked", "garbage"}},
              {JobKind::AudioPeaks, {"few", "many", "nan", "loud", "crash"}},
-             {JobKind::Facts, {"endless", "backwards", "channels", "flag"}}}) {
+             {JobKind::Info, {"endless", "backwards", "channels", "flag"}}}) {
         for (const QByteArray &deed : deeds) {
             m_results.clear();
             const auto after = submit(pool, file(u"after"_s, "fine"), kind);
@@ -169,7 +169,7 @@ TEST_F(DecodePoolTest, TheRestOfAPageArrives)
     EXPECT_THAT(m_results, testing::UnorderedElementsAreArray(expected));
 }
 
-TEST_F(DecodePoolTest, HandsOverPeaksAndFacts)
+TEST_F(DecodePoolTest, HandsOverPeaksAndInfo)
 {
     DecodePool pool(standIn(), {.slots = 1});
     const auto peaks = submit(pool, file(u"peaks"_s, "fine"), worker::JobKind::AudioPeaks);
@@ -177,10 +177,10 @@ TEST_F(DecodePoolTest, HandsOverPeaksAndFacts)
     EXPECT_EQ(std::get<DecodedSound>(*m_last).peaks, WaveformPeaks(240, 0.5F));
     for (const auto &[deed, codec] : {std::pair{"fine", u"avc1"_s}, {"unprintable", u"?"_s}}) {
         m_results.clear();
-        const auto facts = submit(pool, file(u"facts"_s, deed), worker::JobKind::Facts);
+        const auto info = submit(pool, file(u"info"_s, deed), worker::JobKind::Info);
         ASSERT_TRUE(waitForResults(1));
-        const MediaFacts expected{.duration = 2, .frameRate = 25, .codec = codec, .hasVideo = true};
-        EXPECT_EQ(std::get<MediaFacts>(*m_last), expected);
+        const MediaInfo expected{.duration = 2, .frameRate = 25, .codec = codec, .hasVideo = true};
+        EXPECT_EQ(std::get<MediaInfo>(*m_last), expected);
     }
 }
 
@@ -220,7 +220,7 @@ TEST_F(DecodePoolTest, TheRealWorkerReadsEveryFormat)
 
     for (const auto &[kind, path] : jobs) {
         DecodePool pool(realWorker(), {.slots = 1, .budget = 60s}); // a worker that has seen nothing before
-        for (const JobKind one : {kind, JobKind::Facts}) {
+        for (const JobKind one : {kind, JobKind::Info}) {
             m_results.clear();
             const auto request = submit(pool, Location::fromText(path), one);
             ASSERT_TRUE(waitForResults(1));
@@ -313,9 +313,9 @@ TEST_F(DecodePoolTest, AnIdleWorkerThatHasDoneEverythingIsSmall)
     const auto workers = pool.workerProcessIds();
     ASSERT_EQ(workers.size(), 1u);
     const auto residentMegabytes = [&] {
-        std::ifstream facts("/proc/" + std::to_string(workers.front()) + "/statm");
+        std::ifstream info("/proc/" + std::to_string(workers.front()) + "/statm");
         long total = 0, resident = 0;
-        facts >> total >> resident;
+        info >> total >> resident;
         return double(resident) * double(sysconf(_SC_PAGESIZE)) / 1e6;
     };
     EXPECT_TRUE(waitUntil([&] { return residentMegabytes() <= 40; })) << residentMegabytes();

@@ -40,19 +40,19 @@ void answerWithPeaks(const Request &request, const std::string &text, Reply &rep
     munmap(memory, memoryBytes);
 }
 
-void answerWithFacts(const std::string &text, Reply &reply)
+void answerWithInfo(const std::string &text, Reply &reply)
 {
-    reply.facts = {.duration = 2, .frameRate = 25, .codec = 0x61766331, .hasVideo = 1};
+    reply.info = {.duration = 2, .frameRate = 25, .codec = 0x61766331, .hasVideo = 1};
     if (text == "endless")
-        reply.facts.duration = std::numeric_limits<double>::infinity();
+        reply.info.duration = std::numeric_limits<double>::infinity();
     else if (text == "backwards")
-        reply.facts.frames = -1;
+        reply.info.frames = -1;
     else if (text == "channels")
-        reply.facts.channels = 1 << 30;
+        reply.info.channels = 1 << 30;
     else if (text == "flag")
-        reply.facts.hasAudio = 2;
+        reply.info.hasAudio = 2;
     else if (text == "unprintable")
-        reply.facts.codec = 0x01020304;
+        reply.info.codec = 0x01020304;
 }
 
 Reply answer(const Request &request, const std::string &text)
@@ -65,8 +65,8 @@ Reply answer(const Request &request, const std::string &text)
     reply.bytes = 4;
     if (request.kind == JobKind::AudioPeaks)
         answerWithPeaks(request, text, reply);
-    else if (request.kind == JobKind::Facts)
-        answerWithFacts(text, reply);
+    else if (request.kind == JobKind::Info)
+        answerWithInfo(text, reply);
     if (text == "die")
         raise(SIGKILL);
     else if (text == "crash")

@@ -1,8 +1,8 @@
 #include "integrations/inserter.h"
 #include "platform/fakes/fake_applications.h"
 #include "support/small_library.h"
-#include "ui/grid/empty_notice.h"
 #include "ui/controls/formats.h"
+#include "ui/grid/empty_notice.h"
 #include "ui/inspector/metadata_rows.h"
 #include "ui/inspector/selection_info.h"
 
@@ -31,10 +31,10 @@ TEST(PlaceText, LeadsFromTheCategoryToTheFile)
 }
 
 // "label=value" of all rows but the first two and the last, which every asset has.
-QStringList details(const QString &file, AssetKind kind, const std::optional<MediaFacts> &facts,
+QStringList details(const QString &file, AssetKind kind, const std::optional<MediaInfo> &info,
                     const std::optional<LUT> &lut = {})
 {
-    const auto rows = metadataRows({Location::fromText(file), kind, 48'200'000, 0, {}}, facts, lut);
+    const auto rows = metadataRows({Location::fromText(file), kind, 48'200'000, 0, {}}, info, lut);
     EXPECT_GE(rows.size(), 3U);
     EXPECT_EQ(rows[0].value, kindLabel(kind) + u" · "_s + file.section(u'.', -1).toUpper());
     EXPECT_EQ(rows[1].value, u"48.2 MB"_s);
@@ -47,7 +47,7 @@ QStringList details(const QString &file, AssetKind kind, const std::optional<Med
 
 TEST(MetadataRows, SayOfEachKindWhatItsFileTells)
 {
-    MediaFacts film{.duration = 12.2, .width = 1920, .height = 1080, .frameRate = 23.976, .codec = u"ap4h"_s};
+    MediaInfo film{.duration = 12.2, .width = 1920, .height = 1080, .frameRate = 23.976, .codec = u"ap4h"_s};
     film.hasVideo = true;
     EXPECT_EQ(details(u"/v/a.mov"_s, AssetKind::Video, film),
               (QStringList{u"Duration=0:12"_s, u"Resolution=1920 × 1080"_s, u"Frame rate=24 fps"_s,
@@ -57,13 +57,13 @@ TEST(MetadataRows, SayOfEachKindWhatItsFileTells)
     EXPECT_EQ(details(u"/v/a.mov"_s, AssetKind::Video, film).sliced(2),
               (QStringList{u"Frame rate=30 fps"_s, u"Codec=avc1"_s}));
     film.hasVideo = false;
-    MediaFacts still;
+    MediaInfo still;
     still.width = 40;
     still.height = 30;
     EXPECT_EQ(details(u"/v/a.mp4"_s, AssetKind::Video, film), QStringList{u"Duration=0:12"_s});
     EXPECT_EQ(details(u"/v/a.png"_s, AssetKind::Image, still), QStringList{u"Resolution=40 × 30"_s});
 
-    MediaFacts sound;
+    MediaInfo sound;
     sound.sampleRate = 48000;
     sound.channels = 2;
     sound.frames = 99840;

@@ -145,21 +145,21 @@ TEST(VaultScan, WhatCannotBeReadIsEmpty)
     std::filesystem::permissions(vault.native("SFX/Locked"), std::filesystem::perms::owner_all);
 }
 
-TEST(VaultScan, FactsAreThoseOfTheFile)
+TEST(VaultScan, InfoIsThoseOfTheFile)
 {
     const TemporaryVault vault;
     vault.write("SFX/a.wav", 12);
-    struct statx facts;
-    ASSERT_EQ(statx(AT_FDCWD, vault.native("SFX/a.wav").c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &facts),
+    struct statx info;
+    ASSERT_EQ(statx(AT_FDCWD, vault.native("SFX/a.wav").c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &info),
               0);
     const auto snapshot = vault.scan();
     const Asset &asset = snapshot->asset(0);
     EXPECT_EQ(asset.kind, AssetKind::Audio);
     EXPECT_EQ(asset.size, 12);
-    EXPECT_EQ(asset.version, (FileVersion{facts.stx_ino, 12,
-                                          facts.stx_mtime.tv_sec * 1'000'000'000 + facts.stx_mtime.tv_nsec}));
-    if (facts.stx_mask & STATX_BTIME)
-        EXPECT_NEAR(asset.added + 978307200.0, double(facts.stx_btime.tv_sec), 1.0);
+    EXPECT_EQ(asset.version, (FileVersion{info.stx_ino, 12,
+                                          info.stx_mtime.tv_sec * 1'000'000'000 + info.stx_mtime.tv_nsec}));
+    if (info.stx_mask & STATX_BTIME)
+        EXPECT_NEAR(asset.added + 978307200.0, double(info.stx_btime.tv_sec), 1.0);
     else
         EXPECT_EQ(asset.added, distantPast);
 }

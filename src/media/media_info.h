@@ -6,7 +6,7 @@
 namespace cratewell {
 
 // What a media file's header tells. 0 and empty stand for what is unknown or not there.
-struct MediaFacts
+struct MediaInfo
 {
     double duration = 0; // seconds
     int width = 0;       // natural, without rotation; of a still its first image in pixels
@@ -20,7 +20,7 @@ struct MediaFacts
     bool hasVideo = false;
     bool hasAudio = false;
 
-    friend bool operator==(const MediaFacts &, const MediaFacts &) = default;
+    friend bool operator==(const MediaInfo &, const MediaInfo &) = default;
 };
 
 } // namespace cratewell

@@ -5,7 +5,7 @@
 namespace cratewell::decode {
 
 // What a file's header tells; 0 is unknown.
-struct FileFacts
+struct FileInfo
 {
     double duration = 0; // seconds
     int width = 0;       // as stored, before any turning; of a still its first image
@@ -22,6 +22,6 @@ struct FileFacts
 
 // Of a still, a video or a sound; the content decides which it is. The descriptor of a regular file is
 // borrowed. Any thread; blocks.
-Decoded<FileFacts> fileFacts(int descriptor);
+Decoded<FileInfo> fileInfo(int descriptor);
 
 } // namespace cratewell::decode

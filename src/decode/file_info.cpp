@@ -1,4 +1,4 @@
-#include "decode/file_facts.h"
+#include "decode/file_info.h"
 
 #include "decode/audio_reader.h"
 #include "decode/internal/media_container.h"
@@ -43,50 +43,50 @@ double frameRateOf(const AVStream &stream)
 }
 
 // The sound of a film, as its header tells it.
-void addSoundBeside(const MediaContainer &container, FileFacts &facts)
+void addSoundBeside(const MediaContainer &container, FileInfo &info)
 {
     const AVStream *audio = container.firstAudio();
     if (!audio || !isPossibleSound(*audio))
         return;
-    facts.hasAudio = true;
-    facts.sampleRate = audio->codecpar->sample_rate;
-    facts.channels = audio->codecpar->ch_layout.nb_channels;
+    info.hasAudio = true;
+    info.sampleRate = audio->codecpar->sample_rate;
+    info.channels = audio->codecpar->ch_layout.nb_channels;
     if (audio->duration > 0)
-        facts.frames = av_rescale_q(audio->duration, audio->time_base, {1, facts.sampleRate});
+        info.frames = av_rescale_q(audio->duration, audio->time_base, {1, info.sampleRate});
 }
 
 } // namespace
 
-Decoded<FileFacts> fileFacts(int descriptor)
+Decoded<FileInfo> fileInfo(int descriptor)
 {
-    FileFacts facts;
+    FileInfo info;
     if (const auto size = stillImageSize(descriptor)) {
-        facts.width = size->width;
-        facts.height = size->height;
-        return facts;
+        info.width = size->width;
+        info.height = size->height;
+        return info;
     }
-    const auto container = MediaContainer::open(descriptor, MediaContainer::Purpose::Facts);
+    const auto container = MediaContainer::open(descriptor, MediaContainer::Purpose::Info);
     if (!container)
         return failed(container.error());
     if (const AVStream *video = (*container)->firstVideo()) {
-        facts.hasVideo = true;
-        facts.duration = (*container)->duration();
-        facts.width = std::max(video->codecpar->width, 0);
-        facts.height = std::max(video->codecpar->height, 0);
-        facts.frameRate = frameRateOf(*video);
-        facts.codec = codecOf(*video->codecpar);
-        addSoundBeside(**container, facts);
-        return facts;
+        info.hasVideo = true;
+        info.duration = (*container)->duration();
+        info.width = std::max(video->codecpar->width, 0);
+        info.height = std::max(video->codecpar->height, 0);
+        info.frameRate = frameRateOf(*video);
+        info.codec = codecOf(*video->codecpar);
+        addSoundBeside(**container, info);
+        return info;
     }
     const auto sound = AudioReader::open(descriptor);
     if (!sound)
         return failed(sound.error());
-    facts.hasAudio = true;
-    facts.sampleRate = (*sound)->sampleRate();
-    facts.channels = (*sound)->channels();
-    facts.frames = (*sound)->length();
-    facts.duration = double(facts.frames) / facts.sampleRate;
-    return facts;
+    info.hasAudio = true;
+    info.sampleRate = (*sound)->sampleRate();
+    info.channels = (*sound)->channels();
+    info.frames = (*sound)->length();
+    info.duration = double(info.frames) / info.sampleRate;
+    return info;
 }
 
 } // namespace cratewell::decode

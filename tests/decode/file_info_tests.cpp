@@ -1,4 +1,4 @@
-#include "decode/file_facts.h"
+#include "decode/file_info.h"
 #include "decoding.h"
 #include "made_media.h"
 
@@ -8,14 +8,14 @@ namespace cratewell::test {
 
 using namespace Qt::StringLiterals;
 
-decode::Decoded<decode::FileFacts> factsOf(const QString &file)
+decode::Decoded<decode::FileInfo> infoOf(const QString &file)
 {
-    return decodeFile(file, [](int descriptor) { return decode::fileFacts(descriptor); });
+    return decodeFile(file, [](int descriptor) { return decode::fileInfo(descriptor); });
 }
 
-std::string codecOf(const decode::FileFacts &facts)
+std::string codecOf(const decode::FileInfo &info)
 {
-    return {char(facts.codec >> 24), char(facts.codec >> 16), char(facts.codec >> 8), char(facts.codec)};
+    return {char(info.codec >> 24), char(info.codec >> 16), char(info.codec >> 8), char(info.codec)};
 }
 
 struct FilmCase
@@ -25,7 +25,7 @@ struct FilmCase
     const char *codec;
 };
 
-TEST(FileFacts, TellWhatAFilmIs)
+TEST(FileInfo, TellWhatAFilmIs)
 {
     MadeMedia media;
     const QString input =
@@ -39,26 +39,26 @@ TEST(FileFacts, TellWhatAFilmIs)
           {"rle.mov", "-c:v qtrle -c:a pcm_s16le -ac 2", "rle "},
           {"a.mkv", "-c:v libx264 -pix_fmt yuv420p -c:a flac -ac 2", "avc1"},
           {"a.webm", "-c:v libvpx-vp9 -c:a libopus -ac 2", "vp09"}}) {
-        const auto facts = factsOf(media.ffmpeg(QString::fromLatin1(name), {},
-                                                (input + u' ' + QString::fromLatin1(encoder)).split(u' ')));
-        ASSERT_TRUE(facts) << name << facts.error();
-        EXPECT_TRUE(facts->hasVideo && facts->hasAudio) << name;
-        EXPECT_NEAR(facts->duration, 1.001, 0.03) << name;
-        EXPECT_EQ(QSize(facts->width, facts->height), QSize(320, 180)) << name;
-        EXPECT_NEAR(facts->frameRate, 29.97, 0.01) << name;
-        EXPECT_EQ(codecOf(*facts), codec) << name;
-        EXPECT_EQ(facts->sampleRate, 48000) << name;
-        EXPECT_EQ(facts->channels, 2) << name;
+        const auto info = infoOf(media.ffmpeg(QString::fromLatin1(name), {},
+                                              (input + u' ' + QString::fromLatin1(encoder)).split(u' ')));
+        ASSERT_TRUE(info) << name << info.error();
+        EXPECT_TRUE(info->hasVideo && info->hasAudio) << name;
+        EXPECT_NEAR(info->duration, 1.001, 0.03) << name;
+        EXPECT_EQ(QSize(info->width, info->height), QSize(320, 180)) << name;
+        EXPECT_NEAR(info->frameRate, 29.97, 0.01) << name;
+        EXPECT_EQ(codecOf(*info), codec) << name;
+        EXPECT_EQ(info->sampleRate, 48000) << name;
+        EXPECT_EQ(info->channels, 2) << name;
     }
     const QString film = media.ffmpeg(u"flat.mp4"_s, {}, (input + u" -pix_fmt yuv420p"_s).split(u' '));
-    const auto turned = factsOf(
+    const auto turned = infoOf(
         media.ffmpeg(u"turned.mov"_s, film, u"-i IN -c copy -an -metadata:s:v:0 rotate=90"_s.split(u' ')));
     ASSERT_TRUE(turned);
     EXPECT_EQ(QSize(turned->width, turned->height), QSize(320, 180));
     EXPECT_FALSE(turned->hasAudio);
 }
 
-TEST(FileFacts, TellWhatASoundOrAStillIs)
+TEST(FileInfo, TellWhatASoundOrAStillIs)
 {
     MadeMedia media;
     for (const auto &[name, frames] : {std::pair{u"a.wav"_s, 33075},
@@ -66,30 +66,30 @@ TEST(FileFacts, TellWhatASoundOrAStillIs)
                                        {u"a.flac"_s, 33075},
                                        {u"a.m4a"_s, 33075},
                                        {u"a.mp3"_s, -1}}) {
-        const auto facts =
-            factsOf(media.ffmpeg(name, {}, u"-f lavfi -i sine=r=22050:d=1.5 -ac 1"_s.split(u' ')));
-        ASSERT_TRUE(facts) << name.toStdString() << facts.error();
-        EXPECT_TRUE(facts->hasAudio && !facts->hasVideo) << name.toStdString();
-        EXPECT_NEAR(facts->duration, 1.5, 0.06) << name.toStdString();
-        EXPECT_NEAR(facts->duration * 22050, double(facts->frames), 1) << name.toStdString();
+        const auto info =
+            infoOf(media.ffmpeg(name, {}, u"-f lavfi -i sine=r=22050:d=1.5 -ac 1"_s.split(u' ')));
+        ASSERT_TRUE(info) << name.toStdString() << info.error();
+        EXPECT_TRUE(info->hasAudio && !info->hasVideo) << name.toStdString();
+        EXPECT_NEAR(info->duration, 1.5, 0.06) << name.toStdString();
+        EXPECT_NEAR(info->duration * 22050, double(info->frames), 1) << name.toStdString();
         if (frames >= 0) {
-            EXPECT_EQ(facts->frames, frames) << name.toStdString();
+            EXPECT_EQ(info->frames, frames) << name.toStdString();
         }
-        EXPECT_EQ(facts->sampleRate, 22050) << name.toStdString();
-        EXPECT_EQ(facts->channels, 1) << name.toStdString();
+        EXPECT_EQ(info->sampleRate, 22050) << name.toStdString();
+        EXPECT_EQ(info->channels, 1) << name.toStdString();
     }
     const QString source = media.image(u"a.png"_s, fourColours({300, 200}));
     const QString moving =
         media.ffmpeg(u"moving.gif"_s, source, {u"-loop"_s, u"1"_s, u"-t"_s, u"1"_s, u"-i"_s, u"IN"_s});
     for (const QString &file : {source, moving, media.heif(u"a.heic"_s, source)}) {
-        const auto facts = factsOf(file);
-        ASSERT_TRUE(facts) << file.toStdString();
-        EXPECT_EQ(facts->width, 300) << file.toStdString();
-        EXPECT_EQ(facts->height, 200) << file.toStdString();
-        EXPECT_FALSE(facts->hasVideo || facts->hasAudio) << file.toStdString();
+        const auto info = infoOf(file);
+        ASSERT_TRUE(info) << file.toStdString();
+        EXPECT_EQ(info->width, 300) << file.toStdString();
+        EXPECT_EQ(info->height, 200) << file.toStdString();
+        EXPECT_FALSE(info->hasVideo || info->hasAudio) << file.toStdString();
     }
     for (const QByteArray &content : {QByteArray(), QByteArray("only text"), QByteArray(5000, '\0')})
-        EXPECT_FALSE(factsOf(media.bytes(u"bad.mov"_s, content)));
+        EXPECT_FALSE(infoOf(media.bytes(u"bad.mov"_s, content)));
 }
 
 } // namespace cratewell::test
