@@ -22,17 +22,17 @@ struct LUT::Private
     CubeTable table;
     QString title;
 
-    Lattice lattice() const { return {.points = table.points.get(), .size = int(table.size)}; }
+    Lut3DGrid grid() const { return {.points = table.points.get(), .size = int(table.size)}; }
     // Made when first asked for; null when the table has none.
-    const StepLattice *steps() const
+    const QuantizedGrid *steps() const
     {
-        std::call_once(m_stepsMade, [this] { m_steps = StepLattice::from(lattice()); });
+        std::call_once(m_stepsMade, [this] { m_steps = QuantizedGrid::from(grid()); });
         return m_steps ? &*m_steps : nullptr;
     }
 
 private:
     mutable std::once_flag m_stepsMade;
-    mutable std::optional<StepLattice> m_steps;
+    mutable std::optional<QuantizedGrid> m_steps;
 };
 
 namespace {
@@ -121,15 +121,15 @@ std::array<float, 3> LUT::sample(qint64 red, qint64 green, qint64 blue) const
 void LUT::apply(PixelRows<const quint8> source, PixelRows<quint8> target, ChannelOrder order,
                 AlphaKind alpha) const
 {
-    if (const StepLattice *steps = d->steps())
+    if (const QuantizedGrid *steps = d->steps())
         lookUp(*steps, source, target, order, alpha);
     else
-        lookUp(d->lattice(), source, target, order, alpha);
+        lookUp(d->grid(), source, target, order, alpha);
 }
 
 void LUT::apply(PixelRows<const float> source, PixelRows<float> target, AlphaKind alpha) const
 {
-    lookUp(d->lattice(), source, target, alpha);
+    lookUp(d->grid(), source, target, alpha);
 }
 
 } // namespace cratewell

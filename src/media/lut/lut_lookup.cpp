@@ -33,17 +33,17 @@ Color between(const Color &from, const Color &to, float part)
     return result;
 }
 
-Color lookedUp(const Lattice &lattice, const Color &color)
+Color lookedUp(const Lut3DGrid &grid, const Color &color)
 {
-    const Place red(color[0], lattice.size);
-    const Place green(color[1], lattice.size);
-    const Place blue(color[2], lattice.size);
-    const auto size = size_t(lattice.size);
+    const Place red(color[0], grid.size);
+    const Place green(color[1], grid.size);
+    const Place blue(color[2], grid.size);
+    const auto size = size_t(grid.size);
     const auto point = [&](int r, int g, int b) {
         const size_t index =
             (size_t(blue.below + b) * size + size_t(green.below + g)) * size + size_t(red.below + r);
         Color result;
-        std::memcpy(result.data(), lattice.points + 4 * index, sizeof result);
+        std::memcpy(result.data(), grid.points + 4 * index, sizeof result);
         return result;
     };
     const auto alongBlue = [&](int r, int g) { return between(point(r, g, 0), point(r, g, 1), blue.part); };
@@ -52,7 +52,7 @@ Color lookedUp(const Lattice &lattice, const Color &color)
 }
 
 // Keeps alpha, and a pixel that cannot be seen.
-Color graded(const Lattice &lattice, const Color &pixel, AlphaKind alpha)
+Color graded(const Lut3DGrid &grid, const Color &pixel, AlphaKind alpha)
 {
     Color color = pixel;
     const bool premultiplied = alpha == AlphaKind::Premultiplied;
@@ -62,7 +62,7 @@ Color graded(const Lattice &lattice, const Color &pixel, AlphaKind alpha)
         for (float &channel : color)
             channel /= pixel[3];
     }
-    color = lookedUp(lattice, color);
+    color = lookedUp(grid, color);
     if (premultiplied) {
         for (float &channel : color)
             channel *= pixel[3];
@@ -108,34 +108,34 @@ int between(const std::int16_t *point, const std::array<size_t, 3> &next, const 
     return along(alongGreen(0), alongGreen(next[0]), parts[0]);
 }
 
-void gradeSteps(const StepLattice &lattice, std::array<std::uint8_t *, 3> color)
+void gradeSteps(const QuantizedGrid &grid, std::array<std::uint8_t *, 3> color)
 {
-    const auto size = std::uint32_t(lattice.size());
+    const auto size = std::uint32_t(grid.size());
     const std::array<size_t, 3> next{3, 3 * size_t(size), 3 * size_t(size) * size};
-    const std::int16_t *point = lattice.points();
+    const std::int16_t *point = grid.points();
     std::array<int, 3> parts{};
     for (size_t channel = 0; channel < 3; ++channel) {
         const std::uint32_t place =
-            std::min((*color[channel] * lattice.placesPerStep()) >> 7, ((size - 1) << 15) - 1);
+            std::min((*color[channel] * grid.placesPerStep()) >> 7, ((size - 1) << 15) - 1);
         point += next[channel] * (place >> 15);
         parts[channel] = int(place & 0x7FFF);
     }
     for (size_t channel = 0; channel < 3; ++channel) {
-        const int value = timesFraction(between(point + channel, next, parts), 1 << (15 - lattice.shift()));
+        const int value = timesFraction(between(point + channel, next, parts), 1 << (15 - grid.shift()));
         *color[channel] = std::uint8_t(std::clamp(value, 0, 255));
     }
 }
 
 } // namespace
 
-std::optional<StepLattice> StepLattice::from(const Lattice &lattice)
+std::optional<QuantizedGrid> QuantizedGrid::from(const Lut3DGrid &grid)
 {
-    const size_t count = size_t(lattice.size) * size_t(lattice.size) * size_t(lattice.size);
+    const size_t count = size_t(grid.size) * size_t(grid.size) * size_t(grid.size);
     float least = 0;
     float most = 0;
     bool finite = true;
     for (size_t index = 0; index < 4 * count; ++index) {
-        const float value = lattice.points[index];
+        const float value = grid.points[index];
         finite = finite && std::isfinite(value);
         least = std::min(least, value);
         most = std::max(most, value);
@@ -146,10 +146,10 @@ std::optional<StepLattice> StepLattice::from(const Lattice &lattice)
     if (!finite || shift < 3)
         return std::nullopt;
 
-    StepLattice result;
-    result.m_size = lattice.size;
+    QuantizedGrid result;
+    result.m_size = grid.size;
     result.m_shift = shift;
-    result.m_placesPerStep = std::uint32_t(((std::uint64_t(lattice.size - 1) << 22) + 127) / 255);
+    result.m_placesPerStep = std::uint32_t(((std::uint64_t(grid.size - 1) << 22) + 127) / 255);
     constexpr size_t readBeyond = 2;
     result.m_points.reset(new (std::nothrow) std::int16_t[3 * count + readBeyond]());
     if (!result.m_points)
@@ -157,15 +157,15 @@ std::optional<StepLattice> StepLattice::from(const Lattice &lattice)
     const float scale = 255 * float(1 << shift);
     for (size_t point = 0; point < count; ++point) {
         for (size_t channel = 0; channel < 3; ++channel) {
-            const float scaled = lattice.points[4 * point + channel] * scale;
+            const float scaled = grid.points[4 * point + channel] * scale;
             result.m_points[3 * point + channel] = std::int16_t(scaled + (scaled < 0 ? -0.5F : 0.5F));
         }
     }
     return result;
 }
 
-void lookUpPlainly(const Lattice &lattice, PixelRows<const float> source, PixelRows<float> target,
-                   AlphaKind alpha)
+void applyScalar(const Lut3DGrid &grid, PixelRows<const float> source, PixelRows<float> target,
+                 AlphaKind alpha)
 {
     for (int y = 0; y < source.height; ++y) {
         const float *from = source.row(y);
@@ -173,27 +173,27 @@ void lookUpPlainly(const Lattice &lattice, PixelRows<const float> source, PixelR
         for (int x = 0; x < source.width; ++x, from += 4, to += 4) {
             Color pixel;
             std::memcpy(pixel.data(), from, sizeof pixel);
-            pixel = graded(lattice, pixel, alpha);
+            pixel = graded(grid, pixel, alpha);
             std::memcpy(to, pixel.data(), sizeof pixel);
         }
     }
 }
 
-void lookUpPlainly(const Lattice &lattice, PixelRows<const std::uint8_t> source,
-                   PixelRows<std::uint8_t> target, ChannelOrder order, AlphaKind alpha)
+void applyScalar(const Lut3DGrid &grid, PixelRows<const std::uint8_t> source, PixelRows<std::uint8_t> target,
+                 ChannelOrder order, AlphaKind alpha)
 {
     using Byte = std::uint8_t;
     gradeBytes(source, target, order, [&](Byte &red, Byte &green, Byte &blue, Byte transparency) {
         const Color pixel{float(red) / 255, float(green) / 255, float(blue) / 255, float(transparency) / 255};
-        const Color color = graded(lattice, pixel, alpha);
+        const Color color = graded(grid, pixel, alpha);
         red = step(color[0]);
         green = step(color[1]);
         blue = step(color[2]);
     });
 }
 
-void lookUpPlainly(const StepLattice &lattice, PixelRows<const std::uint8_t> source,
-                   PixelRows<std::uint8_t> target, ChannelOrder order, AlphaKind alpha)
+void applyScalar(const QuantizedGrid &grid, PixelRows<const std::uint8_t> source,
+                 PixelRows<std::uint8_t> target, ChannelOrder order, AlphaKind alpha)
 {
     using Byte = std::uint8_t;
     gradeBytes(source, target, order, [&](Byte &red, Byte &green, Byte &blue, Byte transparency) {
@@ -203,7 +203,7 @@ void lookUpPlainly(const StepLattice &lattice, PixelRows<const std::uint8_t> sou
             return;
         for (Byte *channel : color)
             *channel = Byte(std::min((510 * *channel + opacity) / (2 * opacity), 255));
-        gradeSteps(lattice, color);
+        gradeSteps(grid, color);
         for (Byte *channel : color) {
             const int product = *channel * opacity + 128;
             *channel = Byte((product + (product >> 8)) >> 8);
@@ -211,10 +211,10 @@ void lookUpPlainly(const StepLattice &lattice, PixelRows<const std::uint8_t> sou
     });
 }
 
-void lookUp(const Lattice &lattice, PixelRows<const std::uint8_t> source, PixelRows<std::uint8_t> target,
+void lookUp(const Lut3DGrid &grid, PixelRows<const std::uint8_t> source, PixelRows<std::uint8_t> target,
             ChannelOrder order, AlphaKind alpha)
 {
-    lookUpPlainly(lattice, source, target, order, alpha);
+    applyScalar(grid, source, target, order, alpha);
 }
 
 } // namespace cratewell

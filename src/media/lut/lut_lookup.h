@@ -8,23 +8,23 @@
 namespace cratewell {
 
 // A colour table as the lookups see it: size^3 points of four floats, red running fastest.
-struct Lattice
+struct Lut3DGrid
 {
     const float *points = nullptr;
-    int size = 0; // 2 to largestLattice
+    int size = 0; // 2 to maxGridSize
 };
 
-inline constexpr int largestLattice = 512;
+inline constexpr int maxGridSize = 512;
 
 // The same points as whole numbers, for 8-bit pixels: little memory, because far apart pixels read far apart
 // points. One step of an 8-bit channel is 2^shift. Each point is red, green and blue; from any two neighbours
 // along red, 16 bytes can be read.
-class StepLattice
+class QuantizedGrid
 {
 public:
     // Nothing when a value is not finite, the values lie too far apart to keep them to an eighth of a step,
     // or memory does not suffice.
-    static std::optional<StepLattice> from(const Lattice &lattice);
+    static std::optional<QuantizedGrid> from(const Lut3DGrid &grid);
 
     const std::int16_t *points() const { return m_points.get(); }
     int size() const { return m_size; }
@@ -42,21 +42,21 @@ private:
 // What the lookups promise, in plain arithmetic: a colour between points is interpolated along blue, green
 // and red, one outside 0 to 1 is that at the edge, NaN is 0. No value of pixel or table reads outside the
 // table. Source and target have one size and may be the same rows.
-void lookUpPlainly(const Lattice &lattice, PixelRows<const float> source, PixelRows<float> target,
-                   AlphaKind alpha);
-void lookUpPlainly(const Lattice &lattice, PixelRows<const std::uint8_t> source,
-                   PixelRows<std::uint8_t> target, ChannelOrder order, AlphaKind alpha);
+void applyScalar(const Lut3DGrid &grid, PixelRows<const float> source, PixelRows<float> target,
+                 AlphaKind alpha);
+void applyScalar(const Lut3DGrid &grid, PixelRows<const std::uint8_t> source, PixelRows<std::uint8_t> target,
+                 ChannelOrder order, AlphaKind alpha);
 
 // In whole numbers; at most one step from the one above, or one and a half for premultiplied pixels.
-void lookUpPlainly(const StepLattice &lattice, PixelRows<const std::uint8_t> source,
-                   PixelRows<std::uint8_t> target, ChannelOrder order, AlphaKind alpha);
+void applyScalar(const QuantizedGrid &grid, PixelRows<const std::uint8_t> source,
+                 PixelRows<std::uint8_t> target, ChannelOrder order, AlphaKind alpha);
 
 // The same with the widest vectors that this machine has; steps are equal to the last bit.
-void lookUp(const Lattice &lattice, PixelRows<const float> source, PixelRows<float> target, AlphaKind alpha);
-void lookUp(const StepLattice &lattice, PixelRows<const std::uint8_t> source, PixelRows<std::uint8_t> target,
+void lookUp(const Lut3DGrid &grid, PixelRows<const float> source, PixelRows<float> target, AlphaKind alpha);
+void lookUp(const QuantizedGrid &grid, PixelRows<const std::uint8_t> source, PixelRows<std::uint8_t> target,
             ChannelOrder order, AlphaKind alpha);
-// For tables that have no StepLattice.
-void lookUp(const Lattice &lattice, PixelRows<const std::uint8_t> source, PixelRows<std::uint8_t> target,
+// For tables that have no QuantizedGrid.
+void lookUp(const Lut3DGrid &grid, PixelRows<const std::uint8_t> source, PixelRows<std::uint8_t> target,
             ChannelOrder order, AlphaKind alpha);
 
 } // namespace cratewell

@@ -17,16 +17,16 @@ namespace {
 
 #if HWY_TARGET == HWY_SCALAR
 
-void lookUpSteps(const StepLattice &lattice, PixelRows<const std::uint8_t> source,
+void lookUpSteps(const QuantizedGrid &grid, PixelRows<const std::uint8_t> source,
                  PixelRows<std::uint8_t> target, ChannelOrder order, AlphaKind alpha)
 {
-    lookUpPlainly(lattice, source, target, order, alpha);
+    applyScalar(grid, source, target, order, alpha);
 }
 
-void lookUpFloats(const Lattice &lattice, PixelRows<const float> source, PixelRows<float> target,
+void lookUpFloats(const Lut3DGrid &grid, PixelRows<const float> source, PixelRows<float> target,
                   AlphaKind alpha)
 {
-    lookUpPlainly(lattice, source, target, alpha);
+    applyScalar(grid, source, target, alpha);
 }
 
 #else
@@ -82,13 +82,12 @@ HWY_INLINE StepVector between(StepVector from, StepVector to, StepVector part)
 class StepLookup
 {
 public:
-    StepLookup(const StepLattice &lattice, ChannelOrder order)
-        : m_points(reinterpret_cast<const uint8_t *>(lattice.points())),
-          m_rowOffset(pointBytes * uint32_t(lattice.size())),
-          m_planeOffset(m_rowOffset * uint32_t(lattice.size())),
-          m_places(hn::Set(Pixels(), lattice.placesPerStep())),
-          m_lastPlace(hn::Set(Pixels(), (uint32_t(lattice.size() - 1) << 15) - 1)),
-          m_rounding(hn::Set(Steps(), int16_t(1 << (15 - lattice.shift()))))
+    StepLookup(const QuantizedGrid &grid, ChannelOrder order)
+        : m_points(reinterpret_cast<const uint8_t *>(grid.points())),
+          m_rowOffset(pointBytes * uint32_t(grid.size())), m_planeOffset(m_rowOffset * uint32_t(grid.size())),
+          m_places(hn::Set(Pixels(), grid.placesPerStep())),
+          m_lastPlace(hn::Set(Pixels(), (uint32_t(grid.size() - 1) << 15) - 1)),
+          m_rounding(hn::Set(Steps(), int16_t(1 << (15 - grid.shift()))))
     {
         std::array<uint8_t, 16> swap{};
         std::array<uint8_t, 16> join{};
@@ -292,10 +291,10 @@ void lookUpStepRows(const StepLookup &lookup, PixelRows<const uint8_t> source, P
     }
 }
 
-void lookUpSteps(const StepLattice &lattice, PixelRows<const uint8_t> source, PixelRows<uint8_t> target,
+void lookUpSteps(const QuantizedGrid &grid, PixelRows<const uint8_t> source, PixelRows<uint8_t> target,
                  ChannelOrder order, AlphaKind alpha)
 {
-    const StepLookup lookup(lattice, order);
+    const StepLookup lookup(grid, order);
     if (alpha == AlphaKind::Premultiplied)
         lookUpStepRows<AlphaKind::Premultiplied>(lookup, source, target);
     else
@@ -310,22 +309,22 @@ HWY_INLINE ColorVector between(ColorVector from, ColorVector to, ColorVector par
     return hn::MulAdd(part, hn::Sub(to, from), from);
 }
 
-HWY_INLINE ColorVector lookUpColor(const Lattice &lattice, ColorVector color)
+HWY_INLINE ColorVector lookUpColor(const Lut3DGrid &grid, ColorVector color)
 {
     const hn::RebindToSigned<Color> wholes;
     const ColorVector zero = hn::Zero(Color());
     // NaN is not above 0.
     const ColorVector clamped =
         hn::Min(hn::IfThenElse(hn::Gt(color, zero), color, zero), hn::Set(Color(), 1));
-    const ColorVector position = hn::Mul(clamped, hn::Set(Color(), float(lattice.size - 1)));
-    const auto below = hn::Min(hn::ConvertTo(wholes, position), hn::Set(wholes, lattice.size - 2));
+    const ColorVector position = hn::Mul(clamped, hn::Set(Color(), float(grid.size - 1)));
+    const auto below = hn::Min(hn::ConvertTo(wholes, position), hn::Set(wholes, grid.size - 2));
     const ColorVector part = hn::Sub(position, hn::ConvertTo(Color(), below));
     HWY_ALIGN std::int32_t indices[4];
     hn::Store(below, wholes, indices);
 
-    const auto size = size_t(lattice.size);
+    const auto size = size_t(grid.size);
     const float *points =
-        lattice.points + 4 * ((size_t(indices[2]) * size + size_t(indices[1])) * size + size_t(indices[0]));
+        grid.points + 4 * ((size_t(indices[2]) * size + size_t(indices[1])) * size + size_t(indices[0]));
     const ColorVector bluePart = hn::Broadcast<2>(part);
     const auto alongBlue = [&](size_t offset) {
         const float *point = points + 4 * offset;
@@ -337,7 +336,7 @@ HWY_INLINE ColorVector lookUpColor(const Lattice &lattice, ColorVector color)
     return between(first, second, hn::Broadcast<0>(part));
 }
 
-void lookUpFloats(const Lattice &lattice, PixelRows<const float> source, PixelRows<float> target,
+void lookUpFloats(const Lut3DGrid &grid, PixelRows<const float> source, PixelRows<float> target,
                   AlphaKind alphaKind)
 {
     const bool premultiplied = alphaKind == AlphaKind::Premultiplied;
@@ -349,9 +348,9 @@ void lookUpFloats(const Lattice &lattice, PixelRows<const float> source, PixelRo
             const float alpha = from[3];
             ColorVector result = pixel;
             if (!premultiplied)
-                result = lookUpColor(lattice, pixel);
+                result = lookUpColor(grid, pixel);
             else if (const ColorVector scale = hn::Set(Color(), alpha); alpha > 0)
-                result = hn::Mul(lookUpColor(lattice, hn::Div(pixel, scale)), scale);
+                result = hn::Mul(lookUpColor(grid, hn::Div(pixel, scale)), scale);
             hn::StoreU(result, Color(), to);
             to[3] = alpha;
         }
@@ -371,15 +370,15 @@ namespace cratewell {
 HWY_EXPORT(lookUpSteps);
 HWY_EXPORT(lookUpFloats);
 
-void lookUp(const Lattice &lattice, PixelRows<const float> source, PixelRows<float> target, AlphaKind alpha)
+void lookUp(const Lut3DGrid &grid, PixelRows<const float> source, PixelRows<float> target, AlphaKind alpha)
 {
-    HWY_DYNAMIC_DISPATCH(lookUpFloats)(lattice, source, target, alpha);
+    HWY_DYNAMIC_DISPATCH(lookUpFloats)(grid, source, target, alpha);
 }
 
-void lookUp(const StepLattice &lattice, PixelRows<const std::uint8_t> source, PixelRows<std::uint8_t> target,
+void lookUp(const QuantizedGrid &grid, PixelRows<const std::uint8_t> source, PixelRows<std::uint8_t> target,
             ChannelOrder order, AlphaKind alpha)
 {
-    HWY_DYNAMIC_DISPATCH(lookUpSteps)(lattice, source, target, order, alpha);
+    HWY_DYNAMIC_DISPATCH(lookUpSteps)(grid, source, target, order, alpha);
 }
 
 } // namespace cratewell

@@ -1,5 +1,5 @@
-#include "media/lut/lut_lookup.h"
 #include "media/lut.h"
+#include "media/lut/lut_lookup.h"
 
 #include <OpenColorIO/OpenColorIO.h>
 #include <QColorSpace>
@@ -21,7 +21,7 @@ constexpr float infinity = std::numeric_limits<float>::infinity();
 
 using Points = std::vector<float>;
 
-Lattice latticeOf(const Points &points)
+Lut3DGrid gridOf(const Points &points)
 {
     return {.points = points.data(), .size = int(std::lround(std::cbrt(double(points.size()) / 4)))};
 }
@@ -129,7 +129,7 @@ TEST_P(LUTLookup, OfStepsIsEqualToThePlainOneToTheLastBit)
 {
     for (unsigned round = 0; round < 30; ++round) {
         const Points points = gradedPoints(2 + int(round) * 7 % 40, round);
-        const std::optional<StepLattice> steps = StepLattice::from(latticeOf(points));
+        const std::optional<QuantizedGrid> steps = QuantizedGrid::from(gridOf(points));
         ASSERT_TRUE(steps);
         const int width = 1 + int(round) * 37 % 83;
         Picture<quint8> source = randomBytes(width, 5, round);
@@ -139,7 +139,7 @@ TEST_P(LUTLookup, OfStepsIsEqualToThePlainOneToTheLastBit)
             makePremultiplied(source);
         Picture<quint8> plain(width, 5, 0);
         Picture<quint8> found(width, 5, 12);
-        lookUpPlainly(*steps, source.constRows(), plain.rows(), order, alpha);
+        applyScalar(*steps, source.constRows(), plain.rows(), order, alpha);
         lookUp(*steps, source.constRows(), found.rows(), order, alpha);
         EXPECT_TRUE(found.gapsAreWhole());
         for (int y = 0; y < 5; ++y) {
@@ -165,8 +165,8 @@ TEST_P(LUTLookup, OfFloatsIsThePlainOneWithinRounding)
         const auto alpha = round % 2 == 0 ? AlphaKind::Straight : AlphaKind::Premultiplied;
         Picture<float> plain(width, 4, 0);
         Picture<float> found(width, 4, 4);
-        lookUpPlainly(latticeOf(points), source.constRows(), plain.rows(), alpha);
-        lookUp(latticeOf(points), source.constRows(), found.rows(), alpha);
+        applyScalar(gridOf(points), source.constRows(), plain.rows(), alpha);
+        lookUp(gridOf(points), source.constRows(), found.rows(), alpha);
         EXPECT_TRUE(found.gapsAreWhole());
         for (int y = 0; y < 4; ++y) {
             const std::span expected(plain.rows().row(y), size_t(4 * width));
@@ -187,18 +187,18 @@ TEST_P(LUTLookup, ReadsInsideTheTableWhateverStandsInIt)
     const std::array strange{nan, infinity, -infinity, 1e38F, -1e38F, 0.5F};
     for (const int size : {2, 3, 17}) {
         const Points points = pointsOf(size, [&](int, int) { return strange[random() % strange.size()]; });
-        EXPECT_FALSE(StepLattice::from(latticeOf(points)));
+        EXPECT_FALSE(QuantizedGrid::from(gridOf(points)));
         const Picture<quint8> source = randomBytes(61, 3, 9);
         Picture<quint8> bytes(61, 3, 0);
-        lookUp(latticeOf(points), source.constRows(), bytes.rows(), ChannelOrder::BGRA, AlphaKind::Straight);
+        lookUp(gridOf(points), source.constRows(), bytes.rows(), ChannelOrder::BGRA, AlphaKind::Straight);
         Picture<float> floats(61, 3, 0);
         floats.fill([&] { return strange[random() % strange.size()]; });
-        lookUp(latticeOf(points), floats.constRows(), floats.rows(), AlphaKind::Premultiplied);
+        lookUp(gridOf(points), floats.constRows(), floats.rows(), AlphaKind::Premultiplied);
     }
     const auto everywhere = [](float value) {
         const Points points = pointsOf(2, [=](int, int) { return value; });
         Picture<quint8> pixel = randomBytes(1, 1, 0);
-        lookUp(latticeOf(points), pixel.constRows(), pixel.rows(), ChannelOrder::RGBA, AlphaKind::Straight);
+        lookUp(gridOf(points), pixel.constRows(), pixel.rows(), ChannelOrder::RGBA, AlphaKind::Straight);
         return pixel.channels[0];
     };
     EXPECT_EQ(everywhere(nan), 0);
@@ -218,7 +218,7 @@ TEST_P(LUTLookup, OfStepsKeepsNearTheExactColors)
             return float(places[channel]) / float(size - 1);
         });
         Picture<quint8> found(256, 3, 0);
-        lookUp(*StepLattice::from(latticeOf(identity)), source.constRows(), found.rows(), ChannelOrder::RGBA,
+        lookUp(*QuantizedGrid::from(gridOf(identity)), source.constRows(), found.rows(), ChannelOrder::RGBA,
                AlphaKind::Straight);
         EXPECT_EQ(found.channels, source.channels) << size;
     }
@@ -226,13 +226,13 @@ TEST_P(LUTLookup, OfStepsKeepsNearTheExactColors)
         Points points = gradedPoints(33, 3);
         for (size_t i = 0; i < points.size(); ++i)
             points[i] = i % 4 == 3 ? 1 : (points[i] - 0.5F) * spread;
-        const std::optional<StepLattice> steps = StepLattice::from(latticeOf(points));
+        const std::optional<QuantizedGrid> steps = QuantizedGrid::from(gridOf(points));
         ASSERT_TRUE(steps) << spread;
         const Picture<quint8> pixels = randomBytes(1000, 5, 2);
         Picture<quint8> exact(1000, 5, 0);
         Picture<quint8> found(1000, 5, 0);
-        lookUpPlainly(latticeOf(points), pixels.constRows(), exact.rows(), ChannelOrder::RGBA,
-                      AlphaKind::Straight);
+        applyScalar(gridOf(points), pixels.constRows(), exact.rows(), ChannelOrder::RGBA,
+                    AlphaKind::Straight);
         lookUp(*steps, pixels.constRows(), found.rows(), ChannelOrder::RGBA, AlphaKind::Straight);
         int different = 0;
         for (size_t i = 0; i < exact.channels.size(); ++i) {
@@ -242,7 +242,7 @@ TEST_P(LUTLookup, OfStepsKeepsNearTheExactColors)
         EXPECT_LT(different, int(exact.channels.size()) / (spread < 2 ? 40 : 6)) << spread;
     }
     const Points wide = pointsOf(2, [](int index, int) { return float(index) * 5; });
-    EXPECT_FALSE(StepLattice::from(latticeOf(wide)));
+    EXPECT_FALSE(QuantizedGrid::from(gridOf(wide)));
 }
 
 class LUTBesideOpenColorIO : public testing::TestWithParam<int>
