@@ -103,14 +103,14 @@ void behaveAsHelper()
 #if defined(__linux__)
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     // While jobs follow each other, what one frees the next takes, without asking the system for fresh pages;
-    // giveBackMemory() returns it when they do not.
+    // trimMemory() returns it when they do not.
     mallopt(M_ARENA_MAX, 1); // malloc_trim() leaves what lies at the ends of further ones
     mallopt(M_MMAP_THRESHOLD, 32 << 20);
     mallopt(M_TRIM_THRESHOLD, 256 << 20);
 #endif
 }
 
-void closeDoors()
+void installSyscallFilter()
 {
     // AddressSanitizer reserves terabytes of address space, and opens files to tell what it found.
 #if !defined(CRATEWELL_SANITIZED)

@@ -12,7 +12,7 @@ void behaveAsHelper();
 // changed, no socket made, no program or process started, and the address space is bounded. What is asked for
 // nevertheless fails as if it were not permitted. Where the system offers no filter the worker goes on
 // without and says so on stderr.
-void closeDoors();
+void installSyscallFilter();
 
 // At the start of a job: the process ends when it takes more processor time than this.
 void allowProcessorTime(std::chrono::seconds time);

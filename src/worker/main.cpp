@@ -2,9 +2,9 @@
 #include "decode/file_info.h"
 #include "decode/still_image.h"
 #include "decode/video_frame.h"
-#include "worker/give_back_memory.h"
 #include "worker/job_channel.h"
 #include "worker/limits.h"
+#include "worker/trim_memory.h"
 
 #include <cstdio>
 #include <cstring>
@@ -113,14 +113,14 @@ int main()
 
     prepareGiveBackMemory();
     decode::prepareStillImages();
-    closeDoors();
+    installSyscallFilter();
 
     const JobChannel channel(socketDescriptor);
     const std::chrono::milliseconds idle(300);
     const std::chrono::seconds longestJob(20);
     for (;;) {
         if (!channel.wait(idle)) {
-            giveBackMemory();
+            trimMemory();
             channel.wait(std::chrono::milliseconds(-1));
         }
         const auto job = channel.receive();

@@ -101,7 +101,7 @@ TEST(ClosedDoors, LeaveADecoderWhatItNeedsAndNothingElse)
     constexpr int noFilter = 255;
     for (const Attempt &attempt : attempts) {
         const int status = statusOfChild([&] {
-            closeDoors();
+            installSyscallFilter();
             if (prctl(PR_GET_SECCOMP) != 2)
                 return noFilter;
             errno = 0;
@@ -118,7 +118,7 @@ TEST(ClosedDoors, LeaveADecoderWhatItNeedsAndNothingElse)
 TEST(ClosedDoors, BoundTheAddressSpace)
 {
     const int status = statusOfChild([] {
-        closeDoors();
+        installSyscallFilter();
         return mmap(nullptr, size_t{4} << 30, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0) == MAP_FAILED
                    ? errno
                    : 0;

@@ -1,4 +1,4 @@
-#include "worker/give_back_memory.h"
+#include "worker/trim_memory.h"
 
 #if defined(__linux__)
 #include <cinttypes>
@@ -40,7 +40,7 @@ void prepareGiveBackMemory()
     maps = std::fopen("/proc/self/maps", "re");
 }
 
-void giveBackMemory()
+void trimMemory()
 {
     malloc_trim(0);
     if (maps)
@@ -58,7 +58,7 @@ void giveBackMemory()
 
 void prepareGiveBackMemory() {}
 
-void giveBackMemory() {}
+void trimMemory() {}
 
 #endif
 
