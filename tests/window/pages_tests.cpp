@@ -57,7 +57,7 @@ protected:
     {
         return waitUntil([&] { return world.controls().find(role, name) == nullptr; });
     }
-    // Drags over the middle of the heading of that name.
+    // DragController over the middle of the heading of that name.
     bool drag(const QString &heading, const QStringList &files, Qt::DropActions *accepted, bool release)
     {
         const QAccessibleInterface *place = world.controls().find(QAccessible::StaticText, heading);

@@ -12,7 +12,7 @@ DropArea {
     required property FolderTreeModel tree
     // The row under the pointer, or -1, and what a drop there would do.
     property int row: -1
-    readonly property int effect: row >= 0 ? Drops.effectOn(tree.folderAt(row)) : Drops.Nothing
+    readonly property int effect: row >= 0 ? DropController.effectOn(tree.folderAt(row)) : DropController.Nothing
 
     readonly property int edge: 26
     // Per step; negative for up.
@@ -32,21 +32,21 @@ DropArea {
     onDropped: drop => {
         follow(drop.y);
         const folder = tree.folderAt(row);
-        const wanted = Drops.effectOn(folder) !== Drops.Nothing;
+        const wanted = DropController.effectOn(folder) !== DropController.Nothing;
         leave();
         if (!wanted)
             return;
         drop.accept(Qt.CopyAction);
-        Drops.dropOn(folder, drop.urls, drop.getDataAsString(Drops.ownType));
+        DropController.dropOn(folder, drop.urls, drop.getDataAsString(DropController.ownType));
     }
     onEntered: drag => {
-        Drops.weigh(drag.urls, drag.getDataAsString(Drops.ownType));
+        DropController.weigh(drag.urls, drag.getDataAsString(DropController.ownType));
         follow(drag.y);
     }
     onExited: leave()
     onPositionChanged: drag => {
         follow(drag.y);
-        drag.accepted = effect !== Drops.Nothing;
+        drag.accepted = effect !== DropController.Nothing;
     }
     onRowChanged: expand.restart()
 

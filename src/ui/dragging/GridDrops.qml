@@ -7,26 +7,26 @@ import Cratewell
 DropArea {
     id: drops
 
-    // What a drop would do: a Drops.Effect.
-    property int effect: Drops.Nothing
-    readonly property bool taking: effect !== Drops.Nothing
+    // What a drop would do: a DropController.Effect.
+    property int effect: DropController.Nothing
+    readonly property bool taking: effect !== DropController.Nothing
 
     keys: ["text/uri-list"]
 
     onDropped: drop => {
         const wanted = taking;
-        effect = Drops.Nothing;
+        effect = DropController.Nothing;
         if (!wanted)
             return;
         drop.accept(Qt.CopyAction);
-        Drops.dropOnGrid(drop.urls, drop.getDataAsString(Drops.ownType));
+        DropController.dropOnGrid(drop.urls, drop.getDataAsString(DropController.ownType));
     }
     onEntered: drag => {
-        Drops.weigh(drag.urls, drag.getDataAsString(Drops.ownType));
-        effect = Drops.effectOnGrid();
+        DropController.weigh(drag.urls, drag.getDataAsString(DropController.ownType));
+        effect = DropController.effectOnGrid();
         drag.accepted = taking;
     }
-    onExited: effect = Drops.Nothing
+    onExited: effect = DropController.Nothing
 
     Rectangle {
         anchors.fill: parent
@@ -52,7 +52,7 @@ DropArea {
                 anchors.centerIn: parent
                 color: Theme.accentInk
                 font.weight: Font.DemiBold
-                text: drops.effect === Drops.Copy ? qsTr("Copy into %1").arg(AppState.scopeTitle)
+                text: drops.effect === DropController.Copy ? qsTr("Copy into %1").arg(AppState.scopeTitle)
                                                   : qsTr("Copy, sorted by type")
                 width: Math.min(implicitWidth, parent.width - 24)
             }

@@ -227,7 +227,7 @@ T.Control {
                 onDragAsked: {
                     grid.forceActiveFocus(Qt.MouseFocusReason);
                     assets.pick(index);
-                    Drags.start(card);
+                    DragController.start(card);
                 }
                 onInsertAsked: Inserter.insertSelected()
                 onMenuAsked: at => grid.showMenu(index, grid.mapFromItem(card, at))

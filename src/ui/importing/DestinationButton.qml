@@ -8,7 +8,7 @@ import Cratewell
 T.Button {
     id: control
 
-    required property ImportDesk desk
+    required property ImportController desk
 
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus

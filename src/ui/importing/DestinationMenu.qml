@@ -8,7 +8,7 @@ import Cratewell
 Item {
     id: place
 
-    required property ImportDesk desk
+    required property ImportController desk
 
     T.Popup {
         id: popup

@@ -7,7 +7,7 @@ import Cratewell
 Item {
     id: zone
 
-    required property ImportDesk desk
+    required property ImportController desk
 
     height: content.height + 50
 

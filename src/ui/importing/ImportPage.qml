@@ -11,7 +11,7 @@ Page {
     subtitle: qsTr("Add overlays, LUTs and sound effects to your vault.")
     title: qsTr("Import")
 
-    ImportDesk { id: desk }
+    ImportController { id: desk }
     RecentImportsModel { id: recent }
     ThumbnailSource { id: thumbnails }
 

@@ -18,7 +18,7 @@ Item {
     required property bool selected
     required property bool current
     required property bool showCount
-    // What a drop here would do: a Drops.Effect.
+    // What a drop here would do: a DropController.Effect.
     required property int drop
     readonly property bool first: depth === 0
 

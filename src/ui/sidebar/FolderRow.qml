@@ -18,7 +18,7 @@ Item {
     required property bool selected
     required property bool current
     required property bool showCount
-    // What a drop here would do: a Drops.Effect.
+    // What a drop here would do: a DropController.Effect.
     required property int drop
 
     signal activated
@@ -55,8 +55,8 @@ Item {
     Rectangle {
         anchors.fill: parent
         border.color: Theme.accent
-        border.width: row.drop === Drops.Nothing ? 0 : 2
-        color: row.drop !== Drops.Nothing ? Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.22)
+        border.width: row.drop === DropController.Nothing ? 0 : 2
+        color: row.drop !== DropController.Nothing ? Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.22)
              : row.selected ? Theme.rowSelected : hover.hovered ? Theme.rowHover : "transparent"
         radius: 8
 
@@ -106,7 +106,7 @@ Item {
     Label {
         anchors.left: symbolIcon.right
         anchors.leftMargin: 7
-        anchors.right: row.drop === Drops.Nothing ? counter.left : landing.left
+        anchors.right: row.drop === DropController.Nothing ? counter.left : landing.left
         anchors.rightMargin: Theme.space2
         anchors.verticalCenter: parent.verticalCenter
         color: Theme.textFolder
@@ -123,7 +123,7 @@ Item {
         color: Theme.textTertiary
         font.pixelSize: Theme.secondarySize
         text: row.showCount ? row.count : ""
-        visible: row.drop === Drops.Nothing
+        visible: row.drop === DropController.Nothing
 
         Accessible.ignored: true
     }
@@ -136,7 +136,7 @@ Item {
         color: Theme.accent
         height: 18
         radius: Theme.badgeRadius
-        visible: row.drop !== Drops.Nothing
+        visible: row.drop !== DropController.Nothing
         width: effect.implicitWidth + 12
 
         Label {
@@ -146,8 +146,8 @@ Item {
             color: Theme.accentInk
             font.pixelSize: Theme.secondarySize
             font.weight: Font.DemiBold
-            text: row.drop === Drops.Move ? qsTr("Move") : row.drop === Drops.Copy ? qsTr("Copy")
-                : row.drop === Drops.Sort ? qsTr("Copy, sorted by type") : qsTr("Move and copy")
+            text: row.drop === DropController.Move ? qsTr("Move") : row.drop === DropController.Copy ? qsTr("Copy")
+                : row.drop === DropController.Sort ? qsTr("Copy, sorted by type") : qsTr("Move and copy")
         }
     }
 }

@@ -113,7 +113,7 @@ GlassPanel {
             required property var folder
 
             current: list.activeFocus && ListView.isCurrentItem
-            drop: drops.row === index ? drops.effect : Drops.Nothing
+            drop: drops.row === index ? drops.effect : DropController.Nothing
             selected: Navigator.folder === folder.text
             showCount: Prefs.showCounts
             width: ListView.view.width

@@ -2,7 +2,7 @@
 #include "platform/fakes/fake_file_chooser.h"
 #include "support/small_library.h"
 #include "ui/controls/formats.h"
-#include "ui/importing/import_desk.h"
+#include "ui/importing/import_controller.h"
 #include "ui/importing/recent_imports_model.h"
 #include "ui/trash/trash_model.h"
 
@@ -188,7 +188,7 @@ protected:
     test::SmallLibrary library;
     FakeFileChooser chooser;
     AppState state{library.vault, library.prefs, library.workspace, &chooser};
-    ImportDesk desk;
+    ImportController desk;
     RecentImportsModel recent;
     QAbstractItemModelTester tester{&recent};
 };

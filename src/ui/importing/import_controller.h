@@ -17,7 +17,7 @@ class Prefs;
 class Vault;
 
 // Where the import page puts what it is given, kept for the next start, and the ways to give it something.
-class ImportDesk : public QObject, public QQmlParserStatus
+class ImportController : public QObject, public QQmlParserStatus
 {
     Q_OBJECT
     QML_ELEMENT

@@ -15,7 +15,7 @@ namespace cratewell {
 
 // What hovers over the window, and what becomes of it where it is dropped. There is one drag at a time: it is
 // weighed when it enters a view and asked about from there on.
-class Drops : public QObject
+class DropController : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
@@ -26,8 +26,8 @@ public:
     enum Effect { Nothing, Move, Copy, Sort, MoveAndCopy };
     Q_ENUM(Effect)
 
-    explicit Drops(const UiObjects &objects, QObject *parent = nullptr);
-    static Drops *create(QQmlEngine *engine, QJSEngine *);
+    explicit DropController(const UiObjects &objects, QObject *parent = nullptr);
+    static DropController *create(QQmlEngine *engine, QJSEngine *);
 
     static QString ownType();
 
@@ -35,9 +35,9 @@ public:
     // beginning is looked at.
     Q_INVOKABLE void weigh(const QList<QUrl> &urls, const QString &ownData);
     // What dropping what was weighed on this folder would do.
-    Q_INVOKABLE cratewell::Drops::Effect effectOn(const cratewell::Location &folder) const;
+    Q_INVOKABLE cratewell::DropController::Effect effectOn(const cratewell::Location &folder) const;
     // What dropping it on the grid would do, which only takes what is not of the vault.
-    Q_INVOKABLE cratewell::Drops::Effect effectOnGrid() const;
+    Q_INVOKABLE cratewell::DropController::Effect effectOnGrid() const;
 
     // Moves what is of the vault and copies the rest.
     Q_INVOKABLE void dropOn(const cratewell::Location &folder, const QList<QUrl> &urls,

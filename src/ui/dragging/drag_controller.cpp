@@ -1,4 +1,4 @@
-#include "ui/dragging/drags.h"
+#include "ui/dragging/drag_controller.h"
 
 #include "media/media.h"
 #include "state/app_state.h"
@@ -36,14 +36,17 @@ void releaseButton(QQuickWindow &window)
 
 } // namespace
 
-Drags::Drags(const UiObjects &objects, QObject *parent) : QObject(parent), m_objects(objects) {}
-
-Drags *Drags::create(QQmlEngine *engine, QJSEngine *)
+DragController::DragController(const UiObjects &objects, QObject *parent)
+    : QObject(parent), m_objects(objects)
 {
-    return new Drags(uiObjects(*engine));
 }
 
-void Drags::start(QQuickItem *pressed)
+DragController *DragController::create(QQmlEngine *engine, QJSEngine *)
+{
+    return new DragController(uiObjects(*engine));
+}
+
+void DragController::start(QQuickItem *pressed)
 {
     if (m_running || !pressed || !pressed->window())
         return;
@@ -57,7 +60,7 @@ void Drags::start(QQuickItem *pressed)
     QMetaObject::invokeMethod(this, go, Qt::QueuedConnection);
 }
 
-void Drags::run(QQuickWindow &window)
+void DragController::run(QQuickWindow &window)
 {
     const std::vector<Asset> assets = m_objects.state.selectedAssets();
     if (assets.empty())
@@ -77,7 +80,7 @@ void Drags::run(QQuickWindow &window)
         releaseButton(*alive);
 }
 
-QPixmap Drags::picture(const std::vector<Asset> &assets, double pixelRatio) const
+QPixmap DragController::picture(const std::vector<Asset> &assets, double pixelRatio) const
 {
     // The one that was pressed has the focus and lies in front.
     std::vector<Asset> shown(assets.begin(),

@@ -1,4 +1,4 @@
-#include "ui/dragging/drops.h"
+#include "ui/dragging/drop_controller.h"
 
 #include "state/app_state.h"
 #include "ui/dragging/drag_data.h"
@@ -28,25 +28,28 @@ std::vector<Location> itemsOf(const QList<QUrl> &urls, const QString &ownData)
 
 } // namespace
 
-Drops::Drops(const UiObjects &objects, QObject *parent) : QObject(parent), m_objects(objects) {}
-
-Drops *Drops::create(QQmlEngine *engine, QJSEngine *)
+DropController::DropController(const UiObjects &objects, QObject *parent)
+    : QObject(parent), m_objects(objects)
 {
-    return new Drops(uiObjects(*engine));
 }
 
-QString Drops::ownType()
+DropController *DropController::create(QQmlEngine *engine, QJSEngine *)
+{
+    return new DropController(uiObjects(*engine));
+}
+
+QString DropController::ownType()
 {
     return QString::fromLatin1(ownDragType);
 }
 
-void Drops::weigh(const QList<QUrl> &urls, const QString &ownData)
+void DropController::weigh(const QList<QUrl> &urls, const QString &ownData)
 {
     m_weighed = splitDropped(itemsOf(urls, ownData), m_objects.vault.root(), weighedItems);
     m_imports = importsAny(m_weighed.outside);
 }
 
-Drops::Effect Drops::effectOn(const Location &folder) const
+DropController::Effect DropController::effectOn(const Location &folder) const
 {
     if (folder.isEmpty())
         return Nothing;
@@ -56,7 +59,7 @@ Drops::Effect Drops::effectOn(const Location &folder) const
     return m_imports ? importInto(folder) : Nothing;
 }
 
-Drops::Effect Drops::effectOnGrid() const
+DropController::Effect DropController::effectOnGrid() const
 {
     const auto folder = shownFolder();
     if (!m_imports)
@@ -64,12 +67,12 @@ Drops::Effect Drops::effectOnGrid() const
     return folder ? importInto(*folder) : Sort;
 }
 
-Drops::Effect Drops::importInto(const Location &folder) const
+DropController::Effect DropController::importInto(const Location &folder) const
 {
     return landsIn(m_weighed.outside, folder, m_objects.vault.root()) ? Copy : Sort;
 }
 
-void Drops::dropOn(const Location &folder, const QList<QUrl> &urls, const QString &ownData)
+void DropController::dropOn(const Location &folder, const QList<QUrl> &urls, const QString &ownData)
 {
     const DroppedItems dropped = splitDropped(itemsOf(urls, ownData), m_objects.vault.root());
     if (!dropped.inside.empty())
@@ -78,14 +81,14 @@ void Drops::dropOn(const Location &folder, const QList<QUrl> &urls, const QStrin
         m_objects.vault.importItems(dropped.outside, folder, ImportMode::Copy);
 }
 
-void Drops::dropOnGrid(const QList<QUrl> &urls, const QString &ownData)
+void DropController::dropOnGrid(const QList<QUrl> &urls, const QString &ownData)
 {
     const DroppedItems dropped = splitDropped(itemsOf(urls, ownData), m_objects.vault.root());
     if (!dropped.outside.empty())
         m_objects.vault.importItems(dropped.outside, shownFolder(), ImportMode::Copy);
 }
 
-std::optional<Location> Drops::shownFolder() const
+std::optional<Location> DropController::shownFolder() const
 {
     const Scope &scope = m_objects.state.scope();
     return scope.kind() == Scope::Kind::Folder ? std::optional(scope.folder()) : std::nullopt;

@@ -1,4 +1,4 @@
-#include "ui/importing/import_desk.h"
+#include "ui/importing/import_controller.h"
 
 #include "platform/defaults.h"
 #include "state/app_state.h"
@@ -19,23 +19,23 @@ constexpr int indentation = 4; // spaces per level
 
 } // namespace
 
-void ImportDesk::follow(Vault &vault, AppState &state, const Prefs &prefs, Defaults &defaults)
+void ImportController::follow(Vault &vault, AppState &state, const Prefs &prefs, Defaults &defaults)
 {
     m_vault = &vault;
     m_state = &state;
     m_prefs = &prefs;
     m_defaults = &defaults;
-    connect(&vault, &Vault::rescanned, this, &ImportDesk::refresh);
+    connect(&vault, &Vault::rescanned, this, &ImportController::refresh);
     refresh();
 }
 
-void ImportDesk::componentComplete()
+void ImportController::componentComplete()
 {
     const UiObjects &objects = uiObjects(*this);
     follow(objects.vault, objects.state, objects.prefs, objects.defaults);
 }
 
-void ImportDesk::refresh()
+void ImportController::refresh()
 {
     std::vector<Location> folders;
     QStringList choices{u"Sort by type automatically"_s};
@@ -51,7 +51,7 @@ void ImportDesk::refresh()
     findCurrent();
 }
 
-void ImportDesk::findCurrent()
+void ImportController::findCurrent()
 {
     const Location kept = Location::fromText(m_defaults->value(destinationKey).toString());
     const auto found = std::ranges::find(m_folders, kept);
@@ -59,12 +59,12 @@ void ImportDesk::findCurrent()
     Q_EMIT currentChanged();
 }
 
-QString ImportDesk::label() const
+QString ImportController::label() const
 {
     return m_choices.value(m_current).trimmed();
 }
 
-void ImportDesk::choose(int index)
+void ImportController::choose(int index)
 {
     if (index < 0 || index >= m_choices.size())
         return;
@@ -72,22 +72,22 @@ void ImportDesk::choose(int index)
     findCurrent();
 }
 
-std::optional<Location> ImportDesk::destination() const
+std::optional<Location> ImportController::destination() const
 {
     return m_current == 0 ? std::nullopt : std::optional(m_folders[size_t(m_current) - 1]);
 }
 
-void ImportDesk::chooseFiles()
+void ImportController::chooseFiles()
 {
     m_state->importPanel(ChooseRequest::What::Files, destination());
 }
 
-void ImportDesk::chooseFolder()
+void ImportController::chooseFolder()
 {
     m_state->importPanel(ChooseRequest::What::Folders, destination());
 }
 
-std::vector<Location> ImportDesk::outside(const QList<QUrl> &urls) const
+std::vector<Location> ImportController::outside(const QList<QUrl> &urls) const
 {
     const Location root = m_vault->root().resolved();
     std::vector<Location> places;
@@ -100,12 +100,12 @@ std::vector<Location> ImportDesk::outside(const QList<QUrl> &urls) const
     return places;
 }
 
-bool ImportDesk::takes(const QList<QUrl> &urls) const
+bool ImportController::takes(const QList<QUrl> &urls) const
 {
     return !outside(urls).empty();
 }
 
-void ImportDesk::take(const QList<QUrl> &urls)
+void ImportController::take(const QList<QUrl> &urls)
 {
     if (const std::vector<Location> places = outside(urls); !places.empty())
         m_vault->importItems(places, destination(),

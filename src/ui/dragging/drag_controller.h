@@ -15,16 +15,16 @@ namespace cratewell {
 
 struct Asset;
 
-// Drags the selected assets out of the grid: onto folders of the window and into other programs, which get
-// copies.
-class Drags : public QObject
+// DragController the selected assets out of the grid: onto folders of the window and into other programs,
+// which get copies.
+class DragController : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
     QML_SINGLETON
 public:
-    explicit Drags(const UiObjects &objects, QObject *parent = nullptr);
-    static Drags *create(QQmlEngine *engine, QJSEngine *);
+    explicit DragController(const UiObjects &objects, QObject *parent = nullptr);
+    static DragController *create(QQmlEngine *engine, QJSEngine *);
 
     // Soon after this returns, when the pressed button is still down: the drag runs an event loop of its own,
     // in which the item that was pressed may go.
