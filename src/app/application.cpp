@@ -17,7 +17,7 @@
 #include "state/prefs.h"
 #include "ui/shell/dialog_file_chooser.h"
 #include "ui/shell/icon_renderer.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 #include "vault/vault.h"
 
 #include <QGuiApplication>
@@ -127,7 +127,7 @@ bool Application::launch()
     d->vault.start();
     d->inserter.start();
 
-    installUiObjects(d->engine, {d->prefs, d->state, d->vault, d->inserter, d->media, *d->services.appearance,
+    installUiContext(d->engine, {d->prefs, d->state, d->vault, d->inserter, d->media, *d->services.appearance,
                                  *d->services.defaults, *d->services.workspace});
     d->engine.load(QUrl(u"qrc:/qt-project.org/imports/Cratewell/Main.qml"_s));
     if (!window())

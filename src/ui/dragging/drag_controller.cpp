@@ -36,14 +36,14 @@ void releaseButton(QQuickWindow &window)
 
 } // namespace
 
-DragController::DragController(const UiObjects &objects, QObject *parent)
-    : QObject(parent), m_objects(objects)
+DragController::DragController(const UiContext &objects, QObject *parent)
+    : QObject(parent), m_context(objects)
 {
 }
 
 DragController *DragController::create(QQmlEngine *engine, QJSEngine *)
 {
-    return new DragController(uiObjects(*engine));
+    return new DragController(uiContext(*engine));
 }
 
 void DragController::start(QQuickItem *pressed)
@@ -62,7 +62,7 @@ void DragController::start(QQuickItem *pressed)
 
 void DragController::run(QQuickWindow &window)
 {
-    const std::vector<Asset> assets = m_objects.state.selectedAssets();
+    const std::vector<Asset> assets = m_context.state.selectedAssets();
     if (assets.empty())
         return;
     std::vector<Location> items;
@@ -85,7 +85,7 @@ QPixmap DragController::picture(const std::vector<Asset> &assets, double pixelRa
     // The one that was pressed has the focus and lies in front.
     std::vector<Asset> shown(assets.begin(),
                              assets.begin() + qptrdiff(std::min(assets.size(), dragPictureDepth)));
-    if (const auto &focused = m_objects.state.selection()) {
+    if (const auto &focused = m_context.state.selection()) {
         const auto found = std::ranges::find(shown, *focused);
         if (found != shown.end())
             std::rotate(shown.begin(), found, found + 1);
@@ -94,13 +94,13 @@ QPixmap DragController::picture(const std::vector<Asset> &assets, double pixelRa
     }
     std::vector<QImage> pictures;
     for (const Asset &asset : shown) {
-        QImage image = m_objects.media.thumbnail(asset);
+        QImage image = m_context.media.thumbnail(asset);
         if (image.isNull())
             image = placeholderPicture({asset.kind, PlaceholderLook::Sign::Kind, u"Material Icons"_s},
                                        {.size = dragPictureSize * pixelRatio});
         pictures.push_back(std::move(image));
     }
-    return dragPicture(pictures, int(assets.size()), m_objects.prefs.accent(), pixelRatio);
+    return dragPicture(pictures, int(assets.size()), m_context.prefs.accent(), pixelRatio);
 }
 
 } // namespace cratewell

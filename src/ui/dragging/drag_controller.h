@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 
 #include <QObject>
 #include <QPixmap>
@@ -23,7 +23,7 @@ class DragController : public QObject
     QML_ELEMENT
     QML_SINGLETON
 public:
-    explicit DragController(const UiObjects &objects, QObject *parent = nullptr);
+    explicit DragController(const UiContext &objects, QObject *parent = nullptr);
     static DragController *create(QQmlEngine *engine, QJSEngine *);
 
     // Soon after this returns, when the pressed button is still down: the drag runs an event loop of its own,
@@ -34,7 +34,7 @@ private:
     void run(QQuickWindow &window);
     QPixmap picture(const std::vector<Asset> &assets, double pixelRatio) const;
 
-    const UiObjects m_objects;
+    const UiContext m_context;
     bool m_running = false;
 };
 

@@ -28,14 +28,14 @@ std::vector<Location> itemsOf(const QList<QUrl> &urls, const QString &ownData)
 
 } // namespace
 
-DropController::DropController(const UiObjects &objects, QObject *parent)
-    : QObject(parent), m_objects(objects)
+DropController::DropController(const UiContext &objects, QObject *parent)
+    : QObject(parent), m_context(objects)
 {
 }
 
 DropController *DropController::create(QQmlEngine *engine, QJSEngine *)
 {
-    return new DropController(uiObjects(*engine));
+    return new DropController(uiContext(*engine));
 }
 
 QString DropController::ownType()
@@ -45,7 +45,7 @@ QString DropController::ownType()
 
 void DropController::weigh(const QList<QUrl> &urls, const QString &ownData)
 {
-    m_weighed = splitDropped(itemsOf(urls, ownData), m_objects.vault.root(), weighedItems);
+    m_weighed = splitDropped(itemsOf(urls, ownData), m_context.vault.root(), weighedItems);
     m_imports = importsAny(m_weighed.outside);
 }
 
@@ -53,7 +53,7 @@ DropController::Effect DropController::effectOn(const Location &folder) const
 {
     if (folder.isEmpty())
         return Nothing;
-    const bool moves = movesAny(m_weighed.inside, folder, m_objects.vault.root());
+    const bool moves = movesAny(m_weighed.inside, folder, m_context.vault.root());
     if (moves)
         return m_imports ? MoveAndCopy : Move;
     return m_imports ? importInto(folder) : Nothing;
@@ -69,28 +69,28 @@ DropController::Effect DropController::effectOnGrid() const
 
 DropController::Effect DropController::importInto(const Location &folder) const
 {
-    return landsIn(m_weighed.outside, folder, m_objects.vault.root()) ? Copy : Sort;
+    return landsIn(m_weighed.outside, folder, m_context.vault.root()) ? Copy : Sort;
 }
 
 void DropController::dropOn(const Location &folder, const QList<QUrl> &urls, const QString &ownData)
 {
-    const DroppedItems dropped = splitDropped(itemsOf(urls, ownData), m_objects.vault.root());
+    const DroppedItems dropped = splitDropped(itemsOf(urls, ownData), m_context.vault.root());
     if (!dropped.inside.empty())
-        m_objects.vault.move(dropped.inside, folder);
+        m_context.vault.move(dropped.inside, folder);
     if (!dropped.outside.empty())
-        m_objects.vault.importItems(dropped.outside, folder, ImportMode::Copy);
+        m_context.vault.importItems(dropped.outside, folder, ImportMode::Copy);
 }
 
 void DropController::dropOnGrid(const QList<QUrl> &urls, const QString &ownData)
 {
-    const DroppedItems dropped = splitDropped(itemsOf(urls, ownData), m_objects.vault.root());
+    const DroppedItems dropped = splitDropped(itemsOf(urls, ownData), m_context.vault.root());
     if (!dropped.outside.empty())
-        m_objects.vault.importItems(dropped.outside, shownFolder(), ImportMode::Copy);
+        m_context.vault.importItems(dropped.outside, shownFolder(), ImportMode::Copy);
 }
 
 std::optional<Location> DropController::shownFolder() const
 {
-    const Scope &scope = m_objects.state.scope();
+    const Scope &scope = m_context.state.scope();
     return scope.kind() == Scope::Kind::Folder ? std::optional(scope.folder()) : std::nullopt;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ui/dragging/dropped_items.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 
 #include <QObject>
 #include <QUrl>
@@ -26,7 +26,7 @@ public:
     enum Effect { Nothing, Move, Copy, Sort, MoveAndCopy };
     Q_ENUM(Effect)
 
-    explicit DropController(const UiObjects &objects, QObject *parent = nullptr);
+    explicit DropController(const UiContext &objects, QObject *parent = nullptr);
     static DropController *create(QQmlEngine *engine, QJSEngine *);
 
     static QString ownType();
@@ -49,7 +49,7 @@ private:
     std::optional<Location> shownFolder() const;
     Effect importInto(const Location &folder) const;
 
-    const UiObjects m_objects;
+    const UiContext m_context;
     DroppedItems m_weighed;
     bool m_imports = false;
 };

@@ -2,7 +2,7 @@
 
 #include "platform/workspace.h"
 #include "state/app_state.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 #include "vault/category.h"
 #include "vault/vault.h"
 
@@ -102,7 +102,7 @@ void EmptyNotice::follow(AppState &state, const Vault &vault, Workspace &workspa
 
 void EmptyNotice::componentComplete()
 {
-    const UiObjects &objects = uiObjects(*this);
+    const UiContext &objects = uiContext(*this);
     follow(objects.state, objects.vault, objects.workspace);
 }
 

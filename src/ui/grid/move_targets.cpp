@@ -1,13 +1,13 @@
 #include "ui/grid/move_targets.h"
 
 #include "state/app_state.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 
 namespace cratewell {
 
 void MoveTargets::componentComplete()
 {
-    const UiObjects &objects = uiObjects(*this);
+    const UiContext &objects = uiContext(*this);
     fill(objects.vault, objects.state);
 }
 

@@ -14,8 +14,8 @@ namespace cratewell {
 static_assert(int(SelectionActions::Resolve) == int(Target::Resolve) &&
               int(SelectionActions::Premiere) == int(Target::Premiere));
 
-SelectionActions::SelectionActions(const UiObjects &objects, QObject *parent)
-    : QObject(parent), m_objects(objects)
+SelectionActions::SelectionActions(const UiContext &objects, QObject *parent)
+    : QObject(parent), m_context(objects)
 {
     connect(&objects.state, &AppState::selectedChanged, this, &SelectionActions::changed);
     connect(&objects.state, &AppState::visibleAssetsChanged, this, &SelectionActions::changed);
@@ -27,12 +27,12 @@ SelectionActions::SelectionActions(const UiObjects &objects, QObject *parent)
 
 SelectionActions *SelectionActions::create(QQmlEngine *engine, QJSEngine *)
 {
-    return new SelectionActions(uiObjects(*engine));
+    return new SelectionActions(uiContext(*engine));
 }
 
 int SelectionActions::count() const
 {
-    const AppState &state = m_objects.state;
+    const AppState &state = m_context.state;
     if (state.selectedCount() == 0)
         return 0;
     return int(std::ranges::count_if(state.visibleAssets().indices,
@@ -42,16 +42,16 @@ int SelectionActions::count() const
 std::vector<Location> SelectionActions::items() const
 {
     std::vector<Location> items;
-    for (const Asset &asset : m_objects.state.selectedAssets())
+    for (const Asset &asset : m_context.state.selectedAssets())
         items.push_back(asset.url);
     return items;
 }
 
 bool SelectionActions::isFavorite() const
 {
-    const AppState &state = m_objects.state;
+    const AppState &state = m_context.state;
     const VisibleAssets &visible = state.visibleAssets();
-    const LocationSet favorites = m_objects.prefs.favorites();
+    const LocationSet favorites = m_context.prefs.favorites();
     bool any = false;
     for (const AssetIndex index : visible.indices) {
         if (!state.isSelected(index))
@@ -65,50 +65,50 @@ bool SelectionActions::isFavorite() const
 
 bool SelectionActions::isInsertable() const
 {
-    const auto &asset = m_objects.state.selection();
-    return asset && asset->kind != AssetKind::Lut && !m_objects.inserter.busy();
+    const auto &asset = m_context.state.selection();
+    return asset && asset->kind != AssetKind::Lut && !m_context.inserter.busy();
 }
 
 void SelectionActions::insertInto(Editor editor)
 {
-    if (const auto &asset = m_objects.state.selection())
-        m_objects.inserter.insert(*asset, Target(editor));
+    if (const auto &asset = m_context.state.selection())
+        m_context.inserter.insert(*asset, Target(editor));
 }
 
 void SelectionActions::toggleFavorite()
 {
     const bool remove = isFavorite();
-    LocationSet favorites = m_objects.prefs.favorites();
+    LocationSet favorites = m_context.prefs.favorites();
     for (const Location &item : items()) {
         if (remove)
             favorites.remove(item);
         else
             favorites.insert(item);
     }
-    m_objects.prefs.setFavorites(favorites);
+    m_context.prefs.setFavorites(favorites);
 }
 
 void SelectionActions::moveTo(const Location &folder)
 {
     if (const std::vector<Location> all = items(); !all.empty() && !folder.isEmpty())
-        m_objects.vault.move(all, folder);
+        m_context.vault.move(all, folder);
 }
 
 void SelectionActions::moveToTrash()
 {
     if (const std::vector<Location> all = items(); !all.empty())
-        m_objects.vault.moveToTrash(all);
+        m_context.vault.moveToTrash(all);
 }
 
 void SelectionActions::rename()
 {
-    if (const auto &asset = m_objects.state.selection())
-        m_objects.state.setRenameTarget(asset->url);
+    if (const auto &asset = m_context.state.selection())
+        m_context.state.setRenameTarget(asset->url);
 }
 
 void SelectionActions::clear()
 {
-    m_objects.state.setSelected({});
+    m_context.state.setSelected({});
 }
 
 } // namespace cratewell

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/location.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 
 #include <QObject>
 #include <QtQml/qqml.h>
@@ -29,7 +29,7 @@ public:
     enum Editor { Resolve, Premiere };
     Q_ENUM(Editor)
 
-    explicit SelectionActions(const UiObjects &objects, QObject *parent = nullptr);
+    explicit SelectionActions(const UiContext &objects, QObject *parent = nullptr);
     static SelectionActions *create(QQmlEngine *engine, QJSEngine *);
 
     int count() const;
@@ -53,7 +53,7 @@ Q_SIGNALS:
 private:
     std::vector<Location> items() const;
 
-    const UiObjects m_objects;
+    const UiContext m_context;
 };
 
 } // namespace cratewell

@@ -3,7 +3,7 @@
 #include "platform/defaults.h"
 #include "state/app_state.h"
 #include "state/prefs.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 #include "vault/vault.h"
 
 #include <algorithm>
@@ -31,7 +31,7 @@ void ImportController::follow(Vault &vault, AppState &state, const Prefs &prefs,
 
 void ImportController::componentComplete()
 {
-    const UiObjects &objects = uiObjects(*this);
+    const UiContext &objects = uiContext(*this);
     follow(objects.vault, objects.state, objects.prefs, objects.defaults);
 }
 

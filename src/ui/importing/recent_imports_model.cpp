@@ -1,7 +1,7 @@
 #include "ui/importing/recent_imports_model.h"
 
 #include "state/app_state.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 
 namespace cratewell {
 
@@ -16,7 +16,7 @@ void RecentImportsModel::follow(Vault &vault, AppState &state)
 
 void RecentImportsModel::componentComplete()
 {
-    const UiObjects &objects = uiObjects(*this);
+    const UiContext &objects = uiContext(*this);
     follow(objects.vault, objects.state);
 }
 

@@ -2,7 +2,7 @@
 
 #include "state/app_state.h"
 #include "ui/controls/formats.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 
 #include <algorithm>
 #include <array>
@@ -90,7 +90,7 @@ void MetadataRows::follow(AppState &state, Media &media)
 
 void MetadataRows::componentComplete()
 {
-    const UiObjects &objects = uiObjects(*this);
+    const UiContext &objects = uiContext(*this);
     follow(objects.state, objects.media);
 }
 

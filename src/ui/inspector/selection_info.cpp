@@ -3,7 +3,7 @@
 #include "integrations/inserter.h"
 #include "state/app_state.h"
 #include "state/prefs.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 #include "vault/vault.h"
 
 namespace cratewell {
@@ -35,7 +35,7 @@ void SelectionInfo::follow(AppState &state, const Vault &vault, const Prefs &pre
 
 void SelectionInfo::componentComplete()
 {
-    const UiObjects &objects = uiObjects(*this);
+    const UiContext &objects = uiContext(*this);
     follow(objects.state, objects.vault, objects.prefs, objects.inserter);
 }
 

@@ -2,7 +2,7 @@
 
 #include "state/app_state.h"
 #include "ui/sheets/name_check.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 #include "vault/vault.h"
 
 using namespace Qt::StringLiterals;
@@ -20,7 +20,7 @@ void NewFolderForm::follow(AppState &state)
 
 void NewFolderForm::classBegin()
 {
-    follow(uiObjects(*this).state);
+    follow(uiContext(*this).state);
 }
 
 QString NewFolderForm::problem(const QString &name)
@@ -36,7 +36,7 @@ void RenameForm::follow(const AppState &state, const Vault &vault)
 
 void RenameForm::classBegin()
 {
-    const UiObjects &objects = uiObjects(*this);
+    const UiContext &objects = uiContext(*this);
     follow(objects.state, objects.vault);
 }
 

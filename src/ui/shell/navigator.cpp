@@ -9,7 +9,7 @@ namespace cratewell {
 static_assert(int(Navigator::Trash) == int(Scope::Kind::Trash) &&
               int(Navigator::Folder) == int(Scope::Kind::Folder));
 
-Navigator::Navigator(const UiObjects &objects, QObject *parent) : QObject(parent), m_objects(objects)
+Navigator::Navigator(const UiContext &objects, QObject *parent) : QObject(parent), m_context(objects)
 {
     connect(&objects.state, &AppState::scopeChanged, this, &Navigator::placeChanged);
     connect(&objects.state, &AppState::sortChanged, this, &Navigator::orderChanged);
@@ -17,48 +17,48 @@ Navigator::Navigator(const UiObjects &objects, QObject *parent) : QObject(parent
 
 Navigator *Navigator::create(QQmlEngine *engine, QJSEngine *)
 {
-    return new Navigator(uiObjects(*engine));
+    return new Navigator(uiContext(*engine));
 }
 
 Navigator::Place Navigator::place() const
 {
-    return Place(m_objects.state.scope().kind());
+    return Place(m_context.state.scope().kind());
 }
 
 QString Navigator::folder() const
 {
-    return m_objects.state.scope().folder().text();
+    return m_context.state.scope().folder().text();
 }
 
 QString Navigator::page() const
 {
-    return m_objects.state.scope().page();
+    return m_context.state.scope().page();
 }
 
 int Navigator::order() const
 {
-    return int(m_objects.state.sort());
+    return int(m_context.state.sort());
 }
 
 void Navigator::setOrder(int order)
 {
     if (order >= 0 && order < assetOrderCount)
-        m_objects.state.setSort(AssetOrder(order));
+        m_context.state.setSort(AssetOrder(order));
 }
 
 void Navigator::show(Place place)
 {
-    m_objects.state.setScope(Scope::of(Scope::Kind(place)));
+    m_context.state.setScope(Scope::of(Scope::Kind(place)));
 }
 
 void Navigator::showFolder(const Location &folder)
 {
-    m_objects.state.setScope(Scope::inFolder(folder));
+    m_context.state.setScope(Scope::inFolder(folder));
 }
 
 void Navigator::showPlugin(const QString &page)
 {
-    m_objects.state.setScope(Scope::plugin(page));
+    m_context.state.setScope(Scope::plugin(page));
 }
 
 } // namespace cratewell

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/location.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 
 #include <QObject>
 #include <QtQml/qqml.h>
@@ -29,7 +29,7 @@ public:
     enum Place { Plugin, Folder, All, Favorites, Recent, Importer, Trash };
     Q_ENUM(Place)
 
-    explicit Navigator(const UiObjects &objects, QObject *parent = nullptr);
+    explicit Navigator(const UiContext &objects, QObject *parent = nullptr);
     static Navigator *create(QQmlEngine *engine, QJSEngine *);
 
     Place place() const;
@@ -48,7 +48,7 @@ Q_SIGNALS:
     void orderChanged();
 
 private:
-    const UiObjects m_objects;
+    const UiContext m_context;
 };
 
 } // namespace cratewell

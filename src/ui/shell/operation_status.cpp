@@ -1,7 +1,7 @@
 #include "ui/shell/operation_status.h"
 
 #include "ui/controls/formats.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 #include "vault/vault.h"
 
 namespace cratewell {
@@ -15,7 +15,7 @@ void OperationStatus::follow(FileProgress &progress)
 
 void OperationStatus::componentComplete()
 {
-    follow(uiObjects(*this).vault.progress());
+    follow(uiContext(*this).vault.progress());
 }
 
 bool OperationStatus::isActive() const

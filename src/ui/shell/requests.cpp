@@ -9,42 +9,42 @@
 
 namespace cratewell {
 
-Requests::Requests(const UiObjects &objects, QObject *parent) : QObject(parent), m_objects(objects) {}
+Requests::Requests(const UiContext &objects, QObject *parent) : QObject(parent), m_context(objects) {}
 
 Requests *Requests::create(QQmlEngine *engine, QJSEngine *)
 {
-    return new Requests(uiObjects(*engine));
+    return new Requests(uiContext(*engine));
 }
 
 void Requests::toggleFavorite()
 {
-    if (const auto &asset = m_objects.state.selection())
-        m_objects.prefs.toggleFavorite(asset->url);
+    if (const auto &asset = m_context.state.selection())
+        m_context.prefs.toggleFavorite(asset->url);
 }
 
 void Requests::openInFileManager(const Location &folder)
 {
-    m_objects.workspace.open(folder);
+    m_context.workspace.open(folder);
 }
 
 void Requests::revealInFileManager(const Location &item)
 {
-    m_objects.workspace.reveal({item});
+    m_context.workspace.reveal({item});
 }
 
 void Requests::newFolderInside(const Location &folder)
 {
-    m_objects.state.requestNewFolder(folder);
+    m_context.state.requestNewFolder(folder);
 }
 
 void Requests::rename(const Location &item)
 {
-    m_objects.state.setRenameTarget(item);
+    m_context.state.setRenameTarget(item);
 }
 
 void Requests::moveToTrash(const Location &item)
 {
-    m_objects.vault.moveToTrash({item});
+    m_context.vault.moveToTrash({item});
 }
 
 } // namespace cratewell

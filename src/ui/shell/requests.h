@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/location.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 
 #include <QObject>
 #include <QtQml/qqml.h>
@@ -18,7 +18,7 @@ class Requests : public QObject
     QML_ELEMENT
     QML_SINGLETON
 public:
-    explicit Requests(const UiObjects &objects, QObject *parent = nullptr);
+    explicit Requests(const UiContext &objects, QObject *parent = nullptr);
     static Requests *create(QQmlEngine *engine, QJSEngine *);
 
     // Does nothing without a focused asset.
@@ -32,7 +32,7 @@ public:
     Q_INVOKABLE void moveToTrash(const cratewell::Location &item);
 
 private:
-    const UiObjects m_objects;
+    const UiContext m_context;
 };
 
 } // namespace cratewell

@@ -2,7 +2,7 @@
 
 #include "state/folder_expansion.h"
 #include "state/prefs.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 #include "vault/vault.h"
 
 #include <QSet>
@@ -71,7 +71,7 @@ template<typename Chosen, typename Perform> void forRunsBackward(int count, Chos
 
 void FolderTreeModel::componentComplete()
 {
-    const UiObjects &objects = uiObjects(*this);
+    const UiContext &objects = uiContext(*this);
     follow(objects.vault, objects.prefs, objects.defaults);
 }
 

@@ -2,7 +2,7 @@
 
 #include "state/prefs.h"
 #include "ui/controls/formats.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 #include "vault/vault.h"
 
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace cratewell {
 
 void LibraryCounts::componentComplete()
 {
-    const UiObjects &objects = uiObjects(*this);
+    const UiContext &objects = uiContext(*this);
     follow(objects.vault, objects.prefs);
 }
 

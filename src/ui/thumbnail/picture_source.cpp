@@ -1,6 +1,6 @@
 #include "ui/thumbnail/picture_source.h"
 
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 #include "vault/vault.h"
 
 #include <algorithm>
@@ -33,7 +33,7 @@ void ThumbnailSource::follow(Vault &vault, Media &media)
 
 void ThumbnailSource::componentComplete()
 {
-    const UiObjects &objects = uiObjects(*this);
+    const UiContext &objects = uiContext(*this);
     follow(objects.vault, objects.media);
 }
 

@@ -1,8 +1,8 @@
 #include "ui/trash/trash_model.h"
 
 #include "ui/controls/formats.h"
+#include "ui/shell/ui_context.h"
 #include "ui/thumbnail/placeholder.h"
-#include "ui/shell/ui_objects.h"
 #include "vault/asset.h"
 #include "vault/vault.h"
 
@@ -44,7 +44,7 @@ void TrashModel::follow(Vault &vault)
 
 void TrashModel::componentComplete()
 {
-    follow(uiObjects(*this).vault);
+    follow(uiContext(*this).vault);
 }
 
 void TrashModel::refresh()

@@ -4,7 +4,7 @@
 #include "platform/fakes/fake_applications.h"
 #include "support/small_library.h"
 #include "ui/grid/selectable_item.h"
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 
 #include <QAccessible>
 #include <QQmlComponent>
@@ -45,7 +45,7 @@ protected:
             library.write(u"SFX/Hits/%1.wav"_s.arg(soundName(i)));
         ASSERT_TRUE(library.scan());
         library.state.setSort(AssetOrder::Name);
-        installUiObjects(engine, {library.prefs, library.state, library.vault, inserter, media, appearance,
+        installUiContext(engine, {library.prefs, library.state, library.vault, inserter, media, appearance,
                                   library.defaults, library.workspace});
         QObject::connect(&engine, &QQmlEngine::warnings,
                          [this](const QList<QQmlError> &warnings) { complaints += warnings; });

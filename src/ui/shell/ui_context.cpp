@@ -1,4 +1,4 @@
-#include "ui/shell/ui_objects.h"
+#include "ui/shell/ui_context.h"
 
 #include "integrations/inserter.h"
 #include "media/media.h"
@@ -21,11 +21,11 @@ namespace {
 class Holder : public QObject
 {
 public:
-    Holder(const UiObjects &values, QObject *parent) : QObject(parent), objects(values) {}
-    const UiObjects objects;
+    Holder(const UiContext &values, QObject *parent) : QObject(parent), objects(values) {}
+    const UiContext objects;
 };
 
-constexpr auto holderName = "cratewellUiObjects"_L1;
+constexpr auto holderName = "cratewellUiContext"_L1;
 
 void loadFonts()
 {
@@ -48,7 +48,7 @@ template<typename T> T *fromProgram(T &object)
 
 } // namespace
 
-void installUiObjects(QQmlEngine &engine, const UiObjects &objects)
+void installUiContext(QQmlEngine &engine, const UiContext &objects)
 {
     loadFonts();
     installAccessibleItems();
@@ -56,46 +56,46 @@ void installUiObjects(QQmlEngine &engine, const UiObjects &objects)
     holder->setObjectName(holderName);
 }
 
-const UiObjects &uiObjects(const QQmlEngine &engine)
+const UiContext &uiContext(const QQmlEngine &engine)
 {
     const QObject *holder = engine.findChild<QObject *>(holderName, Qt::FindDirectChildrenOnly);
-    Q_ASSERT_X(holder, "uiObjects", "installUiObjects was not called for this engine");
+    Q_ASSERT_X(holder, "uiContext", "installUiContext was not called for this engine");
     return static_cast<const Holder *>(holder)->objects;
 }
 
-const UiObjects &uiObjects(const QObject &qmlObject)
+const UiContext &uiContext(const QObject &qmlObject)
 {
-    return uiObjects(*qmlEngine(&qmlObject));
+    return uiContext(*qmlEngine(&qmlObject));
 }
 
 Prefs *PrefsSingleton::create(QQmlEngine *engine, QJSEngine *)
 {
-    return fromProgram(uiObjects(*engine).prefs);
+    return fromProgram(uiContext(*engine).prefs);
 }
 
 AppState *AppStateSingleton::create(QQmlEngine *engine, QJSEngine *)
 {
-    return fromProgram(uiObjects(*engine).state);
+    return fromProgram(uiContext(*engine).state);
 }
 
 Vault *VaultSingleton::create(QQmlEngine *engine, QJSEngine *)
 {
-    return fromProgram(uiObjects(*engine).vault);
+    return fromProgram(uiContext(*engine).vault);
 }
 
 Inserter *InserterSingleton::create(QQmlEngine *engine, QJSEngine *)
 {
-    return fromProgram(uiObjects(*engine).inserter);
+    return fromProgram(uiContext(*engine).inserter);
 }
 
 Media *MediaSingleton::create(QQmlEngine *engine, QJSEngine *)
 {
-    return fromProgram(uiObjects(*engine).media);
+    return fromProgram(uiContext(*engine).media);
 }
 
 Appearance *AppearanceSingleton::create(QQmlEngine *engine, QJSEngine *)
 {
-    return fromProgram(uiObjects(*engine).appearance);
+    return fromProgram(uiContext(*engine).appearance);
 }
 
 } // namespace cratewell

@@ -15,7 +15,7 @@ class Vault;
 class Workspace;
 
 // The program's objects that the views of one engine show and act on. All must outlive the engine.
-struct UiObjects
+struct UiContext
 {
     Prefs &prefs;
     AppState &state;
@@ -28,10 +28,10 @@ struct UiObjects
 };
 
 // To be called before the engine loads anything; makes the bundled fonts known as well.
-void installUiObjects(QQmlEngine &engine, const UiObjects &objects);
-// The objects behind `engine`; installUiObjects must have been called.
-const UiObjects &uiObjects(const QQmlEngine &engine);
+void installUiContext(QQmlEngine &engine, const UiContext &objects);
+// The objects behind `engine`; installUiContext must have been called.
+const UiContext &uiContext(const QQmlEngine &engine);
 // The same for an object that QML made.
-const UiObjects &uiObjects(const QObject &qmlObject);
+const UiContext &uiContext(const QObject &qmlObject);
 
 } // namespace cratewell
