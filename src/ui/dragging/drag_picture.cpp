@@ -1,6 +1,6 @@
 #include "ui/dragging/drag_picture.h"
 
-#include "ui/thumbnail/picture_cutter.h"
+#include "ui/thumbnail/thumbnail_scaler.h"
 
 #include <QFont>
 #include <QFontMetrics>
@@ -51,7 +51,8 @@ QPixmap dragPicture(const std::vector<QImage> &pictures, int count, const QColor
         painter.fillRect(place, edge);
         painter.fillRect(inner, mat);
         if (size_t(i) < pictures.size())
-            painter.drawImage(inner, cutPicture(pictures[size_t(i)], {.size = inner.size() * pixelRatio}));
+            painter.drawImage(inner,
+                              scaledThumbnail(pictures[size_t(i)], {.size = inner.size() * pixelRatio}));
     }
     if (count > 1)
         drawBadge(painter, QString::number(count), size.width(), accent);

@@ -15,7 +15,7 @@ SelectableItem {
     required property bool favorite
     required selected
 
-    required property PictureSource source
+    required property ThumbnailProvider source
     // The card can be seen; the keyboard acts on the grid.
     required property bool inView
     required property bool keyboard

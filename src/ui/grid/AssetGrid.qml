@@ -87,7 +87,7 @@ T.Control {
         count: assets.count
         linesInView: view.linesInView
     }
-    ThumbnailSource { id: thumbnails }
+    VaultThumbnails { id: thumbnails }
 
     Connections {
         function onScopeChanged() { view.startOver(); }

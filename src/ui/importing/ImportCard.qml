@@ -12,7 +12,7 @@ Item {
     required property int kind
     required property bool present
     required property bool current
-    required property PictureSource source
+    required property ThumbnailProvider source
 
     signal activated
 

@@ -13,7 +13,7 @@ Page {
 
     ImportController { id: desk }
     RecentImportsModel { id: recent }
-    ThumbnailSource { id: thumbnails }
+    VaultThumbnails { id: thumbnails }
 
     Flickable {
         id: scroll

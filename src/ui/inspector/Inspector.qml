@@ -13,7 +13,7 @@ GlassPanel {
     Accessible.role: Accessible.Pane
 
     SelectionInfo { id: selection }
-    ThumbnailSource { id: thumbnails }
+    VaultThumbnails { id: thumbnails }
 
     EmptyState {
         anchors.centerIn: parent

@@ -37,7 +37,7 @@ QString kindIcon(AssetKind kind)
     return {};
 }
 
-QImage placeholderPicture(const PlaceholderLook &look, const PictureShape &shape)
+QImage placeholderPicture(const PlaceholderLook &look, const ThumbnailShape &shape)
 {
     const QColor dark(0x0a, 0x0b, 0x10);
     const auto colors = gradient(defaultCategory(look.kind));

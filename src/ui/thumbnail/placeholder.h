@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/thumbnail/picture_cutter.h"
+#include "ui/thumbnail/thumbnail_scaler.h"
 #include "vault/vocabulary.h"
 
 namespace cratewell {
@@ -23,6 +23,6 @@ struct PlaceholderLook
 };
 
 // Main thread.
-QImage placeholderPicture(const PlaceholderLook &look, const PictureShape &shape);
+QImage placeholderPicture(const PlaceholderLook &look, const ThumbnailShape &shape);
 
 } // namespace cratewell

@@ -14,7 +14,7 @@ ThumbnailItem::ThumbnailItem(QQuickItem *parent) : QQuickItem(parent)
     setFlag(ItemHasContents);
 }
 
-void ThumbnailItem::setSource(PictureSource *source)
+void ThumbnailItem::setSource(ThumbnailProvider *source)
 {
     if (source == m_source)
         return;
@@ -22,7 +22,7 @@ void ThumbnailItem::setSource(PictureSource *source)
         m_source->disconnect(this);
     m_source = source;
     if (source) {
-        connect(source, &PictureSource::changed, this, [this](const Location &url) {
+        connect(source, &ThumbnailProvider::changed, this, [this](const Location &url) {
             if (url != m_url)
                 return;
             m_request.reset();
@@ -33,11 +33,11 @@ void ThumbnailItem::setSource(PictureSource *source)
             takeDuration();
             polish();
         });
-        connect(source, &PictureSource::scrubFrameChanged, this, [this](const Location &url, int bucket) {
+        connect(source, &ThumbnailProvider::scrubFrameChanged, this, [this](const Location &url, int bucket) {
             if (url == m_url && bucket == m_frame)
                 polish();
         });
-        connect(source, &PictureSource::reset, this, &ThumbnailItem::forget);
+        connect(source, &ThumbnailProvider::reset, this, &ThumbnailItem::forget);
     }
     forget();
     Q_EMIT sourceChanged();
@@ -124,7 +124,7 @@ void ThumbnailItem::setIconFamily(const QString &family)
     Q_EMIT iconFamilyChanged();
 }
 
-PictureShape ThumbnailItem::shape() const
+ThumbnailShape ThumbnailItem::shape() const
 {
     const qreal ratio = window() ? window()->effectiveDevicePixelRatio() : 1.0;
     return {(size() * ratio).toSize(), int(std::lround(m_radius * ratio)), m_fit};
@@ -155,7 +155,7 @@ void ThumbnailItem::withdrawIfUnseen()
 
 void ThumbnailItem::updatePolish()
 {
-    const PictureShape wanted = shape();
+    const ThumbnailShape wanted = shape();
     if (!m_source || m_url.isEmpty() || wanted.size.isEmpty() || showScrubFrame(wanted))
         return;
     switch (m_source->state(m_url)) {
@@ -183,7 +183,7 @@ void ThumbnailItem::updatePolish()
 }
 
 // True when a frame under the pointer is shown or has been asked for; until it comes, what is drawn stays.
-bool ThumbnailItem::showScrubFrame(const PictureShape &wanted)
+bool ThumbnailItem::showScrubFrame(const ThumbnailShape &wanted)
 {
     if (m_scrub < 0 || m_kind != AssetKind::Video || m_drawn != Drawn::Picture) {
         m_frameRequest.reset();
@@ -203,12 +203,12 @@ bool ThumbnailItem::showScrubFrame(const PictureShape &wanted)
 }
 
 // The source may have let go of the picture that is on the screen: it is enough as long as it fits.
-bool ThumbnailItem::needsPicture(const PictureShape &wanted) const
+bool ThumbnailItem::needsPicture(const ThumbnailShape &wanted) const
 {
     return m_drawn != Drawn::Picture || m_outdated || m_cutTo != wanted;
 }
 
-void ThumbnailItem::showPicture(const QImage &picture, const PictureShape &wanted)
+void ThumbnailItem::showPicture(const QImage &picture, const ThumbnailShape &wanted)
 {
     if (picture.isNull())
         return;
@@ -230,12 +230,12 @@ void ThumbnailItem::showPicture(const QImage &picture, const PictureShape &wante
     });
 }
 
-void ThumbnailItem::showPlaceholder(Sign sign, const PictureShape &wanted)
+void ThumbnailItem::showPlaceholder(Sign sign, const ThumbnailShape &wanted)
 {
     draw(m_source->placeholder({m_kind, sign, m_iconFamily}, wanted), wanted, Drawn::Placeholder);
 }
 
-void ThumbnailItem::draw(const QImage &image, const PictureShape &cutTo, Drawn what)
+void ThumbnailItem::draw(const QImage &image, const ThumbnailShape &cutTo, Drawn what)
 {
     m_cutTo = cutTo;
     m_outdated = false;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/thumbnail/picture_source.h"
+#include "ui/thumbnail/thumbnail_provider.h"
 
 #include <QPointer>
 #include <QQuickItem>
@@ -14,7 +14,7 @@ class ThumbnailItem : public QQuickItem
 {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(cratewell::PictureSource *source READ source WRITE setSource NOTIFY sourceChanged FINAL)
+    Q_PROPERTY(cratewell::ThumbnailProvider *source READ source WRITE setSource NOTIFY sourceChanged FINAL)
     Q_PROPERTY(cratewell::Location url READ url WRITE setUrl NOTIFY urlChanged FINAL)
     Q_PROPERTY(cratewell::AssetKind kind READ kind WRITE setKind NOTIFY kindChanged FINAL)
     // Lies where the user can see it.
@@ -36,8 +36,8 @@ class ThumbnailItem : public QQuickItem
 public:
     explicit ThumbnailItem(QQuickItem *parent = nullptr);
 
-    PictureSource *source() const { return m_source; }
-    void setSource(PictureSource *source);
+    ThumbnailProvider *source() const { return m_source; }
+    void setSource(ThumbnailProvider *source);
     const Location &url() const { return m_url; }
     void setUrl(const Location &url);
     AssetKind kind() const { return m_kind; }
@@ -75,18 +75,18 @@ protected:
     void geometryChange(const QRectF &now, const QRectF &before) override;
 
 private:
-    PictureShape shape() const;
+    ThumbnailShape shape() const;
     void forget();
     void withdrawIfUnseen();
-    void showPicture(const QImage &picture, const PictureShape &wanted);
-    bool showScrubFrame(const PictureShape &wanted);
+    void showPicture(const QImage &picture, const ThumbnailShape &wanted);
+    bool showScrubFrame(const ThumbnailShape &wanted);
     void takeDuration();
-    void showPlaceholder(PlaceholderLook::Sign sign, const PictureShape &wanted);
+    void showPlaceholder(PlaceholderLook::Sign sign, const ThumbnailShape &wanted);
     enum class Drawn : quint8 { Nothing, Placeholder, Picture };
-    void draw(const QImage &image, const PictureShape &cutTo, Drawn what);
-    bool needsPicture(const PictureShape &wanted) const;
+    void draw(const QImage &image, const ThumbnailShape &cutTo, Drawn what);
+    bool needsPicture(const ThumbnailShape &wanted) const;
 
-    QPointer<PictureSource> m_source;
+    QPointer<ThumbnailProvider> m_source;
     Location m_url;
     AssetKind m_kind = AssetKind::Video;
     bool m_active = true;
@@ -100,9 +100,9 @@ private:
     std::unique_ptr<PreviewRequest> m_request;
     std::unique_ptr<PreviewRequest> m_frameRequest;
     int m_frame = -1; // that is shown, or asked for
-    PictureCutter::Ticket m_ticket;
+    ThumbnailScaler::Ticket m_ticket;
     QImage m_image; // what is drawn
-    PictureShape m_cutTo;
+    ThumbnailShape m_cutTo;
     Drawn m_drawn = Drawn::Nothing;
     bool m_outdated = false; // the file was written again since
     bool m_imageChanged = false;

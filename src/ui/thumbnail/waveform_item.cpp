@@ -7,7 +7,7 @@
 
 namespace cratewell {
 
-void WaveformItem::setSource(PictureSource *source)
+void WaveformItem::setSource(ThumbnailProvider *source)
 {
     if (source == m_source)
         return;
@@ -15,11 +15,11 @@ void WaveformItem::setSource(PictureSource *source)
         m_source->disconnect(this);
     m_source = source;
     if (source) {
-        connect(source, &PictureSource::changed, this, [this](const Location &url) {
+        connect(source, &ThumbnailProvider::changed, this, [this](const Location &url) {
             if (url == m_url)
                 takePeaks();
         });
-        connect(source, &PictureSource::reset, this, &WaveformItem::takePeaks);
+        connect(source, &ThumbnailProvider::reset, this, &WaveformItem::takePeaks);
     }
     takePeaks();
     Q_EMIT sourceChanged();

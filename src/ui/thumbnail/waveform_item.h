@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ui/controls/drawn_item.h"
-#include "ui/thumbnail/picture_source.h"
+#include "ui/thumbnail/thumbnail_provider.h"
 #include "ui/thumbnail/waveform_drawing.h"
 
 #include <QPointer>
@@ -13,15 +13,15 @@ class WaveformItem : public cratewell::DrawnItem
 {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(cratewell::PictureSource *source READ source WRITE setSource NOTIFY sourceChanged FINAL)
+    Q_PROPERTY(cratewell::ThumbnailProvider *source READ source WRITE setSource NOTIFY sourceChanged FINAL)
     Q_PROPERTY(cratewell::Location url READ url WRITE setUrl NOTIFY urlChanged FINAL)
     // The raw value of a WaveStyle.
     Q_PROPERTY(QString waveStyle READ waveStyle WRITE setWaveStyle NOTIFY waveStyleChanged FINAL)
 public:
     using DrawnItem::DrawnItem;
 
-    PictureSource *source() const { return m_source; }
-    void setSource(PictureSource *source);
+    ThumbnailProvider *source() const { return m_source; }
+    void setSource(ThumbnailProvider *source);
     const Location &url() const { return m_url; }
     void setUrl(const Location &url);
     const QString &waveStyle() const { return m_waveStyle; }
@@ -38,7 +38,7 @@ protected:
 private:
     void takePeaks();
 
-    QPointer<PictureSource> m_source;
+    QPointer<ThumbnailProvider> m_source;
     Location m_url;
     QString m_waveStyle;
     WaveformPeaks m_peaks;

@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 using test::waitUntil;
 
 // Pictures on command, and a record of who wishes for what.
-class FakeSource : public PictureSource
+class FakeSource : public ThumbnailProvider
 {
 public:
     Media::State state(const Location &url) const override

@@ -1,4 +1,4 @@
-#include "ui/thumbnail/picture_cutter.h"
+#include "ui/thumbnail/thumbnail_scaler.h"
 
 #include "support/wait.h"
 #include "ui/thumbnail/soft_mask.h"
@@ -23,10 +23,10 @@ QImage stripes(QSize size, Qt::Orientation orientation)
     return image;
 }
 
-TEST(CutPicture, FillsTheShapeWithTheMiddleOfThePicture)
+TEST(ScaledThumbnail, FillsTheShapeWithTheMiddleOfThePicture)
 {
-    const QImage wide = cutPicture(stripes({300, 100}, Qt::Horizontal), {{50, 50}});
-    const QImage tall = cutPicture(stripes({100, 300}, Qt::Vertical), {{80, 40}});
+    const QImage wide = scaledThumbnail(stripes({300, 100}, Qt::Horizontal), {{50, 50}});
+    const QImage tall = scaledThumbnail(stripes({100, 300}, Qt::Vertical), {{80, 40}});
     for (const QImage &cut : {wide, tall}) {
         EXPECT_EQ(cut.pixelColor(cut.width() / 2, cut.height() / 2), QColor(Qt::green));
         EXPECT_EQ(cut.pixelColor(4, 4), QColor(Qt::green));
@@ -36,9 +36,10 @@ TEST(CutPicture, FillsTheShapeWithTheMiddleOfThePicture)
     EXPECT_EQ(tall.size(), QSize(80, 40));
 }
 
-TEST(CutPicture, ShowsTheWholePictureWithMarginsWhenAsked)
+TEST(ScaledThumbnail, ShowsTheWholePictureWithMarginsWhenAsked)
 {
-    const QImage tall = cutPicture(stripes({100, 300}, Qt::Vertical), {{90, 60}, 0, PictureFit::Contain});
+    const QImage tall =
+        scaledThumbnail(stripes({100, 300}, Qt::Vertical), {{90, 60}, 0, PictureFit::Contain});
     ASSERT_EQ(tall.size(), QSize(90, 60));
     EXPECT_EQ(tall.pixelColor(45, 5), QColor(Qt::red));
     EXPECT_EQ(tall.pixelColor(45, 30), QColor(Qt::green));
@@ -47,11 +48,11 @@ TEST(CutPicture, ShowsTheWholePictureWithMarginsWhenAsked)
     EXPECT_EQ(tall.pixelColor(70, 30), QColor(Qt::black));
 }
 
-TEST(CutPicture, CutsCornersAndLaysWhatIsTransparentOnACheckerboard)
+TEST(ScaledThumbnail, CutsCornersAndLaysWhatIsTransparentOnACheckerboard)
 {
     QImage picture(64, 64, QImage::Format_ARGB32);
     picture.fill(QColor(200, 100, 50, 128));
-    const QImage cut = cutPicture(picture, {{64, 64}, 16});
+    const QImage cut = scaledThumbnail(picture, {{64, 64}, 16});
     EXPECT_EQ(cut.pixelColor(0, 0).alpha(), 0);
     EXPECT_EQ(cut.pixelColor(63, 63).alpha(), 0);
     EXPECT_GT(cut.pixelColor(5, 4).alpha(), 40) << "the corner is round, not square";
@@ -65,18 +66,18 @@ TEST(CutPicture, CutsCornersAndLaysWhatIsTransparentOnACheckerboard)
     EXPECT_EQ(tones.size(), 2) << "neighbouring squares differ";
 }
 
-TEST(CutPicture, NothingComesFromNothing)
+TEST(ScaledThumbnail, NothingComesFromNothing)
 {
-    EXPECT_TRUE(cutPicture({}, {{10, 10}}).isNull());
-    EXPECT_TRUE(cutPicture(stripes({3, 3}, Qt::Horizontal), {{0, 10}}).isNull());
-    EXPECT_EQ(cutPicture(stripes({1, 1000}, Qt::Vertical), {{100, 10}}).size(), QSize(100, 10));
+    EXPECT_TRUE(scaledThumbnail({}, {{10, 10}}).isNull());
+    EXPECT_TRUE(scaledThumbnail(stripes({3, 3}, Qt::Horizontal), {{0, 10}}).isNull());
+    EXPECT_EQ(scaledThumbnail(stripes({1, 1000}, Qt::Vertical), {{100, 10}}).size(), QSize(100, 10));
 }
 
-TEST(PictureCutter, AnswersOnceAndRemembers)
+TEST(ThumbnailScaler, AnswersOnceAndRemembers)
 {
-    PictureCutter cutter;
+    ThumbnailScaler cutter;
     const QImage picture = stripes({300, 100}, Qt::Horizontal);
-    const PictureShape shape{{40, 25}, 4};
+    const ThumbnailShape shape{{40, 25}, 4};
     EXPECT_TRUE(cutter.ready(picture, shape).isNull());
 
     int answers = 0;
@@ -90,9 +91,9 @@ TEST(PictureCutter, AnswersOnceAndRemembers)
     EXPECT_TRUE(cutter.ready(stripes({300, 100}, Qt::Horizontal), shape).isNull()) << "another picture";
 }
 
-TEST(PictureCutter, DroppedTicketIsNeverAnswered)
+TEST(ThumbnailScaler, DroppedTicketIsNeverAnswered)
 {
-    PictureCutter cutter;
+    ThumbnailScaler cutter;
     const QImage picture = stripes({600, 400}, Qt::Horizontal);
     bool dropped = false;
     bool last = false;
@@ -102,7 +103,7 @@ TEST(PictureCutter, DroppedTicketIsNeverAnswered)
     ASSERT_TRUE(test::waitUntil([&] { return last; }));
     EXPECT_FALSE(dropped);
     // One that drops itself while it is being answered.
-    PictureCutter::Ticket own;
+    ThumbnailScaler::Ticket own;
     bool answered = false;
     own = cutter.cut(picture, {{16, 10}}, [&](const QImage &) {
         own.reset();

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "media/media.h"
-#include "ui/thumbnail/picture_cutter.h"
 #include "ui/thumbnail/placeholder.h"
+#include "ui/thumbnail/thumbnail_scaler.h"
 
 #include <QQmlParserStatus>
 #include <QtQml/qqmlregistration.h>
@@ -13,7 +13,7 @@ namespace cratewell {
 class Vault;
 
 // Where thumbnail items get the pictures of files. Main thread.
-class PictureSource : public QObject
+class ThumbnailProvider : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
@@ -37,9 +37,9 @@ public:
     // Seconds; 0 when unknown.
     virtual double duration(const Location &url) const = 0;
 
-    PictureCutter &cutter() { return m_cutter; }
+    ThumbnailScaler &cutter() { return m_cutter; }
     // Painted once for all files that look alike.
-    QImage placeholder(const PlaceholderLook &look, const PictureShape &shape);
+    QImage placeholder(const PlaceholderLook &look, const ThumbnailShape &shape);
 
 Q_SIGNALS:
     // State or picture of this file changed.
@@ -52,24 +52,24 @@ private:
     struct PaintedPlaceholder
     {
         PlaceholderLook look;
-        PictureShape shape;
+        ThumbnailShape shape;
         QImage picture;
     };
 
-    PictureCutter m_cutter;
+    ThumbnailScaler m_cutter;
     std::vector<PaintedPlaceholder> m_placeholders;
 };
 
 // The grid thumbnails and waveforms of the vault's assets, each looked up afresh, so that a rewritten file
 // gets the picture of its newest version. Every picture is missing until it knows its vault. (The QML tools
 // find a base by its full name only.)
-class ThumbnailSource : public cratewell::PictureSource, public QQmlParserStatus
+class VaultThumbnails : public cratewell::ThumbnailProvider, public QQmlParserStatus
 {
     Q_OBJECT
     Q_INTERFACES(QQmlParserStatus)
     QML_ELEMENT
 public:
-    explicit ThumbnailSource(QObject *parent = nullptr) : PictureSource(parent) {}
+    explicit VaultThumbnails(QObject *parent = nullptr) : ThumbnailProvider(parent) {}
 
     // Both must outlive this. In QML they are the program's own.
     void follow(Vault &vault, Media &media);

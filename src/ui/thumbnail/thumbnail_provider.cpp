@@ -1,4 +1,4 @@
-#include "ui/thumbnail/picture_source.h"
+#include "ui/thumbnail/thumbnail_provider.h"
 
 #include "ui/shell/ui_context.h"
 #include "vault/vault.h"
@@ -7,7 +7,7 @@
 
 namespace cratewell {
 
-QImage PictureSource::placeholder(const PlaceholderLook &look, const PictureShape &shape)
+QImage ThumbnailProvider::placeholder(const PlaceholderLook &look, const ThumbnailShape &shape)
 {
     constexpr size_t kept = 24; // while sizes change, older ones make room
     const auto found = std::ranges::find_if(m_placeholders, [&](const PaintedPlaceholder &entry) {
@@ -21,23 +21,23 @@ QImage PictureSource::placeholder(const PlaceholderLook &look, const PictureShap
         .picture;
 }
 
-void ThumbnailSource::follow(Vault &vault, Media &media)
+void VaultThumbnails::follow(Vault &vault, Media &media)
 {
     m_vault = &vault;
     m_media = &media;
-    connect(&media, &Media::thumbnailChanged, this, &PictureSource::changed);
-    connect(&media, &Media::waveformChanged, this, &PictureSource::changed);
-    connect(&media, &Media::scrubFrameChanged, this, &PictureSource::scrubFrameChanged);
+    connect(&media, &Media::thumbnailChanged, this, &ThumbnailProvider::changed);
+    connect(&media, &Media::waveformChanged, this, &ThumbnailProvider::changed);
+    connect(&media, &Media::scrubFrameChanged, this, &ThumbnailProvider::scrubFrameChanged);
     Q_EMIT reset();
 }
 
-void ThumbnailSource::componentComplete()
+void VaultThumbnails::componentComplete()
 {
     const UiContext &objects = uiContext(*this);
     follow(objects.vault, objects.media);
 }
 
-const Asset *ThumbnailSource::find(const Location &url) const
+const Asset *VaultThumbnails::find(const Location &url) const
 {
     if (!m_vault)
         return nullptr;
@@ -46,7 +46,7 @@ const Asset *ThumbnailSource::find(const Location &url) const
     return index ? &snapshot.asset(*index) : nullptr;
 }
 
-Media::State ThumbnailSource::state(const Location &url) const
+Media::State VaultThumbnails::state(const Location &url) const
 {
     const Asset *asset = find(url);
     if (!asset)
@@ -59,13 +59,13 @@ Media::State ThumbnailSource::state(const Location &url) const
     return peaks->isEmpty() ? Media::State::Failed : Media::State::Ready;
 }
 
-QImage ThumbnailSource::picture(const Location &url) const
+QImage VaultThumbnails::picture(const Location &url) const
 {
     const Asset *asset = find(url);
     return asset ? m_media->thumbnail(*asset) : QImage();
 }
 
-std::unique_ptr<PreviewRequest> ThumbnailSource::request(const Location &url)
+std::unique_ptr<PreviewRequest> VaultThumbnails::request(const Location &url)
 {
     const Asset *asset = find(url);
     if (!asset)
@@ -74,25 +74,25 @@ std::unique_ptr<PreviewRequest> ThumbnailSource::request(const Location &url)
                                            : m_media->requestThumbnail(*asset);
 }
 
-QImage ThumbnailSource::scrubFrame(const Location &url, int bucket) const
+QImage VaultThumbnails::scrubFrame(const Location &url, int bucket) const
 {
     const Asset *asset = find(url);
     return asset ? m_media->scrubFrame(*asset, bucket) : QImage();
 }
 
-std::unique_ptr<PreviewRequest> ThumbnailSource::requestScrubFrame(const Location &url, int bucket)
+std::unique_ptr<PreviewRequest> VaultThumbnails::requestScrubFrame(const Location &url, int bucket)
 {
     const Asset *asset = find(url);
     return asset ? m_media->requestScrubFrame(*asset, bucket) : nullptr;
 }
 
-WaveformPeaks ThumbnailSource::waveform(const Location &url) const
+WaveformPeaks VaultThumbnails::waveform(const Location &url) const
 {
     const Asset *asset = find(url);
     return asset ? m_media->waveform(*asset).value_or(WaveformPeaks()) : WaveformPeaks();
 }
 
-double ThumbnailSource::duration(const Location &url) const
+double VaultThumbnails::duration(const Location &url) const
 {
     const Asset *asset = find(url);
     return asset ? m_media->duration(*asset) : 0;

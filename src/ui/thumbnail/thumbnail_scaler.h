@@ -14,14 +14,14 @@ namespace cratewell {
 enum class PictureFit : quint8 { Cover, Contain };
 
 // How a picture is to lie on the screen, in device pixels.
-struct PictureShape
+struct ThumbnailShape
 {
     QSize size;
     int radius = 0; // of the rounded corners
     PictureFit fit = PictureFit::Cover;
 
-    friend bool operator==(const PictureShape &, const PictureShape &) = default;
-    friend size_t qHash(const PictureShape &shape, size_t seed = 0)
+    friend bool operator==(const ThumbnailShape &, const ThumbnailShape &) = default;
+    friend size_t qHash(const ThumbnailShape &shape, size_t seed = 0)
     {
         return qHashMulti(seed, shape.size.width(), shape.size.height(), shape.radius, int(shape.fit));
     }
@@ -29,31 +29,31 @@ struct PictureShape
 
 // A picture scaled into the shape, on a dark checkerboard where it is transparent, on black where it does not
 // reach; corners cut; premultiplied. Null when either is empty.
-QImage cutPicture(const QImage &picture, const PictureShape &shape);
+QImage scaledThumbnail(const QImage &picture, const ThumbnailShape &shape);
 
 // Cuts pictures into shape on its own threads, newest wish first, and remembers the results (64 MB). Main
 // thread; outlives whoever asks.
-class PictureCutter : public QObject
+class ThumbnailScaler : public QObject
 {
     Q_OBJECT
 public:
-    explicit PictureCutter(QObject *parent = nullptr);
-    ~PictureCutter() override;
+    explicit ThumbnailScaler(QObject *parent = nullptr);
+    ~ThumbnailScaler() override;
 
     // What was cut before; null when it was not or is forgotten.
-    QImage ready(const QImage &picture, const PictureShape &shape) const;
+    QImage ready(const QImage &picture, const ThumbnailShape &shape) const;
 
     // Dropping the ticket calls the work off: `done` is called on the main thread, at most once, only while
     // the ticket lives.
     using Ticket = std::shared_ptr<void>;
-    [[nodiscard]] Ticket cut(const QImage &picture, const PictureShape &shape,
+    [[nodiscard]] Ticket cut(const QImage &picture, const ThumbnailShape &shape,
                              std::function<void(const QImage &)> done);
 
 private:
     struct Key
     {
         qint64 picture = 0; // QImage::cacheKey
-        PictureShape shape;
+        ThumbnailShape shape;
         friend bool operator==(const Key &, const Key &) = default;
         friend size_t qHash(const Key &key, size_t seed = 0)
         {

@@ -1,4 +1,4 @@
-#include "ui/thumbnail/picture_cutter.h"
+#include "ui/thumbnail/thumbnail_scaler.h"
 
 #include "ui/thumbnail/soft_mask.h"
 
@@ -37,7 +37,7 @@ void drawCheckerboard(QPainter &painter, const QRect &place)
 }
 
 // Where the picture, or the part of it that is seen, lies in the shape.
-QRect placeIn(const PictureShape &shape, QSize part)
+QRect placeIn(const ThumbnailShape &shape, QSize part)
 {
     if (shape.fit == PictureFit::Cover)
         return {QPoint(), shape.size};
@@ -50,7 +50,7 @@ QRect placeIn(const PictureShape &shape, QSize part)
 
 } // namespace
 
-QImage cutPicture(const QImage &picture, const PictureShape &shape)
+QImage scaledThumbnail(const QImage &picture, const ThumbnailShape &shape)
 {
     if (picture.isNull() || shape.size.isEmpty())
         return {};
@@ -78,31 +78,31 @@ QImage cutPicture(const QImage &picture, const PictureShape &shape)
     return cut;
 }
 
-struct PictureCutter::Wish
+struct ThumbnailScaler::Wish
 {
     std::atomic<bool> calledOff = false;
     std::function<void(const QImage &)> done;
 };
 
-PictureCutter::PictureCutter(QObject *parent) : QObject(parent), m_ready(rememberedKilobytes)
+ThumbnailScaler::ThumbnailScaler(QObject *parent) : QObject(parent), m_ready(rememberedKilobytes)
 {
     m_pool.setMaxThreadCount(std::max(1, QThread::idealThreadCount() - 1));
 }
 
-PictureCutter::~PictureCutter()
+ThumbnailScaler::~ThumbnailScaler()
 {
     m_pool.clear();
     m_pool.waitForDone();
 }
 
-QImage PictureCutter::ready(const QImage &picture, const PictureShape &shape) const
+QImage ThumbnailScaler::ready(const QImage &picture, const ThumbnailShape &shape) const
 {
     const QImage *found = m_ready.object({picture.cacheKey(), shape});
     return found ? *found : QImage();
 }
 
-PictureCutter::Ticket PictureCutter::cut(const QImage &picture, const PictureShape &shape,
-                                         std::function<void(const QImage &)> done)
+ThumbnailScaler::Ticket ThumbnailScaler::cut(const QImage &picture, const ThumbnailShape &shape,
+                                             std::function<void(const QImage &)> done)
 {
     auto wish = std::make_shared<Wish>();
     wish->done = std::move(done);
@@ -113,7 +113,7 @@ PictureCutter::Ticket PictureCutter::cut(const QImage &picture, const PictureSha
     const auto work = [this, wish, picture, shape] {
         if (wish->calledOff)
             return;
-        QImage result = cutPicture(picture, shape);
+        QImage result = scaledThumbnail(picture, shape);
         QMetaObject::invokeMethod(this, [this, wish, shape, key = picture.cacheKey(), result] {
             m_ready.insert({key, shape}, new QImage(result), std::max(1, int(result.sizeInBytes() / 1024)));
             if (const auto tell = std::exchange(wish->done, nullptr))
