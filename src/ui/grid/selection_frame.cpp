@@ -1,6 +1,6 @@
 #include "ui/grid/selection_frame.h"
 
-#include "ui/thumbnail/soft_mask.h"
+#include "ui/thumbnail/alpha_mask.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -1,7 +1,7 @@
 #include "ui/shell/icon_renderer.h"
 
-#include "ui/thumbnail/soft_mask.h"
 #include "ui/grid/star_shape.h"
+#include "ui/thumbnail/alpha_mask.h"
 
 #include <QColorSpace>
 #include <QPainter>

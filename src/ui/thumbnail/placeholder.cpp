@@ -1,6 +1,6 @@
 #include "ui/thumbnail/placeholder.h"
 
-#include "ui/thumbnail/soft_mask.h"
+#include "ui/thumbnail/alpha_mask.h"
 #include "vault/category.h"
 
 #include <QFont>

@@ -1,6 +1,6 @@
 #include "ui/thumbnail/thumbnail_scaler.h"
 
-#include "ui/thumbnail/soft_mask.h"
+#include "ui/thumbnail/alpha_mask.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -1,7 +1,7 @@
 #include "ui/thumbnail/thumbnail_scaler.h"
 
 #include "support/wait.h"
-#include "ui/thumbnail/soft_mask.h"
+#include "ui/thumbnail/alpha_mask.h"
 
 #include <QPainterPath>
 #include <QSet>
@@ -112,7 +112,7 @@ TEST(ThumbnailScaler, DroppedTicketIsNeverAnswered)
     ASSERT_TRUE(test::waitUntil([&] { return answered; }));
 }
 
-TEST(SoftMask, BlurSpreadsLikeAGaussianAndKeepsTheAmount)
+TEST(AlphaMask, BlurSpreadsLikeAGaussianAndKeepsTheAmount)
 {
     QImage mask(101, 101, QImage::Format_Alpha8);
     mask.fill(0);

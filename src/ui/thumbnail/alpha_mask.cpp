@@ -1,4 +1,4 @@
-#include "ui/thumbnail/soft_mask.h"
+#include "ui/thumbnail/alpha_mask.h"
 
 #include <QPainter>
 #include <array>
