@@ -26,5 +26,5 @@ EmptyState {
 
     onActed: notice.act()
 
-    EmptyNotice { id: notice }
+    EmptyStateModel { id: notice }
 }

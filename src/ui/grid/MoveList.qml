@@ -31,7 +31,7 @@ ListView {
     implicitWidth: 228
     interactive: contentHeight > height
     keyNavigationEnabled: false
-    model: MoveTargets {}
+    model: FolderChoiceModel {}
     reuseItems: true
 
     T.ScrollBar.vertical: ThinScrollBar {}

@@ -12,7 +12,7 @@ Column {
     spacing: 6
 
     Repeater {
-        model: MetadataRows {}
+        model: MetadataModel {}
 
         Item {
             id: row

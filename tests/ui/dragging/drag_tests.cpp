@@ -3,7 +3,7 @@
 #include "ui/dragging/dropped_items.h"
 
 #include "support/small_library.h"
-#include "ui/grid/move_targets.h"
+#include "ui/grid/folder_choice_model.h"
 
 #include <QMimeData>
 #include <QTemporaryDir>
@@ -171,13 +171,13 @@ TEST(MoveTargetsModel, OffersTheFoldersThatTakeEveryKindOfTheSelection)
         for (const QString &file : files)
             selected.insert(library.path(file));
         library.state.setSelected(selected);
-        MoveTargets targets;
+        FolderChoiceModel targets;
         targets.fill(library.vault, library.state);
         std::vector<std::string> lines;
         for (int row = 0; row < targets.rowCount(); ++row)
             lines.push_back(
-                std::string(targets.data(targets.index(row), MoveTargets::DepthRole).toUInt(), ' ') +
-                targets.data(targets.index(row), MoveTargets::NameRole).toString().toStdString());
+                std::string(targets.data(targets.index(row), FolderChoiceModel::DepthRole).toUInt(), ' ') +
+                targets.data(targets.index(row), FolderChoiceModel::NameRole).toString().toStdString());
         return lines;
     };
     EXPECT_THAT(offered({u"SFX/Hits/Deep/Boom.wav"_s}), ElementsAre("SFX", " Hits", "  Deep"));

@@ -2,8 +2,8 @@
 #include "platform/fakes/fake_applications.h"
 #include "support/small_library.h"
 #include "ui/controls/formats.h"
-#include "ui/grid/empty_notice.h"
-#include "ui/inspector/metadata_rows.h"
+#include "ui/grid/empty_state_model.h"
+#include "ui/inspector/metadata_model.h"
 #include "ui/inspector/selection_info.h"
 
 #include <QSignalSpy>
@@ -45,7 +45,7 @@ QStringList details(const QString &file, AssetKind kind, const std::optional<Med
     return texts;
 }
 
-TEST(MetadataRows, SayOfEachKindWhatItsFileTells)
+TEST(MetadataModel, SayOfEachKindWhatItsFileTells)
 {
     MediaInfo film{.duration = 12.2, .width = 1920, .height = 1080, .frameRate = 23.976, .codec = u"ap4h"_s};
     film.hasVideo = true;
@@ -186,10 +186,10 @@ TEST(Notice, OffersWhatHelpsInEachView)
     }
 }
 
-TEST(EmptyNotice, DoesWhatItOffers)
+TEST(EmptyStateModel, DoesWhatItOffers)
 {
     test::SmallLibrary library;
-    EmptyNotice notice;
+    EmptyStateModel notice;
     notice.follow(library.state, library.vault, library.workspace);
 
     const Location hits = library.path(u"SFX/Hits"_s);

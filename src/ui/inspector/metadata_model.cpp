@@ -1,4 +1,4 @@
-#include "ui/inspector/metadata_rows.h"
+#include "ui/inspector/metadata_model.h"
 
 #include "state/app_state.h"
 #include "ui/controls/formats.h"
@@ -33,7 +33,7 @@ QString channelsText(int channels)
     return channels == 2 ? u"Stereo"_s : QString::number(channels);
 }
 
-void addVideoRows(std::vector<MetadataRows::Row> &rows, const MediaInfo &info)
+void addVideoRows(std::vector<MetadataModel::Row> &rows, const MediaInfo &info)
 {
     rows.push_back({u"Duration"_s, timeString(info.duration)});
     if (!info.hasVideo)
@@ -43,7 +43,7 @@ void addVideoRows(std::vector<MetadataRows::Row> &rows, const MediaInfo &info)
     rows.push_back({u"Codec"_s, codecText(info.codec)});
 }
 
-void addAudioRows(std::vector<MetadataRows::Row> &rows, const MediaInfo &info)
+void addAudioRows(std::vector<MetadataModel::Row> &rows, const MediaInfo &info)
 {
     if (!info.hasAudio || info.sampleRate <= 0)
         return;
@@ -54,10 +54,10 @@ void addAudioRows(std::vector<MetadataRows::Row> &rows, const MediaInfo &info)
 
 } // namespace
 
-std::vector<MetadataRows::Row> metadataRows(const Asset &asset, const std::optional<MediaInfo> &info,
-                                            const std::optional<LUT> &lut)
+std::vector<MetadataModel::Row> metadataRows(const Asset &asset, const std::optional<MediaInfo> &info,
+                                             const std::optional<LUT> &lut)
 {
-    std::vector<MetadataRows::Row> rows{
+    std::vector<MetadataModel::Row> rows{
         {u"Type"_s, kindLabel(asset.kind) + u" · "_s + asset.url.extension().toUpper()},
         {u"Size"_s, byteText(asset.size)}};
     if (asset.kind == AssetKind::Video && info)
@@ -74,11 +74,11 @@ std::vector<MetadataRows::Row> metadataRows(const Asset &asset, const std::optio
     return rows;
 }
 
-void MetadataRows::follow(AppState &state, Media &media)
+void MetadataModel::follow(AppState &state, Media &media)
 {
     m_state = &state;
     m_media = &media;
-    connect(&state, &AppState::selectionChanged, this, &MetadataRows::load);
+    connect(&state, &AppState::selectionChanged, this, &MetadataModel::load);
     const auto showIfMine = [this](const Location &url) {
         if (m_asset && m_asset->url == url)
             load();
@@ -88,13 +88,13 @@ void MetadataRows::follow(AppState &state, Media &media)
     load();
 }
 
-void MetadataRows::componentComplete()
+void MetadataModel::componentComplete()
 {
     const UiContext &objects = uiContext(*this);
     follow(objects.state, objects.media);
 }
 
-void MetadataRows::load()
+void MetadataModel::load()
 {
     m_asset = m_state->selection();
     m_request.reset();
@@ -104,7 +104,7 @@ void MetadataRows::load()
     show();
 }
 
-void MetadataRows::show()
+void MetadataModel::show()
 {
     std::vector<Row> rows;
     if (m_asset)
@@ -117,12 +117,12 @@ void MetadataRows::show()
     endResetModel();
 }
 
-int MetadataRows::rowCount(const QModelIndex &parent) const
+int MetadataModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : int(m_rows.size());
 }
 
-QVariant MetadataRows::data(const QModelIndex &index, int role) const
+QVariant MetadataModel::data(const QModelIndex &index, int role) const
 {
     if (index.row() < 0 || size_t(index.row()) >= m_rows.size())
         return {};
@@ -132,7 +132,7 @@ QVariant MetadataRows::data(const QModelIndex &index, int role) const
     return role == ValueRole || role == Qt::DisplayRole ? row.value : QVariant();
 }
 
-QHash<int, QByteArray> MetadataRows::roleNames() const
+QHash<int, QByteArray> MetadataModel::roleNames() const
 {
     return {{LabelRole, "label"}, {ValueRole, "value"}};
 }

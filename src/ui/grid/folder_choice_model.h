@@ -11,7 +11,7 @@ namespace cratewell {
 class AppState;
 
 // The folders that the selected assets can be moved to, as they were when the list was made.
-class MoveTargets : public QAbstractListModel, public QQmlParserStatus
+class FolderChoiceModel : public QAbstractListModel, public QQmlParserStatus
 {
     Q_OBJECT
     QML_ELEMENT

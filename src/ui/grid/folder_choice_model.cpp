@@ -1,17 +1,17 @@
-#include "ui/grid/move_targets.h"
+#include "ui/grid/folder_choice_model.h"
 
 #include "state/app_state.h"
 #include "ui/shell/ui_context.h"
 
 namespace cratewell {
 
-void MoveTargets::componentComplete()
+void FolderChoiceModel::componentComplete()
 {
     const UiContext &objects = uiContext(*this);
     fill(objects.vault, objects.state);
 }
 
-void MoveTargets::fill(const Vault &vault, const AppState &state)
+void FolderChoiceModel::fill(const Vault &vault, const AppState &state)
 {
     QSet<AssetKind> kinds;
     const VisibleAssets &visible = state.visibleAssets();
@@ -24,12 +24,12 @@ void MoveTargets::fill(const Vault &vault, const AppState &state)
     endResetModel();
 }
 
-int MoveTargets::rowCount(const QModelIndex &parent) const
+int FolderChoiceModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : int(m_folders.size());
 }
 
-QVariant MoveTargets::data(const QModelIndex &index, int role) const
+QVariant FolderChoiceModel::data(const QModelIndex &index, int role) const
 {
     if (index.row() < 0 || size_t(index.row()) >= m_folders.size())
         return {};
@@ -47,7 +47,7 @@ QVariant MoveTargets::data(const QModelIndex &index, int role) const
     }
 }
 
-QHash<int, QByteArray> MoveTargets::roleNames() const
+QHash<int, QByteArray> FolderChoiceModel::roleNames() const
 {
     return {{FolderRole, "folder"}, {NameRole, "name"}, {DepthRole, "depth"}};
 }

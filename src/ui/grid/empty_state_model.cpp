@@ -1,4 +1,4 @@
-#include "ui/grid/empty_notice.h"
+#include "ui/grid/empty_state_model.h"
 
 #include "platform/workspace.h"
 #include "state/app_state.h"
@@ -88,25 +88,25 @@ QString actionText(Notice::Action action)
     return {};
 }
 
-EmptyNotice::EmptyNotice(QObject *parent) : QObject(parent) {}
+EmptyStateModel::EmptyStateModel(QObject *parent) : QObject(parent) {}
 
-void EmptyNotice::follow(AppState &state, const Vault &vault, Workspace &workspace)
+void EmptyStateModel::follow(AppState &state, const Vault &vault, Workspace &workspace)
 {
     m_state = &state;
     m_vault = &vault;
     m_workspace = &workspace;
-    connect(&state, &AppState::scopeChanged, this, &EmptyNotice::renew);
-    connect(&state, &AppState::searchChanged, this, &EmptyNotice::renew);
+    connect(&state, &AppState::scopeChanged, this, &EmptyStateModel::renew);
+    connect(&state, &AppState::searchChanged, this, &EmptyStateModel::renew);
     renew();
 }
 
-void EmptyNotice::componentComplete()
+void EmptyStateModel::componentComplete()
 {
     const UiContext &objects = uiContext(*this);
     follow(objects.state, objects.vault, objects.workspace);
 }
 
-void EmptyNotice::act()
+void EmptyStateModel::act()
 {
     switch (m_notice.action) {
     case Notice::Action::OpenFolder:
@@ -122,7 +122,7 @@ void EmptyNotice::act()
     }
 }
 
-void EmptyNotice::renew()
+void EmptyStateModel::renew()
 {
     m_notice = noticeFor(m_state->scope(), m_state->search(), m_vault->root());
     Q_EMIT changed();

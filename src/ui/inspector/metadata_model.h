@@ -15,7 +15,7 @@ class AppState;
 // What the inspector says about the file of the focused asset: pairs of a label and a value, those at once
 // that the vault knows, the rest as soon as the file has been read. What cannot be read is left out. Main
 // thread.
-class MetadataRows : public QAbstractListModel, public QQmlParserStatus
+class MetadataModel : public QAbstractListModel, public QQmlParserStatus
 {
     Q_OBJECT
     QML_ELEMENT
@@ -53,7 +53,7 @@ private:
 };
 
 // The rows of an asset; `info` and `lut` stand for what is not known (yet) when they are empty.
-std::vector<MetadataRows::Row> metadataRows(const Asset &asset, const std::optional<MediaInfo> &info,
-                                            const std::optional<LUT> &lut);
+std::vector<MetadataModel::Row> metadataRows(const Asset &asset, const std::optional<MediaInfo> &info,
+                                             const std::optional<LUT> &lut);
 
 } // namespace cratewell

@@ -32,7 +32,7 @@ Notice noticeFor(const Scope &scope, const QString &search, const Location &root
 QString actionText(Notice::Action action);
 
 // The notice for what is in view now, in QML. Main thread.
-class EmptyNotice : public QObject, public QQmlParserStatus
+class EmptyStateModel : public QObject, public QQmlParserStatus
 {
     Q_OBJECT
     Q_INTERFACES(QQmlParserStatus)
@@ -44,7 +44,7 @@ class EmptyNotice : public QObject, public QQmlParserStatus
     Q_PROPERTY(QString sentence READ sentence NOTIFY changed FINAL)
     Q_PROPERTY(QString action READ action NOTIFY changed FINAL)
 public:
-    explicit EmptyNotice(QObject *parent = nullptr);
+    explicit EmptyStateModel(QObject *parent = nullptr);
 
     // All must outlive this. In QML they are the program's own.
     void follow(AppState &state, const Vault &vault, Workspace &workspace);
