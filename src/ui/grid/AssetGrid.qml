@@ -80,7 +80,7 @@ T.Control {
         onAboutToApply: newCount => view.remember(newCount)
         onApplied: view.restore()
     }
-    GridSteps {
+    GridNavigation {
         id: steps
 
         columns: grid.columns

@@ -45,7 +45,7 @@ Item {
             text: qsTr("New Folder")
             width: parent.width
         }
-        NameNote {
+        FieldHint {
             id: note
 
             problem: form.problem(field.text)

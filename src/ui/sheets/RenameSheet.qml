@@ -39,7 +39,7 @@ Item {
             text: form.name
             width: parent.width
         }
-        NameNote {
+        FieldHint {
             id: note
 
             problem: form.problem(field.text)

@@ -63,8 +63,8 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             spacing: 12
 
-            EditorDot { name: "Resolve"; running: footer.resolveRunning }
-            EditorDot { name: "Premiere"; running: footer.premiereRunning }
+            NLEDot { name: "Resolve"; running: footer.resolveRunning }
+            NLEDot { name: "Premiere"; running: footer.premiereRunning }
         }
         Row {
             anchors.right: parent.right
