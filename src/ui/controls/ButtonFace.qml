@@ -9,19 +9,19 @@ Row {
 
     required property string symbol
     required property string text
-    required property color ink
+    required property color foreground
 
     spacing: 7
 
     Icon {
         anchors.verticalCenter: parent.verticalCenter
-        color: face.ink
+        color: face.foreground
         text: face.symbol
         visible: text.length > 0
     }
     Label {
         anchors.verticalCenter: parent.verticalCenter
-        color: face.ink
+        color: face.foreground
         font.weight: Font.DemiBold
         text: face.text
         visible: text.length > 0

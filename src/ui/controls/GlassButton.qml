@@ -17,7 +17,7 @@ T.Button {
     // With its text, whether or not it shows now.
     readonly property real fullWidth: Math.ceil(metrics.width) + (symbol ? 11 + 16 + 7 : 12) + 12
     readonly property int compactWidth: 33
-    readonly property color ink: prominent ? Theme.accentInk : destructive ? Theme.destructive : Theme.text
+    readonly property color foreground: prominent ? Theme.accentForeground : destructive ? Theme.destructive : Theme.text
 
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
@@ -57,7 +57,7 @@ T.Button {
         prominent: control.prominent
     }
     contentItem: ButtonFace {
-        ink: control.ink
+        foreground: control.foreground
         symbol: control.symbol
         text: control.compact ? "" : control.text
     }

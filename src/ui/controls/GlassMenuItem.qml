@@ -12,7 +12,7 @@ T.MenuItem {
     property string symbol: ""
     property int symbolIndent: 0
     property bool destructive: false
-    readonly property color ink: highlighted ? Theme.accentInk : destructive ? Theme.destructive : Theme.text
+    readonly property color foreground: highlighted ? Theme.accentForeground : destructive ? Theme.destructive : Theme.text
 
     hoverEnabled: true
     implicitHeight: 27
@@ -39,9 +39,9 @@ T.MenuItem {
     }
     contentItem: MenuLine {
         indent: item.symbolIndent
-        ink: item.ink
+        foreground: item.foreground
         keys: item.keys
-        keysInk: item.highlighted ? Theme.accentInk : Theme.textTertiary
+        keysForeground: item.highlighted ? Theme.accentForeground : Theme.textTertiary
         opacity: item.enabled ? 1 : 0.4
         symbol: item.symbol
         text: item.text
@@ -50,7 +50,7 @@ T.MenuItem {
         anchors.left: parent.left
         anchors.leftMargin: 7
         anchors.verticalCenter: parent.verticalCenter
-        color: item.ink
+        color: item.foreground
         size: 14
         text: "check"
         visible: item.checkable && item.checked
@@ -59,7 +59,7 @@ T.MenuItem {
         anchors.right: parent.right
         anchors.rightMargin: 6
         anchors.verticalCenter: parent.verticalCenter
-        color: item.highlighted ? item.ink : Theme.textTertiary
+        color: item.highlighted ? item.foreground : Theme.textTertiary
         opacity: item.enabled ? 1 : 0.4
         size: 15
         text: "chevron_right"

@@ -36,7 +36,7 @@ T.TabButton {
         prominent: control.checked
     }
     contentItem: ButtonFace {
-        ink: control.checked ? Theme.accentInk : Theme.text
+        foreground: control.checked ? Theme.accentForeground : Theme.text
         symbol: control.symbol
         text: control.text
     }

@@ -10,7 +10,7 @@ T.Button {
 
     required property string symbol
     property int size: 18
-    property color ink: Theme.textSecondary
+    property color foreground: Theme.textSecondary
 
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
@@ -46,7 +46,7 @@ T.Button {
     contentItem: Item {
         Icon {
             anchors.centerIn: parent
-            color: control.checked ? Theme.accent : control.hovered ? Theme.text : control.ink
+            color: control.checked ? Theme.accent : control.hovered ? Theme.text : control.foreground
             size: control.size
             text: control.symbol
         }

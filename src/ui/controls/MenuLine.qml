@@ -9,8 +9,8 @@ Item {
 
     required property string text
     required property string keys
-    required property color ink
-    required property color keysInk
+    required property color foreground
+    required property color keysForeground
     property string symbol: ""
     property int indent: 0
 
@@ -18,7 +18,7 @@ Item {
 
     Icon {
         anchors.verticalCenter: parent.verticalCenter
-        color: line.ink
+        color: line.foreground
         text: line.symbol
         visible: line.symbol.length > 0
         x: line.indent
@@ -30,7 +30,7 @@ Item {
         anchors.leftMargin: line.indent + (line.symbol ? 23 : 0)
         anchors.right: keysLabel.left
         anchors.verticalCenter: parent.verticalCenter
-        color: line.ink
+        color: line.foreground
         text: line.text
 
         Accessible.ignored: true
@@ -40,7 +40,7 @@ Item {
 
         anchors.right: parent.right
         anchors.verticalCenter: parent.verticalCenter
-        color: line.keysInk
+        color: line.keysForeground
         font.pixelSize: Theme.secondarySize
         text: line.keys
 

@@ -15,7 +15,7 @@ GlassMenuItem {
 
     indicator: Rectangle {
         anchors.verticalCenter: parent.verticalCenter
-        border.color: item.highlighted ? Theme.accentInk : "transparent"
+        border.color: item.highlighted ? Theme.accentForeground : "transparent"
         color: item.swatch
         height: 14
         radius: 7
@@ -24,7 +24,7 @@ GlassMenuItem {
 
         Icon {
             anchors.centerIn: parent
-            color: item.swatch.a > 0 ? "#16161C" : item.ink
+            color: item.swatch.a > 0 ? "#16161C" : item.foreground
             size: 12
             text: "check"
             visible: item.checked

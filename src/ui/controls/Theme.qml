@@ -22,34 +22,34 @@ QtObject {
     readonly property color amber: "#FFD27A"
     readonly property color orange: "#FF9F43"
     readonly property color gray: "#8E8E96"
-    // `ink` on the window base: white in the dark, black in the light.
-    function ink(opacity: real): color {
+    // `foreground` on the window base: white in the dark, black in the light.
+    function foreground(opacity: real): color {
         return dark ? Qt.rgba(1, 1, 1, opacity) : Qt.rgba(0, 0, 0, opacity);
     }
 
     // Meaning
     readonly property color accent: Prefs.accent
-    readonly property color accentInk: "white"
+    readonly property color accentForeground: "white"
     readonly property color windowBase: dark ? "#09090F" : "#F2F2F7"
     readonly property color panelBase: dark ? "#16161C" : "#FAFAFC"
-    readonly property color text: ink(dark ? 0.92 : 0.88)
-    readonly property color textSecondary: ink(dark ? 0.58 : 0.56)
+    readonly property color text: foreground(dark ? 0.92 : 0.88)
+    readonly property color textSecondary: foreground(dark ? 0.58 : 0.56)
     // Names in a long list, calmer than those above it.
-    readonly property color textFolder: ink(0.8)
-    readonly property color textTertiary: ink(0.36)
+    readonly property color textFolder: foreground(0.8)
+    readonly property color textTertiary: foreground(0.36)
     readonly property color glassFill: dark ? Qt.rgba(1, 1, 1, 0.055) : Qt.rgba(1, 1, 1, 0.62)
     readonly property color panelFill: Prefs.glassSidebar ? glassFill : panelBase
-    readonly property color glassBorder: ink(dark ? 0.09 : 0.08)
-    readonly property color controlFill: ink(dark ? 0.075 : 0.05)
-    readonly property color controlFillHover: ink(dark ? 0.12 : 0.08)
-    readonly property color controlFillPressed: ink(dark ? 0.05 : 0.12)
-    readonly property color controlBorder: ink(0.08)
-    readonly property color rowHover: ink(dark ? 0.06 : 0.04)
-    readonly property color rowSelected: ink(dark ? 0.12 : 0.08)
-    readonly property color separator: ink(0.08)
-    readonly property color track: ink(dark ? 0.16 : 0.12)
+    readonly property color glassBorder: foreground(dark ? 0.09 : 0.08)
+    readonly property color controlFill: foreground(dark ? 0.075 : 0.05)
+    readonly property color controlFillHover: foreground(dark ? 0.12 : 0.08)
+    readonly property color controlFillPressed: foreground(dark ? 0.05 : 0.12)
+    readonly property color controlBorder: foreground(0.08)
+    readonly property color rowHover: foreground(dark ? 0.06 : 0.04)
+    readonly property color rowSelected: foreground(dark ? 0.12 : 0.08)
+    readonly property color separator: foreground(0.08)
+    readonly property color track: foreground(dark ? 0.16 : 0.12)
     readonly property color popup: dark ? "#1B1B22" : "#FCFCFE"
-    readonly property color popupBorder: ink(dark ? 0.14 : 0.1)
+    readonly property color popupBorder: foreground(dark ? 0.14 : 0.1)
     readonly property color scrim: dark ? Qt.rgba(0.03, 0.03, 0.05, 0.62) : Qt.rgba(0.1, 0.1, 0.14, 0.32)
     readonly property color destructive: dark ? "#FF6B6B" : "#D93A3A"
     readonly property color warning: dark ? "#FF9F43" : "#B96A12"

@@ -18,7 +18,7 @@ T.ScrollBar {
     Accessible.ignored: true
 
     contentItem: Rectangle {
-        color: Theme.ink(control.pressed ? 0.5 : control.hovered ? 0.38 : 0.22)
+        color: Theme.foreground(control.pressed ? 0.5 : control.hovered ? 0.38 : 0.22)
         implicitHeight: 6
         implicitWidth: 6
         opacity: control.active ? 1 : 0

@@ -50,7 +50,7 @@ DropArea {
                 id: line
 
                 anchors.centerIn: parent
-                color: Theme.accentInk
+                color: Theme.accentForeground
                 font.weight: Font.DemiBold
                 text: drops.effect === DropController.Copy ? qsTr("Copy into %1").arg(AppState.scopeTitle)
                                                   : qsTr("Copy, sorted by type")

@@ -43,9 +43,9 @@ Item {
         anchors.rightMargin: 10
         anchors.verticalCenter: parent.verticalCenter
         indent: 14 * line.depth
-        ink: line.current ? Theme.accentInk : Theme.text
+        foreground: line.current ? Theme.accentForeground : Theme.text
         keys: ""
-        keysInk: ink
+        keysForeground: foreground
         symbol: "folder"
         text: line.name
     }

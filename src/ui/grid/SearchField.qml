@@ -20,7 +20,7 @@ T.TextField {
     renderType: Text.NativeRendering
     rightPadding: clearButton.visible ? 30 : 10
     selectByMouse: true
-    selectedTextColor: Theme.accentInk
+    selectedTextColor: Theme.accentForeground
     selectionColor: Theme.accent
     verticalAlignment: Text.AlignVCenter
 

@@ -30,7 +30,7 @@ Item {
     }
     DashedFrame {
         anchors.fill: parent
-        color: drop.containsDrag ? Theme.accent : Theme.ink(0.24)
+        color: drop.containsDrag ? Theme.accent : Theme.foreground(0.24)
         radius: Theme.panelRadius
     }
     Column {

@@ -80,7 +80,7 @@ Rectangle {
 
                     Icon {
                         anchors.verticalCenter: parent.verticalCenter
-                        color: Theme.accentInk
+                        color: Theme.accentForeground
                         size: 17
                         text: bar.busy ? "autorenew" : "south_east"
 
@@ -95,7 +95,7 @@ Rectangle {
                     }
                     Label {
                         anchors.verticalCenter: parent.verticalCenter
-                        color: Theme.accentInk
+                        color: Theme.accentForeground
                         font.weight: Font.Bold
                         text: button.text
 

@@ -96,9 +96,9 @@ Item {
             EmptyState {
                 anchors.centerIn: parent
                 anchors.verticalCenterOffset: 20
-                end: Theme.ink(0.1)
+                end: Theme.foreground(0.1)
                 sentence: qsTr("There is nothing to set on this page yet.")
-                start: Theme.ink(0.2)
+                start: Theme.foreground(0.2)
                 symbol: settings.symbols[settings.page]
                 title: settings.titles[settings.page]
                 width: parent.width - 96

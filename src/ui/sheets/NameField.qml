@@ -22,7 +22,7 @@ T.TextField {
     renderType: Text.NativeRendering
     rightPadding: 11
     selectByMouse: true
-    selectedTextColor: Theme.accentInk
+    selectedTextColor: Theme.accentForeground
     selectionColor: Theme.accent
     verticalAlignment: Text.AlignVCenter
 

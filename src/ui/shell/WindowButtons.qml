@@ -32,7 +32,7 @@ Row {
         contentItem: Item {
             Rectangle {
                 anchors.centerIn: parent
-                color: Theme.ink(dot.down ? 0.5 : dot.hovered ? 0.4 : Theme.dark ? 0.28 : 0.2)
+                color: Theme.foreground(dot.down ? 0.5 : dot.hovered ? 0.4 : Theme.dark ? 0.28 : 0.2)
                 height: 12
                 radius: 6
                 width: 12

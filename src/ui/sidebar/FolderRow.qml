@@ -143,7 +143,7 @@ Item {
             id: effect
 
             anchors.centerIn: parent
-            color: Theme.accentInk
+            color: Theme.accentForeground
             font.pixelSize: Theme.secondarySize
             font.weight: Font.DemiBold
             text: row.drop === DropController.Move ? qsTr("Move") : row.drop === DropController.Copy ? qsTr("Copy")

@@ -31,7 +31,7 @@ Row {
         }
         Rectangle {
             anchors.fill: parent
-            color: status.running ? Theme.success : Theme.ink(0.22)
+            color: status.running ? Theme.success : Theme.foreground(0.22)
             radius: 3.5
         }
     }

@@ -56,9 +56,9 @@ QImage placeholderPicture(const PlaceholderLook &look, const ThumbnailShape &sha
         QFont font(look.iconFamily);
         font.setPixelSize(std::max(8, shape.size.height() * 2 / 5));
         painter.setFont(font);
-        QColor ink = look.sign == Sign::Broken ? QColor(Qt::white) : mixed(start, Qt::white, 0.35F);
-        ink.setAlphaF(look.sign == Sign::Broken ? 0.28F : 0.6F);
-        painter.setPen(ink);
+        QColor foreground = look.sign == Sign::Broken ? QColor(Qt::white) : mixed(start, Qt::white, 0.35F);
+        foreground.setAlphaF(look.sign == Sign::Broken ? 0.28F : 0.6F);
+        painter.setPen(foreground);
         painter.drawText(tile.rect(), Qt::AlignCenter,
                          look.sign == Sign::Broken ? QStringLiteral("broken_image") : kindIcon(look.kind));
     }

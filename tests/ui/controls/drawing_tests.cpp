@@ -151,7 +151,7 @@ TEST(WaveformDrawing, DrawsTheStylesToTheirShape)
 {
     WaveformPeaks peaks(240, 0.0F);
     std::fill(peaks.begin() + 120, peaks.end(), 1.0F);
-    const auto ink = [&](const QString &style, QRect where) {
+    const auto foreground = [&](const QString &style, QRect where) {
         QImage image(200, 100, QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::transparent);
         QPainter painter(&image);
@@ -167,16 +167,16 @@ TEST(WaveformDrawing, DrawsTheStylesToTheirShape)
     const QRect loudTop(110, 5, 80, 20), loudBottom(110, 75, 80, 20), quietTop(10, 5, 80, 40),
         quietMiddle(10, 48, 80, 4);
     for (const auto &style : {u"mirror"_s, u"bars"_s, u"line"_s}) {
-        EXPECT_GT(ink(style, loudTop), 0.3) << style.toStdString();
-        EXPECT_GT(ink(style, loudBottom), 0.3) << style.toStdString();
-        EXPECT_EQ(ink(style, quietTop), 0) << style.toStdString();
+        EXPECT_GT(foreground(style, loudTop), 0.3) << style.toStdString();
+        EXPECT_GT(foreground(style, loudBottom), 0.3) << style.toStdString();
+        EXPECT_EQ(foreground(style, quietTop), 0) << style.toStdString();
     }
-    EXPECT_GT(ink(u"mirror"_s, quietMiddle), 0.1) << "silence is a line, not a hole";
-    EXPECT_GT(ink(u"line"_s, quietMiddle), 0.1);
-    EXPECT_EQ(ink(u"bars"_s, quietMiddle), 0);
-    EXPECT_GT(ink(u"bars"_s, {10, 96, 80, 4}), 0.1);
+    EXPECT_GT(foreground(u"mirror"_s, quietMiddle), 0.1) << "silence is a line, not a hole";
+    EXPECT_GT(foreground(u"line"_s, quietMiddle), 0.1);
+    EXPECT_EQ(foreground(u"bars"_s, quietMiddle), 0);
+    EXPECT_GT(foreground(u"bars"_s, {10, 96, 80, 4}), 0.1);
     EXPECT_EQ(waveStyleFromRawValue(u"no such style"_s), WaveStyle::Mirror);
-    EXPECT_LT(ink(u"mirror"_s, loudTop), 0.8) << "bars have gaps";
+    EXPECT_LT(foreground(u"mirror"_s, loudTop), 0.8) << "bars have gaps";
 }
 
 TEST(ByteText, IsDecimalAndRoundsIntoTheNextUnit)
