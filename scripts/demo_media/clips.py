@@ -1,7 +1,7 @@
 """Overlay clips: soft light over black, flashes, glitches, grain and transitions.
 
 Shapes are drawn small, as brightness (0 to 1) over U and V (the picture's width and height, 0 to 1) and P
-(progress, 0 to 1), enlarged, and only then coloured, so that gradients stay smooth.
+(progress, 0 to 1), enlarged, and only then colored, so that gradients stay smooth.
 """
 
 import pathlib
@@ -62,7 +62,7 @@ def soft(expression: str, strength: float = 1.6) -> str:
 
 
 def static(grid: str, rate: str, seconds: float, strength: int, seed: int) -> str:
-    """Grey noise around the middle; the filter makes it coloured unless told to touch brightness alone."""
+    """Gray noise around the middle; the filter makes it colored unless told to touch brightness alone."""
     return f"color=gray:s={grid}:r={rate}:d={seconds},noise=c0s={strength}:c0f=t:c0_seed={seed},format=gray"
 
 
@@ -81,7 +81,7 @@ def drawn(
     size: tuple[int, int],
     enlarge: str = "bicubic",
 ) -> str:
-    """Brightness as a stream of 12-bit grey pictures of the given size."""
+    """Brightness as a stream of 12-bit gray pictures of the given size."""
     return (
         f"nullsrc=s={grid[0]}x{grid[1]}:r={rate}:d={seconds},format=gray12le,"
         f"geq=lum='4095*clip({in_picture(shape, seconds)},0,1)',"
@@ -98,7 +98,7 @@ def tinted(tint: str) -> str:
     return "format=gbrp12le,lutrgb=" + ":".join(channels)
 
 
-# Light over black becomes light on nothing: the brightest channel covers, and the colour is divided by it.
+# Light over black becomes light on nothing: the brightest channel covers, and the color is divided by it.
 LIFTED = (
     ",format=gbrp,split[light][cover];[cover]extractplanes=r+g+b[red][green][blue];"
     "[red][green]blend=all_mode=lighten[warm];[warm][blue]blend=all_mode=lighten[alpha];"
@@ -305,10 +305,10 @@ def flashes() -> list[Recipe]:
 def glitches() -> list[Recipe]:
     folder = "Glitches"
 
-    def blocks(share: float, colour: str) -> str:
+    def blocks(share: float, color: str) -> str:
         return (
             f"nullsrc=s=24x14:r=8:d=3,format=gray,geq=lum='255*gt(random(1),{1 - share})',"
-            f"scale=1280:720:flags=neighbor,format=gbrp,{colour}"
+            f"scale=1280:720:flags=neighbor,format=gbrp,{color}"
         )
 
     bars = (

@@ -69,7 +69,7 @@ def lens_ghosts() -> list[tuple[str, str, str]]:
     sun = svg(900, 900, bloom("s", 450, 450, 450, "#fff6dc", "#ffb04a"))
     haze = svg(WIDTH, HEIGHT, bloom("h", 1280, 700, 720, "#a98bff", "#6a3cff", 0.5))
     layers = [(haze, "0", "0"), (sun, "-340+50*t", "-330+12*t")]
-    for number, (place, radius, colour, strength) in enumerate(
+    for number, (place, radius, color, strength) in enumerate(
         (
             (0.30, 62, "#ffd27a", 0.55),
             (0.46, 118, "#ff9a5a", 0.30),
@@ -87,10 +87,10 @@ def lens_ghosts() -> list[tuple[str, str, str]]:
                 radius,
                 radius,
                 [
-                    (0, colour, strength * 0.5),
-                    (0.86, colour, strength),
+                    (0, color, strength * 0.5),
+                    (0.86, color, strength),
                     (0.95, "#ffffff", strength * 0.9),
-                    (1, colour, 0),
+                    (1, color, 0),
                 ],
             ),
         )

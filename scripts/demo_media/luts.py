@@ -6,8 +6,8 @@ from collections.abc import Callable
 
 from .recipe import Recipe
 
-Colour = tuple[float, float, float]
-Look = Callable[[float, float, float], Colour]
+Color = tuple[float, float, float]
+Look = Callable[[float, float, float], Color]
 
 
 def luma(r: float, g: float, b: float) -> float:
@@ -19,56 +19,56 @@ def mix(a: float, b: float, amount: float) -> float:
 
 
 def contrast(value: float, amount: float) -> float:
-    """An S around middle grey; 0 leaves the value alone."""
+    """An S around middle gray; 0 leaves the value alone."""
     return mix(value, value * value * (3 - 2 * value), amount)
 
 
-def saturated(colour: Colour, amount: float) -> Colour:
-    y = luma(*colour)
-    return tuple(mix(y, value, amount) for value in colour)
+def saturated(color: Color, amount: float) -> Color:
+    y = luma(*color)
+    return tuple(mix(y, value, amount) for value in color)
 
 
-def split_toned(colour: Colour, shadows: Colour, highlights: Colour, amount: float) -> Colour:
-    y = luma(*colour)
+def split_toned(color: Color, shadows: Color, highlights: Color, amount: float) -> Color:
+    y = luma(*color)
     return tuple(
         value + amount * ((1 - y) ** 2 * (low - 0.5) + y * y * (high - 0.5))
-        for value, low, high in zip(colour, shadows, highlights)
+        for value, low, high in zip(color, shadows, highlights)
     )
 
 
-def teal_and_orange(r: float, g: float, b: float) -> Colour:
+def teal_and_orange(r: float, g: float, b: float) -> Color:
     toned = split_toned(
         (contrast(r, 0.6), contrast(g, 0.5), contrast(b, 0.4)), (0.22, 0.52, 0.62), (0.72, 0.52, 0.32), 0.5
     )
     return saturated(toned, 1.35)
 
 
-def dusk_fade(r: float, g: float, b: float) -> Colour:
+def dusk_fade(r: float, g: float, b: float) -> Color:
     lifted = tuple(0.10 + 0.80 * value for value in saturated((r, g, b), 0.68))
     return split_toned(lifted, (0.52, 0.46, 0.58), (0.58, 0.50, 0.44), 0.3)
 
 
-def noir(r: float, g: float, b: float) -> Colour:
+def noir(r: float, g: float, b: float) -> Color:
     y = contrast(contrast(luma(r, g, b) ** 1.1, 1), 0.6)
     return y, y, y
 
 
-def bleach(r: float, g: float, b: float) -> Colour:
+def bleach(r: float, g: float, b: float) -> Color:
     y = luma(r, g, b)
     hard = tuple(2 * value * y if y < 0.5 else 1 - 2 * (1 - value) * (1 - y) for value in (r, g, b))
     return saturated(tuple(mix(value, other, 0.75) for value, other in zip((r, g, b), hard)), 0.75)
 
 
-def cold_harbor(r: float, g: float, b: float) -> Colour:
+def cold_harbor(r: float, g: float, b: float) -> Color:
     toned = split_toned(saturated((r, g, b), 0.7), (0.44, 0.50, 0.60), (0.42, 0.53, 0.56), 0.7)
     return tuple(contrast(value, 0.35) for value in toned)
 
 
-def amber_print(r: float, g: float, b: float) -> Colour:
+def amber_print(r: float, g: float, b: float) -> Color:
     return 0.04 + 0.96 * contrast(r, 0.3), 0.02 + 0.90 * contrast(g, 0.3), 0.05 + 0.62 * b
 
 
-def neon_night(r: float, g: float, b: float) -> Colour:
+def neon_night(r: float, g: float, b: float) -> Color:
     y = luma(r, g, b)
     return (
         mix(r, min(1.0, 1.5 * y**1.6), 0.65),
@@ -77,12 +77,12 @@ def neon_night(r: float, g: float, b: float) -> Colour:
     )
 
 
-def silver(r: float, g: float, b: float) -> Colour:
+def silver(r: float, g: float, b: float) -> Color:
     y = 0.05 + 0.9 * contrast(luma(r, g, b), 0.4)
     return tuple(mix(y * tone, value, 0.18) for value, tone in zip((r, g, b), (1.02, 0.99, 0.95)))
 
 
-def warm_film(r: float, g: float, b: float) -> Colour:
+def warm_film(r: float, g: float, b: float) -> Color:
     shoulder = tuple(1 - math.exp(-2.1 * value) for value in (r, g, b))
     full = 1 - math.exp(-2.1)
     return split_toned(
@@ -90,11 +90,11 @@ def warm_film(r: float, g: float, b: float) -> Colour:
     )
 
 
-def cross_process(r: float, g: float, b: float) -> Colour:
+def cross_process(r: float, g: float, b: float) -> Color:
     return contrast(r, 0.9), contrast(g, 0.5) * 0.96 + 0.03, 0.18 + 0.62 * b
 
 
-def log_to_video(r: float, g: float, b: float) -> Colour:
+def log_to_video(r: float, g: float, b: float) -> Color:
     def unlog(value: float) -> float:
         linear = max(0.0, (10 ** ((value - 0.386) / 0.264) - 0.06) / 5.2)
         return min(1.0, linear ** (1 / 2.4))
@@ -102,11 +102,11 @@ def log_to_video(r: float, g: float, b: float) -> Colour:
     return unlog(r), unlog(g), unlog(b)
 
 
-def inverted(r: float, g: float, b: float) -> Colour:
+def inverted(r: float, g: float, b: float) -> Color:
     return 1 - r, 1 - g, 1 - b
 
 
-def lattice(look: Look, size: int) -> list[Colour]:
+def lattice(look: Look, size: int) -> list[Color]:
     """Red runs fastest."""
     steps = [i / (size - 1) for i in range(size)]
     return [
@@ -118,7 +118,7 @@ def lattice(look: Look, size: int) -> list[Colour]:
 
 
 def cube_text(title: str, look: Look, size: int) -> str:
-    rows = "\n".join("%.6f %.6f %.6f" % colour for colour in lattice(look, size))
+    rows = "\n".join("%.6f %.6f %.6f" % color for color in lattice(look, size))
     return f'TITLE "{title}"\nLUT_3D_SIZE {size}\nDOMAIN_MIN 0.0 0.0 0.0\nDOMAIN_MAX 1.0 1.0 1.0\n\n{rows}\n'
 
 

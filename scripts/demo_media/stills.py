@@ -18,10 +18,10 @@ def svg(width: int, height: int, body: str, backdrop: str = "") -> str:
 
 
 def soft_disc(name: str, x: float, y: float, radius: float, stops: list[tuple[float, str, float]]) -> str:
-    """A radial gradient; stops are (place 0 to 1, colour, opacity)."""
+    """A radial gradient; stops are (place 0 to 1, color, opacity)."""
     marks = "".join(
-        f'<stop offset="{at}" stop-color="{colour}" stop-opacity="{opacity}"/>'
-        for at, colour, opacity in stops
+        f'<stop offset="{at}" stop-color="{color}" stop-opacity="{opacity}"/>'
+        for at, color, opacity in stops
     )
     return (
         f'<radialGradient id="{name}" gradientUnits="userSpaceOnUse" cx="{x}" cy="{y}" r="{radius}">{marks}'
@@ -45,7 +45,7 @@ def bokeh(width: int, height: int, palette: list[str], seed: int) -> str:
     for i in range(34):
         a, b, c = ((math.sin(seed * 12.9898 + i * k) * 43758.5453) % 1 for k in (78.233, 37.719, 11.135))
         radius = (0.022 + 0.07 * c**2) * width
-        colour = palette[i % len(palette)]
+        color = palette[i % len(palette)]
         discs.append(
             soft_disc(
                 f"d{i}",
@@ -53,10 +53,10 @@ def bokeh(width: int, height: int, palette: list[str], seed: int) -> str:
                 (0.12 + 0.8 * b) * height,
                 radius,
                 [
-                    (0, colour, 0.16 + 0.3 * b),
-                    (0.84, colour, 0.24 + 0.34 * b),
+                    (0, color, 0.16 + 0.3 * b),
+                    (0.84, color, 0.24 + 0.34 * b),
                     (0.95, "#fff4e0", 0.42),
-                    (1, colour, 0),
+                    (1, color, 0),
                 ],
             )
         )
@@ -134,8 +134,8 @@ def blooms() -> list[Recipe]:
     )
     spectrum = "".join(
         f'<path d="M{-200 + 62 * i} 1180 L{620 + 62 * i} -100 L{700 + 62 * i} -100 L{-120 + 62 * i} 1180 Z" '
-        f'fill="{colour}" fill-opacity="0.55" filter="url(#soft)"/>'
-        for i, colour in enumerate(
+        f'fill="{color}" fill-opacity="0.55" filter="url(#soft)"/>'
+        for i, color in enumerate(
             ("#ff2d55", "#ff8c3a", "#ffd54a", "#62d991", "#2fd6ff", "#4a5cff", "#a04aff"), 7
         )
     )

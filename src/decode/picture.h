@@ -8,7 +8,7 @@
 
 namespace cratewell::decode {
 
-// Upright sRGB pixels, rows top to bottom without gaps, four bytes each: blue, green, red, alpha; colours are
+// Upright sRGB pixels, rows top to bottom without gaps, four bytes each: blue, green, red, alpha; colors are
 // premultiplied by alpha.
 struct Picture
 {

@@ -12,12 +12,12 @@
 
 namespace cratewell {
 
-// A colour table: points at equal distances along red, green and blue, between which colours are interpolated
+// A color table: points at equal distances along red, green and blue, between which colors are interpolated
 // linearly. It maps sRGB-encoded values to sRGB-encoded values. Immutable and shared: copies are cheap and
 // cross threads freely, and all of it may be called on any thread.
 //
 // Numbers in a .cube file are scaled by its domain when they are read, so that what the file calls the
-// domain's maximum is 1 in the table. Other programs take the domain for the range of the colours that are
+// domain's maximum is 1 in the table. Other programs take the domain for the range of the colors that are
 // looked up instead; here that is always 0 to 1.
 class LUT
 {
@@ -38,8 +38,8 @@ public:
     std::array<float, 3> sample(qint64 red, qint64 green, qint64 blue) const;
 
     // The image graded, in its own format where that has three channels of color of 8 bits or more, else in
-    // one that has. Values are looked up as they are stored, whatever the image's colour space; those outside
-    // 0 to 1 take the colour at the table's edge. Premultiplied colours are looked up straight. Alpha stays.
+    // one that has. Values are looked up as they are stored, whatever the image's color space; those outside
+    // 0 to 1 take the color at the table's edge. Premultiplied colors are looked up straight. Alpha stays.
     // An image that memory does not suffice for comes back as it was.
     QImage apply(const QImage &image) const;
     // The same for bare pixels; `target` has the size of `source` and may be the same rows. 8-bit results lie

@@ -70,7 +70,7 @@ public:
     [[nodiscard]] std::unique_ptr<PreviewRequest> requestInfo(const Asset &asset);
 
     // One frame of a video, at most 0.98 of its duration in, that fits inside maxSide x maxSide. Null when
-    // there is none; cancelled when Media ends first.
+    // there is none; canceled when Media ends first.
     QFuture<QImage> frame(const Location &url, double fraction, int maxSide);
     // So many small frames in the middles of even parts, in order; those that cannot be had are left out.
     QFuture<QList<QImage>> filmstrip(const Location &url, int count);

@@ -16,7 +16,7 @@ struct ChooseRequest
     bool several = false;
 };
 
-// The desktop's file chooser. Main thread; `done` is called there exactly once, with nothing when cancelled,
+// The desktop's file chooser. Main thread; `done` is called there exactly once, with nothing when canceled,
 // and never from inside choose().
 class FileChooser
 {

@@ -5,7 +5,7 @@
 
 namespace cratewell {
 
-// Stored colours: an optional "#" and 3 or 6 hex digits when read; anything else is the default accent.
+// Stored colors: an optional "#" and 3 or 6 hex digits when read; anything else is the default accent.
 QColor colorFromHex(const QString &text);
 // "#RRGGBB", upper case; channels truncate toward zero.
 QString hexFromColor(const QColor &color);

@@ -94,9 +94,9 @@ public:
     void noteInserted(const Location &asset);
     // Invalid when the folder has none.
     Q_INVOKABLE QColor color(const cratewell::Location &folder) const;
-    // An empty text takes the folder's colour away.
+    // An empty text takes the folder's color away.
     Q_INVOKABLE void setFolderColor(const cratewell::Location &folder, const QString &hex);
-    // A renamed folder keeps its colour.
+    // A renamed folder keeps its color.
     void followRename(const Location &from, const Location &to);
     // Gives the look, the grid and the previews their defaults; keeps what the user collected.
     Q_INVOKABLE void resetAll();

@@ -23,7 +23,7 @@ struct VisibleAssets
 
 // What a scope lists, without sorting or comparing a text: the snapshot's own order is walked and filtered.
 // `matching` has one flag per asset of the snapshot; empty lets every asset pass. `prefs` gives the
-// favourites and the recent ones, which keep their own order.
+// favorites and the recent ones, which keep their own order.
 VisibleAssets listVisible(std::shared_ptr<const VaultSnapshot> snapshot, const Scope &scope, AssetOrder order,
                           const std::vector<bool> &matching, const Prefs &prefs);
 

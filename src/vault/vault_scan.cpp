@@ -7,17 +7,17 @@ namespace cratewell {
 
 std::shared_ptr<const VaultSnapshot> VaultScan::run(const Location &root,
                                                     const std::shared_ptr<const VaultSnapshot> &before,
-                                                    const std::function<bool()> &cancelled)
+                                                    const std::function<bool()> &canceled)
 {
     const SnapshotData *earlier = before ? before->d.get() : nullptr;
-    DirectoryScanner scanner(root, earlier, cancelled);
+    DirectoryScanner scanner(root, earlier, canceled);
     if (!scanner.run())
         return nullptr;
     if (scanner.changedNothing() && before->root() == root)
         return before;
     auto snapshot = std::make_shared<VaultSnapshot>();
     buildSnapshot(*snapshot->d, root, scanner);
-    if (!makeOrders(*snapshot->d, earlier, cancelled))
+    if (!makeOrders(*snapshot->d, earlier, canceled))
         return nullptr;
     return snapshot;
 }

@@ -39,14 +39,14 @@ inline QRgb pixel(const decode::Picture &picture, QPoint place)
     return qRgba(at[2], at[1], at[0], at[3]);
 }
 
-// The middles of the four quarters as letters, top left first and row by row: "RG BY" for fourColours();
-// "?" for what is none of its colours within the tolerance.
+// The middles of the four quarters as letters, top left first and row by row: "RG BY" for fourColors();
+// "?" for what is none of its colors within the tolerance.
 inline std::string quarters(const decode::Picture &picture, int tolerance)
 {
     const auto name = [&](QRgb found) -> char {
-        const std::pair<QRgb, char> colours[]{
+        const std::pair<QRgb, char> colors[]{
             {0xffff0000, 'R'}, {0xff00ff00, 'G'}, {0xff0000ff, 'B'}, {0xffffff00, 'Y'}};
-        for (const auto &[wanted, letter] : colours) {
+        for (const auto &[wanted, letter] : colors) {
             if (std::abs(qRed(found) - qRed(wanted)) <= tolerance &&
                 std::abs(qGreen(found) - qGreen(wanted)) <= tolerance &&
                 std::abs(qBlue(found) - qBlue(wanted)) <= tolerance && qAlpha(found) == 255)

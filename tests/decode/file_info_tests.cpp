@@ -78,7 +78,7 @@ TEST(FileInfo, TellWhatASoundOrAStillIs)
         EXPECT_EQ(info->sampleRate, 22050) << name.toStdString();
         EXPECT_EQ(info->channels, 1) << name.toStdString();
     }
-    const QString source = media.image(u"a.png"_s, fourColours({300, 200}));
+    const QString source = media.image(u"a.png"_s, fourColors({300, 200}));
     const QString moving =
         media.ffmpeg(u"moving.gif"_s, source, {u"-loop"_s, u"1"_s, u"-t"_s, u"1"_s, u"-i"_s, u"IN"_s});
     for (const QString &file : {source, moving, media.heif(u"a.heic"_s, source)}) {

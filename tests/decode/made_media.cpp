@@ -56,7 +56,7 @@ QString MadeMedia::heif(const QString &name, const QString &input)
     return run(u"heif-enc"_s, name, input, {u"-L"_s, u"-p"_s, u"chroma=444"_s, u"IN"_s, u"-o"_s, u"OUT"_s});
 }
 
-QString MadeMedia::greyRamp(const QString &name, const QStringList &encoder)
+QString MadeMedia::grayRamp(const QString &name, const QStringList &encoder)
 {
     const QString picture =
         u"color=black:s=64x64:r=25:d=10,format=yuv420p,geq=lum='16+N*219/255':cb=128:cr=128"_s;
@@ -71,7 +71,7 @@ QByteArray MadeMedia::content(const QString &path)
     return file.readAll();
 }
 
-QImage fourColours(QSize size)
+QImage fourColors(QSize size)
 {
     QImage image(size, QImage::Format_RGB32);
     QPainter painter(&image);

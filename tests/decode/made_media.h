@@ -21,8 +21,8 @@ public:
     QString ffmpeg(const QString &name, const QString &input, const QStringList &arguments);
     QString vips(const QString &name, const QString &input, const QStringList &arguments);
     QString heif(const QString &name, const QString &input);
-    // A short H.264 film whose frame at second t is grey of 25 t levels, ten seconds at 25 frames.
-    QString greyRamp(const QString &name, const QStringList &encoder = {});
+    // A short H.264 film whose frame at second t is gray of 25 t levels, ten seconds at 25 frames.
+    QString grayRamp(const QString &name, const QStringList &encoder = {});
 
     // The bytes of a made file.
     static QByteArray content(const QString &path);
@@ -34,6 +34,6 @@ private:
 };
 
 // Four even quarters: red and green above blue and yellow.
-QImage fourColours(QSize size);
+QImage fourColors(QSize size);
 
 } // namespace cratewell::test

@@ -20,7 +20,7 @@ QByteArray withOrientation(const QByteArray &jpeg, char orientation)
 TEST(StillImage, StandsUprightInEveryOrientation)
 {
     MadeMedia media;
-    const QString source = media.image(u"source.png"_s, fourColours({320, 160}));
+    const QString source = media.image(u"source.png"_s, fourColors({320, 160}));
     const QByteArray jpeg =
         MadeMedia::content(media.vips(u"a.jpg"_s, source, {u"copy"_s, u"IN"_s, u"OUT"_s}));
     const char *expected[]{"RG BY", "GR YB", "YB GR", "BY RG", "RB GY", "BR YG", "YG BR", "GY RB"};
@@ -33,10 +33,10 @@ TEST(StillImage, StandsUprightInEveryOrientation)
     }
 }
 
-TEST(StillImage, KeepsColoursInEveryFormat)
+TEST(StillImage, KeepsColorsInEveryFormat)
 {
     MadeMedia media;
-    const QString source = media.image(u"source.png"_s, fourColours({160, 80}));
+    const QString source = media.image(u"source.png"_s, fourColors({160, 80}));
     const auto copy = [&](const QString &name, const QString &options = {}) {
         return media.vips(name, source, {u"copy"_s, u"IN"_s, media.path(name) + options});
     };
@@ -60,15 +60,15 @@ TEST(StillImage, KeepsColoursInEveryFormat)
     }
 }
 
-TEST(StillImage, ConvertsGreyAndPrintColours)
+TEST(StillImage, ConvertsGreyAndPrintColors)
 {
     MadeMedia media;
-    QImage grey(64, 64, QImage::Format_Grayscale8);
-    grey.fill(QColor(100, 100, 100));
-    const QString source = media.image(u"grey.png"_s, grey);
-    const QString rich = media.image(u"rgb.png"_s, grey.convertToFormat(QImage::Format_RGB32));
+    QImage gray(64, 64, QImage::Format_Grayscale8);
+    gray.fill(QColor(100, 100, 100));
+    const QString source = media.image(u"gray.png"_s, gray);
+    const QString rich = media.image(u"rgb.png"_s, gray.convertToFormat(QImage::Format_RGB32));
     for (const QString &file :
-         {source, media.vips(u"deep.png"_s, source, {u"colourspace"_s, u"IN"_s, u"OUT"_s, u"grey16"_s}),
+         {source, media.vips(u"deep.png"_s, source, {u"colourspace"_s, u"IN"_s, u"OUT"_s, u"gray16"_s}),
           media.vips(u"print.jpg"_s, rich,
                      {u"icc_export"_s, u"IN"_s, u"OUT"_s, u"--output-profile"_s, u"cmyk"_s}),
           media.vips(u"print.tif"_s, rich,
@@ -113,7 +113,7 @@ TEST(StillImage, KeepsAlphaPremultiplied)
 TEST(StillImage, FailsWithASentence)
 {
     MadeMedia media;
-    const QString source = media.image(u"source.png"_s, fourColours({64, 64}));
+    const QString source = media.image(u"source.png"_s, fourColors({64, 64}));
     QByteArray huge = MadeMedia::content(source);
     huge.replace(16, 8, QByteArray("\0\x01\0\0\0\x01\0\0", 8)); // claims 65536 x 65536 pixels
     const QByteArray drawing = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"9\" height=\"9\"/>";

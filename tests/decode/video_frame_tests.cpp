@@ -7,7 +7,7 @@ namespace cratewell::test {
 
 using namespace Qt::StringLiterals;
 
-struct ColourCase
+struct ColorCase
 {
     const char *name;
     const char *file;
@@ -17,7 +17,7 @@ struct ColourCase
     int turned = 0; // counter-clockwise degrees in the display matrix
 };
 
-class VideoColours : public testing::TestWithParam<ColourCase>
+class VideoColors : public testing::TestWithParam<ColorCase>
 {
 };
 
@@ -27,7 +27,7 @@ QStringList words(const char *text)
 }
 
 // 4:4:4 wherever the matrix is what is tested, so that chroma of half the size cannot blur it.
-const ColourCase colourCases[]{
+const ColorCase colorCases[]{
     {"Untagged601",
      "a.mp4",
      words("-vf scale=out_color_matrix=bt601,format=yuv444p -c:v libx264 -qp 4"),
@@ -63,10 +63,10 @@ const ColourCase colourCases[]{
     {"SmallHalfChroma", "a.mp4", words("-c:v libx264 -qp 4 -pix_fmt yuv420p"), {320, 180}},
 };
 
-TEST_P(VideoColours, AreReadBackUprightInSquarePixels)
+TEST_P(VideoColors, AreReadBackUprightInSquarePixels)
 {
     MadeMedia media;
-    const QString source = media.image(u"source.png"_s, fourColours({320, 180}));
+    const QString source = media.image(u"source.png"_s, fourColors({320, 180}));
     const QStringList input{u"-loop"_s, u"1"_s, u"-r"_s, u"25"_s, u"-t"_s, u"0.4"_s, u"-i"_s, u"IN"_s};
     const QString file =
         media.ffmpeg(QString::fromLatin1(GetParam().file), source, input + GetParam().encoder);
@@ -83,7 +83,7 @@ TEST_P(VideoColours, AreReadBackUprightInSquarePixels)
     EXPECT_NEAR(picture->duration, 0.4, 0.01);
 }
 
-INSTANTIATE_TEST_SUITE_P(Video, VideoColours, testing::ValuesIn(colourCases),
+INSTANTIATE_TEST_SUITE_P(Video, VideoColors, testing::ValuesIn(colorCases),
                          [](const auto &test) { return std::string(test.param.name); });
 
 struct AlphaCase
@@ -100,7 +100,7 @@ class VideoAlpha : public testing::TestWithParam<AlphaCase>
 };
 
 // Half-transparent red on the left; on the right nothing, with green hidden under it.
-TEST_P(VideoAlpha, IsKeptPremultipliedAndHiddenColoursStayHidden)
+TEST_P(VideoAlpha, IsKeptPremultipliedAndHiddenColorsStayHidden)
 {
     MadeMedia media;
     QImage image(256, 128, QImage::Format_ARGB32);
@@ -147,15 +147,15 @@ struct BrightCase
 {
     const char *transfer;
     double code; // 0 to 1
-    int grey;    // 8 bit, sRGB
+    int gray;    // 8 bit, sRGB
 };
 
-// Light over the reference white of 203 cd/m2, rolled off towards it: grey stays grey, and what is darker
+// Light over the reference white of 203 cd/m2, rolled off towards it: gray stays gray, and what is darker
 // than half of it is shown as it is.
 TEST(VideoBrightness, IsToldInLightThatAScreenCanShow)
 {
     MadeMedia media;
-    for (const auto &[transfer, code, grey] : {BrightCase{"smpte2084", 0, 0},
+    for (const auto &[transfer, code, gray] : {BrightCase{"smpte2084", 0, 0},
                                                {"smpte2084", 0.4401, 136}, // 50 cd/m2
                                                {"smpte2084", 0.5807, 229}, // reference white
                                                {"smpte2084", 0.7518, 255}, // 1000 cd/m2
@@ -175,7 +175,7 @@ TEST(VideoBrightness, IsToldInLightThatAScreenCanShow)
         const auto frame = video(file);
         ASSERT_TRUE(frame) << frame.error();
         const QRgb found = pixel(*frame, {32, 32});
-        EXPECT_NEAR(qGreen(found), grey, 3) << transfer << ' ' << code;
+        EXPECT_NEAR(qGreen(found), gray, 3) << transfer << ' ' << code;
         EXPECT_NEAR(qRed(found), qGreen(found), 1) << transfer << ' ' << code;
         EXPECT_NEAR(qBlue(found), qGreen(found), 1) << transfer << ' ' << code;
     }
@@ -185,10 +185,10 @@ TEST(VideoBrightness, IsToldInLightThatAScreenCanShow)
 TEST(VideoPrimaries, AreBroughtToThoseOfTheScreen)
 {
     MadeMedia media;
-    for (const auto &[primaries, colour] :
+    for (const auto &[primaries, color] :
          {std::pair{"smpte432", qRgb(117, 251, 76)}, {"bt709", qRgb(0, 255, 0)}}) {
         QImage image(64, 64, QImage::Format_RGB32);
-        image.fill(colour);
+        image.fill(color);
         const QString file = media.ffmpeg(
             u"wide.mov"_s, media.image(u"source.png"_s, image),
             QStringList{u"-loop"_s, u"1"_s, u"-t"_s, u"0.2"_s, u"-i"_s, u"IN"_s} +
@@ -208,9 +208,9 @@ TEST(VideoPrimaries, AreBroughtToThoseOfTheScreen)
 TEST(VideoTime, IsWithinATenthOfASecondAndNeverAfterNinetyEightHundredths)
 {
     MadeMedia media;
-    const QString usual = media.greyRamp(u"a.mp4"_s);
-    const QString shortGroups = media.greyRamp(u"b.mov"_s, {u"-g"_s, u"25"_s});
-    const QString lateStart = media.greyRamp(u"c.ts"_s, {u"-output_ts_offset"_s, u"7"_s});
+    const QString usual = media.grayRamp(u"a.mp4"_s);
+    const QString shortGroups = media.grayRamp(u"b.mov"_s, {u"-g"_s, u"25"_s});
+    const QString lateStart = media.grayRamp(u"c.ts"_s, {u"-output_ts_offset"_s, u"7"_s});
     for (const QString &file : {usual, shortGroups, lateStart}) {
         for (const auto &[fraction, second] : {std::pair{-1.0, 0.0},
                                                {0.0, 0.0},
@@ -235,19 +235,19 @@ TEST(VideoTime, ShowsTheFrameOnScreenWhereFramesAreFarApart)
     const QString file = media.ffmpeg(u"slow.mp4"_s, {},
                                       words("-f lavfi -i color=black:s=64x64:r=1/4:d=16,format=yuv420p,"
                                             "geq=lum=16+N*50:cb=128:cr=128 -c:v libx264 -qp 4"));
-    for (const auto &[fraction, grey] : {std::pair{0.1, 0}, {0.45, 58}, {0.7, 116}, {0.98, 175}}) {
+    for (const auto &[fraction, gray] : {std::pair{0.1, 0}, {0.45, 58}, {0.7, 116}, {0.98, 175}}) {
         const auto picture = video(file, fraction);
         ASSERT_TRUE(picture) << picture.error();
-        EXPECT_NEAR(qRed(pixel(*picture, {32, 32})), grey, 3) << fraction;
+        EXPECT_NEAR(qRed(pixel(*picture, {32, 32})), gray, 3) << fraction;
     }
 }
 
 TEST(VideoFailure, IsASentenceNotAnEndOfTheProgram)
 {
     MadeMedia media;
-    const QByteArray film = MadeMedia::content(media.greyRamp(u"film.mp4"_s));
+    const QByteArray film = MadeMedia::content(media.grayRamp(u"film.mp4"_s));
     const QByteArray early =
-        MadeMedia::content(media.greyRamp(u"early.mp4"_s, {u"-movflags"_s, u"faststart"_s}));
+        MadeMedia::content(media.grayRamp(u"early.mp4"_s, {u"-movflags"_s, u"faststart"_s}));
     const QStringList sound = words("-f lavfi -i sine=d=0.2 -c:a aac");
 
     for (const QString &file :

@@ -93,8 +93,8 @@ protected:
 
 TEST_F(MediaTest, MakesThumbnailsOfVideosAndImages)
 {
-    const Location film = add(m_files.greyRamp(u"film.mp4"_s), u"film.mp4"_s);
-    const Location picture = add(m_files.image(u"four.png"_s, fourColours({1600, 800})), u"four.png"_s);
+    const Location film = add(m_files.grayRamp(u"film.mp4"_s), u"film.mp4"_s);
+    const Location picture = add(m_files.image(u"four.png"_s, fourColors({1600, 800})), u"four.png"_s);
     scan();
     EXPECT_TRUE(m_media.thumbnail(asset(film)).isNull());
     EXPECT_EQ(m_media.thumbnailState(asset(film)), Media::State::Missing);
@@ -103,7 +103,7 @@ TEST_F(MediaTest, MakesThumbnailsOfVideosAndImages)
     ASSERT_EQ(settled(asset(film)), Media::State::Ready);
     EXPECT_EQ(changed.size(), 1);
     EXPECT_EQ(changed.value(0).value(0).value<Location>(), film);
-    // At 35 hundredths of ten seconds the ramp is at frame 87.5, one grey level a frame.
+    // At 35 hundredths of ten seconds the ramp is at frame 87.5, one gray level a frame.
     EXPECT_NEAR(qRed(m_media.thumbnail(asset(film)).pixel(32, 32)), 87.5, 5);
 
     ASSERT_EQ(settled(asset(picture)), Media::State::Ready);
@@ -162,14 +162,14 @@ TEST_F(MediaTest, ShowsTheUsersStillOnceItIsThereAndTheBuiltInOneOtherwise)
     EXPECT_EQ(m_media.still().pixel(5, 5), qRgb(0, 0, 255));
 
     // Chosen, left and chosen again before it was ready.
-    const QString other = m_files.image(u"other.png"_s, fourColours({400, 100}));
+    const QString other = m_files.image(u"other.png"_s, fourColors({400, 100}));
     for (const QString &choice : {other, QString(), other}) {
         m_prefs.setPreviewStill(choice);
         EXPECT_EQ(m_media.still(), sunset);
     }
     ASSERT_TRUE(waitUntil([&] { return m_media.still().size() == QSize(400, 100); }));
 
-    const Location film = add(m_files.greyRamp(u"film.mp4"_s), u"film.mp4"_s);
+    const Location film = add(m_files.grayRamp(u"film.mp4"_s), u"film.mp4"_s);
     for (const QString &bad :
          {m_files.path(u"missing.png"_s), m_files.bytes(u"text.png"_s, "only text"), u"x"_s}) {
         m_prefs.setPreviewStill(bad);
@@ -183,7 +183,7 @@ TEST_F(MediaTest, ShowsTheUsersStillOnceItIsThereAndTheBuiltInOneOtherwise)
 
 TEST_F(MediaTest, ASecondStartFindsPicturesAndPeaksWithoutDecoding)
 {
-    const Asset film = scanned(add(m_files.greyRamp(u"film.mp4"_s), u"film.mp4"_s));
+    const Asset film = scanned(add(m_files.grayRamp(u"film.mp4"_s), u"film.mp4"_s));
     const Asset sound = scanned(add(tone(), u"tone.wav"_s, u"SFX"_s));
     const auto showsFilm = [&film](Media &media) {
         const auto request = media.requestThumbnail(film);
@@ -212,7 +212,7 @@ TEST_F(MediaTest, ASecondStartFindsPicturesAndPeaksWithoutDecoding)
 
 TEST_F(MediaTest, EndsWithWorkUnderWay)
 {
-    const Asset film = scanned(add(m_files.greyRamp(u"film.mp4"_s), u"film.mp4"_s));
+    const Asset film = scanned(add(m_files.grayRamp(u"film.mp4"_s), u"film.mp4"_s));
     const Asset lut = scanned(add(m_files.bytes(u"a"_s, "LUT_3D_SIZE 2\n"), u"a.cube"_s, u"LUTs"_s));
     auto media = std::make_unique<Media>(m_vault, m_prefs, m_paths);
     std::vector<std::unique_ptr<PreviewRequest>> requests;
@@ -263,7 +263,7 @@ TEST_F(MediaTest, ReadsPeaksFramesAndInfo)
 {
     const Asset sound = scanned(add(tone(), u"tone.wav"_s, u"SFX"_s));
     const Asset text = scanned(add(m_files.bytes(u"text"_s, "only text"), u"text.wav"_s, u"SFX"_s));
-    const Asset film = scanned(add(m_files.greyRamp(u"film.mp4"_s), u"film.mp4"_s));
+    const Asset film = scanned(add(m_files.grayRamp(u"film.mp4"_s), u"film.mp4"_s));
     QSignalSpy told(&m_media, &Media::waveformChanged);
     EXPECT_FALSE(m_media.waveform(sound));
     ASSERT_TRUE(peaksOf(m_media, sound));
@@ -324,7 +324,7 @@ TEST_F(MediaTest, ARewrittenSoundOrLutGetsNewPreviews)
 
 TEST_F(MediaTest, GivesSingleFramesAndStrips)
 {
-    const Location film = add(m_files.greyRamp(u"film.mp4"_s), u"film.mp4"_s);
+    const Location film = add(m_files.grayRamp(u"film.mp4"_s), u"film.mp4"_s);
     const Location text = add(m_files.bytes(u"text"_s, "only text"), u"text.mov"_s);
     const auto frame = m_media.frame(film, 0.5, 64);
     const auto strip = m_media.filmstrip(film, 3);

@@ -1,5 +1,5 @@
-#include "media/previews/sunset_still.h"
 #include "media/media.h"
+#include "media/previews/sunset_still.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -27,8 +27,8 @@ TEST(TimeString, CountsTenthsBelowTenSecondsAndMinutesAbove)
         EXPECT_EQ(timeString(seconds), text) << seconds;
 }
 
-// The colours follow from the drawing's own numbers at places where a single shape decides.
-TEST(SunsetStill, HasItsColoursAtKnownPlaces)
+// The colors follow from the drawing's own numbers at places where a single shape decides.
+TEST(SunsetStill, HasItsColorsAtKnownPlaces)
 {
     const QImage image = sunsetStill({1600, 900});
     struct Place
@@ -37,7 +37,7 @@ TEST(SunsetStill, HasItsColoursAtKnownPlaces)
         QRgb color;
     };
     const Place places[]{
-        {0.001, 0.999, qRgb(41, 46, 107)}, // the first colour of the sky
+        {0.001, 0.999, qRgb(41, 46, 107)}, // the first color of the sky
         {0.05, 0.73, qRgb(158, 92, 158)},  // its second, where the glow does not reach
         {0.62, 0.60, qRgb(238, 163, 119)}, // the glow at 0.225 of its radius, over the sky
         {0.60, 0.42, qRgb(107, 64, 115)},  // the ranges of hills, back to front

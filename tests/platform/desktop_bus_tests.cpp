@@ -259,7 +259,7 @@ TEST_F(DesktopBus, ChoosesThroughThePortal)
     }
 }
 
-TEST_F(DesktopBus, CountsAsCancelledWhenThePortalRefusesOrGoesAway)
+TEST_F(DesktopBus, CountsAsCanceledWhenThePortalRefusesOrGoesAway)
 {
     QList<QList<Location>> answers;
     const auto noteAnswer = [&](const QList<Location> &chosen) { answers.append(chosen); };

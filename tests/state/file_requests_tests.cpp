@@ -81,7 +81,7 @@ TEST_F(FileRequests, NewFolderTakesTheSelectionAndTheViewStays)
     EXPECT_EQ(state.selectedCount(), 0);
 }
 
-TEST_F(FileRequests, RenamedFolderKeepsItsViewAndItsColour)
+TEST_F(FileRequests, RenamedFolderKeepsItsViewAndItsColor)
 {
     library.prefs.setFolderColor(path(u"SFX/Hit"_s), u"#FF4ECD"_s);
     library.prefs.setFolderColor(path(u"SFX/Hits"_s), u"#2FD6FF"_s);

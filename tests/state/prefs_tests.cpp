@@ -184,7 +184,7 @@ TEST_F(PrefsTest, FolderColorsAreSetReadAndTakenAway)
 {
     Prefs prefs(defaults, paths);
     EXPECT_FALSE(prefs.color(at("/v/SFX")).isValid());
-    prefs.setFolderColor(at("/v/SFX"), QStringLiteral("not a colour"));
+    prefs.setFolderColor(at("/v/SFX"), QStringLiteral("not a color"));
     EXPECT_EQ(prefs.color(at("/v/SFX")), prefs.accent());
     prefs.setFolderColor(at("/v/SFX"), {});
     EXPECT_FALSE(prefs.color(at("/v/SFX")).isValid());

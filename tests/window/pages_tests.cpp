@@ -227,16 +227,16 @@ TEST_F(Pages, DestinationIsChosenWithTheKeyboardAndKept)
     EXPECT_TRUE(shows(QAccessible::Button, u"Overlays"_s));
 }
 
-TEST_F(Pages, LongWorkShowsAndCanBeCancelled)
+TEST_F(Pages, LongWorkShowsAndCanBeCanceled)
 {
     FileProgress &progress = vault.progress();
-    QSignalSpy cancelled(&progress, &FileProgress::cancelWanted);
+    QSignalSpy canceled(&progress, &FileProgress::cancelWanted);
     progress.show({true, u"Importing"_s, 3, 12, 1'200'000, 48'200'000, 0.25, 40});
     EXPECT_TRUE(shows(QAccessible::StaticText, u"3 of 12 files, 1.2 MB of 48.2 MB"_s));
     EXPECT_TRUE(shows(QAccessible::StaticText, u"About 40 seconds left"_s));
     EXPECT_EQ(world.controls().faults(), "");
     ASSERT_TRUE(click(QAccessible::Button, u"Cancel"_s));
-    EXPECT_EQ(cancelled.count(), 1);
+    EXPECT_EQ(canceled.count(), 1);
     progress.show({});
     EXPECT_TRUE(hides(QAccessible::Button, u"Cancel"_s));
 }

@@ -139,7 +139,7 @@ TEST_F(Sheets, RenameSelectsTheBaseNameAndWarnsOfAnotherExtension)
     world.key(Qt::Key_Return);
     EXPECT_TRUE(world.showsCards({u"Boom"_s, u"Hit 2"_s}));
 
-    // The folder in view is followed to its new name, and keeps its colour.
+    // The folder in view is followed to its new name, and keeps its color.
     world.program().prefs().setFolderColor(path(u"SFX/Hits"_s), u"#2FD6FF"_s);
     state.setScope(Scope::inFolder(path(u"SFX/Hits"_s)));
     state.setRenameTarget(path(u"SFX/Hits"_s));

@@ -1,6 +1,6 @@
 #include "decode/internal/frame_picture.h"
 
-#include "decode/internal/colour_mapping.h"
+#include "decode/internal/color_mapping.h"
 
 extern "C" {
 #include <libavutil/pixdesc.h>
@@ -91,7 +91,7 @@ Decoded<FramePointer> scaledTo(AVPixelFormat format, const AVFrame &frame, Size 
 // The frame as straight sRGB of another size.
 Decoded<FramePointer> scaled(const AVFrame &frame, Size size)
 {
-    const auto mapping = ColourMapping::of(frame);
+    const auto mapping = ColorMapping::of(frame);
     if (!mapping)
         return scaledTo(AV_PIX_FMT_BGRA, frame, size);
     const auto deep = scaledTo(AV_PIX_FMT_RGBA64, frame, size);
@@ -103,7 +103,7 @@ Decoded<FramePointer> scaled(const AVFrame &frame, Size size)
     return result;
 }
 
-// Rounding and the filter's overshoot may leave a colour above its alpha, which no premultiplied pixel has.
+// Rounding and the filter's overshoot may leave a color above its alpha, which no premultiplied pixel has.
 void limitToAlpha(AVFrame &frame)
 {
     for (int y = 0; y < frame.height; ++y) {
@@ -115,7 +115,7 @@ void limitToAlpha(AVFrame &frame)
     }
 }
 
-// Colours hidden under transparent pixels must not bleed into their neighbours: premultiply, then scale.
+// Colors hidden under transparent pixels must not bleed into their neighbours: premultiply, then scale.
 Decoded<FramePointer> scaledWithAlpha(const AVFrame &frame, Size size)
 {
     auto result = scaled(frame, {frame.width, frame.height});

@@ -5,7 +5,7 @@
 
 namespace cratewell::decode {
 
-// A decoded frame as an upright picture that fits inside maxSide x maxSide: colour matrix and range as the
+// A decoded frame as an upright picture that fits inside maxSide x maxSide: color matrix and range as the
 // frame says, alpha kept, stored pixels of any shape made square.
 Decoded<Picture> framePicture(const AVFrame &frame, double pixelAspect, Orientation orientation, int maxSide);
 

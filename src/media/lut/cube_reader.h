@@ -9,7 +9,7 @@
 
 namespace cratewell {
 
-// A three-dimensional colour table as a .cube file holds it.
+// A three-dimensional color table as a .cube file holds it.
 struct CubeTable
 {
     std::int64_t size = 0; // points along each edge, at least 2

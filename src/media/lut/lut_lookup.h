@@ -7,7 +7,7 @@
 
 namespace cratewell {
 
-// A colour table as the lookups see it: size^3 points of four floats, red running fastest.
+// A color table as the lookups see it: size^3 points of four floats, red running fastest.
 struct Lut3DGrid
 {
     const float *points = nullptr;
@@ -39,7 +39,7 @@ private:
     std::uint32_t m_placesPerStep = 0;
 };
 
-// What the lookups promise, in plain arithmetic: a colour between points is interpolated along blue, green
+// What the lookups promise, in plain arithmetic: a color between points is interpolated along blue, green
 // and red, one outside 0 to 1 is that at the edge, NaN is 0. No value of pixel or table reads outside the
 // table. Source and target have one size and may be the same rows.
 void applyScalar(const Lut3DGrid &grid, PixelRows<const float> source, PixelRows<float> target,

@@ -33,7 +33,7 @@ QByteArray hashOf(QByteArrayView bytes)
     return hash.result();
 }
 
-// Colours as they are stored, that is premultiplied: JPEG knows no alpha.
+// Colors as they are stored, that is premultiplied: JPEG knows no alpha.
 QByteArray colorsOf(const QImage &image)
 {
     const QImage colors(image.constBits(), image.width(), image.height(), image.bytesPerLine(),
@@ -66,7 +66,7 @@ QImage colorsIn(QByteArray jpeg)
     return image;
 }
 
-// Compression may have made colours brighter than their alpha allows.
+// Compression may have made colors brighter than their alpha allows.
 QImage withAlpha(const QImage &colors, const QByteArray &compressed)
 {
     const QByteArray alpha = qUncompress(compressed);

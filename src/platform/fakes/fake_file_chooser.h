@@ -16,7 +16,7 @@ public:
         m_waiting += std::move(done);
     }
 
-    // Answers the oldest open question; nothing chosen means cancelled. False when none is open.
+    // Answers the oldest open question; nothing chosen means canceled. False when none is open.
     bool answer(const QList<Location> &chosen)
     {
         if (m_waiting.isEmpty())

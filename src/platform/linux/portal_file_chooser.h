@@ -8,7 +8,7 @@
 
 namespace cratewell {
 
-// The desktop portal's file chooser. What goes wrong there counts as cancelled; questions that are open when
+// The desktop portal's file chooser. What goes wrong there counts as canceled; questions that are open when
 // the chooser goes are not answered.
 class PortalFileChooser final : public FileChooser
 {

@@ -10,7 +10,7 @@ class QDBusMessage;
 namespace cratewell {
 
 // One question to the desktop portal that the user answers. Calls `done` exactly once, with nothing when it
-// was cancelled, refused, or the portal went away, and deletes itself.
+// was canceled, refused, or the portal went away, and deletes itself.
 class PortalRequest final : public QObject
 {
     Q_OBJECT

@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Cratewell
 
-// A symbol on a coloured tile; one flat tone when gradients are not wanted.
+// A symbol on a colored tile; one flat tone when gradients are not wanted.
 Item {
     id: tile
 

@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Cratewell
 
-// One colour of a menu.
+// One color of a menu.
 GlassMenuItem {
     id: item
 

@@ -4,7 +4,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Cratewell
 
-// Colours, type and sizes of every view: the palette, what it means, then measures.
+// Colors, type and sizes of every view: the palette, what it means, then measures.
 QtObject {
     id: theme
 

@@ -93,7 +93,7 @@ FocusScope {
         title: work.title
         visible: shown
 
-        onCancelled: work.cancel()
+        onCanceled: work.cancel()
     }
     ErrorBanner {
         anchors.left: parent.left

@@ -13,7 +13,7 @@ GlassPanel {
     // 0 to 1.
     required property real fraction
 
-    signal cancelled
+    signal canceled
 
     height: 58
 
@@ -77,6 +77,6 @@ GlassPanel {
         anchors.verticalCenter: parent.verticalCenter
         text: qsTr("Cancel")
 
-        onClicked: panel.cancelled()
+        onClicked: panel.canceled()
     }
 }

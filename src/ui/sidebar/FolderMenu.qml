@@ -13,7 +13,7 @@ Item {
     required property Commands commands
 
     readonly property color current: Prefs.color(folder)
-    // Names are for those who do not see the colours.
+    // Names are for those who do not see the colors.
     readonly property var palette: [
         { name: qsTr("Red"), hex: "#FF6B6B" },
         { name: qsTr("Orange"), hex: "#FF9F43" },

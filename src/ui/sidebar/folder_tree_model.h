@@ -41,7 +41,7 @@ public:
         FolderRole = Qt::UserRole + 1, // Location
         NameRole,
         SymbolRole,
-        TintRole,   // the folder's own colour, or its category's
+        TintRole,   // the folder's own color, or its category's
         TintedRole, // whether it has one
         DepthRole,
         CountRole,

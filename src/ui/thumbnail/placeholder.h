@@ -8,7 +8,7 @@ namespace cratewell {
 // The sign of a kind in the icon font.
 QString kindIcon(AssetKind kind);
 
-// What stands in for the picture of a file: a dark tile in the colours of its category. While the picture is
+// What stands in for the picture of a file: a dark tile in the colors of its category. While the picture is
 // under way it carries no sign; where there is none, the sign of the kind; where something else is drawn on
 // it, none either, but it shines like that; where the file could not be read, a broken picture.
 struct PlaceholderLook

@@ -8,7 +8,7 @@
 
 namespace cratewell {
 
-// The waveform of a sound in the colours of its category, over a thumbnail item that asks for it.
+// The waveform of a sound in the colors of its category, over a thumbnail item that asks for it.
 class WaveformItem : public cratewell::DrawnItem
 {
     Q_OBJECT

@@ -73,7 +73,7 @@ int copyThroughMemory(int from, int to, OperationProgress &progress)
 {
     const auto buffer = std::make_unique_for_overwrite<char[]>(bufferSize);
     for (;;) {
-        if (progress.cancelled)
+        if (progress.canceled)
             return ECANCELED;
         const ssize_t got = ::read(from, buffer.get(), bufferSize);
         if (got < 0 && errno == EINTR)
@@ -96,7 +96,7 @@ int copyBytes(int from, int to, qint64 size, OperationProgress &progress)
     }
     qint64 copied = 0;
     for (;;) {
-        if (progress.cancelled)
+        if (progress.canceled)
             return ECANCELED;
         const ssize_t got = ::copy_file_range(from, nullptr, to, nullptr, copyStep, 0);
         if (got > 0) {
@@ -297,7 +297,7 @@ int copyTree(const Location &from, const Location &to, OperationProgress &progre
     struct stat facts;
     if (const int error = look(from, facts))
         return error;
-    if (progress.cancelled)
+    if (progress.canceled)
         return ECANCELED;
     if (S_ISDIR(facts.st_mode))
         return copyFolder(from, to, facts, progress);

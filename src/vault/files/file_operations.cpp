@@ -122,7 +122,7 @@ FileOperations::Outcome FileOperations::move(const std::vector<Location> &items,
     const Location resolvedFolder = folder.resolved();
     MoveTransaction transaction(m_root, progress);
     for (const Location &item : items) {
-        if (progress.cancelled)
+        if (progress.canceled)
             break;
         if (!mayMove(item, folder, resolvedFolder))
             continue;
@@ -151,7 +151,7 @@ FileOperations::Outcome FileOperations::trash(const std::vector<Location> &items
         records.push_back({QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper(), item.name(),
                            item.text(), secondsNow(), disk::isFolder(item), disk::sizeOf(item)});
     }
-    if (records.empty() || progress.cancelled)
+    if (records.empty() || progress.canceled)
         return outcome;
 
     // The records come first: what is in the trash has one at every instant.
@@ -176,7 +176,7 @@ void FileOperations::moveToSlots(const std::vector<TrashItem> &records, Operatio
 {
     MoveTransaction transaction(m_root, progress);
     for (const TrashItem &record : records) {
-        if (progress.cancelled)
+        if (progress.canceled)
             break;
         const Location original = Location::fromText(record.original);
         const Location slot = trashSlot(m_root, record);
@@ -226,7 +226,7 @@ FileOperations::Outcome FileOperations::restore(const std::vector<TrashItem> &it
     {
         MoveTransaction transaction(m_root, progress);
         for (const TrashItem &item : items) {
-            if (progress.cancelled)
+            if (progress.canceled)
                 break;
             if (!known.contains(item.id))
                 continue;
@@ -260,7 +260,7 @@ void FileOperations::removeForever(const std::vector<TrashItem> &items, Operatio
     const QSet<QString> known = idsOf(m_trash);
     QSet<QString> gone;
     for (const TrashItem &item : items) {
-        if (progress.cancelled)
+        if (progress.canceled)
             break;
         if (!known.contains(item.id))
             continue;
@@ -315,7 +315,7 @@ FileOperations::Outcome FileOperations::import(const std::vector<Location> &item
         placed(error, source, place);
     };
     for (const ImportPlan::Step &step : plan.steps) {
-        if (progress.cancelled)
+        if (progress.canceled)
             break;
         if (step.source.isEmpty())
             makeFoldersInVault(step.folder);

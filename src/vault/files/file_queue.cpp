@@ -66,7 +66,7 @@ void FileQueue::cancel()
 {
     const std::scoped_lock lock(m_mutex);
     if (!m_jobs.empty())
-        m_jobs.front()->progress.cancelled = true;
+        m_jobs.front()->progress.canceled = true;
 }
 
 void FileQueue::cancelFilling(const Location &folder)
@@ -74,7 +74,7 @@ void FileQueue::cancelFilling(const Location &folder)
     const std::scoped_lock lock(m_mutex);
     for (const auto &job : m_jobs) {
         if (job->destination == folder || job->destination.isInside(folder))
-            job->progress.cancelled = true;
+            job->progress.canceled = true;
     }
 }
 
@@ -82,7 +82,7 @@ void FileQueue::cancelAll()
 {
     const std::scoped_lock lock(m_mutex);
     for (const auto &job : m_jobs)
-        job->progress.cancelled = true;
+        job->progress.canceled = true;
 }
 
 void FileQueue::drain()
@@ -91,7 +91,7 @@ void FileQueue::drain()
         const std::scoped_lock lock(m_mutex);
         m_ending = true;
         if (!m_jobs.empty())
-            m_jobs.front()->progress.cancelled = true;
+            m_jobs.front()->progress.canceled = true;
     }
     m_changed.notify_one();
     if (m_thread.joinable())

@@ -37,7 +37,7 @@ private:
 void Planner::place(const Location &item, const std::optional<Location> &target, int depth)
 {
     struct stat facts;
-    if (m_monitor.cancelled || ::stat(item.c_str(), &facts) != 0)
+    if (m_monitor.canceled || ::stat(item.c_str(), &facts) != 0)
         return;
     if (!S_ISDIR(facts.st_mode))
         return placeFile(item, facts.st_size, target);

@@ -46,7 +46,7 @@ void MoveTransaction::stage(const Location &item, const Location &folder, const 
 void MoveTransaction::finish()
 {
     // All copies are on the disk before the first source goes; one flush serves those on one file system.
-    int error = m_monitor.cancelled ? ECANCELED : 0;
+    int error = m_monitor.canceled ? ECANCELED : 0;
     for (size_t i = 0; i < m_staged.size() && !error; ++i) {
         if (i == 0 || m_staged[i].folder != m_staged[i - 1].folder)
             error = disk::flush(m_staged[i].folder);

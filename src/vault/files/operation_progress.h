@@ -13,7 +13,7 @@ struct OperationProgress
     std::atomic<int> filesTotal = 0; // 0 while they are being counted
     std::atomic<qint64> bytesDone = 0;
     std::atomic<qint64> bytesTotal = 0;
-    std::atomic<bool> cancelled = false;
+    std::atomic<bool> canceled = false;
 };
 
 } // namespace cratewell

@@ -63,8 +63,8 @@ bool holdsSame(const FolderReader &reader, const FolderContents &contents)
 } // namespace
 
 DirectoryScanner::DirectoryScanner(const Location &root, const SnapshotData *before,
-                                   const std::function<bool()> &cancelled)
-    : m_before(before), m_cancelled(cancelled)
+                                   const std::function<bool()> &canceled)
+    : m_before(before), m_canceled(canceled)
 {
     for (const VaultCategory category : allCategories) {
         ScannedFolder &folder = m_categories[size_t(category)];
@@ -108,7 +108,7 @@ void DirectoryScanner::work(Role role)
 // Waits for something to do; nothing when all is done or the scanner was stopped.
 std::optional<DirectoryScanner::Job> DirectoryScanner::takeJob(Role role)
 {
-    const auto stop = [&] { return role == Role::Caller && m_cancelled && m_cancelled(); };
+    const auto stop = [&] { return role == Role::Caller && m_canceled && m_canceled(); };
     if (stop())
         m_stopped = true;
     std::unique_lock lock(m_mutex);

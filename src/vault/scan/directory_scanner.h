@@ -31,11 +31,10 @@ struct ScannedFolder
 class DirectoryScanner
 {
 public:
-    DirectoryScanner(const Location &root, const SnapshotData *before,
-                     const std::function<bool()> &cancelled);
+    DirectoryScanner(const Location &root, const SnapshotData *before, const std::function<bool()> &canceled);
     ~DirectoryScanner();
 
-    // False when cancelled. `cancelled` is asked by the calling thread only.
+    // False when canceled. `canceled` is asked by the calling thread only.
     bool run();
 
     const ScannedFolder &category(VaultCategory category) const { return m_categories[size_t(category)]; }
@@ -63,7 +62,7 @@ private:
     void makeContents(ScannedFolder &folder);
 
     const SnapshotData *m_before = nullptr;
-    const std::function<bool()> &m_cancelled;
+    const std::function<bool()> &m_canceled;
     std::array<ScannedFolder, allCategories.size()> m_categories;
     std::atomic<size_t> m_folders = 0;
     std::atomic<size_t> m_assets = 0;

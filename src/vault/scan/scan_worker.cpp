@@ -39,7 +39,7 @@ void ScanWorker::start(const Location &root, std::shared_ptr<const VaultSnapshot
 {
     {
         const std::scoped_lock lock(m_mutex);
-        m_cancelled = false;
+        m_canceled = false;
         m_request = Request{root, std::move(before)};
     }
     m_wanted.notify_one();
@@ -47,7 +47,7 @@ void ScanWorker::start(const Location &root, std::shared_ptr<const VaultSnapshot
 
 void ScanWorker::cancel()
 {
-    m_cancelled = true;
+    m_canceled = true;
 }
 
 std::optional<SnapshotDiff> ScanWorker::takeResult()
@@ -89,9 +89,9 @@ void ScanWorker::work()
 
 void ScanWorker::scan(Request request)
 {
-    const auto cancelled = [this] { return m_cancelled || m_ending; };
+    const auto canceled = [this] { return m_canceled || m_ending; };
     std::optional<SnapshotDiff> result;
-    if (auto snapshot = VaultScan::run(request.root, request.before, cancelled))
+    if (auto snapshot = VaultScan::run(request.root, request.before, canceled))
         result = VaultScan::compare(std::move(request.before), std::move(snapshot));
     {
         const std::scoped_lock lock(m_mutex);

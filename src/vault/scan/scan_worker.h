@@ -23,7 +23,7 @@ public:
     void start(const Location &root, std::shared_ptr<const VaultSnapshot> before);
     // The scan under way ends soon, with no result.
     void cancel();
-    // What led from the snapshot before to the new one; nothing when the scan was cancelled. Called once for
+    // What led from the snapshot before to the new one; nothing when the scan was canceled. Called once for
     // each start, after `finished`.
     std::optional<SnapshotDiff> takeResult();
     // Lets go of snapshots on the worker's thread: the last owner of a hundred thousand assets takes a while.
@@ -45,7 +45,7 @@ private:
     std::optional<Request> m_request;
     std::optional<SnapshotDiff> m_result;
     std::vector<SnapshotDiff> m_released;
-    std::atomic<bool> m_cancelled = false;
+    std::atomic<bool> m_canceled = false;
     std::atomic<bool> m_ending = false;
     std::thread m_thread;
 };

@@ -260,7 +260,7 @@ Order carryOver(const Order &earlier, const Carried &carried, const Comparison &
 
 } // namespace
 
-bool makeOrders(SnapshotData &data, const SnapshotData *before, const std::function<bool()> &cancelled)
+bool makeOrders(SnapshotData &data, const SnapshotData *before, const std::function<bool()> &canceled)
 {
     const std::optional<Carried> carried =
         before && before->scanned ? carriedOver(*before, data) : std::optional<Carried>();
@@ -280,7 +280,7 @@ bool makeOrders(SnapshotData &data, const SnapshotData *before, const std::funct
     KeySorter sorter;
     for (const AssetOrder order : {AssetOrder::Kind, AssetOrder::Added, AssetOrder::Size}) {
         make(comparison, order, sorter);
-        if (cancelled && cancelled())
+        if (canceled && canceled())
             return false;
     }
     return true;

@@ -7,8 +7,8 @@
 namespace cratewell {
 
 // Fills the sort orders of `data` with two threads. `before` may be null; the orders of what did not change
-// since then are taken over and only the rest is sorted in. False when cancelled, which is asked by the
+// since then are taken over and only the rest is sorted in. False when canceled, which is asked by the
 // calling thread only.
-bool makeOrders(SnapshotData &data, const SnapshotData *before, const std::function<bool()> &cancelled);
+bool makeOrders(SnapshotData &data, const SnapshotData *before, const std::function<bool()> &canceled);
 
 } // namespace cratewell

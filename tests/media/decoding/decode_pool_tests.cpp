@@ -188,7 +188,7 @@ TEST_F(DecodePoolTest, HandsOverPeaksAndInfo)
 TEST_F(DecodePoolTest, TheRealWorkerReadsEveryFormat)
 {
     using worker::JobKind;
-    const QString still = m_files.image(u"a.png"_s, fourColours({640, 360}));
+    const QString still = m_files.image(u"a.png"_s, fourColors({640, 360}));
     const QString film = u"-f lavfi -i testsrc2=s=320x180:d=0.4 -f lavfi -i sine=d=0.4 -pix_fmt yuv420p"_s;
     const auto vips = [&](const QString &name) {
         return m_files.vips(name, still, {u"copy"_s, u"IN"_s, u"OUT"_s});
@@ -302,8 +302,7 @@ TEST_F(DecodePoolTest, AnIdleWorkerThatHasDoneEverythingIsSmall)
         u"film.mp4"_s, {},
         u"-f lavfi -i testsrc2=s=1920x1080:d=1 -c:v libx264 -preset ultrafast -pix_fmt yuv420p"_s.split(
             u' '));
-    const QString heic =
-        m_files.heif(u"small.heic"_s, m_files.image(u"small.png"_s, fourColours({640, 360})));
+    const QString heic = m_files.heif(u"small.heic"_s, m_files.image(u"small.png"_s, fourColors({640, 360})));
     const auto image = submit(pool, Location::fromText(picture));
     const auto other = submit(pool, Location::fromText(heic));
     const auto video = submit(pool, Location::fromText(film), worker::JobKind::VideoFrame);

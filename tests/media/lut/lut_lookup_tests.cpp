@@ -206,7 +206,7 @@ TEST_P(LUTLookup, ReadsInsideTheTableWhateverStandsInIt)
     EXPECT_EQ(everywhere(1e38F), 255);
 }
 
-// The identity gives every value back; the others keep within a step of the exact colour, and mostly nearer.
+// The identity gives every value back; the others keep within a step of the exact color, and mostly nearer.
 TEST_P(LUTLookup, OfStepsKeepsNearTheExactColors)
 {
     Picture<quint8> source(256, 3, 0);

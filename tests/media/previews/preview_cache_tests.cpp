@@ -137,7 +137,7 @@ TEST_F(PreviewCacheTest, GivesBackWhatWasSavedAndOnlyThat)
     EXPECT_EQ(qAlpha(half.pixel(5, 30)), 0);
     for (int y = 0; y < 40; ++y) {
         const QRgb raw = reinterpret_cast<const QRgb *>(half.constScanLine(y))[20];
-        ASSERT_LE(qRed(raw), qAlpha(raw)) << "no colour brighter than its alpha";
+        ASSERT_LE(qRed(raw), qAlpha(raw)) << "no color brighter than its alpha";
     }
     const auto sound = m_cache.load("sound");
     ASSERT_TRUE(sound);

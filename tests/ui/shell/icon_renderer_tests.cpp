@@ -91,7 +91,7 @@ TEST(IconRenderer, PanelIsLaidOutFromTopToBottom)
     // Away from grid lines: they lie every 40 pixels from the panel's edges.
     expectPlaces(icon, {{"outside the panel", 0.02, 0.5, Qt::transparent, 3},
                         {"in the rounded corner", 0.11, 0.11, Qt::transparent, 40},
-                        {"bottom left of the face, near the base colour", 0.2, 0.87, QColor(0x0b0a11), 8},
+                        {"bottom left of the face, near the base color", 0.2, 0.87, QColor(0x0b0a11), 8},
                         {"under the sheen at the top", 0.25, 0.125,
                          over(Qt::white, 0.5 * (1 - 0.025 / 0.4), QColor(0x1b142e)), 14}});
     // The shadow lies 4.8 pixels lower than the panel and fades with a standard deviation of 6.
@@ -110,7 +110,7 @@ TEST(IconRenderer, GridLinesLieEveryEighthButNotOnTheFarEdges)
     }
 }
 
-TEST(IconRenderer, GlowSurroundsTheStarInItsColour)
+TEST(IconRenderer, GlowSurroundsTheStarInItsColor)
 {
     const struct
     {

@@ -93,7 +93,7 @@ TEST_F(FolderTree, KnowsTheWayUpAndRowsThatAreNotThere)
     }
 }
 
-TEST_F(FolderTree, TintsAFolderWithItsOwnColourElseACategoryWithItsOwn)
+TEST_F(FolderTree, TintsAFolderWithItsOwnColorElseACategoryWithItsOwn)
 {
     const auto tint = [this](const QString &folder) {
         const QModelIndex index = model.index(model.rowOf(library.path(folder).text()));

@@ -293,9 +293,9 @@ TEST_F(FileOperationsTest, ImportKeepsDatesAndPermissionsAndCanBeBrokenOff)
     EXPECT_EQ(progress.bytesDone, 5 << 20);
     EXPECT_EQ(progress.filesDone, progress.filesTotal);
 
-    OperationProgress cancelled;
-    cancelled.cancelled = true;
-    const auto nothing = work.import(at({"../in/a.mov"}), {}, ImportMode::Move, cancelled);
+    OperationProgress canceled;
+    canceled.canceled = true;
+    const auto nothing = work.import(at({"../in/a.mov"}), {}, ImportMode::Move, canceled);
     EXPECT_EQ(nothing.count, 0);
     EXPECT_EQ(nothing.error, QString());
     EXPECT_TRUE(fs::exists(disk.native("../in/a.mov")));
@@ -307,7 +307,7 @@ TEST_F(FileOperationsTest, ImportKeepsDatesAndPermissionsAndCanBeBrokenOff)
     std::jthread person([&] {
         while (halfway.bytesDone < 24 << 20)
             std::this_thread::yield();
-        halfway.cancelled = true;
+        halfway.canceled = true;
     });
     const auto some = work.import(at({"../many"}), {}, ImportMode::Copy, halfway);
     EXPECT_LT(some.count, 40);

@@ -143,13 +143,13 @@ TEST(FileQueue, ShowsLongWorkAndCancelsIt)
     queue.add(u"Importing"_s, [&](OperationProgress &progress) -> FileQueue::Effects {
         progress.filesTotal = 60;
         progress.filesDone = 15;
-        while (!progress.cancelled)
+        while (!progress.canceled)
             std::this_thread::yield();
         return [&] { done.push_back(u"first"_s); };
     });
     queue.add(u"Moving"_s, [&](OperationProgress &progress) -> FileQueue::Effects {
-        return [&, cancelled = progress.cancelled.load()] {
-            done.push_back(cancelled ? u"cancelled"_s : u"second"_s);
+        return [&, canceled = progress.canceled.load()] {
+            done.push_back(canceled ? u"canceled"_s : u"second"_s);
         };
     });
     ASSERT_TRUE(waitUntil([&] { return progress.secondsLeft() >= 0; }));
@@ -167,14 +167,14 @@ TEST(FileQueue, EndsWhatFillsAFolderThatGoes)
 {
     FileProgress progress;
     FileQueue queue(progress);
-    std::vector<bool> cancelled;
+    std::vector<bool> canceled;
     const auto fill = [&](const char *folder, bool waits) {
         queue.add(
             u"Importing"_s,
             [&, waits](OperationProgress &progress) -> FileQueue::Effects {
-                while (waits && !progress.cancelled)
+                while (waits && !progress.canceled)
                     std::this_thread::yield();
-                return [&, was = progress.cancelled.load()] { cancelled.push_back(was); };
+                return [&, was = progress.canceled.load()] { canceled.push_back(was); };
             },
             Location::fromText(QString::fromLatin1(folder)));
     };
@@ -183,8 +183,8 @@ TEST(FileQueue, EndsWhatFillsAFolderThatGoes)
     fill("/vault/SFX More", false);
     fill("", false);
     queue.cancelFilling(Location::fromText(u"/vault/SFX"_s));
-    ASSERT_TRUE(waitUntil([&] { return cancelled.size() == 4; }));
-    EXPECT_THAT(cancelled, ElementsAre(true, true, false, false));
+    ASSERT_TRUE(waitUntil([&] { return canceled.size() == 4; }));
+    EXPECT_THAT(canceled, ElementsAre(true, true, false, false));
 }
 
 } // namespace

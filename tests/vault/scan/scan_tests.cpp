@@ -164,7 +164,7 @@ TEST(VaultScan, InfoIsThoseOfTheFile)
         EXPECT_EQ(asset.added, distantPast);
 }
 
-TEST(VaultScan, BoundsDepthAndTellsWhenCancelled)
+TEST(VaultScan, BoundsDepthAndTellsWhenCanceled)
 {
     const TemporaryVault vault;
     std::string path = "SFX";

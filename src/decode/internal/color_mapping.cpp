@@ -1,4 +1,4 @@
-#include "decode/internal/colour_mapping.h"
+#include "decode/internal/color_mapping.h"
 
 extern "C" {
 #include <libavutil/mastering_display_metadata.h>
@@ -78,7 +78,7 @@ float peakOf(const AVFrame &frame)
 
 } // namespace
 
-std::optional<ColourMapping> ColourMapping::of(const AVFrame &frame)
+std::optional<ColorMapping> ColorMapping::of(const AVFrame &frame)
 {
     Transfer transfer = Transfer::Usual;
     if (frame.color_trc == AVCOL_TRC_SMPTE2084)
@@ -95,10 +95,10 @@ std::optional<ColourMapping> ColourMapping::of(const AVFrame &frame)
         toSrgb = fromP3;
     else if (!bright)
         return std::nullopt;
-    return ColourMapping(transfer, toSrgb, transfer == Transfer::Pq ? peakOf(frame) : usualPeak);
+    return ColorMapping(transfer, toSrgb, transfer == Transfer::Pq ? peakOf(frame) : usualPeak);
 }
 
-ColourMapping::ColourMapping(Transfer transfer, const Matrix &toSrgb, float peak)
+ColorMapping::ColorMapping(Transfer transfer, const Matrix &toSrgb, float peak)
     : m_transfer(transfer), m_toSrgb(toSrgb), m_peak(peak)
 {
     fillLight();
@@ -106,7 +106,7 @@ ColourMapping::ColourMapping(Transfer transfer, const Matrix &toSrgb, float peak
         fillRollOff();
 }
 
-void ColourMapping::fillLight()
+void ColorMapping::fillLight()
 {
     m_light.resize(codeSteps);
     for (int i = 0; i < codeSteps; ++i) {
@@ -123,7 +123,7 @@ void ColourMapping::fillLight()
 }
 
 // BT.2390-10, 5.4.1: below the knee nothing diff, above it a Hermite spline leads to the target's white.
-void ColourMapping::fillRollOff()
+void ColorMapping::fillRollOff()
 {
     const double peakCode = pqCode(m_peak), white = pqCode(referenceWhite) / peakCode;
     const double knee = 1.5 * white - 0.5;
@@ -142,7 +142,7 @@ void ColourMapping::fillRollOff()
 }
 
 // Linear light of the frame's primaries; 1 is white.
-std::array<float, 3> ColourMapping::displayed(const uint16_t *rgb) const
+std::array<float, 3> ColorMapping::displayed(const uint16_t *rgb) const
 {
     std::array<float, 3> light;
     for (size_t i = 0; i < 3; ++i)
@@ -163,7 +163,7 @@ std::array<float, 3> ColourMapping::displayed(const uint16_t *rgb) const
     return light;
 }
 
-void ColourMapping::apply(const AVFrame &rgba, AVFrame &bgra) const
+void ColorMapping::apply(const AVFrame &rgba, AVFrame &bgra) const
 {
     const std::vector<uint8_t> &bytes = srgbBytes();
     const auto byte = [&](float red, float green, float blue, size_t row) {

@@ -9,16 +9,16 @@
 
 namespace cratewell::decode {
 
-// Brings frames of other colours than sRGB's to it: BT.2020 and P3 primaries, and the transfer functions of
+// Brings frames of other colors than sRGB's to it: BT.2020 and P3 primaries, and the transfer functions of
 // high dynamic range, PQ (SMPTE ST 2084) and HLG (BT.2100, shown as on a display of 1000 cd/m2).
 // What is brighter than white is rolled off after BT.2390 (EETF without black lift) so that the brightest the
 // film was graded for becomes white, which stands for the 203 cd/m2 of reference white in BT.2408; darker
 // than about half of that nothing diff. What sRGB cannot show is cut off.
-class ColourMapping
+class ColorMapping
 {
 public:
     // Nothing where the frame is to be shown as it is.
-    static std::optional<ColourMapping> of(const AVFrame &frame);
+    static std::optional<ColorMapping> of(const AVFrame &frame);
 
     // Rows of straight 16-bit RGBA, as the frame codes them, to straight 8-bit BGRA.
     void apply(const AVFrame &rgba, AVFrame &bgra) const;
@@ -27,7 +27,7 @@ private:
     enum class Transfer { Usual, Pq, Hlg };
     using Matrix = std::array<float, 9>;
 
-    ColourMapping(Transfer transfer, const Matrix &toSrgb, float peak);
+    ColorMapping(Transfer transfer, const Matrix &toSrgb, float peak);
     void fillLight();
     void fillRollOff();
     std::array<float, 3> displayed(const uint16_t *rgb) const;
