@@ -95,7 +95,7 @@ Decoded<std::vector<float>> audioPeaks(int descriptor, int count)
     if (!reader)
         return failed(reader.error());
     const int64_t most = int64_t{(*reader)->sampleRate()} * longest;
-    if ((*reader)->lengthIs() == AudioReader::Length::Told && (*reader)->length() > 0) {
+    if ((*reader)->lengthIs() == AudioReader::Length::Known && (*reader)->length() > 0) {
         const int64_t n = std::min((*reader)->length(), most);
         if (auto peaks = peaksWhereNeeded(**reader, n, most, count))
             return std::move(*peaks);

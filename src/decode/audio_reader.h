@@ -21,7 +21,7 @@ public:
     virtual int channels() const = 0;   // above 0
     // In frames; 0 when unknown. When it is told, what can be read differs only where the file is damaged.
     virtual int64_t length() const = 0;
-    enum class Length { Told, Guessed };
+    enum class Length { Known, Estimated };
     virtual Length lengthIs() const = 0;
 
     // The next read begins with this frame, counted from the beginning of the sound.

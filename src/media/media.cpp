@@ -106,7 +106,7 @@ void Media::Private::changeStill()
         Q_EMIT q.thumbnailChanged(url);
 }
 
-void Media::Private::tellPicture(const Location &url, int part)
+void Media::Private::notifyPicture(const Location &url, int part)
 {
     if (part == thumbnailPart)
         Q_EMIT q.thumbnailChanged(url);
@@ -123,7 +123,7 @@ std::unique_ptr<PreviewRequest> Media::Private::requestPicture(const Asset &asse
         return nullptr;
     const auto finished = [this, key, now = ++turn](const DecodeResult &result) {
         if (put<DecodedPicture>(pictures, key, now, result))
-            tellPicture(key.url, key.part);
+            notifyPicture(key.url, key.part);
     };
     return loader.submit(asset.version, markerOf(part),
                          {.key = {}, .request = request, .rank = rank, .finished = finished});

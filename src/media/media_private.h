@@ -36,7 +36,7 @@ struct Media::Private
     // A failure that is not the file's is forgotten at once: the next request tries again.
     template<typename Value, typename Store>
     bool put(Store &store, const PreviewKey &key, quint64 asked, const DecodeResult &result);
-    void tellPicture(const Location &url, int part);
+    void notifyPicture(const Location &url, int part);
 
     Media &q;
     // Budgets in bytes; those of pictures together 512 MB.

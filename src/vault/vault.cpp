@@ -70,12 +70,12 @@ Vault::Vault(Location root, Defaults &defaults, std::unique_ptr<FileEvents> even
         if (!d->coalescing.isActive())
             d->coalescing.start();
     });
-    const auto tellLimit = [this] {
+    const auto reportLimit = [this] {
         Q_EMIT toast(u"This vault has more folders than the system can follow at once. "
                      u"Changes may take a few seconds to appear."_s,
                      true);
     };
-    connect(d->events.get(), &FileEvents::limitReached, this, tellLimit, Qt::SingleShotConnection);
+    connect(d->events.get(), &FileEvents::limitReached, this, reportLimit, Qt::SingleShotConnection);
     d->purging.setInterval(purgeInterval);
     connect(&d->purging, &QTimer::timeout, this, &Vault::purgeExpired);
 }

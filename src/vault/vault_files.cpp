@@ -28,7 +28,7 @@ void Vault::Private::change(const QString &title, DiskPart disk, MainPart after,
         return [this, files, outcome, trashNow = files->trash(), after] {
             if (files->root() != root)
                 return;
-            tellFailure(outcome.error);
+            reportFailure(outcome.error);
             if (trashNow != trash) {
                 trash = trashNow;
                 Q_EMIT q.trashItemsChanged();
@@ -45,7 +45,7 @@ void Vault::Private::openTrash()
     q.purgeExpired();
 }
 
-void Vault::Private::tellFailure(const QString &error)
+void Vault::Private::reportFailure(const QString &error)
 {
     if (error.isEmpty())
         return;

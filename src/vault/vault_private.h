@@ -25,7 +25,7 @@ struct Vault::Private
     // root has changed meanwhile.
     void change(const QString &title, DiskPart disk, MainPart after, const Location &destination = {});
     void openTrash();
-    void tellFailure(const QString &error);
+    void reportFailure(const QString &error);
 
     Vault &q;
     Location root;

@@ -264,10 +264,10 @@ TEST_F(MediaTest, ReadsPeaksFramesAndInfo)
     const Asset sound = scanned(add(tone(), u"tone.wav"_s, u"SFX"_s));
     const Asset text = scanned(add(m_files.bytes(u"text"_s, "only text"), u"text.wav"_s, u"SFX"_s));
     const Asset film = scanned(add(m_files.grayRamp(u"film.mp4"_s), u"film.mp4"_s));
-    QSignalSpy told(&m_media, &Media::waveformChanged);
+    QSignalSpy reported(&m_media, &Media::waveformChanged);
     EXPECT_FALSE(m_media.waveform(sound));
     ASSERT_TRUE(peaksOf(m_media, sound));
-    EXPECT_EQ(told.count(), 1);
+    EXPECT_EQ(reported.count(), 1);
     EXPECT_EQ(m_media.waveform(sound)->size(), 240);
     EXPECT_EQ(std::ranges::max(*m_media.waveform(sound)), 1.0F);
     ASSERT_TRUE(peaksOf(m_media, text));

@@ -38,14 +38,14 @@ void overwriteInPlace(const fs::path &file)
     ASSERT_TRUE(stream.good()) << file;
 }
 
-// A folder of its own, followed at "root" in it, and when it was last told that something changed.
+// A folder of its own, followed at "root" in it, and when it was last reported that something changed.
 class Followed
 {
 public:
     Followed()
     {
         QObject::connect(&events, &FileEvents::changed, [this] {
-            ++told;
+            ++reported;
             m_last.start();
         });
         QObject::connect(&events, &FileEvents::limitReached, [this] { ++limits; });
@@ -60,7 +60,7 @@ public:
     bool isQuiet() const { return !m_last.isValid() || m_last.elapsed() > 600; }
 
     InotifyFileEvents events;
-    int told = 0;
+    int reported = 0;
     int limits = 0;
 
 private:
@@ -68,12 +68,12 @@ private:
     QElapsedTimer m_last;
 };
 
-enum class Expect { Told, Silence };
+enum class Expect { Report, Silence };
 
 struct Step
 {
     std::function<void(const fs::path &)> act;
-    Expect expected = Expect::Told;
+    Expect expected = Expect::Report;
 };
 
 struct Story
@@ -192,13 +192,13 @@ TEST(InotifyFileEvents, FollowEveryChangeBelowTheRootAndNoneBesideIt)
     }
     const auto allQuiet = [&] { return std::ranges::all_of(followed, &Followed::isQuiet); };
     ASSERT_TRUE(test::waitUntil([&] {
-        return std::ranges::all_of(followed, [](auto &f) { return f->told > 0; });
-    })) << "what was made just before is told when the watches stand";
+        return std::ranges::all_of(followed, [](auto &f) { return f->reported > 0; });
+    })) << "what was made just before is reported when the watches stand";
     for (size_t step = 0;; ++step) {
         ASSERT_TRUE(test::waitUntil(allQuiet));
         bool more = false;
         for (size_t i = 0; i < followed.size(); ++i) {
-            followed[i]->told = 0;
+            followed[i]->reported = 0;
             if (step >= stories()[i].steps.size())
                 continue;
             more = true;
@@ -206,18 +206,18 @@ TEST(InotifyFileEvents, FollowEveryChangeBelowTheRootAndNoneBesideIt)
         }
         if (!more)
             break;
-        const auto isTold = [&](size_t i) {
+        const auto isReported = [&](size_t i) {
             return step >= stories()[i].steps.size() ||
-                   stories()[i].steps[step].expected == Expect::Silence || followed[i]->told > 0;
+                   stories()[i].steps[step].expected == Expect::Silence || followed[i]->reported > 0;
         };
         for (size_t i = 0; i < followed.size(); ++i)
-            ASSERT_TRUE(test::waitUntil([&] { return isTold(i); }, 5s))
+            ASSERT_TRUE(test::waitUntil([&] { return isReported(i); }, 5s))
                 << stories()[i].name << ", step " << step;
         ASSERT_TRUE(test::waitUntil(allQuiet));
         for (size_t i = 0; i < followed.size(); ++i) {
             const std::vector<Step> &steps = stories()[i].steps;
             const bool silent = step < steps.size() && steps[step].expected == Expect::Silence;
-            EXPECT_TRUE(!silent || followed[i]->told == 0) << stories()[i].name << ", step " << step;
+            EXPECT_TRUE(!silent || followed[i]->reported == 0) << stories()[i].name << ", step " << step;
             EXPECT_EQ(followed[i]->limits, 0);
         }
     }
@@ -230,11 +230,11 @@ TEST(InotifyFileEvents, WaitForARootThatDoesNotExistYet)
     followed.events.watch(Location::fromBytes(root.c_str()), std::chrono::system_clock::now());
     fs::create_directories(followed.top() / "not/yet");
     fs::create_directories(root / "inner");
-    ASSERT_TRUE(test::waitUntil([&] { return followed.told > 0; }));
+    ASSERT_TRUE(test::waitUntil([&] { return followed.reported > 0; }));
     ASSERT_TRUE(test::waitUntil([&] { return followed.isQuiet(); }));
-    followed.told = 0;
+    followed.reported = 0;
     write(root / "inner/file");
-    EXPECT_TRUE(test::waitUntil([&] { return followed.told > 0; }));
+    EXPECT_TRUE(test::waitUntil([&] { return followed.reported > 0; }));
 }
 
 TEST(InotifyFileEvents, TellABurstAFewTimesAndItsEndAlways)
@@ -242,21 +242,21 @@ TEST(InotifyFileEvents, TellABurstAFewTimesAndItsEndAlways)
     Followed followed;
     write(followed.top() / "root/file");
     followed.watch();
-    ASSERT_TRUE(test::waitUntil([&] { return followed.told > 0; }));
+    ASSERT_TRUE(test::waitUntil([&] { return followed.reported > 0; }));
     ASSERT_TRUE(test::waitUntil([&] { return followed.isQuiet(); }));
-    followed.told = 0;
+    followed.reported = 0;
     QElapsedTimer clock;
     clock.start();
     int atTheLast = 0;
     for (int i = 0; i < 5000; ++i) {
         write(followed.top() / "root" / ("folder" + std::to_string(i % 40)) / std::to_string(i));
         QCoreApplication::processEvents();
-        atTheLast = followed.told;
+        atTheLast = followed.reported;
     }
     const qint64 burst = clock.elapsed();
-    EXPECT_TRUE(test::waitUntil([&] { return followed.told > atTheLast; }));
+    EXPECT_TRUE(test::waitUntil([&] { return followed.reported > atTheLast; }));
     ASSERT_TRUE(test::waitUntil([&] { return followed.isQuiet(); }));
-    EXPECT_LE(followed.told, burst / 400 + 3);
+    EXPECT_LE(followed.reported, burst / 400 + 3);
 }
 
 TEST(InotifyFileEvents, StopAndChangeRootsAtOnce)
@@ -267,23 +267,23 @@ TEST(InotifyFileEvents, StopAndChangeRootsAtOnce)
     followed.watch();
     followed.events.watch(Location::fromBytes((followed.top() / "next").c_str()),
                           std::chrono::system_clock::now());
-    ASSERT_TRUE(test::waitUntil([&] { return followed.told > 0; }));
+    ASSERT_TRUE(test::waitUntil([&] { return followed.reported > 0; }));
     ASSERT_TRUE(test::waitUntil([&] { return followed.isQuiet(); }));
-    followed.told = 0;
+    followed.reported = 0;
     overwriteInPlace(followed.top() / "root/file");
     overwriteInPlace(followed.top() / "next/file");
-    ASSERT_TRUE(test::waitUntil([&] { return followed.told > 0; }));
+    ASSERT_TRUE(test::waitUntil([&] { return followed.reported > 0; }));
     ASSERT_TRUE(test::waitUntil([&] { return followed.isQuiet(); }));
-    EXPECT_EQ(followed.told, 1);
+    EXPECT_EQ(followed.reported, 1);
 
     overwriteInPlace(followed.top() / "next/file");
     followed.events.stop();
-    followed.told = 0;
+    followed.reported = 0;
     followed.events.watch(Location(), std::chrono::system_clock::now());
     QElapsedTimer clock;
     clock.start();
     ASSERT_TRUE(test::waitUntil([&] { return clock.hasExpired(700); }));
-    EXPECT_EQ(followed.told, 0);
+    EXPECT_EQ(followed.reported, 0);
 }
 
 TEST(InotifyTree, StartsAfreshWhenTheQueueOverflowed)
@@ -326,22 +326,22 @@ TEST(InotifyLimitChild, DISABLED_ChecksWhatItCannotWatch)
         write(file(i));
     followed.watch();
     ASSERT_TRUE(test::waitUntil([&] { return followed.limits > 0; }));
-    const auto tellsWhen = [&](const std::function<void()> &act) {
-        if (!test::waitUntil([&] { return followed.told > 0 && followed.isQuiet(); }))
+    const auto reportsWhen = [&](const std::function<void()> &act) {
+        if (!test::waitUntil([&] { return followed.reported > 0 && followed.isQuiet(); }))
             return false;
-        followed.told = 0;
+        followed.reported = 0;
         act();
-        const bool told = test::waitUntil([&] { return followed.told > 0; });
-        return told && test::waitUntil([&] { return followed.isQuiet(); });
+        const bool reported = test::waitUntil([&] { return followed.reported > 0; });
+        return reported && test::waitUntil([&] { return followed.isQuiet(); });
     };
-    EXPECT_TRUE(tellsWhen([&] {
+    EXPECT_TRUE(reportsWhen([&] {
         for (int i = 0; i < folders; ++i)
             overwriteInPlace(file(i));
     }));
     for (const int i : {0, folders - 1}) {
-        EXPECT_TRUE(tellsWhen([&] { write(file(i).parent_path() / "new/sub/file"); })) << i;
-        EXPECT_TRUE(tellsWhen([&] { overwriteInPlace(file(i).parent_path() / "new/sub/file"); })) << i;
-        EXPECT_TRUE(tellsWhen([&] { fs::remove_all(file(i).parent_path()); })) << i;
+        EXPECT_TRUE(reportsWhen([&] { write(file(i).parent_path() / "new/sub/file"); })) << i;
+        EXPECT_TRUE(reportsWhen([&] { overwriteInPlace(file(i).parent_path() / "new/sub/file"); })) << i;
+        EXPECT_TRUE(reportsWhen([&] { fs::remove_all(file(i).parent_path()); })) << i;
     }
     EXPECT_EQ(followed.limits, 1);
 }

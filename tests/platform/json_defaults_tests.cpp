@@ -191,7 +191,7 @@ TEST_F(JsonDefaultsTest, LosesNothingOlderThanASecondWhenKilled)
         child.start(QCoreApplication::applicationFilePath(),
                     {u"--gtest_filter=JsonDefaultsChild.*"_s, u"--gtest_also_run_disabled_tests"_s});
         QElapsedTimer clock;
-        QList<std::pair<qint64, int>> told;
+        QList<std::pair<qint64, int>> reported;
         QByteArray line;
         ASSERT_TRUE(test::waitUntil([&] {
             while (child.canReadLine()) {
@@ -199,15 +199,15 @@ TEST_F(JsonDefaultsTest, LosesNothingOlderThanASecondWhenKilled)
                 if (!clock.isValid())
                     clock.start();
                 if (line.startsWith("count "))
-                    told.emplace_back(clock.elapsed(), line.mid(6).toInt());
+                    reported.emplace_back(clock.elapsed(), line.mid(6).toInt());
             }
-            return !told.empty() && told.last().first > 1500 + round * 37;
+            return !reported.empty() && reported.last().first > 1500 + round * 37;
         }));
         child.kill();
         ASSERT_TRUE(child.waitForFinished());
         const qint64 killed = clock.elapsed();
         int owed = 0;
-        for (const auto &[time, count] : told)
+        for (const auto &[time, count] : reported)
             owed = time < killed - 1000 ? count : owed;
         ASSERT_GT(owed, 10);
         const JsonDefaults after(file());

@@ -120,7 +120,7 @@ TEST_F(AppStateTest, SearchesNamesHoldingFoldersAndKinds)
 
 TEST_F(AppStateTest, TellsOfTheListOnlyWhenItDiffersAndIsReady)
 {
-    QSignalSpy told(&state, &AppState::visibleAssetsChanged);
+    QSignalSpy reported(&state, &AppState::visibleAssetsChanged);
     std::vector<int> counts;
     QObject::connect(&state, &AppState::visibleAssetsChanged, &state,
                      [&] { counts.push_back(state.visibleCount()); });
@@ -131,16 +131,16 @@ TEST_F(AppStateTest, TellsOfTheListOnlyWhenItDiffersAndIsReady)
     EXPECT_THAT(counts, ElementsAre(2, 2));
     state.setSearch(u"flash "_s);
     state.setSearch(u"flash "_s);
-    EXPECT_EQ(told.count(), 1) << "the same assets match";
+    EXPECT_EQ(reported.count(), 1) << "the same assets match";
     state.setSort(AssetOrder::Size);
-    EXPECT_EQ(told.count(), 1) << "both orders agree about these";
+    EXPECT_EQ(reported.count(), 1) << "both orders agree about these";
     library.prefs.toggleFavorite(library.path(u"LUTs/Cold.cube"_s));
-    EXPECT_EQ(told.count(), 1) << "favorites are not shown";
+    EXPECT_EQ(reported.count(), 1) << "favorites are not shown";
     state.setScope(Scope::of(Scope::Kind::Favorites));
-    EXPECT_EQ(told.count(), 2);
+    EXPECT_EQ(reported.count(), 2);
     state.setSearch({});
     library.prefs.toggleFavorite(library.path(u"LUTs/Cold.cube"_s));
-    EXPECT_EQ(told.count(), 4);
+    EXPECT_EQ(reported.count(), 4);
 }
 
 TEST_F(AppStateTest, ClicksSelectAsAFileManagerDoes)
@@ -268,10 +268,10 @@ TEST_F(AppStateTest, SelectedPlacesCanBeSetWhetherTheyExistOrNot)
 {
     const Location gone = library.path(u"Overlays/gone.png"_s);
     const QSet<Location> places{library.path(u"LUTs/Cold.cube"_s), gone};
-    QSignalSpy told(&state, &AppState::selectedChanged);
+    QSignalSpy reported(&state, &AppState::selectedChanged);
     state.setSelected(places);
     state.setSelected(places);
-    EXPECT_EQ(told.count(), 1);
+    EXPECT_EQ(reported.count(), 1);
     EXPECT_EQ(state.selected(), places);
     EXPECT_EQ(state.selectedCount(), 2);
     state.setSelected({gone, library.path(u"Overlays/Grain.png"_s)});

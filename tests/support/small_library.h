@@ -55,10 +55,10 @@ public:
 private:
     template<typename Begin> bool scanned(const Begin &begin)
     {
-        bool told = false;
-        const auto connection = QObject::connect(&vault, &Vault::rescanned, [&told] { told = true; });
+        bool reported = false;
+        const auto connection = QObject::connect(&vault, &Vault::rescanned, [&reported] { reported = true; });
         begin();
-        const bool done = waitUntil([&told] { return told; });
+        const bool done = waitUntil([&reported] { return reported; });
         QObject::disconnect(connection);
         return done;
     }

@@ -72,7 +72,7 @@ TEST_F(VaultTest, FollowsTheDiskAndCoalesces)
     EXPECT_EQ(events->root(), disk.root());
     disk.write("SFX/Hits/a.wav", 3);
     for (int i = 0; i < 500; ++i)
-        events->tellChanged();
+        events->notifyChanged();
     ASSERT_TRUE(waitUntil([this] { return shows("SFX/Hits/a.wav"); }));
     EXPECT_EQ(rescanned.count(), 2);
     EXPECT_EQ(vault.totalSize(), 3);
@@ -124,21 +124,22 @@ TEST_F(VaultTest, AChangeOfRootDropsTheScanOfTheOldOne)
     TemporaryVault other;
     other.write("LUTs/only here.cube");
     disk.write("SFX/old.wav");
-    std::vector<QString> told;
+    std::vector<QString> reported;
     QObject::connect(&vault, &Vault::rootChanged, &vault, [&](const Location &root) {
-        EXPECT_EQ(fs::exists(other.native("SFX")), !told.empty()) << "told before anything is done there";
+        EXPECT_EQ(fs::exists(other.native("SFX")), !reported.empty())
+            << "reported before anything is done there";
         EXPECT_EQ(vault.root(), root);
-        told.push_back(u"root"_s);
+        reported.push_back(u"root"_s);
     });
-    QObject::connect(&vault, &Vault::opened, &vault, [&] { told.push_back(u"opened"_s); });
+    QObject::connect(&vault, &Vault::opened, &vault, [&] { reported.push_back(u"opened"_s); });
     QObject::connect(&vault, &Vault::rescanned, &vault, [&](const SnapshotDiff &diff) {
         EXPECT_EQ(diff.after->root(), other.root());
-        told.push_back(u"rescanned"_s);
+        reported.push_back(u"rescanned"_s);
     });
     vault.start();
     vault.changeRoot(other.root());
-    ASSERT_TRUE(waitUntil([&] { return !told.empty() && told.back() == u"rescanned"_s; }));
-    EXPECT_THAT(told, testing::ElementsAre(u"root"_s, u"opened"_s, u"rescanned"_s));
+    ASSERT_TRUE(waitUntil([&] { return !reported.empty() && reported.back() == u"rescanned"_s; }));
+    EXPECT_THAT(reported, testing::ElementsAre(u"root"_s, u"opened"_s, u"rescanned"_s));
     EXPECT_THAT(events->watched(), testing::ElementsAre(other.root()))
         << "the old one has no snapshot to keep";
     EXPECT_TRUE(vault.snapshot()->find(other.at("LUTs/only here.cube")));
@@ -149,14 +150,15 @@ TEST_F(VaultTest, AChangeOfRootDropsTheScanOfTheOldOne)
     EXPECT_EQ(vault.category(disk.at("SFX/old.wav")), std::nullopt);
 
     vault.changeRoot(other.root());
-    EXPECT_TRUE(waitUntil([&] { return told.size() == 6; })) << "the first scan of a root is always told";
+    EXPECT_TRUE(waitUntil([&] { return reported.size() == 6; }))
+        << "the first scan of a root is always reported";
 }
 
 TEST_F(VaultTest, TellsOnceThatTheSystemFollowsNoMoreFolders)
 {
     QSignalSpy toasts(&vault, &Vault::toast);
-    events->tellLimitReached();
-    events->tellLimitReached();
+    events->notifyLimitReached();
+    events->notifyLimitReached();
     EXPECT_EQ(toasts.count(), 1);
 }
 

@@ -50,8 +50,8 @@ int64_t CodedSoundReader::length() const
 
 AudioReader::Length CodedSoundReader::lengthIs() const
 {
-    const bool told = m_end != INT64_MAX || (m_container->isNamed("flac") && m_stream->duration > 0);
-    return told ? Length::Told : Length::Guessed;
+    const bool known = m_end != INT64_MAX || (m_container->isNamed("flac") && m_stream->duration > 0);
+    return known ? Length::Known : Length::Estimated;
 }
 
 std::optional<int64_t> CodedSoundReader::timeOfFrame() const

@@ -50,7 +50,7 @@ Decoded<std::unique_ptr<MediaContainer>> MediaContainer::open(int descriptor, Pu
         return failed("not a readable media file: " + errorText(code));
     container->m_format.reset(format);
 
-    if (!container->headerTells(purpose)) {
+    if (!container->headerKnows(purpose)) {
         if (const int code = avformat_find_stream_info(format, nullptr); code < 0)
             return failed("not a readable media file: " + errorText(code));
     }
@@ -64,19 +64,19 @@ bool MediaContainer::isNamed(const char *name) const
 
 // QuickTime and Matroska headers tell everything that finding a frame needs. What a sound is like is certain
 // for PCM only: other headers may leave out the rate, or tell half of it.
-bool MediaContainer::headerTells(Purpose purpose) const
+bool MediaContainer::headerKnows(Purpose purpose) const
 {
     const AVStream *video = firstVideo(), *audio = firstAudio();
-    const bool soundTold = audio && isPcm(audio->codecpar->codec_id) && audio->codecpar->sample_rate > 0 &&
-                           audio->codecpar->ch_layout.nb_channels > 0;
+    const bool audioKnown = audio && isPcm(audio->codecpar->codec_id) && audio->codecpar->sample_rate > 0 &&
+                            audio->codecpar->ch_layout.nb_channels > 0;
     if (purpose == Purpose::Sound || (purpose == Purpose::Info && !video))
-        return soundTold;
-    const bool frameTold = (isNamed("mov") || isNamed("matroska")) && video && video->codecpar->width > 0 &&
-                           video->codecpar->codec_id != AV_CODEC_ID_NONE &&
-                           m_format->duration != AV_NOPTS_VALUE;
+        return audioKnown;
+    const bool frameKnown = (isNamed("mov") || isNamed("matroska")) && video && video->codecpar->width > 0 &&
+                            video->codecpar->codec_id != AV_CODEC_ID_NONE &&
+                            m_format->duration != AV_NOPTS_VALUE;
     if (purpose == Purpose::Frames)
-        return frameTold;
-    return frameTold && video->avg_frame_rate.num > 0;
+        return frameKnown;
+    return frameKnown && video->avg_frame_rate.num > 0;
 }
 
 AVStream *MediaContainer::firstVideo() const

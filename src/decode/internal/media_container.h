@@ -34,7 +34,7 @@ public:
 
 private:
     explicit MediaContainer(int descriptor) : m_input(descriptor) {}
-    bool headerTells(Purpose purpose) const;
+    bool headerKnows(Purpose purpose) const;
 
     DescriptorInput m_input;
     FormatPointer m_format;

@@ -17,7 +17,7 @@ public:
     int sampleRate() const override { return m_sampleRate; }
     int channels() const override { return m_channels; }
     int64_t length() const override { return m_length; }
-    Length lengthIs() const override { return Length::Told; }
+    Length lengthIs() const override { return Length::Known; }
     Decoded<void> seek(int64_t frame) override;
     Decoded<int64_t> skip(int64_t count) override;
     Decoded<int> read(float *const *planes, int count) override;

@@ -136,8 +136,8 @@ void WorkerSlot::finish(const DecodeResult &result)
 {
     m_phase = Phase::Idle;
     m_budget.stop();
-    const Finished tell = std::exchange(m_finished, {});
-    tell(result);
+    const Finished notify = std::exchange(m_finished, {});
+    notify(result);
 }
 
 } // namespace cratewell

@@ -15,8 +15,8 @@ public:
     }
     void stop() override { m_root = {}; }
 
-    void tellChanged() { Q_EMIT changed(); }
-    void tellLimitReached() { Q_EMIT limitReached(); }
+    void notifyChanged() { Q_EMIT changed(); }
+    void notifyLimitReached() { Q_EMIT limitReached(); }
 
     // Nowhere while nothing is followed.
     const Location &root() const { return m_root; }

@@ -2,13 +2,13 @@
 
 namespace cratewell {
 
-ChangeThrottle::ChangeThrottle(std::function<void()> tell) : m_tell(std::move(tell))
+ChangeThrottle::ChangeThrottle(std::function<void()> report) : m_notify(std::move(report))
 {
     m_pause.setSingleShot(true);
     m_pause.setInterval(std::chrono::milliseconds(400));
     QObject::connect(&m_pause, &QTimer::timeout, &m_pause, [this] {
         if (std::exchange(m_again, false))
-            told();
+            notify();
     });
 }
 
@@ -17,7 +17,7 @@ void ChangeThrottle::notice()
     if (m_pause.isActive())
         m_again = true;
     else
-        told();
+        notify();
 }
 
 void ChangeThrottle::reset()
@@ -26,10 +26,10 @@ void ChangeThrottle::reset()
     m_again = false;
 }
 
-void ChangeThrottle::told()
+void ChangeThrottle::notify()
 {
     m_pause.start();
-    m_tell();
+    m_notify();
 }
 
 } // namespace cratewell

@@ -9,16 +9,16 @@ namespace cratewell {
 class ChangeThrottle
 {
 public:
-    explicit ChangeThrottle(std::function<void()> tell);
+    explicit ChangeThrottle(std::function<void()> report);
 
     void notice();
     // Forgets what was noticed and not told.
     void reset();
 
 private:
-    void told();
+    void notify();
 
-    std::function<void()> m_tell;
+    std::function<void()> m_notify;
     QTimer m_pause;
     bool m_again = false;
 };

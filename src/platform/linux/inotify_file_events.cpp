@@ -37,7 +37,7 @@ private:
     void run();
     void obey(InotifyTree &tree);
     void wait(const InotifyTree &tree);
-    void tell(bool changed, const InotifyTree &tree);
+    void report(bool changed, const InotifyTree &tree);
     void heard();
 
     struct Order
@@ -105,7 +105,7 @@ void InotifyFileEvents::Private::run()
             m_nextCheck =
                 Clock::now() + std::max<Clock::duration>(checkInterval, (Clock::now() - start) * checkShare);
         }
-        tell(changed, tree);
+        report(changed, tree);
     }
 }
 
@@ -122,7 +122,7 @@ void InotifyFileEvents::Private::obey(InotifyTree &tree)
     m_followed = taken->root.isEmpty() ? 0 : taken->generation;
     const bool changed = tree.follow(taken->root, taken->since);
     m_nextCheck = Clock::now() + checkInterval;
-    tell(changed, tree);
+    report(changed, tree);
 }
 
 void InotifyFileEvents::Private::wait(const InotifyTree &tree)
@@ -135,7 +135,7 @@ void InotifyFileEvents::Private::wait(const InotifyTree &tree)
     ::eventfd_read(m_wake, &ignored);
 }
 
-void InotifyFileEvents::Private::tell(bool changed, const InotifyTree &tree)
+void InotifyFileEvents::Private::report(bool changed, const InotifyTree &tree)
 {
     if (tree.limitReached() && !std::exchange(m_limitPosted, true))
         QMetaObject::invokeMethod(

@@ -59,7 +59,7 @@ void KeyedListModel::showKeys(const std::vector<QByteArray> &keys)
         Q_EMIT countChanged();
 }
 
-void KeyedListModel::tellChanged(const QList<int> &roles)
+void KeyedListModel::notifyChanged(const QList<int> &roles)
 {
     if (count() > 0)
         Q_EMIT dataChanged(index(0), index(count() - 1), roles);

@@ -29,7 +29,7 @@ protected:
     QByteArray keyAt(int row) const;
     const std::vector<QByteArray> &keys() const { return m_keys; }
     // For every row.
-    void tellChanged(const QList<int> &roles);
+    void notifyChanged(const QList<int> &roles);
 
 private:
     std::vector<QByteArray> m_keys;

@@ -175,7 +175,7 @@ void AssetListModel::follow(const SnapshotDiff *diff)
                 altered.push_back(row);
         }
         std::sort(altered.begin(), altered.end());
-        tellChanged(altered, {});
+        notifyChanged(altered, {});
     }
     updateSelected();
     updateFocused();
@@ -304,7 +304,7 @@ void AssetListModel::updateSelected()
             changed.push_back(row);
         }
     }
-    tellChanged(changed, {SelectedRole});
+    notifyChanged(changed, {SelectedRole});
 }
 
 void AssetListModel::updateFocused()
@@ -318,7 +318,7 @@ void AssetListModel::updateFocused()
         return;
     for (const Location &url : {before, focused}) {
         if (const int row = rowOf(url); row >= 0)
-            tellChanged({row}, {FocusedRole});
+            notifyChanged({row}, {FocusedRole});
     }
 }
 
@@ -347,10 +347,10 @@ void AssetListModel::updateFavorites()
     collect(before, favorites);
     collect(favorites, before);
     std::sort(changed.begin(), changed.end());
-    tellChanged(changed, {FavoriteRole});
+    notifyChanged(changed, {FavoriteRole});
 }
 
-void AssetListModel::tellChanged(const std::vector<int> &rows, const QList<int> &roles)
+void AssetListModel::notifyChanged(const std::vector<int> &rows, const QList<int> &roles)
 {
     std::vector<RowRun> runs;
     for (const int row : rows)

@@ -100,7 +100,7 @@ private:
     void updateFavorites();
     void updateCurrentRow();
     // `rows` are ascending; too many runs of them are told as one.
-    void tellChanged(const std::vector<int> &rows, const QList<int> &roles);
+    void notifyChanged(const std::vector<int> &rows, const QList<int> &roles);
 
     QPointer<AppState> m_state;
     QPointer<Prefs> m_prefs;

@@ -10,7 +10,7 @@ void RecentImportsModel::follow(Vault &vault, AppState &state)
     m_vault = &vault;
     m_state = &state;
     connect(&vault, &Vault::recentImportsChanged, this, &RecentImportsModel::refresh);
-    connect(&vault, &Vault::rescanned, this, [this] { tellChanged({PresentRole}); });
+    connect(&vault, &Vault::rescanned, this, [this] { notifyChanged({PresentRole}); });
     refresh();
 }
 

@@ -9,7 +9,7 @@ namespace cratewell {
 
 // The picture of one asset, filling the item with rounded corners, sharp to the device pixel; a placeholder
 // until there is one. It asks its source for a picture only while it is active and visible, and takes the
-// wish back when it no longer is. Draws with an image node, so every scene graph back end shows it.
+// request back when it no longer is. Draws with an image node, so every scene graph back end shows it.
 class ThumbnailItem : public QQuickItem
 {
     Q_OBJECT

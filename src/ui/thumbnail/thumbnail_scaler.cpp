@@ -78,7 +78,7 @@ QImage scaledThumbnail(const QImage &picture, const ThumbnailShape &shape)
     return cut;
 }
 
-struct ThumbnailScaler::Wish
+struct ThumbnailScaler::Request
 {
     std::atomic<bool> calledOff = false;
     std::function<void(const QImage &)> done;
@@ -104,20 +104,20 @@ QImage ThumbnailScaler::ready(const QImage &picture, const ThumbnailShape &shape
 ThumbnailScaler::Ticket ThumbnailScaler::cut(const QImage &picture, const ThumbnailShape &shape,
                                              std::function<void(const QImage &)> done)
 {
-    auto wish = std::make_shared<Wish>();
-    wish->done = std::move(done);
-    const Ticket ticket(wish.get(), [wish](void *) {
-        wish->calledOff = true;
-        wish->done = nullptr;
+    auto request = std::make_shared<Request>();
+    request->done = std::move(done);
+    const Ticket ticket(request.get(), [request](void *) {
+        request->calledOff = true;
+        request->done = nullptr;
     });
-    const auto work = [this, wish, picture, shape] {
-        if (wish->calledOff)
+    const auto work = [this, request, picture, shape] {
+        if (request->calledOff)
             return;
         QImage result = scaledThumbnail(picture, shape);
-        QMetaObject::invokeMethod(this, [this, wish, shape, key = picture.cacheKey(), result] {
+        QMetaObject::invokeMethod(this, [this, request, shape, key = picture.cacheKey(), result] {
             m_ready.insert({key, shape}, new QImage(result), std::max(1, int(result.sizeInBytes() / 1024)));
-            if (const auto tell = std::exchange(wish->done, nullptr))
-                tell(result);
+            if (const auto notify = std::exchange(request->done, nullptr))
+                notify(result);
         });
     };
     m_pool.start(work, ++m_newest);

@@ -31,7 +31,7 @@ struct ThumbnailShape
 // reach; corners cut; premultiplied. Null when either is empty.
 QImage scaledThumbnail(const QImage &picture, const ThumbnailShape &shape);
 
-// Cuts pictures into shape on its own threads, newest wish first, and remembers the results (64 MB). Main
+// Cuts pictures into shape on its own threads, newest request first, and remembers the results (64 MB). Main
 // thread; outlives whoever asks.
 class ThumbnailScaler : public QObject
 {
@@ -60,7 +60,7 @@ private:
             return qHashMulti(seed, key.picture, key.shape);
         }
     };
-    struct Wish;
+    struct Request;
 
     QCache<Key, QImage> m_ready;
     QThreadPool m_pool;

@@ -37,7 +37,7 @@ void TrashModel::follow(Vault &vault)
 {
     m_vault = &vault;
     connect(&vault, &Vault::trashItemsChanged, this, &TrashModel::refresh);
-    connect(&m_clock, &QTimer::timeout, this, [this] { tellChanged({TimeLeftRole, UrgentRole}); });
+    connect(&m_clock, &QTimer::timeout, this, [this] { notifyChanged({TimeLeftRole, UrgentRole}); });
     m_clock.start(std::chrono::minutes(10));
     refresh();
 }
@@ -104,7 +104,7 @@ void TrashModel::setPicked(const QSet<QByteArray> &picked)
         return;
     const bool counts = picked.size() != m_picked.size();
     m_picked = picked;
-    tellChanged({PickedRole});
+    notifyChanged({PickedRole});
     if (counts)
         Q_EMIT pickedCountChanged();
 }

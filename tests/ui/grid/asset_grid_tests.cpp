@@ -257,22 +257,22 @@ TEST_F(AssetGridTest, AShrinkingListNeverLeavesTheViewBeyondItsEnd)
 
 TEST_F(AssetGridTest, SelectionIsToldToAssistivePrograms)
 {
-    static QList<QPair<QAccessible::Event, QString>> told;
-    told.clear();
+    static QList<QPair<QAccessible::Event, QString>> reported;
+    reported.clear();
     // As when a screen reader runs; Qt has no public way to play one.
     QPlatformAccessibility *reader = QGuiApplicationPrivate::platformIntegration()->accessibility();
     reader->setActive(true);
     const auto before = QAccessible::installUpdateHandler([](QAccessibleEvent *event) {
         if (event->type() == QAccessible::SelectionAdd || event->type() == QAccessible::SelectionRemove)
-            told << std::pair(event->type(), event->object()->property("name").toString());
+            reported << std::pair(event->type(), event->object()->property("name").toString());
     });
     focusRow(0);
     focusRow(1);
     QAccessible::installUpdateHandler(before);
     reader->setActive(false);
-    EXPECT_EQ(told.count({QAccessible::SelectionAdd, soundName(1)}), 1);
-    EXPECT_EQ(told.count({QAccessible::SelectionRemove, soundName(1)}), 1);
-    EXPECT_EQ(told.count({QAccessible::SelectionAdd, soundName(2)}), 1);
+    EXPECT_EQ(reported.count({QAccessible::SelectionAdd, soundName(1)}), 1);
+    EXPECT_EQ(reported.count({QAccessible::SelectionRemove, soundName(1)}), 1);
+    EXPECT_EQ(reported.count({QAccessible::SelectionAdd, soundName(2)}), 1);
 }
 
 TEST_F(AssetGridTest, ColumnsFollowTheCardSizeAndFillTheWidth)

@@ -15,7 +15,7 @@ namespace {
 
 using Role = AssetListModel::Role;
 
-// What a view knows of a model that it asks only for what it was told of. It must always equal the model.
+// What a view knows of a model that it asks only for what it was reported of. It must always equal the model.
 class View
 {
 public:
@@ -163,7 +163,7 @@ TEST_F(AssetListModelTest, FollowsTheDiskRowByRow)
     library.write(u"SFX/Hits/hit 3.wav"_s, 4);
     ASSERT_TRUE(library.scan());
     EXPECT_EQ(view->runs, 0);
-    EXPECT_EQ(view->changed, 1) << "a rewritten file is told";
+    EXPECT_EQ(view->changed, 1) << "a rewritten file is reported";
     EXPECT_EQ(model.assetAt(model.rowOf(hit(3)))->size, 4);
 }
 
@@ -197,7 +197,7 @@ TEST_F(AssetListModelTest, FollowsSearchSortAndScope)
 TEST_F(AssetListModelTest, TellsSelectionFocusAndFavoritesRowByRow)
 {
     open();
-    QSignalSpy told(&model, &AssetListModel::dataChanged);
+    QSignalSpy reported(&model, &AssetListModel::dataChanged);
     struct Step
     {
         std::function<void()> act;
@@ -223,7 +223,7 @@ TEST_F(AssetListModelTest, TellsSelectionFocusAndFavoritesRowByRow)
     for (const Step &step : steps) {
         step.act();
         std::vector<std::tuple<int, int, int>> diff;
-        for (const auto &arguments : std::exchange(static_cast<QList<QVariantList> &>(told), {}))
+        for (const auto &arguments : std::exchange(static_cast<QList<QVariantList> &>(reported), {}))
             diff.emplace_back(arguments[0].toModelIndex().row(), arguments[1].toModelIndex().row(),
                               arguments[2].value<QList<int>>().value(0));
         EXPECT_EQ(diff, step.diff) << &step - steps;

@@ -111,27 +111,27 @@ TEST_F(FolderTree, TintsAFolderWithItsOwnColorElseACategoryWithItsOwn)
 TEST_F(FolderTree, TellsOfExactlyTheRowsThatCameLeftOrChanged)
 {
     std::vector<std::string> seen = linesOf(model);
-    int rowsTold = 0;
+    int rowsReported = 0;
     QObject::connect(&model, &FolderTreeModel::rowsInserted, [&](const QModelIndex &, int first, int last) {
         for (int row = first; row <= last; ++row)
             seen.insert(seen.begin() + row, lineAt(model, row));
-        rowsTold += last - first + 1;
+        rowsReported += last - first + 1;
     });
     QObject::connect(&model, &FolderTreeModel::rowsRemoved, [&](const QModelIndex &, int first, int last) {
         seen.erase(seen.begin() + first, seen.begin() + last + 1);
-        rowsTold += last - first + 1;
+        rowsReported += last - first + 1;
     });
     QObject::connect(&model, &FolderTreeModel::dataChanged,
                      [&](const QModelIndex &first, const QModelIndex &last) {
                          for (int row = first.row(); row <= last.row(); ++row)
                              seen[size_t(row)] = lineAt(model, row);
-                         rowsTold += last.row() - first.row() + 1;
+                         rowsReported += last.row() - first.row() + 1;
                      });
     QObject::connect(&model, &FolderTreeModel::modelReset, [] { ADD_FAILURE() << "the model was reset"; });
 
     library.write(u"SFX/Hits/Deep/g.wav"_s);
     ASSERT_TRUE(library.scan());
-    EXPECT_EQ(rowsTold, 2) << "SFX and Hits hold one more, and Deep is not in view";
+    EXPECT_EQ(rowsReported, 2) << "SFX and Hits hold one more, and Deep is not in view";
     EXPECT_EQ(seen, linesOf(model));
 
     std::mt19937 random(7);

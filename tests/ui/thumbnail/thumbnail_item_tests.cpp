@@ -13,7 +13,7 @@ namespace {
 using namespace Qt::StringLiterals;
 using test::waitUntil;
 
-// Pictures on command, and a record of who wishes for what.
+// Pictures on command, and a record of who requests for what.
 class FakeSource : public ThumbnailProvider
 {
 public:
@@ -25,13 +25,13 @@ public:
     std::unique_ptr<PreviewRequest> request(const Location &url) override
     {
         ++asked;
-        return std::make_unique<Wish>(*this, url);
+        return std::make_unique<Request>(*this, url);
     }
 
     QImage scrubFrame(const Location &url, int bucket) const override { return frames.value({url, bucket}); }
     std::unique_ptr<PreviewRequest> requestScrubFrame(const Location &, int bucket) override
     {
-        wishedFrames << bucket;
+        requestedFrames << bucket;
         return std::make_unique<PreviewRequest>();
     }
     WaveformPeaks waveform(const Location &url) const override { return peaks.value(url); }
@@ -74,18 +74,18 @@ public:
     QHash<Location, QImage> pictures;
     QHash<std::pair<Location, int>, QImage> frames;
     QHash<Location, WaveformPeaks> peaks;
-    QList<int> wishedFrames;
-    QList<Location> wished; // those that live
+    QList<int> requestedFrames;
+    QList<Location> requested; // those that live
     int asked = 0;
 
 private:
-    struct Wish : PreviewRequest
+    struct Request : PreviewRequest
     {
-        Wish(FakeSource &source, Location url) : owner(source), location(std::move(url))
+        Request(FakeSource &source, Location url) : owner(source), location(std::move(url))
         {
-            owner.wished << location;
+            owner.requested << location;
         }
-        ~Wish() override { owner.wished.removeOne(location); }
+        ~Request() override { owner.requested.removeOne(location); }
         FakeSource &owner;
         Location location;
     };
@@ -109,9 +109,9 @@ protected:
         window.show();
         ASSERT_TRUE(waitUntil([this] { return window.isExposed(); }));
     }
-    bool wishes(const Location &url)
+    bool requests(const Location &url)
     {
-        return waitUntil([&] { return source.wished == QList<Location>{url}; });
+        return waitUntil([&] { return source.requested == QList<Location>{url}; });
     }
     QColor middle() { return window.grabWindow().pixelColor(80, 50); }
 
@@ -131,22 +131,22 @@ TEST_F(ThumbnailItemTest, AsksOnlyWhileItCanBeSeen)
     EXPECT_EQ(source.asked, 0) << "nobody sees it";
 
     item.setActive(true);
-    ASSERT_TRUE(wishes(a));
+    ASSERT_TRUE(requests(a));
     item.setActive(false);
-    EXPECT_TRUE(source.wished.isEmpty()) << "left the view";
+    EXPECT_TRUE(source.requested.isEmpty()) << "left the view";
 
     item.setActive(true);
-    ASSERT_TRUE(wishes(a));
+    ASSERT_TRUE(requests(a));
     item.setVisible(false);
-    EXPECT_TRUE(source.wished.isEmpty()) << "hidden";
+    EXPECT_TRUE(source.requested.isEmpty()) << "hidden";
 
     item.setVisible(true);
-    ASSERT_TRUE(wishes(a));
+    ASSERT_TRUE(requests(a));
     item.setUrl(b);
-    ASSERT_TRUE(wishes(b)) << "shows another file";
+    ASSERT_TRUE(requests(b)) << "shows another file";
 }
 
-TEST_F(ThumbnailItemTest, WishEndsWithTheItem)
+TEST_F(ThumbnailItemTest, RequestEndsWithTheItem)
 {
     show();
     auto passing = std::make_unique<ThumbnailItem>();
@@ -154,19 +154,19 @@ TEST_F(ThumbnailItemTest, WishEndsWithTheItem)
     passing->setUrl(b);
     passing->setSize({20, 20});
     passing->setParentItem(window.contentItem());
-    ASSERT_TRUE(wishes(b));
+    ASSERT_TRUE(requests(b));
     passing.reset();
-    EXPECT_TRUE(source.wished.isEmpty());
+    EXPECT_TRUE(source.requested.isEmpty());
 }
 
 TEST_F(ThumbnailItemTest, DrawsThePictureWithRoundCornersAndTakesTheWishBack)
 {
     item.setUrl(a);
     show();
-    ASSERT_TRUE(wishes(a));
+    ASSERT_TRUE(requests(a));
     source.give(a, Qt::red);
     ASSERT_TRUE(waitUntil([this] { return item.isShown(); }));
-    EXPECT_TRUE(source.wished.isEmpty());
+    EXPECT_TRUE(source.requested.isEmpty());
     EXPECT_EQ(middle(), QColor(Qt::red));
     EXPECT_EQ(window.grabWindow().pixelColor(0, 0), QColor(Qt::black));
 }
@@ -179,7 +179,7 @@ TEST_F(ThumbnailItemTest, RewrittenFileKeepsItsPictureUntilTheNewOneIsThere)
     ASSERT_TRUE(waitUntil([this] { return item.isShown(); }));
 
     source.invalidate(a);
-    ASSERT_TRUE(wishes(a));
+    ASSERT_TRUE(requests(a));
     EXPECT_EQ(middle(), QColor(Qt::red));
 
     source.give(a, Qt::blue);
@@ -219,7 +219,7 @@ TEST_F(ThumbnailItemTest, PictureOnTheScreenOutlivesTheSourcesOwn)
     EXPECT_EQ(source.asked, asked);
 
     item.setSize({120, 75});
-    ASSERT_TRUE(wishes(a)) << "another size has to be cut from the picture itself";
+    ASSERT_TRUE(requests(a)) << "another size has to be cut from the picture itself";
     EXPECT_EQ(middle(), QColor(Qt::red));
 }
 
@@ -243,8 +243,8 @@ TEST_F(ThumbnailItemTest, FollowsThePointerOverAVideoWithoutAGap)
     show();
     item.setScrub(0.5);
     source.give(a, Qt::red);
-    ASSERT_TRUE(waitUntil([this] { return !source.wishedFrames.isEmpty(); }));
-    EXPECT_EQ(source.wishedFrames, QList{11});
+    ASSERT_TRUE(waitUntil([this] { return !source.requestedFrames.isEmpty(); }));
+    EXPECT_EQ(source.requestedFrames, QList{11});
     EXPECT_EQ(item.duration(), u"0:12"_s);
     EXPECT_EQ(middle(), QColor(Qt::red)) << "stays until the frame is there";
     source.giveFrame(a, 11, Qt::green);
@@ -252,8 +252,8 @@ TEST_F(ThumbnailItemTest, FollowsThePointerOverAVideoWithoutAGap)
 
     item.setScrub(0.505);
     item.setScrub(1);
-    ASSERT_TRUE(waitUntil([this] { return source.wishedFrames.size() == 2; }));
-    EXPECT_EQ(source.wishedFrames.last(), 23) << "one wish for each frame, not for each move";
+    ASSERT_TRUE(waitUntil([this] { return source.requestedFrames.size() == 2; }));
+    EXPECT_EQ(source.requestedFrames.last(), 23) << "one wish for each frame, not for each move";
     EXPECT_EQ(middle(), QColor(Qt::green));
     item.setScrub(-1);
     ASSERT_TRUE(waitUntil([this] { return middle() == QColor(Qt::red); }));
@@ -281,11 +281,11 @@ TEST_F(ThumbnailItemTest, ASoundHasItsWaveformOverATile)
     wave.setUrl(a);
     wave.setWaveStyle(u"line"_s);
     ThumbnailItemTest::show();
-    ASSERT_TRUE(wishes(a)) << "the item asks for the sound as for a picture";
+    ASSERT_TRUE(requests(a)) << "the item asks for the sound as for a picture";
     EXPECT_FALSE(loud());
     show(a, WaveformPeaks(240, 1.0F), Media::State::Ready);
     ASSERT_TRUE(waitUntil(loud));
-    EXPECT_TRUE(source.wished.isEmpty());
+    EXPECT_TRUE(source.requested.isEmpty());
 
     show(a, {}, Media::State::Missing);
     window.grabWindow();
@@ -304,7 +304,7 @@ TEST_F(ThumbnailItemTest, HasNoPictureWithoutASource)
     item.setSource(nullptr);
     show();
     EXPECT_EQ(middle(), QColor(Qt::black));
-    EXPECT_TRUE(source.wished.isEmpty());
+    EXPECT_TRUE(source.requested.isEmpty());
 }
 
 } // namespace

@@ -21,21 +21,21 @@ class VaultFilesTest : public testing::Test
 protected:
     VaultFilesTest()
     {
-        const auto tell = [this](const QString &what) { told.push_back(what); };
+        const auto report = [this](const QString &what) { reported.push_back(what); };
         QObject::connect(&vault, &Vault::toast, &vault,
-                         [=](const QString &text, bool ok) { tell(ok ? text : u"!"_s + text); });
+                         [=](const QString &text, bool ok) { report(ok ? text : u"!"_s + text); });
         QObject::connect(&vault, &Vault::itemRenamed, &vault,
                          [=, this](const Location &from, const Location &to) {
-                             tell(u"renamed %1 to %2"_s.arg(from.name(), to.name()));
+                             report(u"renamed %1 to %2"_s.arg(from.name(), to.name()));
                          });
-        QObject::connect(&vault, &Vault::itemsMoved, &vault, [=] { tell(u"moved"_s); });
+        QObject::connect(&vault, &Vault::itemsMoved, &vault, [=] { report(u"moved"_s); });
         QObject::connect(&vault, &Vault::itemsTrashed, &vault, [=](const std::vector<TrashItem> &items) {
-            tell(u"trashed %1"_s.arg(items.size()));
+            report(u"trashed %1"_s.arg(items.size()));
         });
-        QObject::connect(&vault, &Vault::recentImportsChanged, &vault, [=] { tell(u"recent"_s); });
+        QObject::connect(&vault, &Vault::recentImportsChanged, &vault, [=] { report(u"recent"_s); });
         QObject::connect(&vault, &Vault::lastErrorChanged, &vault, [=, this] {
             if (!vault.lastError().isEmpty())
-                tell(u"error"_s);
+                report(u"error"_s);
         });
     }
     void SetUp() override
@@ -43,19 +43,19 @@ protected:
         vault.start();
         ASSERT_TRUE(waitUntil([this] { return vault.snapshot()->tree(VaultCategory::Sfx) != nullptr; }));
     }
-    // What was told until this was among it, in order.
+    // What was reported until this was among it, in order.
     std::vector<QString> until(const QString &last)
     {
-        EXPECT_TRUE(waitUntil([&] { return std::ranges::find(told, last) != told.end(); }))
+        EXPECT_TRUE(waitUntil([&] { return std::ranges::find(reported, last) != reported.end(); }))
             << last.toStdString();
-        return std::exchange(told, {});
+        return std::exchange(reported, {});
     }
     bool shows(const std::string &path) const { return vault.snapshot()->find(disk.at(path)).has_value(); }
 
     TemporaryVault disk;
     MemoryDefaults defaults;
     Vault vault{disk.root(), defaults, std::make_unique<FakeFileEvents>()};
-    std::vector<QString> told;
+    std::vector<QString> reported;
 };
 
 TEST_F(VaultFilesTest, EffectsFollowInTheOrderOfTheCalls)
@@ -66,14 +66,14 @@ TEST_F(VaultFilesTest, EffectsFollowInTheOrderOfTheCalls)
     std::optional<Location> made;
     vault.createFolder(u" Thuds "_s, disk.at("SFX"), [&](const auto &folder) {
         made = folder;
-        told.push_back(u"made"_s);
+        reported.push_back(u"made"_s);
     });
     vault.move({disk.at("SFX/Hit.wav")}, disk.at("SFX/Thuds"));
     vault.rename(disk.at("SFX/Thuds/Hit.wav"), u"Thud.wav"_s);
     vault.rename(disk.at("SFX"), u"Sounds"_s);
     vault.rename(disk.at("SFX/none.wav"), u"some.wav"_s);
     vault.moveToTrash({disk.at("SFX/Thuds")});
-    EXPECT_TRUE(told.empty()) << "nothing is done before the call returns";
+    EXPECT_TRUE(reported.empty()) << "nothing is done before the call returns";
     EXPECT_THAT(until(u"Moved 1 item to Trash. They're kept for 30 days."_s),
                 ElementsAre(u"recent"_s, u"Added 2 assets to the vault"_s, u"made"_s, u"moved"_s,
                             u"Moved 1 item to Thuds"_s, u"renamed Hit.wav to Thud.wav"_s, u"error"_s,
@@ -97,7 +97,7 @@ TEST_F(VaultFilesTest, NothingDoneSaysNothing)
     bool asked = false;
     vault.createFolder(u"  "_s, disk.at("SFX"), [&](const auto &folder) { asked = !folder; });
     EXPECT_TRUE(asked);
-    vault.createFolder(u"last"_s, disk.at("SFX"), [this](const auto &) { told.push_back(u"last"_s); });
+    vault.createFolder(u"last"_s, disk.at("SFX"), [this](const auto &) { reported.push_back(u"last"_s); });
     EXPECT_THAT(until(u"last"_s), ElementsAre(u"moved"_s, u"last"_s));
 }
 
