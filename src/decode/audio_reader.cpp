@@ -1,6 +1,6 @@
 #include "decode/audio_reader.h"
 
-#include "decode/internal/coded_sound_reader.h"
+#include "decode/internal/coded_audio_reader.h"
 #include "decode/internal/pcm_reader.h"
 
 namespace cratewell::decode {
@@ -13,11 +13,11 @@ Decoded<std::unique_ptr<AudioReader>> AudioReader::open(int descriptor)
     AVStream *stream = (*container)->firstAudio();
     if (!stream)
         return failed("there is no sound in it");
-    if (!isPossibleSound(*stream))
+    if (!isPossibleAudio(*stream))
         return failed("a sound of an impossible kind");
     if (auto reader = PcmReader::create(**container, *stream))
         return reader;
-    return CodedSoundReader::create(std::move(*container), stream);
+    return CodedAudioReader::create(std::move(*container), stream);
 }
 
 } // namespace cratewell::decode

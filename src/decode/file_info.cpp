@@ -46,7 +46,7 @@ double frameRateOf(const AVStream &stream)
 void addSoundBeside(const MediaContainer &container, FileInfo &info)
 {
     const AVStream *audio = container.firstAudio();
-    if (!audio || !isPossibleSound(*audio))
+    if (!audio || !isPossibleAudio(*audio))
         return;
     info.hasAudio = true;
     info.sampleRate = audio->codecpar->sample_rate;

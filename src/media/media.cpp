@@ -247,7 +247,7 @@ std::unique_ptr<PreviewRequest> Media::requestScrubFrame(const Asset &asset, int
 std::optional<WaveformPeaks> Media::waveform(const Asset &asset) const
 {
     const PreviewKey key = keyOf(asset);
-    if (const DecodedSound *sound = d->sounds.show(key))
+    if (const DecodedAudio *sound = d->sounds.show(key))
         return sound->peaks;
     return d->sounds.state(key) == State::Failed ? std::optional(WaveformPeaks()) : std::nullopt;
 }
@@ -258,7 +258,7 @@ std::unique_ptr<PreviewRequest> Media::requestWaveform(const Asset &asset)
     if (asset.kind != AssetKind::Audio || d->sounds.state(key) != State::Missing)
         return nullptr;
     const auto finished = [this, key, now = ++d->turn](const DecodeResult &result) {
-        if (d->put<DecodedSound>(d->sounds, key, now, result))
+        if (d->put<DecodedAudio>(d->sounds, key, now, result))
             Q_EMIT waveformChanged(key.url);
     };
     return d->loader.submit(
@@ -272,7 +272,7 @@ double Media::duration(const Asset &asset) const
 {
     if (const DecodedPicture *picture = d->pictures.show(keyOf(asset, thumbnailPart)))
         return picture->duration;
-    const DecodedSound *sound = d->sounds.show(keyOf(asset));
+    const DecodedAudio *sound = d->sounds.show(keyOf(asset));
     return sound ? sound->duration : 0;
 }
 

@@ -14,7 +14,7 @@ struct PreviewCost
 {
     qint64 operator()(const QImage &image) const { return image.sizeInBytes(); }
     qint64 operator()(const DecodedPicture &picture) const { return picture.image.sizeInBytes(); }
-    qint64 operator()(const DecodedSound &sound) const { return sound.peaks.size() * qint64(sizeof(float)); }
+    qint64 operator()(const DecodedAudio &sound) const { return sound.peaks.size() * qint64(sizeof(float)); }
     // With the table of whole numbers that grading makes beside it.
     qint64 operator()(const LUT &lut) const { return qint64(lut.data().size_bytes()) * 11 / 8; }
     qint64 operator()(const MediaInfo &) const { return sizeof(MediaInfo); }
@@ -42,7 +42,7 @@ struct Media::Private
     // Budgets in bytes; those of pictures together 512 MB.
     PreviewStore<DecodedPicture, PreviewCost> pictures{qint64{384} << 20}; // thumbnails, scrub frames
     PreviewStore<QImage, PreviewCost> lutThumbnails{qint64{128} << 20};
-    PreviewStore<DecodedSound, PreviewCost> sounds{qint64{16} << 20};
+    PreviewStore<DecodedAudio, PreviewCost> sounds{qint64{16} << 20};
     PreviewStore<LUT, PreviewCost> luts{qint64{64} << 20};
     PreviewStore<MediaInfo, PreviewCost> info{qint64{4} << 20};
     quint64 turn = 0;

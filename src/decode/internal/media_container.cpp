@@ -102,7 +102,7 @@ double MediaContainer::duration() const
     return seconds > 0 && seconds <= longest ? seconds : 0;
 }
 
-bool isPossibleSound(const AVStream &stream)
+bool isPossibleAudio(const AVStream &stream)
 {
     constexpr int mostChannels = 256, highestRate = 10'000'000;
     const int channels = stream.codecpar->ch_layout.nb_channels, rate = stream.codecpar->sample_rate;

@@ -41,6 +41,6 @@ private:
 };
 
 // Headers may claim what no sound has.
-bool isPossibleSound(const AVStream &stream);
+bool isPossibleAudio(const AVStream &stream);
 
 } // namespace cratewell::decode

@@ -26,13 +26,13 @@ struct DecodedPicture
     double duration = 0; // seconds; 0 for a still or when unknown
 };
 
-struct DecodedSound
+struct DecodedAudio
 {
     WaveformPeaks peaks; // as many as were wished for
     double duration = 0; // seconds; 0 when unknown
 };
 
 // A frame or a still is answered by a picture, peaks by a sound, info by info.
-using DecodeResult = tl::expected<std::variant<DecodedPicture, DecodedSound, MediaInfo>, DecodeFailure>;
+using DecodeResult = tl::expected<std::variant<DecodedPicture, DecodedAudio, MediaInfo>, DecodeFailure>;
 
 } // namespace cratewell

@@ -130,7 +130,7 @@ DecodeResult SharedBuffer::peaks(int count, const worker::Reply &reply) const
     std::memcpy(peaks.data(), m_bytes, reply.bytes);
     if (!std::all_of(peaks.cbegin(), peaks.cend(), [](float peak) { return isBetween(0, peak, 1); }))
         return impossible();
-    return DecodedSound{.peaks = peaks, .duration = reply.duration};
+    return DecodedAudio{.peaks = peaks, .duration = reply.duration};
 }
 
 } // namespace cratewell

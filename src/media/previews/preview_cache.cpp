@@ -97,7 +97,7 @@ QByteArray encoded(const QByteArray &key, const PreviewCache::Preview &preview)
         duration = picture->duration;
         if (colors.isEmpty())
             return {};
-    } else if (const auto *sound = std::get_if<DecodedSound>(&preview)) {
+    } else if (const auto *sound = std::get_if<DecodedAudio>(&preview)) {
         peaks = sound->peaks;
         duration = sound->duration;
     }
@@ -125,7 +125,7 @@ std::optional<PreviewCache::Preview> decoded(const QByteArray &key, const QByteA
     if (stream.status() != QDataStream::Ok || writtenFor != key)
         return {};
     if (colors.isEmpty())
-        return DecodedSound{.peaks = peaks, .duration = duration};
+        return DecodedAudio{.peaks = peaks, .duration = duration};
     QImage image = colorsIn(colors);
     if (!alpha.isEmpty())
         image = withAlpha(image, alpha);

@@ -16,7 +16,7 @@ namespace cratewell {
 class PreviewCache
 {
 public:
-    using Preview = std::variant<DecodedPicture, DecodedSound>;
+    using Preview = std::variant<DecodedPicture, DecodedAudio>;
 
     PreviewCache(Location folder, qint64 budget) : m_folder(std::move(folder)), m_budget(budget) {}
 

@@ -98,7 +98,7 @@ void PreviewLoader::keep(const FileVersion &version, const Location &file, const
     std::optional<PreviewCache::Preview> preview;
     if (const auto *picture = result ? std::get_if<DecodedPicture>(&*result) : nullptr)
         preview = *picture;
-    else if (const auto *sound = result ? std::get_if<DecodedSound>(&*result) : nullptr)
+    else if (const auto *sound = result ? std::get_if<DecodedAudio>(&*result) : nullptr)
         preview = *sound;
     if (!preview || m_writing->waiting >= mostWaiting)
         return;

@@ -174,7 +174,7 @@ TEST_F(DecodePoolTest, HandsOverPeaksAndInfo)
     DecodePool pool(standIn(), {.slots = 1});
     const auto peaks = submit(pool, file(u"peaks"_s, "fine"), worker::JobKind::AudioPeaks);
     ASSERT_TRUE(waitForResults(1));
-    EXPECT_EQ(std::get<DecodedSound>(*m_last).peaks, WaveformPeaks(240, 0.5F));
+    EXPECT_EQ(std::get<DecodedAudio>(*m_last).peaks, WaveformPeaks(240, 0.5F));
     for (const auto &[deed, codec] : {std::pair{"fine", u"avc1"_s}, {"unprintable", u"?"_s}}) {
         m_results.clear();
         const auto info = submit(pool, file(u"info"_s, deed), worker::JobKind::Info);

@@ -120,7 +120,7 @@ TEST_F(PreviewCacheTest, GivesBackWhatWasSavedAndOnlyThat)
             clear.setPixelColor(x, y, QColor(255, 255, 255, 128));
     }
     m_cache.save("clear", DecodedPicture{clear, 0});
-    m_cache.save("sound", DecodedSound{{0.25F, 1, 0}, 3.5});
+    m_cache.save("sound", DecodedAudio{{0.25F, 1, 0}, 3.5});
 
     const auto opaque = m_cache.load("opaque");
     ASSERT_TRUE(opaque);
@@ -141,8 +141,8 @@ TEST_F(PreviewCacheTest, GivesBackWhatWasSavedAndOnlyThat)
     }
     const auto sound = m_cache.load("sound");
     ASSERT_TRUE(sound);
-    EXPECT_EQ(std::get<DecodedSound>(*sound).peaks, (WaveformPeaks{0.25F, 1, 0}));
-    EXPECT_EQ(std::get<DecodedSound>(*sound).duration, 3.5);
+    EXPECT_EQ(std::get<DecodedAudio>(*sound).peaks, (WaveformPeaks{0.25F, 1, 0}));
+    EXPECT_EQ(std::get<DecodedAudio>(*sound).duration, 3.5);
     EXPECT_FALSE(m_cache.load("other"));
 }
 
@@ -168,7 +168,7 @@ TEST_F(PreviewCacheTest, DoesNotBelieveDamagedFiles)
     ASSERT_TRUE(write(whole));
     EXPECT_TRUE(m_cache.load("a"));
     ASSERT_TRUE(QFile::rename(file.fileName(), m_files.path(u"moved"_s)));
-    m_cache.save("b", DecodedSound{{1}, 1});
+    m_cache.save("b", DecodedAudio{{1}, 1});
     ASSERT_EQ(files().size(), 1);
     QFile::remove(files().first());
     file.setFileName(m_files.path(u"moved"_s));

@@ -1,4 +1,4 @@
-#include "decode/internal/coded_sound_reader.h"
+#include "decode/internal/coded_audio_reader.h"
 
 #include "decode/internal/sample_conversion.h"
 
@@ -6,10 +6,10 @@
 
 namespace cratewell::decode {
 
-Decoded<std::unique_ptr<AudioReader>> CodedSoundReader::create(std::unique_ptr<MediaContainer> container,
+Decoded<std::unique_ptr<AudioReader>> CodedAudioReader::create(std::unique_ptr<MediaContainer> container,
                                                                AVStream *stream)
 {
-    std::unique_ptr<CodedSoundReader> reader(new CodedSoundReader);
+    std::unique_ptr<CodedAudioReader> reader(new CodedAudioReader);
     reader->m_stream = stream;
     reader->m_packet.reset(av_packet_alloc());
     reader->m_frame.reset(av_frame_alloc());
@@ -27,17 +27,17 @@ Decoded<std::unique_ptr<AudioReader>> CodedSoundReader::create(std::unique_ptr<M
     return reader;
 }
 
-int64_t CodedSoundReader::beginning() const
+int64_t CodedAudioReader::beginning() const
 {
     return m_stream->start_time == AV_NOPTS_VALUE ? 0 : m_stream->start_time;
 }
 
-int64_t CodedSoundReader::toFrames(int64_t ticks) const
+int64_t CodedAudioReader::toFrames(int64_t ticks) const
 {
     return av_rescale_q(ticks, m_stream->time_base, {1, sampleRate()});
 }
 
-int64_t CodedSoundReader::length() const
+int64_t CodedAudioReader::length() const
 {
     if (m_end != INT64_MAX)
         return m_end;
@@ -48,20 +48,20 @@ int64_t CodedSoundReader::length() const
     return std::max<int64_t>(toFrames(m_stream->duration - before), 0);
 }
 
-AudioReader::Length CodedSoundReader::lengthIs() const
+AudioReader::Length CodedAudioReader::lengthIs() const
 {
     const bool known = m_end != INT64_MAX || (m_container->isNamed("flac") && m_stream->duration > 0);
     return known ? Length::Known : Length::Estimated;
 }
 
-std::optional<int64_t> CodedSoundReader::timeOfFrame() const
+std::optional<int64_t> CodedAudioReader::timeOfFrame() const
 {
     if (m_frame->best_effort_timestamp == AV_NOPTS_VALUE)
         return std::nullopt;
     return toFrames(m_frame->best_effort_timestamp - beginning());
 }
 
-void CodedSoundReader::feed()
+void CodedAudioReader::feed()
 {
     while (av_read_frame(&m_container->format(), m_packet.get()) >= 0) {
         const bool fed = m_packet->stream_index == m_stream->index &&
@@ -73,7 +73,7 @@ void CodedSoundReader::feed()
     avcodec_send_packet(m_codec.get(), nullptr);
 }
 
-CodedSoundReader::Step CodedSoundReader::decodeFrame()
+CodedAudioReader::Step CodedAudioReader::decodeFrame()
 {
     m_used = 0;
     for (;;) {
@@ -92,7 +92,7 @@ CodedSoundReader::Step CodedSoundReader::decodeFrame()
 }
 
 // A decoder needs some sound before the wanted place to be in its stride.
-Decoded<void> CodedSoundReader::seek(int64_t frame)
+Decoded<void> CodedAudioReader::seek(int64_t frame)
 {
     m_next = std::max<int64_t>(frame, 0);
     const int64_t runUp = sampleRate() / 5;
@@ -114,7 +114,7 @@ Decoded<void> CodedSoundReader::seek(int64_t frame)
     return {};
 }
 
-int CodedSoundReader::ready(int64_t wanted)
+int CodedAudioReader::ready(int64_t wanted)
 {
     wanted = std::min(wanted, m_end - m_next);
     while (wanted > 0 && m_used == m_frame->nb_samples) {
@@ -129,13 +129,13 @@ int CodedSoundReader::ready(int64_t wanted)
     return int(std::clamp<int64_t>(wanted, 0, m_frame->nb_samples - m_used));
 }
 
-void CodedSoundReader::use(int frames)
+void CodedAudioReader::use(int frames)
 {
     m_used += frames;
     m_next += frames;
 }
 
-Decoded<int64_t> CodedSoundReader::skip(int64_t count)
+Decoded<int64_t> CodedAudioReader::skip(int64_t count)
 {
     int64_t done = 0;
     while (const int now = ready(count - done)) {
@@ -145,7 +145,7 @@ Decoded<int64_t> CodedSoundReader::skip(int64_t count)
     return done;
 }
 
-Decoded<int> CodedSoundReader::read(float *const *planes, int count)
+Decoded<int> CodedAudioReader::read(float *const *planes, int count)
 {
     int done = 0;
     while (const int now = ready(count - done)) {

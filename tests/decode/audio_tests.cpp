@@ -112,7 +112,7 @@ TEST(Peaks, EndAfterFiveMinutes)
     expectNear(peaksOf(media.ffmpeg(u"long.flac"_s, file, {u"-i"_s, u"IN"_s})), expected, 1e-6F, "packed");
 }
 
-struct SoundFormat
+struct AudioFormat
 {
     const char *name;
     const char *encoder;
@@ -128,7 +128,7 @@ TEST(Peaks, AreTheSameInEveryFormat)
         samples[i] = int16_t(std::sin(double(i) * 0.05) * 20000 * (1 - double(i % 44100) / 44100));
     const QString source = media.bytes(u"source.wav"_s, wav(samples, 1, 44100));
     const std::vector<float> expected = expectedPeaks(samples, 1, 240);
-    for (const SoundFormat &format : {SoundFormat{"a.aiff", "", 1e-6F},
+    for (const AudioFormat &format : {AudioFormat{"a.aiff", "", 1e-6F},
                                       {"deep.aiff", "-c:a pcm_s24be", 1e-6F},
                                       {"deep.wav", "-c:a pcm_s24le", 1e-6F},
                                       {"wide.wav", "-c:a pcm_s32le", 1e-6F},

@@ -6,7 +6,7 @@
 namespace cratewell::decode {
 
 // Sound that a decoder of FFmpeg has to unpack. Packets it cannot decode are left out.
-class CodedSoundReader : public AudioReader
+class CodedAudioReader : public AudioReader
 {
 public:
     static Decoded<std::unique_ptr<AudioReader>> create(std::unique_ptr<MediaContainer> container,
@@ -21,7 +21,7 @@ public:
     Decoded<int> read(float *const *planes, int count) override;
 
 private:
-    CodedSoundReader() = default;
+    CodedAudioReader() = default;
     enum class Step { Frame, End };
     Step decodeFrame();
     void feed();
