@@ -40,7 +40,7 @@ class ProgramCase(unittest.TestCase):
 
     def finish(self) -> None:
         code = self.program.end()
-        self.assertEqual(self.program.complaints(), [], self.program.log())
+        self.assertEqual(self.program.qmlWarnings(), [], self.program.log())
         self.assertEqual(code, 0, self.program.log())
 
     @property

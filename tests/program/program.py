@@ -97,7 +97,7 @@ class Program:
         self._log.seek(0)
         return self._log.read()
 
-    def complaints(self) -> list[str]:
+    def qmlWarnings(self) -> list[str]:
         """Of the views and of the sanitizers."""
         return [line for line in self.log().splitlines() if "qrc:" in line or "ERROR:" in line
                 or "runtime error:" in line]

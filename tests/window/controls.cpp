@@ -104,9 +104,9 @@ QStringList Controls::names(QAccessible::Role role) const
     return names;
 }
 
-std::string Controls::faults() const
+std::string Controls::accessibilityIssues() const
 {
-    QStringList faults;
+    QStringList accessibilityIssues;
     visit([&](QAccessibleInterface &interface) {
         const QAccessible::Role role = interface.role();
         const QString name = interface.text(QAccessible::Name);
@@ -115,17 +115,17 @@ std::string Controls::faults() const
                                  .arg(interface.rect().x())
                                  .arg(interface.rect().y());
         if (mustHaveName(role) && name.trimmed().isEmpty())
-            faults.append(what + u": no name"_s);
+            accessibilityIssues.append(what + u": no name"_s);
         if (mustHaveName(role) && interface.object()) {
             const QStringList texts = shownTexts(*interface.object());
             if (!texts.isEmpty() && !texts.contains(name))
-                faults.append(what + u": shows "_s + texts.join(u" / "_s));
+                accessibilityIssues.append(what + u": shows "_s + texts.join(u" / "_s));
         }
         const QAccessibleActionInterface *actions = interface.actionInterface();
         if (isPressable(role) && (!actions || actions->actionNames().isEmpty()))
-            faults.append(what + u": no action"_s);
+            accessibilityIssues.append(what + u": no action"_s);
     });
-    return faults.join(u'\n').toStdString();
+    return accessibilityIssues.join(u'\n').toStdString();
 }
 
 } // namespace cratewell::test

@@ -27,7 +27,7 @@ public:
     QStringList names(QAccessible::Role role) const;
     // One line for each visible control that has something wrong with it as a control: no name, a name that
     // is neither its text nor its help, no way to press it.
-    std::string faults() const;
+    std::string accessibilityIssues() const;
 
 private:
     QPoint middle(QAccessibleInterface &control) const;

@@ -1,4 +1,4 @@
-#include "window/world.h"
+#include "window/app_fixture.h"
 
 #include "platform/location.h"
 #include "state/app_state.h"
@@ -129,44 +129,44 @@ private:
 };
 
 // The window still takes what a person does, and shows what comes of it.
-void expectAlive(World &world, const QString &card, const QString &folder, int inFolder)
+void expectAlive(AppFixture &app, const QString &card, const QString &folder, int inFolder)
 {
-    ASSERT_TRUE(world.controls().click(QAccessible::ListItem, card));
-    world.key(Qt::Key_F, Qt::ControlModifier | Qt::AltModifier);
-    EXPECT_EQ(world.program().prefs().favorites().size(), 1);
-    ASSERT_TRUE(world.controls().click(QAccessible::TreeItem, folder));
-    EXPECT_EQ(world.program().state().scopeTitle(), folder);
-    EXPECT_EQ(world.program().state().visibleCount(), inFolder);
-    EXPECT_EQ(world.controls().faults(), "");
-    EXPECT_EQ(World::complaints(), "");
+    ASSERT_TRUE(app.controls().click(QAccessible::ListItem, card));
+    app.key(Qt::Key_F, Qt::ControlModifier | Qt::AltModifier);
+    EXPECT_EQ(app.program().prefs().favorites().size(), 1);
+    ASSERT_TRUE(app.controls().click(QAccessible::TreeItem, folder));
+    EXPECT_EQ(app.program().state().scopeTitle(), folder);
+    EXPECT_EQ(app.program().state().visibleCount(), inFolder);
+    EXPECT_EQ(app.controls().accessibilityIssues(), "");
+    EXPECT_EQ(AppFixture::qmlWarnings(), "");
 }
 
 void checkUnreadableFolders()
 {
-    World world([](const QString &vault) {
+    AppFixture app([](const QString &vault) {
         writeSound(vault + u"/SFX/Hits/Open.wav"_s);
         writeSound(vault + u"/SFX/Shut/Secret.wav"_s);
         // Nobody can list these, whatever the rights.
         writeFile(vault + u"/LUTs"_s, "no folder");
         QFile::link(u"Overlays"_s, vault + u"/Overlays"_s);
     });
-    const QString shut = world.vaultFolder() + u"/SFX/Shut"_s;
-    ASSERT_TRUE(world.showsCards({u"Open"_s, u"Secret"_s}));
+    const QString shut = app.vaultFolder() + u"/SFX/Shut"_s;
+    ASSERT_TRUE(app.showsCards({u"Open"_s, u"Secret"_s}));
     if (access(QFile::encodeName(shut), R_OK) == 0) {
         const Locked locked(shut);
         if (access(QFile::encodeName(shut), R_OK) != 0) {
-            writeSound(world.vaultFolder() + u"/SFX/Hits/Second.wav"_s);
-            ASSERT_TRUE(world.showsCards({u"Open"_s, u"Second"_s}));
-            ASSERT_TRUE(world.controls().click(QAccessible::TreeItem, u"Shut"_s));
-            EXPECT_EQ(world.program().state().visibleCount(), 0);
-            world.restart();
-            ASSERT_TRUE(world.showsCards({u"Open"_s, u"Second"_s}));
-            expectAlive(world, u"Open"_s, u"Shut"_s, 0);
+            writeSound(app.vaultFolder() + u"/SFX/Hits/Second.wav"_s);
+            ASSERT_TRUE(app.showsCards({u"Open"_s, u"Second"_s}));
+            ASSERT_TRUE(app.controls().click(QAccessible::TreeItem, u"Shut"_s));
+            EXPECT_EQ(app.program().state().visibleCount(), 0);
+            app.restart();
+            ASSERT_TRUE(app.showsCards({u"Open"_s, u"Second"_s}));
+            expectAlive(app, u"Open"_s, u"Shut"_s, 0);
             return;
         }
     }
     ASSERT_FALSE(isWrapped()) << "the folder can still be read";
-    expectAlive(world, u"Open"_s, u"SFX"_s, 2);
+    expectAlive(app, u"Open"_s, u"SFX"_s, 2);
 }
 
 } // namespace
@@ -181,20 +181,20 @@ TEST(DeniedDisk, UnreadableFoldersAreEmptyAndTheWindowLives)
 TEST(DeniedDisk, AnUnreadableRootIsAnEmptyVault)
 {
     const auto check = [] {
-        World world([](const QString &vault) { writeSound(vault + u"/SFX/Hits/Secret.wav"_s); });
-        ASSERT_TRUE(world.showsCards({u"Secret"_s}));
+        AppFixture app([](const QString &vault) { writeSound(vault + u"/SFX/Hits/Secret.wav"_s); });
+        ASSERT_TRUE(app.showsCards({u"Secret"_s}));
         {
-            const Locked locked(world.vaultFolder());
-            world.restart();
+            const Locked locked(app.vaultFolder());
+            app.restart();
             ASSERT_TRUE(
-                waitUntil([&] { return world.controls().find(QAccessible::StaticText, u"0 assets"_s); }));
-            ASSERT_TRUE(world.showsCards({}));
-            world.key(Qt::Key_A, Qt::ControlModifier);
-            EXPECT_EQ(world.program().state().selectedCount(), 0);
+                waitUntil([&] { return app.controls().find(QAccessible::StaticText, u"0 assets"_s); }));
+            ASSERT_TRUE(app.showsCards({}));
+            app.key(Qt::Key_A, Qt::ControlModifier);
+            EXPECT_EQ(app.program().state().selectedCount(), 0);
         }
-        world.restart();
-        ASSERT_TRUE(world.showsCards({u"Secret"_s}));
-        expectAlive(world, u"Secret"_s, u"Hits"_s, 1);
+        app.restart();
+        ASSERT_TRUE(app.showsCards({u"Secret"_s}));
+        expectAlive(app, u"Secret"_s, u"Hits"_s, 1);
     };
     if (isWrapped() || geteuid() != 0)
         check();
@@ -214,29 +214,29 @@ TEST(DeniedDisk, AVaultOnAReadOnlyDiskIsShownAndLeftAlone)
             GTEST_SKIP() << "no disk can be mounted, and root writes everywhere";
     }
     std::unique_ptr<ReadOnlyDisk> disk;
-    World world([&](const QString &vault) {
+    AppFixture app([&](const QString &vault) {
         disk = std::make_unique<ReadOnlyDisk>(vault);
         writeSound(vault + u"/SFX/Hits/Old.wav"_s);
         disk->close();
     });
-    ASSERT_TRUE(world.showsCards({u"Old"_s}));
-    EXPECT_EQ(QDir(world.vaultFolder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+    ASSERT_TRUE(app.showsCards({u"Old"_s}));
+    EXPECT_EQ(QDir(app.vaultFolder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
               QStringList(u"SFX"_s));
-    expectAlive(world, u"Old"_s, u"Hits"_s, 1);
+    expectAlive(app, u"Old"_s, u"Hits"_s, 1);
 
-    world.restart();
-    ASSERT_TRUE(world.showsCards({u"Old"_s}));
-    EXPECT_EQ(world.program().prefs().favorites().size(), 1);
+    app.restart();
+    ASSERT_TRUE(app.showsCards({u"Old"_s}));
+    EXPECT_EQ(app.program().prefs().favorites().size(), 1);
 
     // A vault that would have to be made there stays empty.
-    Vault &vault = world.program().vault();
+    Vault &vault = app.program().vault();
     const Location root = vault.root();
-    vault.changeRoot(Location::fromText(world.vaultFolder() + u"/Not there"_s));
-    EXPECT_TRUE(world.showsCards({}));
-    EXPECT_EQ(world.controls().faults(), "");
+    vault.changeRoot(Location::fromText(app.vaultFolder() + u"/Not there"_s));
+    EXPECT_TRUE(app.showsCards({}));
+    EXPECT_EQ(app.controls().accessibilityIssues(), "");
     vault.changeRoot(root);
-    EXPECT_TRUE(world.showsCards({u"Old"_s}));
-    EXPECT_EQ(World::complaints(), "");
+    EXPECT_TRUE(app.showsCards({u"Old"_s}));
+    EXPECT_EQ(AppFixture::qmlWarnings(), "");
 }
 
 } // namespace cratewell::test

@@ -1,4 +1,4 @@
-#include "window/world.h"
+#include "window/app_fixture.h"
 
 #include "state/app_state.h"
 #include "state/prefs.h"
@@ -66,23 +66,23 @@ private:
 class WindowDrops : public testing::Test
 {
 protected:
-    World world{[](const QString &vault) {
+    AppFixture app{[](const QString &vault) {
         for (int i = 1; i <= 3; ++i)
             writeSound(vault + u"/SFX/Hits/Hit %1.wav"_s.arg(i));
         writeSound(vault + u"/SFX/Whooshes/Soft/Rush.wav"_s);
         writePicture(vault + u"/Overlays/Flashes/White.png"_s, Qt::white);
     }};
-    AppState &state = world.program().state();
-    QQuickWindow &window = world.window();
+    AppState &state = app.program().state();
+    QQuickWindow &window = app.window();
     const Controls controls{window};
 
     void SetUp() override
     {
-        ASSERT_TRUE(world.makesRoom());
+        ASSERT_TRUE(app.makesRoom());
         state.setSort(AssetOrder::Name);
-        ASSERT_TRUE(world.showsCards({u"Hit 1"_s, u"Hit 2"_s, u"Hit 3"_s, u"Rush"_s, u"White"_s}));
+        ASSERT_TRUE(app.showsCards({u"Hit 1"_s, u"Hit 2"_s, u"Hit 3"_s, u"Rush"_s, u"White"_s}));
     }
-    void TearDown() override { EXPECT_EQ(World::complaints(), ""); }
+    void TearDown() override { EXPECT_EQ(AppFixture::qmlWarnings(), ""); }
 
     QPoint middle(QAccessible::Role role, const QString &name) const
     {
@@ -94,15 +94,15 @@ protected:
     QPoint grid() const { return middle(QAccessible::List, u"Assets"_s); }
     Location inVault(const QString &name) const
     {
-        return Location::fromText(world.vaultFolder() + u'/' + name);
+        return Location::fromText(app.vaultFolder() + u'/' + name);
     }
     Location outside(const QString &name) const
     {
-        const QString path = world.home() + u"/Desktop/"_s + name;
+        const QString path = app.home() + u"/Desktop/"_s + name;
         writeSound(path);
         return Location::fromText(path);
     }
-    bool onDisk(const QString &name) const { return QFileInfo::exists(world.vaultFolder() + u'/' + name); }
+    bool onDisk(const QString &name) const { return QFileInfo::exists(app.vaultFolder() + u'/' + name); }
     // As another program offers them.
     static std::unique_ptr<QMimeData> files(const std::vector<Location> &items)
     {
@@ -137,8 +137,7 @@ TEST_F(WindowDrops, HoveringSaysWhatADropOnAFolderWouldDo)
         {"what is there already", dragData(ours), "Hits", nullptr},
         {"what the category does not take", dragData(ours), "Flashes", nullptr},
         {"a folder into its own", files({inVault(u"SFX/Whooshes"_s)}), "Whooshes", nullptr},
-        {"nothing that is an asset", files({Location::fromText(world.home() + u"/a.txt"_s)}), "Hits",
-         nullptr},
+        {"nothing that is an asset", files({Location::fromText(app.home() + u"/a.txt"_s)}), "Hits", nullptr},
     };
     for (auto &row : cases) {
         Hover hover(window, std::move(row.data));
@@ -184,12 +183,12 @@ TEST_F(WindowDrops, ThreeCardsMoveToTheFolderTheyAreDroppedOn)
 
 TEST_F(WindowDrops, DropsFromOutsideAreCopiedEvenWhenImportsMove)
 {
-    world.program().prefs().setImportMove(true);
+    app.program().prefs().setImportMove(true);
     const Location door = outside(u"Door.wav"_s);
     ASSERT_TRUE(Hover(window, files({door, inVault(u"SFX/Hits/Hit 1.wav"_s)})).drop(grid()));
     EXPECT_TRUE(waitUntil([this] { return onDisk(u"SFX/Door.wav"_s); }));
 
-    const Location pack = Location::fromText(world.home() + u"/Desktop/Pack"_s);
+    const Location pack = Location::fromText(app.home() + u"/Desktop/Pack"_s);
     writeSound(pack.text() + u"/Low/Thud.wav"_s);
     state.setScope(Scope::inFolder(inVault(u"SFX/Whooshes"_s)));
     ASSERT_TRUE(Hover(window, files({pack})).drop(grid()));

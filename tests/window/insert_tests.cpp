@@ -1,4 +1,4 @@
-#include "window/world.h"
+#include "window/app_fixture.h"
 
 #include "integrations/inserter.h"
 #include "platform/fakes/fake_applications.h"
@@ -45,30 +45,29 @@ QJsonArray videoTracks(const QString &file)
 
 TEST(InsertFromTheWindow, PlacesTheChosenAssetOnANewTopTrack)
 {
-    World world([](const QString &vault) {
+    AppFixture app([](const QString &vault) {
         writePicture(vault + u"/Overlays/Flashes/Burst.png"_s, Qt::white);
         writePicture(vault + u"/Overlays/Flashes/Spark.png"_s, Qt::yellow);
     });
-    const QString project = world.home() + u"/project.json"_s;
+    const QString project = app.home() + u"/project.json"_s;
     makeProject(project);
     qputenv("PYTHONPATH", standInFolder().toUtf8());
     qputenv("CRATEWELL_STANDIN_PROJECT", project.toUtf8());
     const auto tracksBefore = videoTracks(project).size();
-    world.applications().setRunning({u"com.blackmagic-design.DaVinciResolve"_s});
-    ASSERT_TRUE(world.showsCards({u"Burst"_s, u"Spark"_s}));
+    app.applications().setRunning({u"com.blackmagic-design.DaVinciResolve"_s});
+    ASSERT_TRUE(app.showsCards({u"Burst"_s, u"Spark"_s}));
 
-    ASSERT_TRUE(world.controls().click(QAccessible::ListItem, u"Burst"_s));
+    ASSERT_TRUE(app.controls().click(QAccessible::ListItem, u"Burst"_s));
     EXPECT_NE(
-        world.controls().find(QAccessible::StaticText,
-                              u"Goes to DaVinci Resolve at the playhead on a new top track, Screen blend."_s),
+        app.controls().find(QAccessible::StaticText,
+                            u"Goes to DaVinci Resolve at the playhead on a new top track, Screen blend."_s),
         nullptr);
-    world.key(Qt::Key_Return, Qt::ControlModifier);
+    app.key(Qt::Key_Return, Qt::ControlModifier);
 
-    ASSERT_TRUE(waitUntil([&] { return !world.program().inserter().toastText().isEmpty(); }));
+    ASSERT_TRUE(waitUntil([&] { return !app.program().inserter().toastText().isEmpty(); }));
     const QString toast = u"Inserted Burst on V%1 at 01:00:10:12"_s.arg(tracksBefore + 1);
-    EXPECT_EQ(world.program().inserter().toastText(), toast);
-    EXPECT_TRUE(
-        waitUntil([&] { return world.controls().find(QAccessible::AlertMessage, toast) != nullptr; }));
+    EXPECT_EQ(app.program().inserter().toastText(), toast);
+    EXPECT_TRUE(waitUntil([&] { return app.controls().find(QAccessible::AlertMessage, toast) != nullptr; }));
 
     const QJsonArray tracks = videoTracks(project);
     ASSERT_EQ(tracks.size(), tracksBefore + 1);
@@ -76,22 +75,21 @@ TEST(InsertFromTheWindow, PlacesTheChosenAssetOnANewTopTrack)
     ASSERT_EQ(items.size(), 1);
     EXPECT_EQ(items[0][u"start"].toInt(), (3600 + 10) * 24 + 12);
     EXPECT_EQ(items[0][u"composite"].toInt(), 5);
-    EXPECT_EQ(world.program().prefs().recent().size(), 1);
-    EXPECT_EQ(World::complaints(), "");
+    EXPECT_EQ(app.program().prefs().recent().size(), 1);
+    EXPECT_EQ(AppFixture::qmlWarnings(), "");
 }
 
 TEST(InsertFromTheWindow, SaysWhatToDoWhenNoEditorRuns)
 {
-    World world([](const QString &vault) { writePicture(vault + u"/Overlays/Lone.png"_s, Qt::red); });
-    ASSERT_TRUE(world.showsCards({u"Lone"_s}));
-    ASSERT_TRUE(world.controls().doubleClick(QAccessible::ListItem, u"Lone"_s));
+    AppFixture app([](const QString &vault) { writePicture(vault + u"/Overlays/Lone.png"_s, Qt::red); });
+    ASSERT_TRUE(app.showsCards({u"Lone"_s}));
+    ASSERT_TRUE(app.controls().doubleClick(QAccessible::ListItem, u"Lone"_s));
     EXPECT_TRUE(waitUntil([&] {
-        return world.controls().find(
-                   QAccessible::AlertMessage,
-                   u"Open DaVinci Resolve or Premiere Pro first. You can also drag any asset "
-                   "straight onto your timeline."_s) != nullptr;
+        return app.controls().find(QAccessible::AlertMessage,
+                                   u"Open DaVinci Resolve or Premiere Pro first. You can also drag any asset "
+                                   "straight onto your timeline."_s) != nullptr;
     }));
-    EXPECT_TRUE(world.program().prefs().recent().isEmpty());
+    EXPECT_TRUE(app.program().prefs().recent().isEmpty());
 }
 
 } // namespace cratewell::test

@@ -1,4 +1,4 @@
-#include "window/world.h"
+#include "window/app_fixture.h"
 
 #include "platform/fakes/fake_applications.h"
 #include "platform/fakes/fake_workspace.h"
@@ -22,27 +22,27 @@ namespace {
 class Menus : public testing::Test
 {
 protected:
-    World world{[](const QString &vault) {
+    AppFixture app{[](const QString &vault) {
         for (int i = 1; i <= 3; ++i)
             writeSound(vault + u"/SFX/Hits/Hit %1.wav"_s.arg(i));
         writePicture(vault + u"/Overlays/Flashes/White.png"_s, Qt::white);
         writeFile(vault + u"/LUTs/Noir.cube"_s, "LUT_3D_SIZE 2\n");
     }};
-    AppState &state = world.program().state();
-    QQuickWindow &window = world.window();
+    AppState &state = app.program().state();
+    QQuickWindow &window = app.window();
     const Controls controls{window};
 
     void SetUp() override
     {
-        ASSERT_TRUE(world.makesRoom());
+        ASSERT_TRUE(app.makesRoom());
         state.setSort(AssetOrder::Name);
-        ASSERT_TRUE(world.showsCards({u"Hit 1"_s, u"Hit 2"_s, u"Hit 3"_s, u"Noir"_s, u"White"_s}));
+        ASSERT_TRUE(app.showsCards({u"Hit 1"_s, u"Hit 2"_s, u"Hit 3"_s, u"Noir"_s, u"White"_s}));
     }
-    void TearDown() override { EXPECT_EQ(World::complaints(), ""); }
+    void TearDown() override { EXPECT_EQ(AppFixture::qmlWarnings(), ""); }
 
     Location inVault(const QString &name) const
     {
-        return Location::fromText(world.vaultFolder() + u'/' + name);
+        return Location::fromText(app.vaultFolder() + u'/' + name);
     }
     bool rightClick(QAccessible::Role role, const QString &name)
     {
@@ -82,7 +82,7 @@ protected:
     }
     bool closes()
     {
-        world.key(Qt::Key_Escape);
+        app.key(Qt::Key_Escape);
         return waitUntil([this] { return entries().isEmpty(); });
     }
     bool select(const QStringList &cards)
@@ -105,7 +105,7 @@ TEST_F(Menus, AFolderOffersItsCommandsInOrderAndACategoryKeepsItsOwnFolder)
     ASSERT_TRUE(rightClick(QAccessible::TreeItem, u"Hits"_s));
     ASSERT_TRUE(opens(u"Rename…"_s));
     EXPECT_EQ(entries(), folderEntries);
-    EXPECT_EQ(controls.faults(), "");
+    EXPECT_EQ(controls.accessibilityIssues(), "");
     ASSERT_TRUE(closes());
 
     ASSERT_TRUE(rightClick(QAccessible::TreeItem, u"SFX"_s));
@@ -118,11 +118,11 @@ TEST_F(Menus, AFolderOffersItsCommandsInOrderAndACategoryKeepsItsOwnFolder)
     QAccessibleInterface *tree = controls.find(QAccessible::Tree, u"Folders"_s);
     ASSERT_TRUE(tree && tree->actionInterface());
     tree->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
-    world.key(Qt::Key_Menu);
+    app.key(Qt::Key_Menu);
     ASSERT_TRUE(opens(u"Rename…"_s));
-    world.key(Qt::Key_Down);
-    world.key(Qt::Key_Down);
-    world.key(Qt::Key_Return);
+    app.key(Qt::Key_Down);
+    app.key(Qt::Key_Down);
+    app.key(Qt::Key_Return);
     ASSERT_TRUE(waitUntil([this] { return entries().isEmpty(); }));
     EXPECT_EQ(state.renameTarget(), inVault(u"SFX/Hits"_s));
 }
@@ -148,16 +148,16 @@ TEST_F(Menus, FolderCommandsDoWhatTheySay)
     EXPECT_EQ(state.scope(), Scope::inFolder(inVault(u"SFX/Hits"_s)));
     ASSERT_TRUE(closes());
     ASSERT_TRUE(command(folderEntries[4]));
-    EXPECT_EQ(world.workspace().revealed().value(0), QList{inVault(u"SFX/Hits"_s)});
+    EXPECT_EQ(app.workspace().revealed().value(0), QList{inVault(u"SFX/Hits"_s)});
 
     const auto color = [&](const QString &name) {
         return rightClick(QAccessible::TreeItem, u"Hits"_s) && opens(u"Color"_s) &&
                press(QAccessible::MenuItem, u"Color"_s) && opens(name) && choose(name);
     };
     ASSERT_TRUE(color(u"Cyan"_s));
-    EXPECT_EQ(world.program().prefs().folderColors().value(inVault(u"SFX/Hits"_s)), u"#2FD6FF"_s);
+    EXPECT_EQ(app.program().prefs().folderColors().value(inVault(u"SFX/Hits"_s)), u"#2FD6FF"_s);
     ASSERT_TRUE(color(u"Default"_s));
-    EXPECT_TRUE(world.program().prefs().folderColors().isEmpty());
+    EXPECT_TRUE(app.program().prefs().folderColors().isEmpty());
 
     ASSERT_TRUE(command(folderEntries[5]));
     EXPECT_TRUE(waitUntil([this] { return !QFileInfo::exists(inVault(u"SFX/Hits"_s).text()); }));
@@ -173,7 +173,7 @@ TEST_F(Menus, ACardOffersItsCommandsAndActsOnTheSelection)
     EXPECT_EQ(entries(), (QStringList{u"DaVinci Resolve"_s, u"Premiere Pro"_s, u"Favorite"_s, u"Move to"_s,
                                       u"New Folder with Item…"_s, u"Rename…"_s, u"Reveal in Finder"_s,
                                       u"Move to Trash"_s}));
-    EXPECT_EQ(controls.faults(), "");
+    EXPECT_EQ(controls.accessibilityIssues(), "");
     ASSERT_TRUE(choose(u"Rename…"_s));
     EXPECT_EQ(state.renameTarget(), inVault(u"SFX/Hits/Hit 1.wav"_s));
     ASSERT_TRUE(dismissSheets());
@@ -189,10 +189,10 @@ TEST_F(Menus, ACardOffersItsCommandsAndActsOnTheSelection)
 
     // From the keyboard, on the focused card.
     ASSERT_TRUE(controls.click(QAccessible::ListItem, u"White"_s));
-    world.key(Qt::Key_F10, Qt::ShiftModifier);
+    app.key(Qt::Key_F10, Qt::ShiftModifier);
     ASSERT_TRUE(opens(u"Favorite"_s));
     ASSERT_TRUE(choose(u"Favorite"_s));
-    EXPECT_EQ(world.program().prefs().favorites(), QSet{inVault(u"Overlays/Flashes/White.png"_s)});
+    EXPECT_EQ(app.program().prefs().favorites(), QSet{inVault(u"Overlays/Flashes/White.png"_s)});
 }
 
 TEST_F(Menus, MoveToListsTheFoldersThatTakeTheSelection)
@@ -203,7 +203,7 @@ TEST_F(Menus, MoveToListsTheFoldersThatTakeTheSelection)
     ASSERT_TRUE(opens(u"Overlays"_s));
     EXPECT_TRUE(opens(u"Flashes"_s));
     EXPECT_FALSE(entries().contains(u"SFX"_s));
-    EXPECT_EQ(controls.faults(), "");
+    EXPECT_EQ(controls.accessibilityIssues(), "");
     ASSERT_TRUE(choose(u"Overlays"_s));
     EXPECT_TRUE(waitUntil([this] { return state.visibleRow(inVault(u"Overlays/White.png"_s)) >= 0; }));
 
@@ -211,11 +211,11 @@ TEST_F(Menus, MoveToListsTheFoldersThatTakeTheSelection)
     ASSERT_TRUE(rightClick(QAccessible::ListItem, u"White"_s));
     ASSERT_TRUE(opens(u"Move to"_s));
     for (int line = 0; line < 4; ++line)
-        world.key(Qt::Key_Down);
-    world.key(Qt::Key_Right);
+        app.key(Qt::Key_Down);
+    app.key(Qt::Key_Right);
     ASSERT_TRUE(opens(u"Flashes"_s));
-    world.key(Qt::Key_Down);
-    world.key(Qt::Key_Return);
+    app.key(Qt::Key_Down);
+    app.key(Qt::Key_Return);
     EXPECT_TRUE(
         waitUntil([this] { return state.visibleRow(inVault(u"Overlays/Flashes/White.png"_s)) >= 0; }));
     EXPECT_TRUE(waitUntil([this] { return entries().isEmpty(); }));
@@ -229,18 +229,18 @@ TEST_F(Menus, TheSelectionBarActsOnAllAndLeavesWithThem)
     ASSERT_TRUE(select({u"Hit 1"_s, u"Hit 2"_s, u"Hit 3"_s}));
     ASSERT_TRUE(waitUntil([&] { return controls.find(QAccessible::Button, clear); }));
     EXPECT_NE(controls.find(QAccessible::StaticText, u"3 selected"_s), nullptr);
-    EXPECT_EQ(controls.faults(), "");
+    EXPECT_EQ(controls.accessibilityIssues(), "");
 
-    world.key(Qt::Key_Tab);
+    app.key(Qt::Key_Tab);
     EXPECT_EQ(QAccessible::queryAccessibleInterface(window.activeFocusItem())->text(QAccessible::Name),
               u"Move to…"_s);
     ASSERT_TRUE(controls.click(QAccessible::Button, u"Favorite"_s));
-    EXPECT_EQ(world.program().prefs().favorites().size(), 3);
+    EXPECT_EQ(app.program().prefs().favorites().size(), 3);
     ASSERT_TRUE(controls.click(QAccessible::Button, u"Unfavorite"_s));
-    EXPECT_TRUE(world.program().prefs().favorites().isEmpty());
+    EXPECT_TRUE(app.program().prefs().favorites().isEmpty());
     ASSERT_TRUE(controls.click(QAccessible::Button, u"Reveal in Finder"_s));
-    ASSERT_EQ(world.workspace().revealed().size(), 1);
-    EXPECT_EQ(world.workspace().revealed()[0].size(), 3);
+    ASSERT_EQ(app.workspace().revealed().size(), 1);
+    EXPECT_EQ(app.workspace().revealed()[0].size(), 3);
     ASSERT_TRUE(controls.click(QAccessible::Button, u"New Folder with Selection…"_s));
     EXPECT_EQ(state.pendingMove().size(), 3U);
     ASSERT_TRUE(dismissSheets());
@@ -253,13 +253,13 @@ TEST_F(Menus, TheSelectionBarActsOnAllAndLeavesWithThem)
     ASSERT_TRUE(controls.click(QAccessible::Button, u"Move to…"_s));
     EXPECT_TRUE(opens(u"No folder takes all of these"_s));
     ASSERT_TRUE(closes());
-    world.key(Qt::Key_Escape);
+    app.key(Qt::Key_Escape);
     EXPECT_EQ(state.selectedCount(), 0);
 
     ASSERT_TRUE(select({u"Hit 1"_s, u"Hit 2"_s}));
     ASSERT_TRUE(waitUntil([&] { return controls.find(QAccessible::Button, u"Move to Trash"_s); }));
     ASSERT_TRUE(controls.click(QAccessible::Button, u"Move to Trash"_s));
-    EXPECT_TRUE(world.showsCards({u"Hit 3"_s, u"Noir"_s, u"White"_s}));
+    EXPECT_TRUE(app.showsCards({u"Hit 3"_s, u"Noir"_s, u"White"_s}));
 }
 
 } // namespace cratewell::test

@@ -1,4 +1,4 @@
-#include "window/world.h"
+#include "window/app_fixture.h"
 
 #include "integrations/inserter.h"
 #include "platform/fakes/fake_file_chooser.h"
@@ -27,58 +27,58 @@ namespace {
 class Pages : public testing::Test
 {
 protected:
-    World world{[](const QString &folder) {
+    AppFixture app{[](const QString &folder) {
         writeSound(folder + u"/SFX/Hits/Hit.wav"_s);
         writeSound(folder + u"/SFX/Claps/Hit.wav"_s);
         writeSound(folder + u"/../Outside/Whoosh.wav"_s);
         writeSound(folder + u"/../Outside/Riser.wav"_s);
     }};
-    AppState &state = world.program().state();
-    Vault &vault = world.program().vault();
+    AppState &state = app.program().state();
+    Vault &vault = app.program().vault();
 
-    void SetUp() override { ASSERT_TRUE(world.showsCards({u"Hit"_s, u"Hit"_s})); }
+    void SetUp() override { ASSERT_TRUE(app.showsCards({u"Hit"_s, u"Hit"_s})); }
     void TearDown() override
     {
-        EXPECT_EQ(world.controls().faults(), "");
-        EXPECT_EQ(World::complaints(), "");
+        EXPECT_EQ(app.controls().accessibilityIssues(), "");
+        EXPECT_EQ(AppFixture::qmlWarnings(), "");
     }
 
-    QString path(const QString &relative) const { return world.vaultFolder() + u'/' + relative; }
+    QString path(const QString &relative) const { return app.vaultFolder() + u'/' + relative; }
     bool exists(const QString &relative) const { return QFile::exists(path(relative)); }
     bool shows(QAccessible::Role role, const QString &name)
     {
-        return waitUntil([&] { return world.controls().find(role, name) != nullptr; });
+        return waitUntil([&] { return app.controls().find(role, name) != nullptr; });
     }
     bool click(QAccessible::Role role, const QString &name)
     {
-        return shows(role, name) && world.controls().click(role, name);
+        return shows(role, name) && app.controls().click(role, name);
     }
     bool hides(QAccessible::Role role, const QString &name)
     {
-        return waitUntil([&] { return world.controls().find(role, name) == nullptr; });
+        return waitUntil([&] { return app.controls().find(role, name) == nullptr; });
     }
     // DragController over the middle of the heading of that name.
     bool drag(const QString &heading, const QStringList &files, Qt::DropActions *accepted, bool release)
     {
-        const QAccessibleInterface *place = world.controls().find(QAccessible::StaticText, heading);
+        const QAccessibleInterface *place = app.controls().find(QAccessible::StaticText, heading);
         if (!place)
             return false;
-        const QPoint at = world.window().mapFromGlobal(place->rect().center());
+        const QPoint at = app.window().mapFromGlobal(place->rect().center());
         QMimeData data;
         QList<QUrl> urls;
         for (const QString &file : files)
             urls.append(QUrl::fromLocalFile(file));
         data.setUrls(urls);
         QDragLeaveEvent leave; // of the drag before
-        QGuiApplication::sendEvent(&world.window(), &leave);
+        QGuiApplication::sendEvent(&app.window(), &leave);
         QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, {});
-        QGuiApplication::sendEvent(&world.window(), &enter);
+        QGuiApplication::sendEvent(&app.window(), &enter);
         QDragMoveEvent move(at, Qt::CopyAction, &data, Qt::LeftButton, {});
-        QGuiApplication::sendEvent(&world.window(), &move);
+        QGuiApplication::sendEvent(&app.window(), &move);
         *accepted = move.isAccepted() ? Qt::DropActions(move.dropAction()) : Qt::DropActions();
         if (release) {
             QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, {});
-            QGuiApplication::sendEvent(&world.window(), &drop);
+            QGuiApplication::sendEvent(&app.window(), &drop);
         }
         return true;
     }
@@ -88,29 +88,29 @@ protected:
 
 TEST_F(Pages, TrashBringsBackTwoFilesOfOneName)
 {
-    world.key(Qt::Key_A, Qt::ControlModifier);
-    world.key(Qt::Key_Delete, Qt::ControlModifier);
+    app.key(Qt::Key_A, Qt::ControlModifier);
+    app.key(Qt::Key_Delete, Qt::ControlModifier);
     EXPECT_TRUE(shows(QAccessible::AlertMessage, u"Moved 2 items to Trash. They're kept for 30 days."_s));
-    EXPECT_TRUE(world.showsCards({}));
-    QAccessibleInterface *trash = world.controls().find(QAccessible::Button, u"Trash"_s);
+    EXPECT_TRUE(app.showsCards({}));
+    QAccessibleInterface *trash = app.controls().find(QAccessible::Button, u"Trash"_s);
     ASSERT_TRUE(trash && click(QAccessible::Button, u"Trash"_s));
     EXPECT_EQ(trash->text(QAccessible::Description), u"2"_s);
-    ASSERT_TRUE(waitUntil([&] { return world.controls().names(QAccessible::ListItem).size() == 2; }));
+    ASSERT_TRUE(waitUntil([&] { return app.controls().names(QAccessible::ListItem).size() == 2; }));
     EXPECT_TRUE(shows(QAccessible::StaticText, u"From Hits"_s) &&
                 shows(QAccessible::StaticText, u"From Claps"_s));
     EXPECT_TRUE(shows(QAccessible::StaticText, u"30 days left"_s));
-    EXPECT_EQ(world.controls().faults(), "");
+    EXPECT_EQ(app.controls().accessibilityIssues(), "");
 
-    EXPECT_EQ(world.controls().find(QAccessible::Button, u"Restore 1"_s), nullptr);
+    EXPECT_EQ(app.controls().find(QAccessible::Button, u"Restore 1"_s), nullptr);
     ASSERT_TRUE(click(QAccessible::ListItem, u"Hit.wav"_s));
     EXPECT_TRUE(shows(QAccessible::Button, u"Restore 1"_s));
-    world.key(Qt::Key_Down);
-    world.key(Qt::Key_Space);
+    app.key(Qt::Key_Down);
+    app.key(Qt::Key_Space);
     ASSERT_TRUE(click(QAccessible::Button, u"Restore 2"_s));
     EXPECT_TRUE(shows(QAccessible::StaticText, u"Trash is empty"_s));
     EXPECT_TRUE(exists(u"SFX/Hits/Hit.wav"_s) && exists(u"SFX/Claps/Hit.wav"_s));
     EXPECT_TRUE(shows(QAccessible::AlertMessage, u"Restored 2 items"_s));
-    EXPECT_EQ(world.controls().find(QAccessible::Button, u"Empty Trash"_s), nullptr);
+    EXPECT_EQ(app.controls().find(QAccessible::Button, u"Empty Trash"_s), nullptr);
 }
 
 TEST_F(Pages, EmptyingTheTrashAsksFirst)
@@ -122,13 +122,13 @@ TEST_F(Pages, EmptyingTheTrashAsksFirst)
     ASSERT_TRUE(click(QAccessible::Button, u"Empty Trash"_s));
     ASSERT_TRUE(shows(QAccessible::Heading, u"Empty the Trash?"_s));
     EXPECT_TRUE(shows(QAccessible::StaticText, question));
-    world.key(Qt::Key_Escape);
+    app.key(Qt::Key_Escape);
     ASSERT_TRUE(hides(QAccessible::StaticText, question));
     EXPECT_EQ(vault.trashItems().size(), 2);
 
     ASSERT_TRUE(click(QAccessible::Button, u"Empty Trash"_s));
     ASSERT_TRUE(shows(QAccessible::StaticText, question));
-    world.key(Qt::Key_Return);
+    app.key(Qt::Key_Return);
     EXPECT_TRUE(shows(QAccessible::StaticText, u"Trash is empty"_s));
     EXPECT_TRUE(vault.trashItems().empty());
     EXPECT_FALSE(exists(u"SFX/Hits"_s));
@@ -137,26 +137,26 @@ TEST_F(Pages, EmptyingTheTrashAsksFirst)
 TEST_F(Pages, ToastAfterTrashingOffersToUndoIt)
 {
     state.setScope(Scope::inFolder(Location::fromText(path(u"SFX/Hits"_s))));
-    ASSERT_TRUE(world.showsCards({u"Hit"_s}));
-    ASSERT_TRUE(world.controls().click(QAccessible::ListItem, u"Hit"_s));
-    world.key(Qt::Key_Delete, Qt::ControlModifier);
+    ASSERT_TRUE(app.showsCards({u"Hit"_s}));
+    ASSERT_TRUE(app.controls().click(QAccessible::ListItem, u"Hit"_s));
+    app.key(Qt::Key_Delete, Qt::ControlModifier);
     ASSERT_TRUE(shows(QAccessible::Button, u"Undo"_s));
     EXPECT_FALSE(exists(u"SFX/Hits/Hit.wav"_s));
-    EXPECT_EQ(world.controls().faults(), "");
+    EXPECT_EQ(app.controls().accessibilityIssues(), "");
     ASSERT_TRUE(click(QAccessible::Button, u"Undo"_s));
-    EXPECT_TRUE(world.showsCards({u"Hit"_s}));
+    EXPECT_TRUE(app.showsCards({u"Hit"_s}));
     EXPECT_TRUE(exists(u"SFX/Hits/Hit.wav"_s));
     EXPECT_TRUE(hides(QAccessible::Button, u"Undo"_s));
 
     // What is gone for good by then is not asked for.
     QSignalSpy toasts(&vault, &Vault::toast);
-    world.key(Qt::Key_A, Qt::ControlModifier);
-    world.key(Qt::Key_Delete, Qt::ControlModifier);
+    app.key(Qt::Key_A, Qt::ControlModifier);
+    app.key(Qt::Key_Delete, Qt::ControlModifier);
     ASSERT_TRUE(shows(QAccessible::Button, u"Undo"_s));
     vault.deleteForever(vault.trashItems());
     ASSERT_TRUE(waitUntil([&] { return vault.trashItems().empty(); }));
     const auto before = toasts.count();
-    world.program().inserter().takeToastAction();
+    app.program().inserter().takeToastAction();
     bool later = false;
     vault.createFolder(u"Later"_s, Location::fromText(path(u"SFX"_s)), [&](const auto &) { later = true; });
     ASSERT_TRUE(waitUntil([&] { return later; }));
@@ -165,10 +165,10 @@ TEST_F(Pages, ToastAfterTrashingOffersToUndoIt)
 
 TEST_F(Pages, KeysThatTrashRestWhileTyping)
 {
-    ASSERT_TRUE(world.controls().click(QAccessible::ListItem, u"Hit"_s));
-    world.key(Qt::Key_F, Qt::ControlModifier);
-    world.type(u"HIT"_s);
-    world.key(Qt::Key_Delete, Qt::ControlModifier);
+    ASSERT_TRUE(app.controls().click(QAccessible::ListItem, u"Hit"_s));
+    app.key(Qt::Key_F, Qt::ControlModifier);
+    app.type(u"HIT"_s);
+    app.key(Qt::Key_Delete, Qt::ControlModifier);
     bool later = false;
     vault.createFolder(u"Later"_s, Location::fromText(path(u"SFX"_s)), [&](const auto &) { later = true; });
     ASSERT_TRUE(waitUntil([&] { return later; }));
@@ -179,11 +179,11 @@ TEST_F(Pages, ImportPageTakesFilesFromItsChooserAndByDrop)
 {
     ASSERT_TRUE(click(QAccessible::Button, u"Import"_s));
     ASSERT_TRUE(shows(QAccessible::Button, u"Choose Files…"_s));
-    EXPECT_EQ(world.controls().faults(), "");
+    EXPECT_EQ(app.controls().accessibilityIssues(), "");
     ASSERT_TRUE(click(QAccessible::Button, u"Choose Files…"_s));
     ASSERT_TRUE(click(QAccessible::MenuItem, u"Files…"_s));
-    ASSERT_TRUE(waitUntil([&] { return world.chooser().requests().size() == 1; }));
-    ASSERT_TRUE(world.chooser().answer({Location::fromText(path(u"../Outside/Whoosh.wav"_s))}));
+    ASSERT_TRUE(waitUntil([&] { return app.chooser().requests().size() == 1; }));
+    ASSERT_TRUE(app.chooser().answer({Location::fromText(path(u"../Outside/Whoosh.wav"_s))}));
     EXPECT_TRUE(shows(QAccessible::ListItem, u"Whoosh"_s));
     EXPECT_TRUE(shows(QAccessible::AlertMessage, u"Added 1 asset to the vault"_s));
     EXPECT_TRUE(exists(u"SFX/Whoosh.wav"_s) && exists(u"../Outside/Whoosh.wav"_s));
@@ -191,11 +191,11 @@ TEST_F(Pages, ImportPageTakesFilesFromItsChooserAndByDrop)
     // Into a folder of the user's choice, and moved.
     ASSERT_TRUE(click(QAccessible::Button, u"Sort by type automatically"_s));
     ASSERT_TRUE(shows(QAccessible::MenuItem, u"Overlays"_s));
-    EXPECT_EQ(world.controls().faults(), "");
-    world.key(Qt::Key_Escape);
+    EXPECT_EQ(app.controls().accessibilityIssues(), "");
+    app.key(Qt::Key_Escape);
     ASSERT_TRUE(hides(QAccessible::MenuItem, u"Overlays"_s));
     ASSERT_TRUE(click(QAccessible::CheckBox, u"Move instead of copy"_s));
-    EXPECT_TRUE(world.program().prefs().importMove());
+    EXPECT_TRUE(app.program().prefs().importMove());
     const QString riser = path(u"../Outside/Riser.wav"_s);
     Qt::DropActions accepted;
     ASSERT_TRUE(drag(u"Drop files or folders here"_s, {path(u"SFX/Whoosh.wav"_s)}, &accepted, false));
@@ -219,11 +219,11 @@ TEST_F(Pages, DestinationIsChosenWithTheKeyboardAndKept)
     state.setScope(Scope::of(Scope::Kind::Importer));
     ASSERT_TRUE(click(QAccessible::Button, u"Sort by type automatically"_s));
     ASSERT_TRUE(shows(QAccessible::MenuItem, u"Overlays"_s));
-    world.key(Qt::Key_Down);
-    world.key(Qt::Key_Return);
+    app.key(Qt::Key_Down);
+    app.key(Qt::Key_Return);
     ASSERT_TRUE(shows(QAccessible::Button, u"Overlays"_s));
-    world.restart();
-    world.program().state().setScope(Scope::of(Scope::Kind::Importer));
+    app.restart();
+    app.program().state().setScope(Scope::of(Scope::Kind::Importer));
     EXPECT_TRUE(shows(QAccessible::Button, u"Overlays"_s));
 }
 
@@ -234,7 +234,7 @@ TEST_F(Pages, LongWorkShowsAndCanBeCanceled)
     progress.show({true, u"Importing"_s, 3, 12, 1'200'000, 48'200'000, 0.25, 40});
     EXPECT_TRUE(shows(QAccessible::StaticText, u"3 of 12 files, 1.2 MB of 48.2 MB"_s));
     EXPECT_TRUE(shows(QAccessible::StaticText, u"About 40 seconds left"_s));
-    EXPECT_EQ(world.controls().faults(), "");
+    EXPECT_EQ(app.controls().accessibilityIssues(), "");
     ASSERT_TRUE(click(QAccessible::Button, u"Cancel"_s));
     EXPECT_EQ(canceled.count(), 1);
     progress.show({});

@@ -1,4 +1,4 @@
-#include "window/world.h"
+#include "window/app_fixture.h"
 
 #include "state/app_state.h"
 #include "support/wait.h"
@@ -15,20 +15,20 @@ namespace {
 class Shell : public testing::Test
 {
 protected:
-    World world{[](const QString &vault) {
+    AppFixture app{[](const QString &vault) {
         for (int i = 1; i <= 3; ++i)
             writeSound(vault + u"/SFX/Hits/Hit %1.wav"_s.arg(i));
         writeSound(vault + u"/SFX/Hits/Deep/Boom.wav"_s);
     }};
-    AppState &state = world.program().state();
+    AppState &state = app.program().state();
 
-    void SetUp() override { ASSERT_TRUE(world.showsCards({u"Boom"_s, u"Hit 1"_s, u"Hit 2"_s, u"Hit 3"_s})); }
-    void TearDown() override { EXPECT_EQ(World::complaints(), ""); }
+    void SetUp() override { ASSERT_TRUE(app.showsCards({u"Boom"_s, u"Hit 1"_s, u"Hit 2"_s, u"Hit 3"_s})); }
+    void TearDown() override { EXPECT_EQ(AppFixture::qmlWarnings(), ""); }
 
     // By the action that assistive tools use.
     bool press(QAccessible::Role role, const QString &name)
     {
-        QAccessibleInterface *control = world.controls().find(role, name);
+        QAccessibleInterface *control = app.controls().find(role, name);
         if (!control || !control->actionInterface())
             return false;
         control->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
@@ -36,8 +36,8 @@ protected:
     }
     QRect place(QAccessible::Role role, const QString &name)
     {
-        const QAccessibleInterface *control = world.controls().find(role, name);
-        return control ? control->rect().translated(-world.window().position()) : QRect();
+        const QAccessibleInterface *control = app.controls().find(role, name);
+        return control ? control->rect().translated(-app.window().position()) : QRect();
     }
 };
 
@@ -64,7 +64,7 @@ TEST_F(Shell, ToolbarStaysInOrderWithoutOverlapsAtEveryWidth)
     for (const bool inspector : {true, false}) {
         state.setShowInspector(inspector);
         for (int width = 1040; width <= 1700; width += 33) {
-            world.window().resize(width, 640);
+            app.window().resize(width, 640);
             EXPECT_TRUE(waitUntil([&] { return inOrder(width - 12 - (inspector ? 412 : 0)); }))
                 << "width " << width << (inspector ? " with inspector" : "");
         }
@@ -76,9 +76,9 @@ TEST_F(Shell, ToolbarStaysInOrderWithoutOverlapsAtEveryWidth)
 TEST_F(Shell, MenuHoldsTheCommandsAndWhatCannotBeDoneIsDisabled)
 {
     ASSERT_TRUE(press(QAccessible::Button, u"Menu"_s));
-    ASSERT_TRUE(waitUntil([this] { return world.controls().find(QAccessible::MenuItem, u"Quit"_s); }));
+    ASSERT_TRUE(waitUntil([this] { return app.controls().find(QAccessible::MenuItem, u"Quit"_s); }));
     EXPECT_EQ(
-        world.controls().names(QAccessible::MenuItem),
+        app.controls().names(QAccessible::MenuItem),
         (QStringList{u"New Folder"_s, u"Import Assets…"_s, u"Insert at Playhead"_s, u"Play / Pause Preview"_s,
                      u"Reveal in Finder"_s, u"Toggle Favorite"_s, u"New Folder with Selection…"_s,
                      u"Move to Trash"_s, u"Select All"_s, u"Settings…"_s, u"Quit"_s}));
@@ -86,10 +86,10 @@ TEST_F(Shell, MenuHoldsTheCommandsAndWhatCannotBeDoneIsDisabled)
     EXPECT_FALSE(state.showNewFolder()) << "nothing is selected";
     ASSERT_TRUE(press(QAccessible::MenuItem, u"Select All"_s));
     EXPECT_EQ(state.selectedCount(), 4);
-    EXPECT_TRUE(waitUntil([this] { return !world.controls().find(QAccessible::MenuItem, u"Quit"_s); }));
+    EXPECT_TRUE(waitUntil([this] { return !app.controls().find(QAccessible::MenuItem, u"Quit"_s); }));
 
     // The keyboard is back where it was.
-    world.key(Qt::Key_End);
+    app.key(Qt::Key_End);
     EXPECT_EQ(state.selectedCount(), 1);
 }
 
@@ -100,28 +100,28 @@ TEST_F(Shell, EveryPageIsReachedByPressingItsRow)
                                      {u"Resolve panel"_s, u"Plugins"_s}}) {
         ASSERT_TRUE(press(QAccessible::Button, row));
         EXPECT_EQ(state.scopeTitle(), title);
-        EXPECT_NE(world.controls().find(QAccessible::Heading, title), nullptr) << title.toStdString();
-        EXPECT_EQ(world.controls().find(QAccessible::EditableText, u"Search the vault"_s), nullptr);
+        EXPECT_NE(app.controls().find(QAccessible::Heading, title), nullptr) << title.toStdString();
+        EXPECT_EQ(app.controls().find(QAccessible::EditableText, u"Search the vault"_s), nullptr);
     }
     ASSERT_TRUE(press(QAccessible::Button, u"All Assets"_s));
-    EXPECT_NE(world.controls().find(QAccessible::EditableText, u"Search the vault"_s), nullptr);
-    EXPECT_TRUE(world.controls().find(QAccessible::Button, u"All Assets"_s)->state().selected);
+    EXPECT_NE(app.controls().find(QAccessible::EditableText, u"Search the vault"_s), nullptr);
+    EXPECT_TRUE(app.controls().find(QAccessible::Button, u"All Assets"_s)->state().selected);
 
     ASSERT_TRUE(press(QAccessible::Button, u"Added"_s));
-    ASSERT_TRUE(waitUntil([this] { return world.controls().find(QAccessible::MenuItem, u"Size"_s); }));
+    ASSERT_TRUE(waitUntil([this] { return app.controls().find(QAccessible::MenuItem, u"Size"_s); }));
     ASSERT_TRUE(press(QAccessible::MenuItem, u"Size"_s));
     EXPECT_EQ(state.sort(), AssetOrder::Size);
-    EXPECT_NE(world.controls().find(QAccessible::Button, u"Size"_s), nullptr);
+    EXPECT_NE(app.controls().find(QAccessible::Button, u"Size"_s), nullptr);
 }
 
 TEST_F(Shell, FoldersAreWalkedWithTheKeyboard)
 {
-    QAccessibleInterface *folders = world.controls().find(QAccessible::Tree, u"Folders"_s);
+    QAccessibleInterface *folders = app.controls().find(QAccessible::Tree, u"Folders"_s);
     ASSERT_NE(folders, nullptr);
     folders->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
     const auto walk = [this](std::initializer_list<Qt::Key> keys) {
         for (const Qt::Key key : keys)
-            world.key(key);
+            app.key(key);
         return state.scopeTitle();
     };
     EXPECT_EQ(walk({Qt::Key_Return}), u"Overlays");

@@ -1,4 +1,4 @@
-#include "window/world.h"
+#include "window/app_fixture.h"
 
 #include "platform/fakes/fake_workspace.h"
 #include "state/app_state.h"
@@ -40,40 +40,40 @@ QStringList rows(const AppState &state)
 class Window : public testing::Test
 {
 protected:
-    World world{fillVault};
-    AppState &state = world.program().state();
+    AppFixture app{fillVault};
+    AppState &state = app.program().state();
 
     void SetUp() override
     {
         state.setSort(AssetOrder::Name);
         ASSERT_TRUE(waitUntil([this] { return state.visibleCount() == 16; }));
-        ASSERT_TRUE(waitUntil([this] { return world.controls().find(QAccessible::ListItem, u"Amber"_s); }));
+        ASSERT_TRUE(waitUntil([this] { return app.controls().find(QAccessible::ListItem, u"Amber"_s); }));
     }
-    void TearDown() override { EXPECT_EQ(World::complaints(), ""); }
+    void TearDown() override { EXPECT_EQ(AppFixture::qmlWarnings(), ""); }
 
     bool clickCard(const QString &name, Qt::KeyboardModifiers modifiers = {})
     {
-        return world.controls().click(QAccessible::ListItem, name, modifiers);
+        return app.controls().click(QAccessible::ListItem, name, modifiers);
     }
     QString focused() const { return state.selection() ? state.selection()->url.baseName() : QString(); }
     int columns()
     {
-        return world.window().findChild<QQuickItem *>(u"assetGrid"_s)->property("columns").toInt();
+        return app.window().findChild<QQuickItem *>(u"assetGrid"_s)->property("columns").toInt();
     }
 };
 
 TEST_F(Window, OpensAtItsSizeAndNamesEveryControl)
 {
-    EXPECT_EQ(world.window().title(), u"Cratewell");
-    EXPECT_EQ(world.window().size(), QSize(1320, 840));
-    EXPECT_EQ(world.window().minimumSize(), QSize(1040, 640));
-    EXPECT_EQ(world.controls().faults(), "");
+    EXPECT_EQ(app.window().title(), u"Cratewell");
+    EXPECT_EQ(app.window().size(), QSize(1320, 840));
+    EXPECT_EQ(app.window().minimumSize(), QSize(1040, 640));
+    EXPECT_EQ(app.controls().accessibilityIssues(), "");
     for (const QString &name :
          {u"All Assets"_s, u"Favorites"_s, u"Recently Inserted"_s, u"Import"_s, u"Trash"_s,
           u"New folder in Overlays"_s, u"New folder in LUTs"_s, u"New folder in SFX"_s,
           u"Keep Cratewell above your editor"_s, u"Open the vault in Finder"_s, u"Customize Cratewell"_s,
           u"Show or hide the preview"_s})
-        EXPECT_NE(world.controls().find(QAccessible::Button, name), nullptr) << name.toStdString();
+        EXPECT_NE(app.controls().find(QAccessible::Button, name), nullptr) << name.toStdString();
 }
 
 TEST_F(Window, SelectsWithMouseAndKeyboardAsAFileManagerDoes)
@@ -90,85 +90,84 @@ TEST_F(Window, SelectsWithMouseAndKeyboardAsAFileManagerDoes)
     EXPECT_EQ(focused(), order[1]);
 
     ASSERT_TRUE(clickCard(order[0]));
-    world.key(Qt::Key_Right);
+    app.key(Qt::Key_Right);
     EXPECT_EQ(focused(), order[1]);
-    world.key(Qt::Key_Down);
+    app.key(Qt::Key_Down);
     EXPECT_EQ(focused(), order[1 + columns()]);
-    world.key(Qt::Key_Up);
-    world.key(Qt::Key_Left);
+    app.key(Qt::Key_Up);
+    app.key(Qt::Key_Left);
     EXPECT_EQ(focused(), order[0]);
-    world.key(Qt::Key_A, Qt::ControlModifier);
+    app.key(Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(state.selectedCount(), 16);
 }
 
 TEST_F(Window, SearchTakesLettersAndKeysForItself)
 {
     ASSERT_TRUE(clickCard(rows(state).first()));
-    ASSERT_TRUE(world.controls().click(QAccessible::EditableText, u"Search the vault"_s));
-    world.type(u"warm"_s);
+    ASSERT_TRUE(app.controls().click(QAccessible::EditableText, u"Search the vault"_s));
+    app.type(u"warm"_s);
     EXPECT_EQ(state.search(), u"warm");
     EXPECT_EQ(rows(state), (QStringList{u"Amber"_s, u"Prism"_s, u"Streak"_s}));
-    EXPECT_TRUE(world.showsCards({u"Amber"_s, u"Prism"_s, u"Streak"_s}));
-    EXPECT_NE(world.controls().find(QAccessible::StaticText, u"3 assets"_s), nullptr);
+    EXPECT_TRUE(app.showsCards({u"Amber"_s, u"Prism"_s, u"Streak"_s}));
+    EXPECT_NE(app.controls().find(QAccessible::StaticText, u"3 assets"_s), nullptr);
 
     const int selectedBefore = state.selectedCount();
-    world.key(Qt::Key_A, Qt::ControlModifier);
-    world.key(Qt::Key_Delete);
+    app.key(Qt::Key_A, Qt::ControlModifier);
+    app.key(Qt::Key_Delete);
     EXPECT_EQ(state.search(), QString());
     EXPECT_EQ(state.selectedCount(), selectedBefore);
 }
 
 TEST_F(Window, TheSidebarLeadsThroughTheVault)
 {
-    ASSERT_TRUE(world.controls().click(QAccessible::TreeItem, u"SFX"_s));
+    ASSERT_TRUE(app.controls().click(QAccessible::TreeItem, u"SFX"_s));
     EXPECT_EQ(state.scopeTitle(), u"SFX");
     EXPECT_EQ(state.visibleCount(), 12);
 
     // Category folders start expanded, deeper ones collapsed; what was expanded is so after a restart.
-    EXPECT_EQ(world.controls().find(QAccessible::TreeItem, u"Warm"_s), nullptr);
-    ASSERT_TRUE(world.controls().click(QAccessible::Button, u"Expand Light Leaks"_s));
-    ASSERT_TRUE(waitUntil([this] { return world.controls().find(QAccessible::TreeItem, u"Warm"_s); }));
-    ASSERT_TRUE(world.controls().click(QAccessible::TreeItem, u"Warm"_s));
+    EXPECT_EQ(app.controls().find(QAccessible::TreeItem, u"Warm"_s), nullptr);
+    ASSERT_TRUE(app.controls().click(QAccessible::Button, u"Expand Light Leaks"_s));
+    ASSERT_TRUE(waitUntil([this] { return app.controls().find(QAccessible::TreeItem, u"Warm"_s); }));
+    ASSERT_TRUE(app.controls().click(QAccessible::TreeItem, u"Warm"_s));
     EXPECT_EQ(state.visibleCount(), 3);
 
     ASSERT_TRUE(clickCard(u"Prism"_s));
-    world.key(Qt::Key_F, Qt::ControlModifier | Qt::AltModifier);
-    ASSERT_TRUE(world.controls().click(QAccessible::Button, u"Favorites"_s));
+    app.key(Qt::Key_F, Qt::ControlModifier | Qt::AltModifier);
+    ASSERT_TRUE(app.controls().click(QAccessible::Button, u"Favorites"_s));
     EXPECT_EQ(rows(state), QStringList(u"Prism"_s));
 
-    world.restart();
-    ASSERT_TRUE(waitUntil([this] { return world.controls().find(QAccessible::TreeItem, u"Warm"_s); }));
-    EXPECT_EQ(world.program().prefs().favorites().size(), 1);
+    app.restart();
+    ASSERT_TRUE(waitUntil([this] { return app.controls().find(QAccessible::TreeItem, u"Warm"_s); }));
+    EXPECT_EQ(app.program().prefs().favorites().size(), 1);
 }
 
 TEST_F(Window, CommandsReachTheDesktopAndTheSettings)
 {
     ASSERT_TRUE(clickCard(u"Amber"_s));
-    world.key(Qt::Key_R, Qt::ControlModifier | Qt::ShiftModifier);
-    ASSERT_EQ(world.workspace().revealed().size(), 1);
-    EXPECT_EQ(world.workspace().revealed()[0][0].baseName(), u"Amber");
-    ASSERT_TRUE(world.controls().click(QAccessible::Button, u"Open the vault in Finder"_s));
-    EXPECT_EQ(world.workspace().opened().size(), 1);
+    app.key(Qt::Key_R, Qt::ControlModifier | Qt::ShiftModifier);
+    ASSERT_EQ(app.workspace().revealed().size(), 1);
+    EXPECT_EQ(app.workspace().revealed()[0][0].baseName(), u"Amber");
+    ASSERT_TRUE(app.controls().click(QAccessible::Button, u"Open the vault in Finder"_s));
+    EXPECT_EQ(app.workspace().opened().size(), 1);
 
-    ASSERT_TRUE(world.controls().click(QAccessible::Button, u"Show or hide the preview"_s));
+    ASSERT_TRUE(app.controls().click(QAccessible::Button, u"Show or hide the preview"_s));
     EXPECT_FALSE(state.showInspector());
-    world.key(Qt::Key_Comma, Qt::ControlModifier);
-    EXPECT_TRUE(waitUntil([this] { return world.controls().find(QAccessible::PageTab, u"Look"_s); }));
+    app.key(Qt::Key_Comma, Qt::ControlModifier);
+    EXPECT_TRUE(waitUntil([this] { return app.controls().find(QAccessible::PageTab, u"Look"_s); }));
 }
 
 TEST_F(Window, CardsAndInspectorTellWhatIsInTheFiles)
 {
     // A second and a half of a loud square wave.
-    writeSound(world.vaultFolder() + u"/SFX/Hits/Square.wav"_s,
-               QByteArray("\0\x40\0\xC0", 4).repeated(36000));
-    writeFile(world.vaultFolder() + u"/LUTs/Swap.cube"_s,
+    writeSound(app.vaultFolder() + u"/SFX/Hits/Square.wav"_s, QByteArray("\0\x40\0\xC0", 4).repeated(36000));
+    writeFile(app.vaultFolder() + u"/LUTs/Swap.cube"_s,
               "TITLE \"Plain\"\nLUT_3D_SIZE 2\n0 0 0\n1 0 0\n0 1 0\n1 1 0\n0 0 1\n1 0 1\n0 1 1\n1 1 1\n");
     const auto says = [this](const QString &text) {
-        return waitUntil([&] { return world.controls().find(QAccessible::StaticText, text) != nullptr; });
+        return waitUntil([&] { return app.controls().find(QAccessible::StaticText, text) != nullptr; });
     };
-    ASSERT_TRUE(world.makesRoom());
+    ASSERT_TRUE(app.makesRoom());
     ASSERT_TRUE(waitUntil([this] {
-        QAccessibleInterface *card = world.controls().find(QAccessible::ListItem, u"Square"_s);
+        QAccessibleInterface *card = app.controls().find(QAccessible::ListItem, u"Square"_s);
         return card && card->text(QAccessible::Description) == u"Audio, 1.5s"_s;
     }));
     ASSERT_TRUE(clickCard(u"Square"_s));
@@ -176,20 +175,20 @@ TEST_F(Window, CardsAndInspectorTellWhatIsInTheFiles)
                 says(u"Channels: Mono"_s));
     ASSERT_TRUE(clickCard(u"Swap"_s));
     EXPECT_TRUE(says(u"Lattice: 2³"_s) && says(u"Title: Plain"_s));
-    EXPECT_EQ(world.controls().find(QAccessible::StaticText, u"Channels: Mono"_s), nullptr);
+    EXPECT_EQ(app.controls().find(QAccessible::StaticText, u"Channels: Mono"_s), nullptr);
     ASSERT_TRUE(clickCard(u"Amber"_s));
     EXPECT_TRUE(says(u"Resolution: 64 × 36"_s));
     ASSERT_TRUE(clickCard(u"Noir"_s));
     EXPECT_TRUE(says(u"Type: LUT · CUBE"_s)) << "a file that cannot be read still has its usual details";
-    EXPECT_EQ(world.controls().faults(), "");
+    EXPECT_EQ(app.controls().accessibilityIssues(), "");
 }
 
 TEST_F(Window, ClosingLeavesTheProgramRunning)
 {
-    world.window().close();
-    EXPECT_FALSE(world.window().isVisible());
-    world.program().bringToFront();
-    EXPECT_TRUE(world.window().isVisible());
+    app.window().close();
+    EXPECT_FALSE(app.window().isVisible());
+    app.program().bringToFront();
+    EXPECT_TRUE(app.window().isVisible());
     EXPECT_EQ(state.visibleCount(), 16);
 }
 

@@ -48,7 +48,7 @@ protected:
         installUiContext(engine, {library.prefs, library.state, library.vault, inserter, media, appearance,
                                   library.defaults, library.workspace});
         QObject::connect(&engine, &QQmlEngine::warnings,
-                         [this](const QList<QQmlError> &warnings) { complaints += warnings; });
+                         [this](const QList<QQmlError> &warnings) { qmlWarnings += warnings; });
         QQmlComponent component(&engine);
         component.setData("import Cratewell\nAssetGrid { focus: true }", {});
         grid.reset(qobject_cast<QQuickItem *>(component.create()));
@@ -68,7 +68,7 @@ protected:
         ASSERT_EQ(columns, 3);
     }
 
-    void TearDown() override { EXPECT_EQ(complaints, QList<QQmlError>()); }
+    void TearDown() override { EXPECT_EQ(qmlWarnings, QList<QQmlError>()); }
 
     static QString soundName(int number) { return u"Sound %1"_s.arg(number, 2, 10, QChar(u'0')); }
     int focusedRow() const
@@ -102,7 +102,7 @@ protected:
     RecordingBridge bridge;
     Media media{library.vault, library.prefs, SystemPaths::below(library.path(u"nowhere"_s))};
     Inserter inserter{library.prefs, library.state, applications, bridge, bridge};
-    QList<QQmlError> complaints;
+    QList<QQmlError> qmlWarnings;
     QQmlEngine engine;
     QQuickWindow window;
     std::unique_ptr<QQuickItem> grid;

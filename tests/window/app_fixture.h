@@ -16,12 +16,12 @@ namespace cratewell::test {
 
 // The whole program over a home of its own: real disk, real defaults, real file events, real window on the
 // test's platform; only the desktop around it (other programs, file manager, looks) is played.
-class World
+class AppFixture
 {
 public:
     // `prepare` gets the vault's folder before the program starts.
-    explicit World(const std::function<void(const QString &vault)> &prepare = {});
-    ~World();
+    explicit AppFixture(const std::function<void(const QString &vault)> &prepare = {});
+    ~AppFixture();
 
     // Ends the program and starts it again in the same home.
     void restart();
@@ -36,7 +36,7 @@ public:
     QString vaultFolder() const;
     QString home() const { return m_home.path(); }
     // Complaints of the QML engine since the start, a line each; must stay empty.
-    static std::string complaints();
+    static std::string qmlWarnings();
 
     // Waits until the window shows cards of exactly these names, in any order.
     [[nodiscard]] bool showsCards(const QStringList &names);

@@ -1,4 +1,4 @@
-#include "window/world.h"
+#include "window/app_fixture.h"
 
 #include "platform/appearance.h"
 #include "platform/defaults.h"
@@ -26,11 +26,11 @@ namespace {
 
 QStringList &heardComplaints()
 {
-    static QStringList complaints;
-    return complaints;
+    static QStringList qmlWarnings;
+    return qmlWarnings;
 }
 
-// Warnings about QML and the scene are faults; everything else goes on as before.
+// Warnings about QML and the scene are accessibilityIssues; everything else goes on as before.
 void hear(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
     if (type != QtDebugMsg && type != QtInfoMsg && text.contains("qrc:"_L1))
@@ -40,7 +40,7 @@ void hear(QtMsgType type, const QMessageLogContext &context, const QString &text
 
 } // namespace
 
-World::World(const std::function<void(const QString &vault)> &prepare)
+AppFixture::AppFixture(const std::function<void(const QString &vault)> &prepare)
     : m_paths(SystemPaths::below(Location::fromText(m_home.path())))
 {
     static const auto installed = qInstallMessageHandler(hear);
@@ -52,9 +52,9 @@ World::World(const std::function<void(const QString &vault)> &prepare)
     start();
 }
 
-World::~World() = default;
+AppFixture::~AppFixture() = default;
 
-void World::start()
+void AppFixture::start()
 {
     Services services = Services::native(m_paths);
     auto applications = std::make_unique<FakeApplications>();
@@ -74,24 +74,24 @@ void World::start()
         qFatal("the window did not appear");
 }
 
-void World::restart()
+void AppFixture::restart()
 {
     m_program->drain();
     m_program.reset();
     start();
 }
 
-QString World::vaultFolder() const
+QString AppFixture::vaultFolder() const
 {
     return m_paths.defaultVault().text();
 }
 
-std::string World::complaints()
+std::string AppFixture::qmlWarnings()
 {
     return heardComplaints().join(u'\n').toStdString();
 }
 
-bool World::makesRoom()
+bool AppFixture::makesRoom()
 {
     window().resize(1320, 1400);
     return waitUntil([this] {
@@ -100,7 +100,7 @@ bool World::makesRoom()
     });
 }
 
-bool World::showsCards(const QStringList &names)
+bool AppFixture::showsCards(const QStringList &names)
 {
     QStringList wanted = names;
     wanted.sort();
@@ -111,12 +111,12 @@ bool World::showsCards(const QStringList &names)
     });
 }
 
-void World::key(Qt::Key key, Qt::KeyboardModifiers modifiers)
+void AppFixture::key(Qt::Key key, Qt::KeyboardModifiers modifiers)
 {
     QTest::keyClick(&window(), key, modifiers);
 }
 
-void World::type(const QString &text)
+void AppFixture::type(const QString &text)
 {
     for (const QChar character : text)
         QTest::keyClick(&window(), Qt::Key(character.toUpper().unicode()));
