@@ -14,6 +14,25 @@ if(CRATEWELL_SANITIZE)
   target_compile_definitions(cratewell_build_flags INTERFACE CRATEWELL_SANITIZED)
 endif()
 
+# Parsing Qt's and the standard library's headers is half of the work of compiling most files here, so each
+# target parses them once. Views parse many more than rooms without a window.
+set(CRATEWELL_COMMON_HEADERS
+    <QByteArray> <QHash> <QList> <QObject> <QString> <QTimer>
+    <algorithm> <array> <chrono> <filesystem> <functional> <memory> <mutex> <optional> <thread> <vector>
+    <tl/expected.hpp>)
+set(CRATEWELL_VIEW_HEADERS <QAbstractListModel> <QImage> <QPainter> <QQmlEngine> <QQuickItem> <QQuickWindow>)
+function(cratewell_precompile target)
+  get_target_property(links ${target} LINK_LIBRARIES)
+  set(headers ${CRATEWELL_COMMON_HEADERS})
+  if(links MATCHES "Qt6::Quick|cratewell_(ui|app)")
+    list(APPEND headers ${CRATEWELL_VIEW_HEADERS})
+  endif()
+  if(links MATCHES "GTest::gmock")
+    list(APPEND headers <gmock/gmock.h> <gtest/gtest.h>)
+  endif()
+  target_precompile_headers(${target} PRIVATE ${headers})
+endfunction()
+
 # cratewell_room_headers(TARGET room SCOPE): lets whoever links TARGET include "room/...".
 function(cratewell_room_headers target room scope)
   set(root ${CMAKE_BINARY_DIR}/rooms/${room})
@@ -32,6 +51,7 @@ function(cratewell_room name)
   if(NOT ROOM_WITHOUT_QT)
     # So that the QML module and qmllint know the properties of its classes.
     qt_extract_metatypes(${target})
+    cratewell_precompile(${target})
   else()
     set_target_properties(${target} PROPERTIES AUTOMOC OFF)
   endif()
@@ -43,6 +63,7 @@ function(cratewell_tests name)
   set(target ${name}_tests)
   add_executable(${target} ${TESTS_SOURCES})
   target_link_libraries(${target} PRIVATE ${TESTS_LINKS} GTest::gmock cratewell_test_main cratewell_build_flags)
+  cratewell_precompile(${target})
   add_test(NAME ${name} COMMAND ${target})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT
       "QT_QPA_PLATFORM=offscreen;QT_QUICK_BACKEND=software;QT_FORCE_STDERR_LOGGING=1;${TESTS_ENVIRONMENT}")

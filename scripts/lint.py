@@ -86,6 +86,10 @@ def included_headers() -> dict[str, list[str]]:
 
 def for_clang(entry: dict) -> dict:
     words = [word for word in shlex.split(entry["command"]) if word not in FOREIGN_FLAGS]
+    # Without the precompiled headers, which are GCC's own: each file includes what it uses.
+    while "-include" in words:
+        at = words.index("-include")
+        del words[at:at + 2]
     if pathlib.Path(words[0]).name == "ccache":
         words = words[1:]
     return {"directory": entry["directory"], "file": entry["file"], "arguments": words}
