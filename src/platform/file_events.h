@@ -25,7 +25,7 @@ public:
 
 Q_SIGNALS:
     void changed();
-    // The system watches no more folders: from now on diff there are found by checking every few seconds.
+    // The system watches no more folders: from now on changes there are found by checking every few seconds.
     // Told once.
     void limitReached();
 };

@@ -81,7 +81,7 @@ bool InotifyTree::restart()
 
 void InotifyTree::watchAncestors()
 {
-    // From the top: whatever diff after a folder has its watch is told there.
+    // From the top: whatever changes after a folder has its watch is told there.
     std::vector<Location> way;
     for (Location place = m_root; place != place.parent(); place = place.parent())
         way.push_back(place);
