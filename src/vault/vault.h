@@ -67,9 +67,10 @@ public:
     // `done` is called with the new folder, or with nothing when there is none; a taken name gets a number.
     using FolderCreated = std::function<void(const std::optional<Location> &)>;
     void createFolder(const QString &name, const Location &parent, FolderCreated done = {});
-    // The name replaces the whole last path component. Refuses category folders and empty names.
+    // The name replaces the whole last path component. Refuses category folders and empty names;
+    // nothing happens when it is the item's name already.
     void rename(const Location &item, const QString &name);
-    // Leaves out what is there already, what would go into itself and what the category does not accept.
+    // Takes what MoveRule allows and leaves the rest where it is.
     void move(const std::vector<Location> &items, const Location &folder);
     // The folders of the categories that accept all of these kinds, depth first; without kinds all folders.
     std::vector<FolderChoice> flatFolders(const std::optional<QSet<AssetKind>> &kinds = {}) const;
