@@ -1,5 +1,7 @@
 #include "vault/scan/folder_reader.h"
 
+#include "platform/posix/file_status.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -15,21 +17,14 @@ namespace cratewell {
 
 namespace {
 
-constexpr qint64 referenceDate = 978307200; // 2001-01-01 UTC in seconds since 1970
+constexpr std::chrono::seconds referenceDate(978307200); // 2001-01-01 UTC since 1970
 
-double addedFrom(const struct statx &facts)
+double addedFrom(const FileStatus &status)
 {
-    if (!(facts.stx_mask & STATX_BTIME))
+    if (!status.created)
         return distantPast;
-    return double(facts.stx_btime.tv_sec - referenceDate) + double(facts.stx_btime.tv_nsec) * 1e-9;
-}
-
-// 0 or the error number.
-int readInfo(int folder, const char *name, int linkFlag, struct statx &facts)
-{
-    constexpr unsigned wanted = STATX_TYPE | STATX_SIZE | STATX_INO | STATX_MTIME | STATX_BTIME;
-    const int flags = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT | linkFlag;
-    return statx(folder, name, flags, wanted, &facts) == 0 ? 0 : errno;
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(*status.created);
+    return double((seconds - referenceDate).count()) + double((*status.created - seconds).count()) * 1e-9;
 }
 
 } // namespace
@@ -83,10 +78,10 @@ void FolderReader::addEntry(QByteArrayView name, uchar directoryType, VaultCateg
     if (isHiddenName(name))
         return;
     if (directoryType == DT_UNKNOWN) {
-        struct statx facts;
-        if (readInfo(m_descriptor, name.data(), AT_SYMLINK_NOFOLLOW, facts) != 0)
+        const auto status = statusAt(m_descriptor, name.data(), Links::NoFollow, Freshness::Cached);
+        if (!status)
             return;
-        directoryType = uchar(IFTODT(facts.stx_mode));
+        directoryType = uchar(IFTODT(status->mode));
     }
     ListedEntry entry;
     if (directoryType == DT_DIR) {
@@ -119,26 +114,23 @@ void FolderReader::readDetails(size_t first, size_t last)
 void FolderReader::readDetails(ListedEntry &entry) const
 {
     const char *name = m_names.data() + entry.nameStart;
-    struct statx facts;
-    int error = readInfo(m_descriptor, name, AT_SYMLINK_NOFOLLOW, facts);
-    if (error == ENOENT) {
+    Result<FileStatus> status = statusAt(m_descriptor, name, Links::NoFollow, Freshness::Cached);
+    if (!status && status.error().is(ENOENT)) {
         entry.type = ListedEntry::Type::Unlisted;
         return;
     }
-    if (error != 0)
+    if (!status)
         return;
-    entry.added = addedFrom(facts);
-    if (S_ISLNK(facts.stx_mode)) {
-        error = readInfo(m_descriptor, name, 0, facts);
-        if (error != 0)
-            return;
-    }
-    if (!S_ISREG(facts.stx_mode)) {
+    entry.added = addedFrom(*status);
+    if (status->isLink())
+        status = statusAt(m_descriptor, name, Links::Follow, Freshness::Cached);
+    if (!status)
+        return;
+    if (!status->isRegularFile()) {
         entry.type = ListedEntry::Type::Unlisted;
         return;
     }
-    entry.version = {facts.stx_ino, qint64(facts.stx_size),
-                     facts.stx_mtime.tv_sec * 1'000'000'000 + facts.stx_mtime.tv_nsec};
+    entry.version = {status->inode, status->size, status->modified.count()};
 }
 
 } // namespace cratewell
