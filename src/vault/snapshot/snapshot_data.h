@@ -45,7 +45,7 @@ struct SnapshotData
     size_t nameBytes = 0;                // of all assets' names together
     QHash<Location, quint32> folderIndex;
     std::array<FolderNode, allCategories.size()> trees;
-    std::array<std::vector<AssetIndex>, assetOrderCount> orders;
+    std::array<std::vector<AssetIndex>, assetOrders.size()> orders;
     qint64 totalSize = 0;
 
     const SnapshotFolder *folder(const Location &url) const;
