@@ -8,6 +8,10 @@
 
 #include <gmock/gmock.h>
 
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
 namespace cratewell {
 namespace {
 
@@ -55,15 +59,6 @@ TEST_F(VaultTest, MakesTheStructureOfANewVaultOnce)
     EXPECT_FALSE(fs::exists(disk.native(""))) << "scanning makes nothing";
     vault.start();
     EXPECT_TRUE(fs::exists(disk.native("SFX/Whooshes"))) << "a new root is seeded whatever the key says";
-}
-
-TEST_F(VaultTest, AFolderThatWasNeverAVaultIsSeededOnce)
-{
-    disk.write("SFX/mine.wav");
-    start();
-    EXPECT_TRUE(shows("SFX/mine.wav"));
-    EXPECT_TRUE(fs::exists(disk.native("SFX/Hits")));
-    EXPECT_TRUE(fs::exists(disk.native("Overlays/Grains")));
 }
 
 TEST_F(VaultTest, FollowsTheDiskAndCoalesces)
@@ -154,7 +149,22 @@ TEST_F(VaultTest, AChangeOfRootDropsTheScanOfTheOldOne)
         << "the first scan of a root is always reported";
 }
 
-TEST_F(VaultTest, TellsOnceThatTheSystemFollowsNoMoreFolders)
+TEST_F(VaultTest, ScansAgainWhatCouldNotBeRead)
+{
+    disk.write("SFX/a.wav");
+    rlimit files;
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &files), 0);
+    const int next = open("/", O_RDONLY | O_CLOEXEC);
+    close(next);
+    const rlimit none{rlim_t(next), files.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    start();
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &files), 0);
+    EXPECT_FALSE(shows("SFX/a.wav"));
+    EXPECT_TRUE(waitUntil([this] { return shows("SFX/a.wav"); })) << "without any report of a change";
+}
+
+TEST_F(VaultTest, ReportsOnceThatTheSystemFollowsNoMoreFolders)
 {
     QSignalSpy toasts(&vault, &Vault::toast);
     events->notifyLimitReached();
