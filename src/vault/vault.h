@@ -60,7 +60,7 @@ public:
     Location defaultFolder(AssetKind kind) const;
     std::vector<Asset> assetsUnder(const Location &folder) const;
 
-    // What diff files. Each call returns at once; the disk work is done in the order of the calls on a
+    // What changes files. Each call returns at once; the disk work is done in the order of the calls on a
     // thread of its own, and its effects (signals, rescan, toast) follow on the main thread when it is done.
     // A failure puts the system's description into lastError.
 
