@@ -168,29 +168,9 @@ Location Vault::categoryUrl(VaultCategory category) const
     return categoryFolder(d->root, category);
 }
 
-std::optional<VaultCategory> Vault::category(const Location &place) const
-{
-    return categoryOf(d->root, place);
-}
-
 bool Vault::isCategoryRoot(const Location &place) const
 {
     return cratewell::isCategoryRoot(d->root, place);
-}
-
-Location Vault::defaultFolder(AssetKind kind) const
-{
-    return categoryUrl(defaultCategory(kind));
-}
-
-std::vector<Asset> Vault::assetsUnder(const Location &folder) const
-{
-    const AssetRange range = d->snapshot->under(folder);
-    std::vector<Asset> assets;
-    assets.reserve(range.count());
-    for (AssetIndex i = range.first; i < range.last; ++i)
-        assets.push_back(d->snapshot->asset(i));
-    return assets;
 }
 
 } // namespace cratewell

@@ -71,7 +71,6 @@ TEST_F(VaultTest, FollowsTheDiskAndCoalesces)
     ASSERT_TRUE(waitUntil([this] { return shows("SFX/Hits/a.wav"); }));
     EXPECT_EQ(rescanned.count(), 2);
     EXPECT_EQ(vault.totalSize(), 3);
-    EXPECT_EQ(vault.assetsUnder(disk.at("SFX/Hits")).size(), 1u);
 
     const auto diff = rescanned.at(1).at(0).value<SnapshotDiff>();
     EXPECT_EQ(diff.after, vault.snapshot());
@@ -140,9 +139,7 @@ TEST_F(VaultTest, AChangeOfRootDropsTheScanOfTheOldOne)
     EXPECT_TRUE(vault.snapshot()->find(other.at("LUTs/only here.cube")));
     EXPECT_TRUE(fs::exists(other.native("SFX/Hits")));
     EXPECT_EQ(vault.categoryUrl(VaultCategory::Sfx), other.at("SFX"));
-    EXPECT_EQ(vault.defaultFolder(AssetKind::Lut), other.at("LUTs"));
     EXPECT_TRUE(vault.isCategoryRoot(other.at("LUTs")));
-    EXPECT_EQ(vault.category(disk.at("SFX/old.wav")), std::nullopt);
 
     vault.changeRoot(other.root());
     EXPECT_TRUE(waitUntil([&] { return reported.size() == 6; }))

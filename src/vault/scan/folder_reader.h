@@ -36,7 +36,7 @@ public:
     static Result<std::unique_ptr<FolderReader>> open(const Location &folder, VaultCategory category,
                                                       Links links);
 
-    // What tells this folder from all others, whatever path led to it.
+    // The same whatever path leads to the folder.
     struct Identity
     {
         quint64 device = 0;

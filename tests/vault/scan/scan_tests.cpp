@@ -51,24 +51,13 @@ TEST(VaultScan, ListsWhatEachCategoryAccepts)
 TEST(VaultScan, NamesOfEveryKindSurvive)
 {
     const TemporaryVault vault;
-    const std::vector<std::string> paths{"SFX/Hit.final v2.wav",
-                                         "SFX/  spaces .wav",
-                                         "SFX/\xf0\x9f\x92\xa5 boom.wav",
-                                         "SFX/hit.wav",
-                                         "SFX/HIT.wav",
-                                         "SFX/Hit.WAV",
-                                         "SFX/" + std::string(251, 'n') + ".wav",
-                                         "SFX/stray \xff\xc3.wav",
-                                         "SFX/\xed\xb2\x80.wav",
-                                         "SFX/new\nline.wav",
-                                         "SFX/na\xc3\xafve.wav",
-                                         "SFX/nai\xcc\x88ve.wav",
-                                         "SFX/100% %20#?;.wav",
-                                         "SFX/\xff\xfe folder/\xe2\x82.wav",
-                                         "SFX/\xe6\x97\xa5\xe6\x9c\xac/\xe9\x9f\xb3 10.wav",
-                                         "SFX/\xe6\x97\xa5\xe6\x9c\xac/\xe9\x9f\xb3 9.wav",
-                                         "SFX/\xc3\x89T\xc3\x89.wav",
-                                         "SFX/\xef\xbf\xbd.wav"};
+    std::vector<std::string> paths{"SFX/" + std::string(251, 'n') + ".wav"};
+    for (const char *name :
+         {"Hit.final v2.wav", "  spaces .wav", "\xf0\x9f\x92\xa5 boom.wav", "hit.wav", "HIT.wav", "Hit.WAV",
+          "stray \xff\xc3.wav", "\xed\xb2\x80.wav", "new\nline.wav", "na\xc3\xafve.wav", "nai\xcc\x88ve.wav",
+          "100% %20#?;.wav", "\xff\xfe folder/\xe2\x82.wav", "\xe6\x97\xa5\xe6\x9c\xac/\xe9\x9f\xb3 10.wav",
+          "\xe6\x97\xa5\xe6\x9c\xac/\xe9\x9f\xb3 9.wav", "\xc3\x89T\xc3\x89.wav", "\xef\xbf\xbd.wav"})
+        paths.push_back(std::string("SFX/") + name);
     for (const std::string &path : paths)
         vault.write(path);
     const auto snapshot = vault.scan();
@@ -77,7 +66,7 @@ TEST(VaultScan, NamesOfEveryKindSurvive)
     EXPECT_EQ(std::ranges::count(snapshot->matching(u"\u00e9t\u00e9"_s), true), 1);
 }
 
-TEST(VaultScan, LinksLeadToFilesOnly)
+TEST(VaultScan, LinksLeadToFilesOnlyExceptInPlaceOfACategory)
 {
     const TemporaryVault vault;
     vault.write("outside/sound.bin", 7);
@@ -88,9 +77,12 @@ TEST(VaultScan, LinksLeadToFilesOnly)
     vault.link("SFX/Folder.wav", "../outside/folder");
     vault.link("SFX/Up", "..");
     vault.link("SFX/gone.wav", "nowhere");
+    vault.link("LUTs", "elsewhere");
+    vault.write("elsewhere/Film/a.cube");
     ASSERT_EQ(mkfifo(vault.native("SFX/pipe.wav").c_str(), 0600), 0);
     const auto snapshot = vault.scan();
-    EXPECT_THAT(pathsIn(vault, *snapshot), UnorderedElementsAre("SFX/linked.wav", "SFX/gone.wav"));
+    EXPECT_THAT(pathsIn(vault, *snapshot),
+                UnorderedElementsAre("LUTs/Film/a.cube", "SFX/linked.wav", "SFX/gone.wav"));
     EXPECT_TRUE(snapshot->tree(VaultCategory::Sfx)->children.empty());
     EXPECT_EQ(snapshot->under(vault.at("SFX/Folder")).count(), 0u);
     EXPECT_EQ(snapshot->find(vault.at("SFX/Folder/x.wav")), std::nullopt);
@@ -98,14 +90,6 @@ TEST(VaultScan, LinksLeadToFilesOnly)
     EXPECT_EQ(linked.size, 7);
     EXPECT_NE(linked.added, distantPast);
     EXPECT_EQ(snapshot->asset(*snapshot->find(vault.at("SFX/gone.wav"))).version, FileVersion());
-}
-
-TEST(VaultScan, ACategoryMayItselfBeALink)
-{
-    const TemporaryVault vault;
-    vault.write("elsewhere/Hits/a.wav");
-    vault.link("SFX", "elsewhere");
-    EXPECT_THAT(pathsIn(vault, *vault.scan()), ElementsAre("SFX/Hits/a.wav"));
 }
 
 TEST(VaultScan, WhatCannotBeReadIsEmpty)
@@ -200,7 +184,7 @@ TEST(VaultScan, DetailsAreThoseOfTheFile)
         EXPECT_EQ(asset.added, distantPast);
 }
 
-TEST(VaultScan, BoundsDepthAndTellsWhenCanceled)
+TEST(VaultScan, BoundsDepthAndCanBeCanceled)
 {
     const TemporaryVault vault;
     std::string path = "SFX";
@@ -232,9 +216,6 @@ TEST(VaultScan, AFolderOfThousandsOfFilesIsReadWhole)
         ASSERT_TRUE(found);
         EXPECT_EQ(snapshot->asset(*found).size, i);
     }
-    EXPECT_EQ(
-        namesIn(*snapshot, snapshot->order(AssetOrder::Name).subspan(7, 5)),
-        (std::vector{u"hit 7.wav"_s, u"h\u00eft 7.wav"_s, u"hit 8.wav"_s, u"hit 9.wav"_s, u"hit 10.wav"_s}));
     EXPECT_TRUE(keepsItsPromises(*snapshot));
 }
 

@@ -81,8 +81,9 @@ AssertionResult checkNode(const VaultSnapshot &snapshot, const FolderNode &node,
         !(snapshot.under(node.url) == node.assets))
         return AssertionFailure() << "node of " << node.url.bytes().toStdString();
     if (!std::ranges::is_sorted(
-            node.children, [&collator](auto &a, auto &b) { return collator.compare(a, b) < 0; },
-            [](auto &child) { return child.url.name(); }))
+            node.children,
+            [&collator](const QString &a, const QString &b) { return collator.compare(a, b) < 0; },
+            [](const FolderNode &child) { return child.url.name(); }))
         return AssertionFailure() << "children of " << node.url.bytes().toStdString();
     for (const FolderNode &child : node.children) {
         if (const AssertionResult result = checkNode(snapshot, child, collator); !result)
@@ -150,14 +151,6 @@ AssertionResult areEqual(const VaultSnapshot &a, const VaultSnapshot &b)
             return AssertionFailure() << "order " << label;
     }
     return AssertionSuccess();
-}
-
-std::vector<QString> namesIn(const VaultSnapshot &snapshot, std::span<const AssetIndex> indices)
-{
-    std::vector<QString> names;
-    for (const AssetIndex index : indices)
-        names.push_back(snapshot.asset(index).url.name());
-    return names;
 }
 
 } // namespace cratewell::test
