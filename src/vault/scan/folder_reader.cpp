@@ -27,7 +27,7 @@ double addedFrom(const struct statx &facts)
 // 0 or the error number.
 int readInfo(int folder, const char *name, int linkFlag, struct statx &facts)
 {
-    constexpr unsigned wanted = STATX_TYPE | STATX_SIZE | STATX_INO | STATX_MTIME | STATX_BTIME;
+    constexpr unsigned wanted = STATX_TYPE | STATX_SIZE | STATX_INO | STATX_MTIME | STATX_CTIME | STATX_BTIME;
     const int flags = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT | linkFlag;
     return statx(folder, name, flags, wanted, &facts) == 0 ? 0 : errno;
 }
@@ -138,7 +138,8 @@ void FolderReader::readDetails(ListedEntry &entry) const
         return;
     }
     entry.version = {facts.stx_ino, qint64(facts.stx_size),
-                     facts.stx_mtime.tv_sec * 1'000'000'000 + facts.stx_mtime.tv_nsec};
+                     facts.stx_mtime.tv_sec * 1'000'000'000 + facts.stx_mtime.tv_nsec,
+                     facts.stx_ctime.tv_sec * 1'000'000'000 + facts.stx_ctime.tv_nsec};
 }
 
 } // namespace cratewell

@@ -156,8 +156,9 @@ TEST(VaultScan, InfoIsThoseOfTheFile)
     const Asset &asset = snapshot->asset(0);
     EXPECT_EQ(asset.kind, AssetKind::Audio);
     EXPECT_EQ(asset.size, 12);
-    EXPECT_EQ(asset.version, (FileVersion{info.stx_ino, 12,
-                                          info.stx_mtime.tv_sec * 1'000'000'000 + info.stx_mtime.tv_nsec}));
+    EXPECT_EQ(asset.version,
+              (FileVersion{info.stx_ino, 12, info.stx_mtime.tv_sec * 1'000'000'000 + info.stx_mtime.tv_nsec,
+                           info.stx_ctime.tv_sec * 1'000'000'000 + info.stx_ctime.tv_nsec}));
     if (info.stx_mask & STATX_BTIME)
         EXPECT_NEAR(asset.added + 978307200.0, double(info.stx_btime.tv_sec), 1.0);
     else
