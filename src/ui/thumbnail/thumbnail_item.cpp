@@ -37,6 +37,10 @@ void ThumbnailItem::setSource(ThumbnailProvider *source)
             if (url == m_url && bucket == m_frame)
                 polish();
         });
+        connect(source, &ThumbnailProvider::infoChanged, this, [this](const Location &url) {
+            if (url == m_url)
+                takeDuration();
+        });
         connect(source, &ThumbnailProvider::reset, this, &ThumbnailItem::forget);
     }
     forget();
@@ -105,9 +109,9 @@ void ThumbnailItem::setScrub(qreal fraction)
 
 void ThumbnailItem::takeDuration()
 {
-    const double seconds = m_source && !m_url.isEmpty() ? m_source->duration(m_url) : 0;
-    const QString text = seconds > 0 ? timeString(seconds) : QString();
-    // A source that is short of memory forgets; what is told once stays until something else is known.
+    const auto info = m_source && !m_url.isEmpty() ? m_source->info(m_url) : std::nullopt;
+    const QString text = info && info->duration > 0 ? timeString(info->duration) : QString();
+    // A source that is short of memory forgets; what was known stays until something else is.
     const bool known = m_source && m_source->state(m_url) != Media::State::Missing;
     if (text == m_duration || (text.isEmpty() && !known))
         return;
@@ -169,7 +173,7 @@ void ThumbnailItem::updatePolish()
         return;
     case Media::State::Missing:
         if (m_active && isVisible() && !m_request && needsPicture(wanted))
-            m_request = m_source->request(m_url);
+            m_source->requestInOrder(*this);
         // The picture of a file that was rewritten stays until the new one is there.
         if (m_drawn != Drawn::Picture)
             showPlaceholder(Sign::None, wanted);
@@ -180,6 +184,12 @@ void ThumbnailItem::updatePolish()
         showPlaceholder(Sign::Broken, wanted);
         return;
     }
+}
+
+void ThumbnailItem::requestPicture()
+{
+    if (m_source && m_active && isVisible() && !m_request && m_source->state(m_url) == Media::State::Missing)
+        m_request = m_source->request(m_url);
 }
 
 // True when a frame under the pointer is shown or has been asked for; until it comes, what is drawn stays.
