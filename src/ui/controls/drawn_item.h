@@ -7,7 +7,7 @@
 namespace cratewell {
 
 // An item whose picture is painted once into an image of the screen's own pixels and kept until its size, the
-// screen or a property diff; a frame costs nothing beyond showing it. Works on every back end. Derived
+// screen or a property changes; a frame costs nothing beyond showing it. Works on every back end. Derived
 // types name it with its namespace, by which the QML tools find it.
 class DrawnItem : public QQuickItem
 {
@@ -33,7 +33,7 @@ private:
     bool m_uploadPending = false;
 };
 
-// For property setters of drawn items: assigns, and tells whether that changed anything.
+// For property setters of drawn items: assigns, and returns whether that changed anything.
 template<typename T> bool assignIfDifferent(T &member, const T &value)
 {
     if (member == value)

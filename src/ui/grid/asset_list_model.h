@@ -10,16 +10,15 @@
 
 namespace cratewell {
 
-// The visible assets as rows. Follows the disk, the search and the sort with as few row diff as there are,
+// The visible assets as rows. Follows the disk, the search and the sort with as few row changes as there are,
 // and past rowRunLimit runs of them with one relayout in place: rows then keep no identity for a view, only
 // urls do. Main thread.
 class AssetListModel : public QAbstractListModel
 {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(cratewell::AppState *state READ state WRITE setState NOTIFY stateChanged FINAL)
-    // Optional: without it nothing is a favorite.
-    Q_PROPERTY(cratewell::Prefs *prefs READ prefs WRITE setPrefs NOTIFY prefsChanged FINAL)
+    Q_PROPERTY(cratewell::AppState *state READ state WRITE setState NOTIFY stateChanged REQUIRED FINAL)
+    Q_PROPERTY(cratewell::Prefs *prefs READ prefs WRITE setPrefs NOTIFY prefsChanged REQUIRED FINAL)
     Q_PROPERTY(int count READ count NOTIFY countChanged FINAL)
     // The row of the focused asset, or -1.
     Q_PROPERTY(int currentRow READ currentRow NOTIFY currentRowChanged FINAL)
@@ -49,7 +48,7 @@ public:
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
-    // Null past the ends. Valid until the model diff.
+    // Null past the ends. Valid until the model changes.
     const Asset *assetAt(int row) const;
     // Nowhere past the ends.
     Q_INVOKABLE cratewell::Location urlAt(int row) const;
@@ -99,12 +98,12 @@ private:
     void updateFocused();
     void updateFavorites();
     void updateCurrentRow();
-    // `rows` are ascending; too many runs of them are told as one.
+    // `rows` are ascending; too many runs of them are reported as one.
     void notifyChanged(const std::vector<int> &rows, const QList<int> &roles);
 
     QPointer<AppState> m_state;
     QPointer<Prefs> m_prefs;
-    // The rows are the first m_headCount of the head and, while runs of diff are being applied, those of
+    // The rows are the first m_headCount of the head and, while runs of changes are being applied, those of
     // the tail from m_tailFirst on: no list is ever shifted.
     Rows m_head;
     int m_headCount = 0;
@@ -114,7 +113,7 @@ private:
     LocationSet m_favorites;
     int m_currentRow = -1;
     bool m_applying = false;
-    bool m_outdated = false; // something changed while diff were being applied
+    bool m_outdated = false; // something changed while changes were being applied
 };
 
 } // namespace cratewell
