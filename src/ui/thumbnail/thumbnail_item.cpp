@@ -41,7 +41,6 @@ void ThumbnailItem::setSource(ThumbnailProvider *source)
             if (url == m_url)
                 takeDuration();
         });
-        connect(source, &ThumbnailProvider::reset, this, &ThumbnailItem::forget);
     }
     forget();
     Q_EMIT sourceChanged();
@@ -222,7 +221,7 @@ void ThumbnailItem::showPicture(const QImage &picture, const ThumbnailShape &wan
 {
     if (picture.isNull())
         return;
-    if (const QImage ready = m_source->cutter().ready(picture, wanted); !ready.isNull()) {
+    if (const QImage ready = m_source->scaler().ready(picture, wanted); !ready.isNull()) {
         m_ticket.reset();
         draw(ready, wanted, Drawn::Picture);
         return;
@@ -233,7 +232,7 @@ void ThumbnailItem::showPicture(const QImage &picture, const ThumbnailShape &wan
         // One cut at a time: while a card is being resized the next one starts when this one is done.
         return;
     }
-    m_ticket = m_source->cutter().cut(picture, wanted, [this, wanted](const QImage &cut) {
+    m_ticket = m_source->scaler().cut(picture, wanted, [this, wanted](const QImage &cut) {
         m_ticket.reset();
         draw(cut, wanted, Drawn::Picture);
         polish();
