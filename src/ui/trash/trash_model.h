@@ -21,6 +21,7 @@ class TrashModel : public cratewell::KeyedListModel, public QQmlParserStatus
     Q_OBJECT
     QML_ELEMENT
     Q_INTERFACES(QQmlParserStatus)
+    Q_PROPERTY(int retentionDays READ retentionDays CONSTANT FINAL)
     Q_PROPERTY(int pickedCount READ pickedCount NOTIFY pickedCountChanged FINAL)
 public:
     enum Role {
@@ -38,6 +39,7 @@ public:
 
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
+    static int retentionDays() { return trashRetentionDays; }
     int pickedCount() const { return int(m_picked.size()); }
 
     Q_INVOKABLE void togglePick(int row);
