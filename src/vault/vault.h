@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vault/file_progress.h"
+#include "vault/startup_maintenance.h"
 #include "vault/trash_item.h"
 #include "vault/vault_snapshot.h"
 
@@ -42,7 +43,8 @@ public:
     ~Vault() override;
 
     // Makes the structure, scans and follows the disk. Called once at launch; changeRoot calls it again.
-    void start();
+    // Without maintenance nothing is ever deleted that nobody asked for.
+    void start(StartupMaintenance maintenance = StartupMaintenance::Run);
     void changeRoot(const Location &root);
     // At most one scan runs and one waits. A result is dropped only when the root changed meanwhile.
     void rescan();
@@ -80,7 +82,7 @@ public:
     void moveToTrash(const std::vector<Location> &items);
     void restore(const std::vector<TrashItem> &items);
     void deleteForever(const std::vector<TrashItem> &items);
-    // Deletes what has lain in the trash for 30 days; done at the start and every hour, too.
+    // Deletes what has lain in the trash for `trashRetentionDays`; done at the start and every hour, too.
     void purgeExpired();
 
     // Without a folder, files are filed by their type. Folders keep their structure.

@@ -24,7 +24,7 @@ struct Vault::Private
     // The failure is told first, the list of the trash second, then `after` is called; nothing of it when the
     // root has changed meanwhile.
     void change(const QString &title, DiskPart disk, MainPart after, const Location &destination = {});
-    void openTrash();
+    void openTrash(StartupMaintenance maintenance);
     void reportFailure(const QString &error);
 
     Vault &q;

@@ -4,79 +4,38 @@
 #include "vault/files/import_plan.h"
 #include "vault/files/move_transaction.h"
 #include "vault/files/unique_names.h"
+#include "vault/files/vault_folders.h"
 #include "vault/move_rule.h"
 
-#include <QFile>
-#include <QSet>
-#include <QUuid>
-
-#include <algorithm>
 #include <cerrno>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace cratewell {
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
-constexpr qint64 largestIndex = qint64{256} << 20; // bytes; more is no index of ours
-
-// Nothing is worth telling of a work that the user broke off.
-void note(FileOperations::Outcome &outcome, int error, const QString &subject)
+Result<void> resultOf(int error, const QString &subject)
 {
-    if (error && error != ECANCELED)
-        outcome.error = Error::fromErrno(error, subject).message;
-}
-
-// Nothing when there is no file; a file that cannot be read is an error.
-std::optional<QByteArray> readIndex(const Location &place, bool &readable)
-{
-    QFile file;
-    const int descriptor = ::open(place.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    readable = descriptor >= 0 || errno == ENOENT;
-    if (descriptor < 0 || !file.open(descriptor, QFile::ReadOnly, QFile::AutoCloseHandle))
-        return std::nullopt;
-    return file.read(largestIndex);
-}
-
-QSet<QString> idsOf(const std::vector<TrashItem> &items)
-{
-    QSet<QString> ids;
-    for (const TrashItem &item : items)
-        ids.insert(item.id);
-    return ids;
+    return error ? systemFailure(error, subject) : Result<void>();
 }
 
 } // namespace
 
+void FileOperations::Outcome::note(const Result<void> &result)
+{
+    if (!result && !result.error().is(ECANCELED))
+        error = result.error().message;
+}
+
+// What cannot be read now is read before it is used.
 void FileOperations::open()
 {
     m_open = true;
-    Temporaries::cleanUp(m_root);
-    bool readable = true;
-    const Location index = trashIndexFile(m_root);
-    const std::optional<QByteArray> json = readIndex(index, readable);
-    DecodedTrash decoded = json ? decodeTrash(*json) : DecodedTrash{};
-    if (!decoded.intact || !readable) {
-        // Whatever it was, it is kept: the next save makes a new one.
-        UniqueNames names;
-        Location aside;
-        names.claim(index.parent(), "index damaged.json", UniqueNames::Naming::File, aside,
-                    [&](const Location &to) { return disk::renameWithoutReplacing(index, to); });
+    if (m_maintenance == StartupMaintenance::Skip) {
+        std::ignore = m_trash.load();
+        return;
     }
-    m_trash = std::move(decoded.items);
-    // Killed between the record and the move, or between the move back and the record.
-    const size_t listed = m_trash.size();
-    std::erase_if(m_trash, [this](const TrashItem &item) {
-        const bool unmoved = !disk::exists(trashedItem(m_root, item)) && standsAtHome(item);
-        if (unmoved)
-            disk::removeFolder(trashSlot(m_root, item));
-        return unmoved;
-    });
-    if (m_trash.size() != listed || (json && !decoded.intact))
-        saveTrash();
+    Temporaries::cleanUp(m_root);
+    std::ignore = m_trash.repair();
 }
 
 FileOperations::Outcome FileOperations::createFolder(const Location &parent, const QString &name)
@@ -84,12 +43,13 @@ FileOperations::Outcome FileOperations::createFolder(const Location &parent, con
     Outcome outcome;
     UniqueNames names;
     Location made;
-    int error = makeFoldersInVault(parent);
-    if (!error)
-        error =
-            names.claim(parent, bytesFromText(name), UniqueNames::Naming::Folder, made, &disk::makeFolder);
-    note(outcome, error, name);
-    if (!error)
+    const Result<void> done = makeVaultFolders(m_root, parent).and_then([&] {
+        return resultOf(
+            names.claim(parent, bytesFromText(name), UniqueNames::Naming::Folder, made, &disk::makeFolder),
+            name);
+    });
+    outcome.note(done);
+    if (done)
         outcome.placed.push_back(made);
     return outcome;
 }
@@ -97,10 +57,18 @@ FileOperations::Outcome FileOperations::createFolder(const Location &parent, con
 FileOperations::Outcome FileOperations::rename(const Location &item, const Location &destination)
 {
     Outcome outcome;
-    const int error = disk::renameWithoutReplacing(item, destination);
-    note(outcome, error, destination.name());
-    outcome.count = error ? 0 : 1;
+    const Result<void> done = checkVaultFolder(m_root, item.parent()).and_then([&] {
+        return resultOf(disk::renameWithoutReplacing(item, destination), destination.name());
+    });
+    outcome.note(done);
+    outcome.count = done ? 1 : 0;
     return outcome;
+}
+
+// Neither end is reached through a link that leads out of the vault.
+Result<void> FileOperations::checkMove(const Location &item, const Location &folder) const
+{
+    return checkVaultFolder(m_root, folder).and_then([&] { return checkVaultFolder(m_root, item.parent()); });
 }
 
 FileOperations::Outcome FileOperations::move(const std::vector<Location> &items, const Location &folder,
@@ -115,11 +83,14 @@ FileOperations::Outcome FileOperations::move(const std::vector<Location> &items,
             break;
         if (!rule.allows(item))
             continue;
+        if (const Result<void> inside = checkMove(item, folder); !inside) {
+            outcome.note(inside);
+            continue;
+        }
         transaction.add(item, folder, item.nameBytes().toByteArray(),
                         [&, item](int error, const Location &place) {
-                            note(outcome, error, item.name());
                             if (error)
-                                return;
+                                return outcome.note(systemFailure(error, item.name()));
                             ++outcome.count;
                             ++progress.filesDone;
                             outcome.placed.push_back(place);
@@ -127,150 +98,6 @@ FileOperations::Outcome FileOperations::move(const std::vector<Location> &items,
     }
     transaction.finish();
     return outcome;
-}
-
-FileOperations::Outcome FileOperations::trash(const std::vector<Location> &items, OperationProgress &progress)
-{
-    Outcome outcome;
-    progress.filesTotal = int(items.size());
-    std::vector<TrashItem> records;
-    for (const Location &item : items) {
-        if (isCategoryRoot(m_root, item) || !disk::exists(item))
-            continue;
-        records.push_back({QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper(), item.name(),
-                           item.text(), secondsNow(), disk::isFolder(item), disk::sizeOf(item)});
-    }
-    if (records.empty() || progress.canceled)
-        return outcome;
-
-    // The records come first: what is in the trash has one at every instant.
-    m_trash.insert(m_trash.begin(), records.rbegin(), records.rend());
-    if (const int error = saveTrash())
-        note(outcome, error, u"Trash"_s);
-    else
-        moveToSlots(records, progress, outcome);
-    if (outcome.trashed.size() < records.size()) {
-        const QSet<QString> tried = idsOf(records);
-        const QSet<QString> done = idsOf(outcome.trashed);
-        std::erase_if(m_trash, [&](const TrashItem &item) {
-            return tried.contains(item.id) && !done.contains(item.id);
-        });
-        saveTrash();
-    }
-    return outcome;
-}
-
-void FileOperations::moveToSlots(const std::vector<TrashItem> &records, OperationProgress &progress,
-                                 Outcome &outcome) const
-{
-    MoveTransaction transaction(m_root, progress);
-    for (const TrashItem &record : records) {
-        if (progress.canceled)
-            break;
-        const Location original = Location::fromText(record.original);
-        const Location slot = trashSlot(m_root, record);
-        if (const int error = disk::makeFolder(slot)) {
-            note(outcome, error, record.name);
-            continue;
-        }
-        transaction.add(original, slot, bytesFromText(record.name),
-                        [&, original, slot, record](int error, const Location &) {
-                            if (!error) {
-                                outcome.trashed.push_back(record);
-                                ++outcome.count;
-                                ++progress.filesDone;
-                                return;
-                            }
-                            disk::removeFolder(slot);
-                            // Silent when it went along with a folder that was trashed before it.
-                            if (error != ENOENT || disk::exists(original))
-                                note(outcome, error, record.name);
-                        });
-    }
-    transaction.finish();
-}
-
-// A record may come from anywhere: it does not lead out of the categories.
-Location FileOperations::homeOf(const TrashItem &item) const
-{
-    const Location home = Location::fromText(item.original);
-    if (categoryOf(m_root, home) && !isCategoryRoot(m_root, home))
-        return home;
-    const AssetKind kind = kindOf(bytesFromText(item.name)).value_or(AssetKind::Video);
-    return categoryFolder(m_root, defaultCategory(kind)).child(item.name);
-}
-
-bool FileOperations::standsAtHome(const TrashItem &item) const
-{
-    return disk::exists(Location::fromText(item.original));
-}
-
-FileOperations::Outcome FileOperations::restore(const std::vector<TrashItem> &items,
-                                                OperationProgress &progress)
-{
-    Outcome outcome;
-    progress.filesTotal = int(items.size());
-    const QSet<QString> known = idsOf(m_trash);
-    std::vector<TrashItem> restored;
-    {
-        MoveTransaction transaction(m_root, progress);
-        for (const TrashItem &item : items) {
-            if (progress.canceled)
-                break;
-            if (!known.contains(item.id))
-                continue;
-            const Location home = homeOf(item);
-            makeFoldersInVault(home.parent());
-            transaction.add(trashedItem(m_root, item), home.parent(), home.nameBytes().toByteArray(),
-                            [&, item](int error, const Location &place) {
-                                note(outcome, error, item.name);
-                                if (error)
-                                    return;
-                                restored.push_back(item);
-                                outcome.placed.push_back(place);
-                                ++progress.filesDone;
-                            });
-        }
-        transaction.finish();
-    }
-    outcome.count = int(restored.size());
-    for (const TrashItem &item : restored)
-        disk::removeFolder(trashSlot(m_root, item));
-    const QSet<QString> gone = idsOf(restored);
-    std::erase_if(m_trash, [&](const TrashItem &item) { return gone.contains(item.id); });
-    if (!gone.isEmpty())
-        saveTrash();
-    return outcome;
-}
-
-void FileOperations::removeForever(const std::vector<TrashItem> &items, OperationProgress &progress)
-{
-    progress.filesTotal = int(items.size());
-    const QSet<QString> known = idsOf(m_trash);
-    QSet<QString> gone;
-    for (const TrashItem &item : items) {
-        if (progress.canceled)
-            break;
-        if (!known.contains(item.id))
-            continue;
-        disk::remove(trashSlot(m_root, item));
-        // What could not be removed stays listed, so that it can be tried again.
-        if (!disk::exists(trashSlot(m_root, item)))
-            gone.insert(item.id);
-        ++progress.filesDone;
-    }
-    std::erase_if(m_trash, [&](const TrashItem &item) { return gone.contains(item.id); });
-    saveTrash();
-}
-
-bool FileOperations::purge(double cutoff, OperationProgress &progress)
-{
-    std::vector<TrashItem> expired;
-    std::ranges::copy_if(m_trash, std::back_inserter(expired),
-                         [cutoff](const TrashItem &item) { return item.deletedAt < cutoff; });
-    if (!expired.empty())
-        removeForever(expired, progress);
-    return !expired.empty();
 }
 
 FileOperations::Outcome FileOperations::import(const std::vector<Location> &items,
@@ -283,9 +110,8 @@ FileOperations::Outcome FileOperations::import(const std::vector<Location> &item
     UniqueNames names;
     MoveTransaction transaction(m_root, progress);
     const auto placed = [&](int error, const Location &source, const Location &place) {
-        note(outcome, error, source.name());
         if (error)
-            return;
+            return outcome.note(systemFailure(error, source.name()));
         ++outcome.count;
         ++progress.filesDone;
         outcome.placed.push_back(place);
@@ -306,8 +132,15 @@ FileOperations::Outcome FileOperations::import(const std::vector<Location> &item
     for (const ImportPlan::Step &step : plan.steps) {
         if (progress.canceled)
             break;
-        if (step.source.isEmpty())
-            makeFoldersInVault(step.folder);
+        if (step.source.isEmpty()) {
+            // Each file that would go there reports it.
+            std::ignore = makeVaultFolders(m_root, step.folder);
+            continue;
+        }
+        if (const Result<void> inside = mode == ImportMode::Copy ? checkVaultFolder(m_root, step.folder)
+                                                                 : checkMove(step.source, step.folder);
+            !inside)
+            outcome.note(inside);
         else if (mode == ImportMode::Copy)
             copy(step.source, step.folder);
         else
@@ -318,22 +151,6 @@ FileOperations::Outcome FileOperations::import(const std::vector<Location> &item
     }
     transaction.finish();
     return outcome;
-}
-
-int FileOperations::saveTrash() const
-{
-    const int error = disk::makeFolder(trashFolder(m_root));
-    if (error && error != EEXIST)
-        return error;
-    return disk::replace(trashIndexFile(m_root), encodeTrash(m_trash));
-}
-
-// A vault that has vanished is not made anew below the place where it was.
-int FileOperations::makeFoldersInVault(const Location &folder) const
-{
-    if (folder.isInside(m_root) && !disk::exists(m_root))
-        return ENOENT;
-    return disk::makeFolders(folder);
 }
 
 } // namespace cratewell

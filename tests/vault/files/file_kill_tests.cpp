@@ -3,6 +3,7 @@
 
 #include "vault/files/disk.h"
 #include "vault/files/file_operations.h"
+#include "vault/files/trash_index.h"
 #include "vault/temporary_vault.h"
 
 #include <QCoreApplication>
