@@ -1,8 +1,9 @@
 #include "vault/files/file_operations.h"
 
+#include "vault/files/copy_transaction.h"
 #include "vault/files/disk.h"
 #include "vault/files/import_plan.h"
-#include "vault/files/move_transaction.h"
+#include "vault/files/rename.h"
 #include "vault/files/unique_names.h"
 #include "vault/files/vault_folders.h"
 #include "vault/move_rule.h"
@@ -11,19 +12,23 @@
 
 namespace cratewell {
 
-namespace {
+using namespace Qt::StringLiterals;
 
-Result<void> resultOf(int error, const QString &subject)
+void FileOperations::Outcome::note(const Error &failure, const QString &subject)
 {
-    return error ? systemFailure(error, subject) : Result<void>();
+    if (failure.code == 0)
+        error = subject + u": "_s + failure.message;
+    else if (!failure.is(ECANCELED))
+        error = Error::fromErrno(failure.code, subject).message;
 }
 
-} // namespace
-
-void FileOperations::Outcome::note(const Result<void> &result)
+bool FileOperations::Outcome::noteMoved(const Result<MoveTransaction::Moved> &moved, const QString &subject)
 {
-    if (!result && !result.error().is(ECANCELED))
-        error = result.error().message;
+    if (!moved)
+        note(moved.error(), subject);
+    else if (moved->leftBehind)
+        note(*moved->leftBehind, subject);
+    return moved.has_value();
 }
 
 // What cannot be read now is read before it is used.
@@ -42,26 +47,26 @@ FileOperations::Outcome FileOperations::createFolder(const Location &parent, con
 {
     Outcome outcome;
     UniqueNames names;
-    Location made;
-    const Result<void> done = makeVaultFolders(m_root, parent).and_then([&] {
-        return resultOf(
-            names.claim(parent, bytesFromText(name), UniqueNames::Naming::Folder, made, &disk::makeFolder),
-            name);
+    const Result<Location> made = makeVaultFolders(m_root, parent).and_then([&] {
+        return names.claim(parent, bytesFromText(name), UniqueNames::Naming::Folder, &disk::makeFolder);
     });
-    outcome.note(done);
-    if (done)
-        outcome.placed.push_back(made);
+    if (made)
+        outcome.placed.push_back(*made);
+    else
+        outcome.note(made.error(), name);
     return outcome;
 }
 
 FileOperations::Outcome FileOperations::rename(const Location &item, const Location &destination)
 {
     Outcome outcome;
-    const Result<void> done = checkVaultFolder(m_root, item.parent()).and_then([&] {
-        return resultOf(disk::renameWithoutReplacing(item, destination), destination.name());
+    const Result<void> renamed = checkVaultFolder(m_root, item.parent()).and_then([&] {
+        return disk::renameWithoutReplacing(item, destination);
     });
-    outcome.note(done);
-    outcome.count = done ? 1 : 0;
+    if (renamed)
+        outcome.count = 1;
+    else
+        outcome.note(renamed.error(), destination.name());
     return outcome;
 }
 
@@ -84,16 +89,16 @@ FileOperations::Outcome FileOperations::move(const std::vector<Location> &items,
         if (!rule.allows(item))
             continue;
         if (const Result<void> inside = checkMove(item, folder); !inside) {
-            outcome.note(inside);
+            outcome.note(inside.error(), item.name());
             continue;
         }
         transaction.add(item, folder, item.nameBytes().toByteArray(),
-                        [&, item](int error, const Location &place) {
-                            if (error)
-                                return outcome.note(systemFailure(error, item.name()));
+                        [&, item](const Result<MoveTransaction::Moved> &moved) {
+                            if (!outcome.noteMoved(moved, item.name()))
+                                return;
                             ++outcome.count;
                             ++progress.filesDone;
-                            outcome.placed.push_back(place);
+                            outcome.placed.push_back(moved->place);
                         });
     }
     transaction.finish();
@@ -106,50 +111,44 @@ FileOperations::Outcome FileOperations::import(const std::vector<Location> &item
 {
     Outcome outcome;
     const ImportPlan plan = ImportPlan::make(m_root, items, into, progress);
-    Temporaries temporaries(m_root);
-    UniqueNames names;
-    MoveTransaction transaction(m_root, progress);
-    const auto placed = [&](int error, const Location &source, const Location &place) {
-        if (error)
-            return outcome.note(systemFailure(error, source.name()));
+    if (plan.unread)
+        outcome.error = plan.unread->message;
+    CopyTransaction copies(m_root, progress);
+    MoveTransaction moves(m_root, progress);
+    const auto placed = [&](const Location &place) {
         ++outcome.count;
         ++progress.filesDone;
         outcome.placed.push_back(place);
     };
-    const auto copy = [&](const Location &source, const Location &folder) {
-        Location part;
-        Location place;
-        int error = temporaries.name(folder, part);
-        if (!error)
-            error = disk::copyFile(source, part, progress);
-        if (!error)
-            error = names.claim(folder, source.nameBytes().toByteArray(), UniqueNames::Naming::File, place,
-                                [&](const Location &to) { return disk::renameWithoutReplacing(part, to); });
-        if (error)
-            disk::remove(part);
-        placed(error, source, place);
-    };
-    for (const ImportPlan::Step &step : plan.steps) {
+    for (const auto &[source, folder] : plan.steps) {
         if (progress.canceled)
             break;
-        if (step.source.isEmpty()) {
-            // Each file that would go there reports it.
-            std::ignore = makeVaultFolders(m_root, step.folder);
-            continue;
+        if (source.isEmpty()) {
+            // What is to lie in a folder that cannot be made fails by itself.
+            std::ignore = makeVaultFolders(m_root, folder);
+        } else if (mode == ImportMode::Copy) {
+            const Result<Location> copy =
+                checkVaultFolder(m_root, folder).and_then([&] { return copies.add(source, folder); });
+            if (copy)
+                placed(*copy);
+            else
+                outcome.note(copy.error(), source.name());
+        } else if (const Result<void> inside = checkMove(source, folder); !inside) {
+            outcome.note(inside.error(), source.name());
+        } else {
+            moves.add(source, folder, source.nameBytes().toByteArray(),
+                      [&, name = source.name()](const Result<MoveTransaction::Moved> &moved) {
+                          if (outcome.noteMoved(moved, name))
+                              placed(moved->place);
+                      });
         }
-        if (const Result<void> inside = mode == ImportMode::Copy ? checkVaultFolder(m_root, step.folder)
-                                                                 : checkMove(step.source, step.folder);
-            !inside)
-            outcome.note(inside);
-        else if (mode == ImportMode::Copy)
-            copy(step.source, step.folder);
-        else
-            transaction.add(step.source, step.folder, step.source.nameBytes().toByteArray(),
-                            [&, source = step.source](int error, const Location &place) {
-                                placed(error, source, place);
-                            });
     }
-    transaction.finish();
+    moves.finish();
+    // People wipe the card once they read that its files are in the vault.
+    if (const Result<void> durable = copies.finish(); !durable) {
+        outcome.note(durable.error(), u"Import"_s);
+        outcome.count = 0;
+    }
     return outcome;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/error.h"
+#include "vault/files/move_transaction.h"
 #include "vault/files/operation_progress.h"
 #include "vault/files/trash_store.h"
 #include "vault/vault.h"
@@ -34,8 +35,10 @@ public:
         std::vector<TrashItem> trashed;
         QString error; // the last one, or empty
 
-        // Keeps a failure, unless it is that the user canceled.
-        void note(const Result<void> &result);
+        // Keeps an error that `subject` met, unless it is that the user canceled.
+        void note(const Error &failure, const QString &subject);
+        // Whether the item is at its new place; keeps why something stayed at the old one.
+        bool noteMoved(const Result<MoveTransaction::Moved> &moved, const QString &subject);
     };
     // `name` is cleaned. Placed: the new folder.
     Outcome createFolder(const Location &parent, const QString &name);

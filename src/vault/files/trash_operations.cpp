@@ -1,6 +1,5 @@
 #include "vault/files/disk.h"
 #include "vault/files/file_operations.h"
-#include "vault/files/move_transaction.h"
 #include "vault/files/trash_index.h"
 #include "vault/files/vault_folders.h"
 
@@ -41,7 +40,7 @@ FileOperations::Outcome FileOperations::trash(const std::vector<Location> &items
         return outcome;
     // The records come first: what is in the trash has one at every instant.
     if (const Result<void> added = m_trash.add(records); !added) {
-        outcome.note(added);
+        outcome.note(added.error(), trashFolder(m_root).name());
         return outcome;
     }
     moveToSlots(records, progress, outcome);
@@ -58,7 +57,7 @@ std::vector<TrashItem> FileOperations::recordsOf(const std::vector<Location> &it
         if (isCategoryRoot(m_root, item) || !disk::exists(item))
             continue;
         if (const Result<void> inside = checkVaultFolder(m_root, item.parent()); !inside)
-            outcome.note(inside);
+            outcome.note(inside.error(), item.name());
         else
             records.push_back({QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper(), item.name(),
                                item.text(), secondsNow(), disk::isFolder(item), disk::sizeOf(item)});
@@ -74,22 +73,20 @@ void FileOperations::moveToSlots(const std::vector<TrashItem> &records, Operatio
         if (progress.canceled)
             break;
         if (const Result<void> made = m_trash.makeSlot(record); !made) {
-            outcome.note(made);
+            outcome.note(made.error(), record.name);
             continue;
         }
         const Location original = Location::fromText(record.original);
         transaction.add(original, trashSlot(m_root, record), bytesFromText(record.name),
-                        [&, original, record](int error, const Location &) {
-                            if (!error) {
-                                outcome.trashed.push_back(record);
-                                ++outcome.count;
-                                ++progress.filesDone;
-                                return;
-                            }
-                            m_trash.removeEmptySlot(record);
+                        [&, original, record](const Result<MoveTransaction::Moved> &moved) {
                             // Silent when it went along with a folder that was trashed before it.
-                            if (error != ENOENT || disk::exists(original))
-                                outcome.note(systemFailure(error, record.name));
+                            if (moved || !moved.error().is(ENOENT) || disk::exists(original))
+                                outcome.noteMoved(moved, record.name);
+                            if (!moved)
+                                return m_trash.removeEmptySlot(record);
+                            outcome.trashed.push_back(record);
+                            ++outcome.count;
+                            ++progress.filesDone;
                         });
     }
     transaction.finish();
@@ -101,7 +98,7 @@ FileOperations::Outcome FileOperations::restore(const std::vector<TrashItem> &it
     Outcome outcome;
     progress.filesTotal = int(items.size());
     if (const Result<void> loaded = m_trash.load(); !loaded) {
-        outcome.note(loaded);
+        outcome.note(loaded.error(), trashFolder(m_root).name());
         return outcome;
     }
     const std::vector<TrashItem> restored = moveHome(listedOf(items, m_trash.items()), progress, outcome);
@@ -123,15 +120,17 @@ std::vector<TrashItem> FileOperations::moveHome(const std::vector<TrashItem> &it
             break;
         const Result<Location> home = m_trash.checkSlot(item).and_then([&] { return makeHome(item); });
         if (!home) {
-            outcome.note(tl::unexpected(home.error()));
+            outcome.note(home.error(), item.name);
             continue;
         }
         transaction.add(trashedItem(m_root, item), home->parent(), home->nameBytes().toByteArray(),
-                        [&, item](int error, const Location &place) {
-                            if (error)
-                                return outcome.note(systemFailure(error, item.name));
-                            restored.push_back(item);
-                            outcome.placed.push_back(place);
+                        [&, item](const Result<MoveTransaction::Moved> &moved) {
+                            if (!outcome.noteMoved(moved, item.name))
+                                return;
+                            // What stayed in the slot keeps its record.
+                            if (!moved->leftBehind)
+                                restored.push_back(item);
+                            outcome.placed.push_back(moved->place);
                             ++progress.filesDone;
                         });
     }

@@ -36,12 +36,11 @@ void lockIndex(int folder)
         std::this_thread::sleep_for(step);
 }
 
-// What a slot holds: the one thing in it, beside what file managers hide there.
+// What a slot holds: the one thing in it, beside what file managers and unfinished copies hide there.
 std::optional<QByteArray> contentOf(const Location &slot)
 {
-    std::vector<QByteArray> names = disk::names(slot);
-    if (names.size() > 1)
-        std::erase_if(names, [](const QByteArray &name) { return isHiddenName(name); });
+    std::vector<QByteArray> names = disk::names(slot).value_or(std::vector<QByteArray>());
+    std::erase_if(names, [](const QByteArray &name) { return isHiddenName(name); });
     return names.size() == 1 ? std::optional(names.front()) : std::nullopt;
 }
 
@@ -68,14 +67,16 @@ Result<void> TrashStore::load()
 Result<void> TrashStore::load(int folder)
 {
     // Listed before the index is read: another program writes the record before it makes the slot.
-    const std::vector<QByteArray> names = disk::names(trashFolder(m_root));
+    const Result<std::vector<QByteArray>> names = disk::names(trashFolder(m_root));
+    if (!names)
+        return tl::unexpected(names.error());
     const std::vector<TrashItem> known = m_items;
     if (Result<void> read = readIndex(folder); !read)
         return read;
     QSet<QByteArray> recorded;
     for (const TrashItem &item : m_items)
         recorded.insert(bytesFromText(item.id));
-    for (const QByteArray &name : names) {
+    for (const QByteArray &name : *names) {
         if (!recorded.contains(name) && isSlotName(textFromBytes(name)))
             adopt(name, known, folder);
     }
@@ -150,9 +151,8 @@ Result<void> TrashStore::repair()
 
 Result<void> TrashStore::add(const std::vector<TrashItem> &records)
 {
-    const int error = disk::makeFolder(trashFolder(m_root));
-    if (error && error != EEXIST)
-        return systemFailure(error, trashFolder(m_root).name());
+    if (Result<void> made = disk::makeFolder(trashFolder(m_root)); !made && !made.error().is(EEXIST))
+        return made;
     return change(records, {});
 }
 
@@ -218,10 +218,9 @@ void TrashStore::removeEmptySlot(const TrashItem &item) const
 
 Result<void> TrashStore::deleteSlot(const TrashItem &item) const
 {
-    if (const Result<void> trash = checkVaultFolder(m_root, trashFolder(m_root)); !trash)
-        return trash;
-    const int error = disk::remove(trashSlot(m_root, item));
-    return error ? systemFailure(error, item.name) : Result<void>();
+    return checkVaultFolder(m_root, trashFolder(m_root)).and_then([&] {
+        return disk::remove(trashSlot(m_root, item));
+    });
 }
 
 bool TrashStore::hasExpired(const TrashItem &item, double now) const

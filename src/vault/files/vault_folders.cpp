@@ -65,9 +65,9 @@ Result<void> makeVaultFolders(const Location &root, const Location &folder)
     if (folder.isInside(root) && !disk::exists(root))
         return systemFailure(ENOENT, folder.name());
     const std::optional<Location> anchor = anchorOf(root, folder);
-    if (const int error = disk::makeFolders(anchor.value_or(folder)))
-        return systemFailure(error, folder.name());
-    return anchor ? makeFoldersBelow(*anchor, folder) : Result<void>();
+    return disk::makeFolders(anchor.value_or(folder)).and_then([&] {
+        return anchor ? makeFoldersBelow(*anchor, folder) : Result<void>();
+    });
 }
 
 } // namespace cratewell

@@ -46,7 +46,8 @@ protected:
     std::vector<std::string> slots() const
     {
         std::vector<std::string> found;
-        for (const QByteArray &name : disk::names(trashFolder(disk.root()))) {
+        for (const QByteArray &name :
+             disk::names(trashFolder(disk.root())).value_or(std::vector<QByteArray>())) {
             if (disk::isFolder(trashFolder(disk.root()).child(name)))
                 found.push_back(name.toStdString());
         }
@@ -59,7 +60,7 @@ protected:
     }
     void writeIndex(const QByteArray &json) const
     {
-        disk::makeFolder(trashFolder(disk.root()));
+        std::filesystem::create_directories(trashFolder(disk.root()).c_str());
         std::ofstream(trashIndexFile(disk.root()).c_str(), std::ios::binary) << json.toStdString();
     }
 
