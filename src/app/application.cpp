@@ -129,11 +129,11 @@ void Application::connectRooms()
     connect(&d->vault, &Vault::toast, this, [this](const auto &text, bool ok) { d->showToast(text, ok); });
 }
 
-bool Application::launch()
+bool Application::launch(StartupMaintenance maintenance)
 {
     applyIcon();
     // The scan runs beside the loading of the window.
-    d->vault.start();
+    d->vault.start(maintenance);
     d->inserter.start();
 
     d->engine.load(QUrl(u"qrc:/qt-project.org/imports/Cratewell/Main.qml"_s));
