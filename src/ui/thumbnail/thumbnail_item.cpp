@@ -151,10 +151,12 @@ void ThumbnailItem::forget()
 
 void ThumbnailItem::withdrawIfUnseen()
 {
-    if (m_active && isVisible())
+    if (m_active && isVisible()) {
         polish();
-    else
-        m_request.reset();
+        return;
+    }
+    m_request.reset();
+    m_ticket.reset();
 }
 
 void ThumbnailItem::updatePolish()
@@ -222,7 +224,7 @@ void ThumbnailItem::showPicture(const QImage &picture, const ThumbnailShape &wan
 {
     if (picture.isNull())
         return;
-    if (const QImage ready = m_source->cutter().ready(picture, wanted); !ready.isNull()) {
+    if (const QImage ready = m_source->scaler().ready(picture, wanted); !ready.isNull()) {
         m_ticket.reset();
         draw(ready, wanted, Drawn::Picture);
         return;
@@ -233,7 +235,7 @@ void ThumbnailItem::showPicture(const QImage &picture, const ThumbnailShape &wan
         // One cut at a time: while a card is being resized the next one starts when this one is done.
         return;
     }
-    m_ticket = m_source->cutter().cut(picture, wanted, [this, wanted](const QImage &cut) {
+    m_ticket = m_source->scaler().cut(picture, wanted, [this, wanted](const QImage &cut) {
         m_ticket.reset();
         draw(cut, wanted, Drawn::Picture);
         polish();

@@ -43,7 +43,7 @@ public:
     // the order in which they lie: the scene graph polishes them in the reverse one.
     void requestInOrder(ThumbnailItem &item);
 
-    ThumbnailScaler &cutter() { return m_cutter; }
+    ThumbnailScaler &scaler() { return m_scaler; }
     // Painted once for all files that look alike.
     QImage placeholder(const PlaceholderLook &look, const ThumbnailShape &shape);
 
@@ -65,7 +65,7 @@ private:
 
     void requestNow();
 
-    ThumbnailScaler m_cutter;
+    ThumbnailScaler m_scaler;
     std::vector<QPointer<ThumbnailItem>> m_requesting;
     std::vector<PaintedPlaceholder> m_placeholders;
 };

@@ -13,7 +13,7 @@ namespace {
 using namespace Qt::StringLiterals;
 using test::waitUntil;
 
-// Pictures on command, and a record of who requests for what.
+// Pictures on command, and a record of what is requested.
 class FakeSource : public ThumbnailProvider
 {
 public:
@@ -181,7 +181,7 @@ TEST_F(ThumbnailItemTest, RequestEndsWithTheItem)
     EXPECT_TRUE(source.requested.isEmpty());
 }
 
-TEST_F(ThumbnailItemTest, DrawsThePictureWithRoundCornersAndTakesTheWishBack)
+TEST_F(ThumbnailItemTest, DrawsThePictureWithRoundCornersAndWithdrawsItsRequest)
 {
     item.setUrl(a);
     show();
@@ -254,7 +254,7 @@ TEST_F(ThumbnailItemTest, FollowsItsSize)
     item.setSize({100, 180});
     EXPECT_EQ(window.grabWindow().pixelColor(50, 170), QColor(Qt::green)) << "stretched at once";
     const auto cutToSize = [this] {
-        return !source.cutter().ready(source.pictures[a], {{100, 180}, 10}).isNull();
+        return !source.scaler().ready(source.pictures[a], {{100, 180}, 10}).isNull();
     };
     ASSERT_TRUE(waitUntil(cutToSize));
 }
@@ -275,7 +275,7 @@ TEST_F(ThumbnailItemTest, FollowsThePointerOverAVideoWithoutAGap)
     item.setScrub(0.505);
     item.setScrub(1);
     ASSERT_TRUE(waitUntil([this] { return source.requestedFrames.size() == 2; }));
-    EXPECT_EQ(source.requestedFrames.last(), 23) << "one wish for each frame, not for each move";
+    EXPECT_EQ(source.requestedFrames.last(), 23) << "one request for each frame, not for each move";
     EXPECT_EQ(middle(), QColor(Qt::green));
     item.setScrub(-1);
     ASSERT_TRUE(waitUntil([this] { return middle() == QColor(Qt::red); }));
