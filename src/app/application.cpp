@@ -14,6 +14,7 @@
 #include "platform/native.h"
 #include "platform/workspace.h"
 #include "state/app_state.h"
+#include "state/notifications.h"
 #include "state/prefs.h"
 #include "ui/shell/dialog_file_chooser.h"
 #include "ui/shell/icon_renderer.h"
@@ -56,23 +57,24 @@ struct Application::Private
           vault(Location::fromText(prefs.vaultPath()), *services.defaults, std::move(services.fileEvents)),
           chooser([this] { return makeChooser(); }), state(vault, prefs, *services.workspace, &chooser),
           media(vault, prefs, systemPaths), resolve(prefs, systemPaths),
-          inserter(prefs, state, *services.applications, resolve, premiere)
+          inserter(prefs, state, *services.applications, notifications, resolve, premiere)
     {
     }
 
     std::unique_ptr<FileChooser> makeChooser();
-    void showToast(const QString &text, bool ok);
+    void report(const QString &text, bool ok, const std::vector<TrashItem> &trashed);
+    void undoTrash(const std::vector<TrashItem> &items);
 
     Services services;
     Prefs prefs;
     Vault vault;
     LazyFileChooser chooser;
     AppState state;
+    Notifications notifications;
     Media media;
     ResolveBridge resolve;
     PremiereBridge premiere;
     Inserter inserter;
-    std::vector<TrashItem> trashed; // the toast that tells of it comes next
     QQmlApplicationEngine engine;
 };
 
@@ -85,23 +87,27 @@ std::unique_ptr<FileChooser> Application::Private::makeChooser()
     return std::make_unique<DialogFileChooser>(engine);
 }
 
-void Application::Private::showToast(const QString &text, bool ok)
+void Application::Private::report(const QString &text, bool ok, const std::vector<TrashItem> &trashed)
 {
-    const std::vector<TrashItem> items = std::exchange(trashed, {});
-    if (items.empty()) {
-        inserter.toast(text, ok);
-        return;
+    using Severity = Notification::Severity;
+    Notification message{text, ok ? Severity::Success : Severity::Warning};
+    if (!trashed.empty()) {
+        message.actionText = u"Undo"_s;
+        message.action = [this, trashed] { undoTrash(trashed); };
     }
-    inserter.toast(text, ok, {u"Undo"_s, [this, items] {
-                                  // Some may have been deleted for good since.
-                                  const std::vector<TrashItem> &present = vault.trashItems();
-                                  const QSet<TrashItem> kept(present.begin(), present.end());
-                                  std::vector<TrashItem> wanted;
-                                  std::ranges::copy_if(items, std::back_inserter(wanted),
-                                                       [&](const auto &item) { return kept.contains(item); });
-                                  if (!wanted.empty())
-                                      vault.restore(wanted);
-                              }});
+    notifications.show(message);
+}
+
+void Application::Private::undoTrash(const std::vector<TrashItem> &items)
+{
+    // Some may have been deleted for good since.
+    const std::vector<TrashItem> &present = vault.trashItems();
+    const QSet<TrashItem> kept(present.begin(), present.end());
+    std::vector<TrashItem> wanted;
+    std::ranges::copy_if(items, std::back_inserter(wanted),
+                         [&](const TrashItem &item) { return kept.contains(item); });
+    if (!wanted.empty())
+        vault.restore(wanted);
 }
 
 Application::Application(const SystemPaths &paths, Services services)
@@ -116,8 +122,11 @@ void Application::connectRooms()
 {
     connect(&d->vault, &Vault::rootChanged, &d->prefs,
             [this](const Location &root) { d->prefs.setVaultPath(root.text()); });
-    connect(&d->vault, &Vault::itemsTrashed, this, [this](const auto &items) { d->trashed = items; });
-    connect(&d->vault, &Vault::toast, this, [this](const auto &text, bool ok) { d->showToast(text, ok); });
+    connect(&d->vault, &Vault::toast, this,
+            [this](const auto &text, bool ok, const auto &trashed) { d->report(text, ok, trashed); });
+    connect(&d->vault, &Vault::lastErrorChanged, this, [this] {
+        d->notifications.show({d->vault.lastError(), Notification::Severity::Error});
+    });
 }
 
 bool Application::launch()
@@ -127,8 +136,8 @@ bool Application::launch()
     d->vault.start();
     d->inserter.start();
 
-    installUiContext(d->engine, {d->prefs, d->state, d->vault, d->inserter, d->media, *d->services.appearance,
-                                 *d->services.defaults, *d->services.workspace});
+    installUiContext(d->engine, {d->prefs, d->state, d->vault, d->notifications, d->inserter, d->media,
+                                 *d->services.appearance, *d->services.defaults, *d->services.workspace});
     d->engine.load(QUrl(u"qrc:/qt-project.org/imports/Cratewell/Main.qml"_s));
     if (!window())
         return false;
@@ -197,9 +206,9 @@ Media &Application::media()
     return d->media;
 }
 
-Inserter &Application::inserter()
+Notifications &Application::notifications()
 {
-    return d->inserter;
+    return d->notifications;
 }
 
 QQuickWindow *Application::window() const

@@ -15,8 +15,8 @@ class AppState;
 class Defaults;
 class FileChooser;
 class FileEvents;
-class Inserter;
 class Media;
+class Notifications;
 class Prefs;
 class Vault;
 class Workspace;
@@ -60,7 +60,7 @@ public:
     Vault &vault();
     AppState &state();
     Media &media();
-    Inserter &inserter();
+    Notifications &notifications();
     // Null before launch().
     QQuickWindow *window() const;
 

@@ -50,8 +50,8 @@ public:
     const Location &root() const;
     // Never null; empty before the first scan.
     const std::shared_ptr<const VaultSnapshot> &snapshot() const;
+    // Of the last operation on files that failed; lastErrorChanged reports each one, an equal one too.
     QString lastError() const;
-    Q_INVOKABLE void clearLastError();
     qint64 totalSize() const;
 
     Location categoryUrl(VaultCategory category) const;
@@ -106,7 +106,8 @@ Q_SIGNALS:
     void itemsTrashed(const std::vector<cratewell::TrashItem> &items);
     void trashItemsChanged();
     void recentImportsChanged();
-    void toast(const QString &text, bool ok);
+    // An operation's report; `trashed` is what it has put in the trash.
+    void toast(const QString &text, bool ok, const std::vector<cratewell::TrashItem> &trashed = {});
 
 private:
     struct Private;

@@ -100,10 +100,10 @@ FocusScope {
         anchors.leftMargin: 6
         anchors.right: parent.right
         anchors.rightMargin: 6
-        text: Vault.lastError
+        text: Notifications.bannerText
         y: 4
 
-        onDismissed: Vault.clearLastError()
+        onDismissed: Notifications.closeBanner()
     }
     ImportMenuLoader {
         id: importMenu

@@ -4,6 +4,7 @@
 #include "media/media.h"
 #include "platform/appearance.h"
 #include "state/app_state.h"
+#include "state/notifications.h"
 #include "state/prefs.h"
 #include "ui/controls/accessible_item.h"
 #include "ui/shell/singletons.h"
@@ -81,6 +82,11 @@ AppState *AppStateSingleton::create(QQmlEngine *engine, QJSEngine *)
 Vault *VaultSingleton::create(QQmlEngine *engine, QJSEngine *)
 {
     return fromProgram(uiContext(*engine).vault);
+}
+
+Notifications *NotificationsSingleton::create(QQmlEngine *engine, QJSEngine *)
+{
+    return fromProgram(uiContext(*engine).notifications);
 }
 
 Inserter *InserterSingleton::create(QQmlEngine *engine, QJSEngine *)

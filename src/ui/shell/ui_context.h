@@ -10,6 +10,7 @@ class AppState;
 class Defaults;
 class Inserter;
 class Media;
+class Notifications;
 class Prefs;
 class Vault;
 class Workspace;
@@ -20,6 +21,7 @@ struct UiContext
     Prefs &prefs;
     AppState &state;
     Vault &vault;
+    Notifications &notifications;
     Inserter &inserter;
     Media &media;
     Appearance &appearance;

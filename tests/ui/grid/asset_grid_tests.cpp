@@ -2,6 +2,7 @@
 #include "media/media.h"
 #include "platform/fakes/fake_appearance.h"
 #include "platform/fakes/fake_applications.h"
+#include "state/notifications.h"
 #include "support/small_library.h"
 #include "ui/grid/selectable_item.h"
 #include "ui/shell/ui_context.h"
@@ -45,8 +46,8 @@ protected:
             library.write(u"SFX/Hits/%1.wav"_s.arg(soundName(i)));
         ASSERT_TRUE(library.scan());
         library.state.setSort(AssetOrder::Name);
-        installUiContext(engine, {library.prefs, library.state, library.vault, inserter, media, appearance,
-                                  library.defaults, library.workspace});
+        installUiContext(engine, {library.prefs, library.state, library.vault, notifications, inserter, media,
+                                  appearance, library.defaults, library.workspace});
         QObject::connect(&engine, &QQmlEngine::warnings,
                          [this](const QList<QQmlError> &warnings) { qmlWarnings += warnings; });
         QQmlComponent component(&engine);
@@ -101,7 +102,8 @@ protected:
     FakeApplications applications;
     RecordingBridge bridge;
     Media media{library.vault, library.prefs, SystemPaths::below(library.path(u"nowhere"_s))};
-    Inserter inserter{library.prefs, library.state, applications, bridge, bridge};
+    Notifications notifications;
+    Inserter inserter{library.prefs, library.state, applications, notifications, bridge, bridge};
     QList<QQmlError> qmlWarnings;
     QQmlEngine engine;
     QQuickWindow window;
