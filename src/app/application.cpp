@@ -18,12 +18,11 @@
 #include "state/prefs.h"
 #include "ui/shell/dialog_file_chooser.h"
 #include "ui/shell/icon_renderer.h"
-#include "ui/shell/ui_context.h"
+#include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
 
 #include <QGuiApplication>
 #include <QPixmap>
-#include <QQmlApplicationEngine>
 #include <QQuickWindow>
 #include <QThreadPool>
 
@@ -57,7 +56,9 @@ struct Application::Private
           vault(Location::fromText(prefs.vaultPath()), *services.defaults, std::move(services.fileEvents)),
           chooser([this] { return makeChooser(); }), state(vault, prefs, *services.workspace, &chooser),
           media(vault, prefs, systemPaths), resolve(prefs, systemPaths),
-          inserter(prefs, state, *services.applications, notifications, resolve, premiere)
+          inserter(prefs, state, *services.applications, notifications, resolve, premiere),
+          engine({prefs, state, vault, notifications, inserter, media, *services.appearance,
+                  *services.defaults, *services.workspace})
     {
     }
 
@@ -75,7 +76,7 @@ struct Application::Private
     ResolveBridge resolve;
     PremiereBridge premiere;
     Inserter inserter;
-    QQmlApplicationEngine engine;
+    UiEngine engine;
 };
 
 std::unique_ptr<FileChooser> Application::Private::makeChooser()
@@ -136,8 +137,6 @@ bool Application::launch()
     d->vault.start();
     d->inserter.start();
 
-    installUiContext(d->engine, {d->prefs, d->state, d->vault, d->notifications, d->inserter, d->media,
-                                 *d->services.appearance, *d->services.defaults, *d->services.workspace});
     d->engine.load(QUrl(u"qrc:/qt-project.org/imports/Cratewell/Main.qml"_s));
     if (!window())
         return false;

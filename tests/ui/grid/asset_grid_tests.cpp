@@ -5,11 +5,10 @@
 #include "state/notifications.h"
 #include "support/small_library.h"
 #include "ui/grid/selectable_item.h"
-#include "ui/shell/ui_context.h"
+#include "ui/shell/ui_engine.h"
 
 #include <QAccessible>
 #include <QQmlComponent>
-#include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
@@ -46,8 +45,6 @@ protected:
             library.write(u"SFX/Hits/%1.wav"_s.arg(soundName(i)));
         ASSERT_TRUE(library.scan());
         library.state.setSort(AssetOrder::Name);
-        installUiContext(engine, {library.prefs, library.state, library.vault, notifications, inserter, media,
-                                  appearance, library.defaults, library.workspace});
         QObject::connect(&engine, &QQmlEngine::warnings,
                          [this](const QList<QQmlError> &warnings) { qmlWarnings += warnings; });
         QQmlComponent component(&engine);
@@ -105,7 +102,8 @@ protected:
     Notifications notifications;
     Inserter inserter{library.prefs, library.state, applications, notifications, bridge, bridge};
     QList<QQmlError> qmlWarnings;
-    QQmlEngine engine;
+    UiEngine engine{{library.prefs, library.state, library.vault, notifications, inserter, media, appearance,
+                     library.defaults, library.workspace}};
     QQuickWindow window;
     std::unique_ptr<QQuickItem> grid;
     QQuickItem *view = nullptr;
