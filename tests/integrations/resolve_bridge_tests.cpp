@@ -202,6 +202,17 @@ TEST_F(ResolveBridgeTest, KillsAScriptThatHangsInTheHost)
     EXPECT_EQ(insert(500ms).message, queued);
 }
 
+TEST_F(ResolveBridgeTest, GivesAScriptTwentySeconds)
+{
+    // What is left of the alarm that ends a script 2 s after its watchdog has failed to.
+    replacePython("exec /usr/bin/python3 -c 'import json, signal; "
+                  "print(json.dumps({\"ok\": True, \"message\": str(signal.alarm(0))}))'");
+    ResolveBridge bridge(m_prefs, m_paths);
+    const int left = QCoro::waitFor(bridge.insert(m_asset)).message.toInt();
+    EXPECT_GT(left, 18);
+    EXPECT_LE(left, 22);
+}
+
 TEST_F(ResolveBridgeTest, GivesTheScriptItsEnvironment)
 {
     replacePython(
