@@ -16,6 +16,7 @@
 #include "state/app_state.h"
 #include "state/notifications.h"
 #include "state/prefs.h"
+#include "ui/shell/asset_actions.h"
 #include "ui/shell/dialog_file_chooser.h"
 #include "ui/shell/icon_renderer.h"
 #include "ui/shell/ui_engine.h"
@@ -25,8 +26,6 @@
 #include <QPixmap>
 #include <QQuickWindow>
 #include <QThreadPool>
-
-#include <algorithm>
 
 namespace cratewell {
 
@@ -54,17 +53,17 @@ struct Application::Private
     Private(const SystemPaths &systemPaths, Services given)
         : services(std::move(given)), prefs(*services.defaults, systemPaths),
           vault(Location::fromText(prefs.vaultPath()), *services.defaults, std::move(services.fileEvents)),
-          chooser([this] { return makeChooser(); }), state(vault, prefs, *services.workspace, &chooser),
-          media(vault, prefs, systemPaths), resolve(prefs, systemPaths),
+          chooser([this] { return makeChooser(); }), state(vault, prefs), media(vault, prefs, systemPaths),
+          resolve(prefs, systemPaths),
           inserter(prefs, state, *services.applications, notifications, resolve, premiere),
+          actions(vault, prefs, state, inserter, *services.workspace, chooser),
           engine({prefs, state, vault, notifications, inserter, media, *services.appearance,
-                  *services.defaults, *services.workspace})
+                  *services.defaults, *services.workspace, actions})
     {
     }
 
     std::unique_ptr<FileChooser> makeChooser();
     void report(const QString &text, bool ok, const std::vector<TrashItem> &trashed);
-    void undoTrash(const std::vector<TrashItem> &items);
 
     Services services;
     Prefs prefs;
@@ -76,6 +75,7 @@ struct Application::Private
     ResolveBridge resolve;
     PremiereBridge premiere;
     Inserter inserter;
+    AssetActions actions;
     UiEngine engine;
 };
 
@@ -94,21 +94,9 @@ void Application::Private::report(const QString &text, bool ok, const std::vecto
     Notification message{text, ok ? Severity::Success : Severity::Warning};
     if (!trashed.empty()) {
         message.actionText = u"Undo"_s;
-        message.action = [this, trashed] { undoTrash(trashed); };
+        message.action = [this, trashed] { actions.undoTrash(trashed); };
     }
     notifications.show(message);
-}
-
-void Application::Private::undoTrash(const std::vector<TrashItem> &items)
-{
-    // Some may have been deleted for good since.
-    const std::vector<TrashItem> &present = vault.trashItems();
-    const QSet<TrashItem> kept(present.begin(), present.end());
-    std::vector<TrashItem> wanted;
-    std::ranges::copy_if(items, std::back_inserter(wanted),
-                         [&](const TrashItem &item) { return kept.contains(item); });
-    if (!wanted.empty())
-        vault.restore(wanted);
 }
 
 Application::Application(const SystemPaths &paths, Services services)
@@ -198,11 +186,6 @@ Vault &Application::vault()
 AppState &Application::state()
 {
     return d->state;
-}
-
-Media &Application::media()
-{
-    return d->media;
 }
 
 Notifications &Application::notifications()

@@ -15,7 +15,6 @@ class AppState;
 class Defaults;
 class FileChooser;
 class FileEvents;
-class Media;
 class Notifications;
 class Prefs;
 class Vault;
@@ -59,7 +58,6 @@ public:
     Prefs &prefs();
     Vault &vault();
     AppState &state();
-    Media &media();
     Notifications &notifications();
     // Null before launch().
     QQuickWindow *window() const;

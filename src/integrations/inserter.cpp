@@ -114,17 +114,15 @@ bool Inserter::busy() const
 {
     return d->busy;
 }
+
 bool Inserter::resolveRunning() const
 {
     return d->resolveRunning;
 }
+
 bool Inserter::premiereRunning() const
 {
     return d->premiereRunning;
-}
-std::optional<Target> Inserter::lastEditor() const
-{
-    return d->lastEditor;
 }
 
 std::optional<Target> Inserter::pick(std::optional<Target> target, Refresh refresh)

@@ -55,7 +55,6 @@ public:
     bool busy() const;
     bool resolveRunning() const;
     bool premiereRunning() const;
-    std::optional<Target> lastEditor() const;
 
     enum class Refresh { No, Yes };
     // The editor an insert goes to; nothing when none is chosen and none runs.

@@ -1,7 +1,6 @@
 #include "integrations/inserter.h"
 #include "platform/fakes/fake_applications.h"
 #include "platform/fakes/fake_file_events.h"
-#include "platform/fakes/fake_workspace.h"
 #include "platform/fakes/memory_defaults.h"
 #include "platform/system_paths.h"
 #include "state/app_state.h"
@@ -63,8 +62,7 @@ protected:
     SystemPaths m_paths = SystemPaths::below(Location::fromText(u"/nowhere"_s));
     Prefs m_prefs{m_defaults, m_paths};
     Vault m_vault{m_paths.defaultVault(), m_defaults, std::make_unique<FakeFileEvents>()};
-    FakeWorkspace m_workspace;
-    AppState m_state{m_vault, m_prefs, m_workspace};
+    AppState m_state{m_vault, m_prefs};
     Notifications m_notifications;
     FakeBridge m_resolve;
     FakeBridge m_premiere;
@@ -134,7 +132,6 @@ TEST_F(InserterTest, FollowsWhichEditorsRun)
     EXPECT_EQ(running.size(), 2);
     EXPECT_EQ(target.size(), 2);
     m_applications.activate(resolveId);
-    EXPECT_EQ(m_inserter->lastEditor(), Target::Resolve);
     m_prefs.setBlendMode(u"add"_s);
     EXPECT_EQ(target.size(), 4);
 }

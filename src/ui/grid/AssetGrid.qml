@@ -65,7 +65,7 @@ T.Control {
                                                 && event.modifiers & Qt.ShiftModifier))
             showMenuAtFocus();
         else if (event.key === Qt.Key_Escape && AppState.selectedCount > 1)
-            SelectionActions.clear();
+            AppState.clearSelected();
         else if (!move(event.key, event.modifiers))
             return;
         event.accepted = true;
@@ -238,7 +238,7 @@ T.Control {
 
                 card: null
 
-                onToggled: assets.toggleFavorite(assets.rowOf(card.url))
+                onToggled: AssetActions.toggleFavorite(card.url)
             }
 
             T.ScrollBar.vertical: ThinScrollBar {
@@ -265,7 +265,7 @@ T.Control {
     PopupLoader {
         id: bar
 
-        readonly property bool wanted: SelectionActions.count > 1
+        readonly property bool wanted: AssetActions.countInView > 1
 
         anchors.bottom: parent.bottom
         anchors.bottomMargin: Theme.space3

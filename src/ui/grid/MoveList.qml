@@ -18,7 +18,7 @@ ListView {
         positionViewAtIndex(currentIndex, ListView.Contain);
     }
     function choose(folder: location): void {
-        SelectionActions.moveTo(folder);
+        AssetActions.moveInViewTo(folder);
         chosen();
     }
 

@@ -1,8 +1,7 @@
 #include "ui/importing/import_controller.h"
 
 #include "platform/defaults.h"
-#include "state/app_state.h"
-#include "state/prefs.h"
+#include "ui/shell/asset_actions.h"
 #include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
 
@@ -19,12 +18,11 @@ constexpr int indentation = 4; // spaces per level
 
 } // namespace
 
-void ImportController::follow(Vault &vault, AppState &state, const Prefs &prefs, Defaults &defaults)
+void ImportController::follow(Vault &vault, Defaults &defaults, AssetActions &actions)
 {
     m_vault = &vault;
-    m_state = &state;
-    m_prefs = &prefs;
     m_defaults = &defaults;
+    m_actions = &actions;
     connect(&vault, &Vault::rescanned, this, &ImportController::refresh);
     refresh();
 }
@@ -32,7 +30,7 @@ void ImportController::follow(Vault &vault, AppState &state, const Prefs &prefs,
 void ImportController::componentComplete()
 {
     const UiContext &objects = uiContext(*this);
-    follow(objects.vault, objects.state, objects.prefs, objects.defaults);
+    follow(objects.vault, objects.defaults, objects.actions);
 }
 
 void ImportController::refresh()
@@ -79,12 +77,12 @@ std::optional<Location> ImportController::destination() const
 
 void ImportController::chooseFiles()
 {
-    m_state->importPanel(ChooseRequest::What::Files, destination());
+    m_actions->chooseImports(ChooseRequest::What::Files, destination());
 }
 
 void ImportController::chooseFolder()
 {
-    m_state->importPanel(ChooseRequest::What::Folders, destination());
+    m_actions->chooseImports(ChooseRequest::What::Folders, destination());
 }
 
 std::vector<Location> ImportController::outside(const QList<QUrl> &urls) const
@@ -108,8 +106,7 @@ bool ImportController::takes(const QList<QUrl> &urls) const
 void ImportController::take(const QList<QUrl> &urls)
 {
     if (const std::vector<Location> places = outside(urls); !places.empty())
-        m_vault->importItems(places, destination(),
-                             m_prefs->importMove() ? ImportMode::Move : ImportMode::Copy);
+        m_actions->importItems(places, destination());
 }
 
 } // namespace cratewell

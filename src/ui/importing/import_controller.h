@@ -11,9 +11,8 @@
 
 namespace cratewell {
 
-class AppState;
+class AssetActions;
 class Defaults;
-class Prefs;
 class Vault;
 
 // Where the import page puts what it is given, kept for the next start, and the ways to give it something.
@@ -30,7 +29,7 @@ class ImportController : public QObject, public QQmlParserStatus
     Q_PROPERTY(QString label READ label NOTIFY currentChanged FINAL)
 public:
     // What QML does when it has made the object. All must outlive it.
-    void follow(Vault &vault, AppState &state, const Prefs &prefs, Defaults &defaults);
+    void follow(Vault &vault, Defaults &defaults, AssetActions &actions);
 
     const QStringList &choices() const { return m_choices; }
     int current() const { return m_current; }
@@ -56,9 +55,8 @@ private:
     std::vector<Location> outside(const QList<QUrl> &urls) const;
 
     Vault *m_vault = nullptr;
-    AppState *m_state = nullptr;
-    const Prefs *m_prefs = nullptr;
     Defaults *m_defaults = nullptr;
+    AssetActions *m_actions = nullptr;
     std::vector<Location> m_folders; // as the choices after the first
     QStringList m_choices;
     int m_current = 0;

@@ -58,7 +58,7 @@ GlassPanel {
             anchors.rightMargin: -6
             favorite: selection.favorite
 
-            onClicked: Requests.toggleFavorite()
+            onClicked: AssetActions.toggleFavoriteOfFocused()
         }
         AssetPicture {
             id: picture

@@ -25,7 +25,7 @@ Item {
 
         onAboutToHide: AppState.showNewFolder = false
         onClosed: (place.parent as PopupLoader).release()
-        onConfirmed: AppState.createNewFolder(field.text)
+        onConfirmed: AssetActions.createFolder(field.text)
         onShown: {
             field.forceActiveFocus(Qt.PopupFocusReason);
             field.selectAll();

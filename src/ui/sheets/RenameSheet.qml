@@ -25,7 +25,7 @@ Item {
 
         onAboutToHide: AppState.stopRenaming()
         onClosed: (place.parent as PopupLoader).release()
-        onConfirmed: AppState.renameTo(field.text)
+        onConfirmed: AssetActions.renameTo(field.text)
         onShown: {
             field.forceActiveFocus(Qt.PopupFocusReason);
             field.select(0, form.selectionLength);

@@ -111,7 +111,7 @@ FocusScope {
         x: area.showsGrid ? toolbar.importMenuX : 6
         y: area.showsGrid ? toolbar.importMenuY : 60
 
-        onFilesWanted: AppState.importFiles()
-        onFolderWanted: AppState.importFolder()
+        onFilesWanted: AssetActions.importFiles()
+        onFolderWanted: AssetActions.importFolder()
     }
 }

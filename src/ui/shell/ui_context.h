@@ -4,6 +4,7 @@ namespace cratewell {
 
 class Appearance;
 class AppState;
+class AssetActions;
 class Defaults;
 class Inserter;
 class Media;
@@ -24,6 +25,7 @@ struct UiContext
     Appearance &appearance;
     Defaults &defaults;
     Workspace &workspace;
+    AssetActions &actions;
 };
 
 } // namespace cratewell

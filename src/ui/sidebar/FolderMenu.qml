@@ -39,14 +39,14 @@ Item {
         GlassMenuItem {
             text: qsTr("New Folder Inside…")
 
-            onTriggered: Requests.newFolderInside(place.folder)
+            onTriggered: AppState.newFolderInside(place.folder)
         }
         GlassMenuItem {
             id: rename
 
             text: qsTr("Rename…")
 
-            onTriggered: Requests.rename(place.folder)
+            onTriggered: AssetActions.rename(place.folder)
         }
         GlassMenu {
             id: colors
@@ -86,7 +86,7 @@ Item {
         GlassMenuItem {
             text: qsTr("Reveal in Finder")
 
-            onTriggered: Requests.revealInFileManager(place.folder)
+            onTriggered: AssetActions.reveal(place.folder)
         }
         MenuDivider { id: divider }
         GlassMenuItem {
@@ -95,7 +95,7 @@ Item {
             destructive: true
             text: qsTr("Move to Trash")
 
-            onTriggered: Requests.moveToTrash(place.folder)
+            onTriggered: AssetActions.moveToTrash(place.folder)
         }
 
         Component.onCompleted: {

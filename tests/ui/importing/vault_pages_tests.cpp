@@ -1,6 +1,5 @@
 #include "platform/defaults.h"
-#include "platform/fakes/fake_file_chooser.h"
-#include "support/small_library.h"
+#include "ui/actions_library.h"
 #include "ui/controls/formats.h"
 #include "ui/importing/import_controller.h"
 #include "ui/importing/recent_imports_model.h"
@@ -178,16 +177,16 @@ protected:
         library.write(u"SFX/b.wav"_s);
         library.write(u"../outside/Whoosh.wav"_s);
         ASSERT_TRUE(library.start());
-        desk.follow(library.vault, state, library.prefs, library.defaults);
+        desk.follow(library.vault, library.defaults, library.actions);
         recent.follow(library.vault, state);
     }
     QUrl url(const QString &relative) const { return QUrl::fromLocalFile(library.path(relative).text()); }
     QString outside() const { return library.path(u"../outside/Whoosh.wav"_s).text(); }
     bool exists(const QString &relative) const { return QFile::exists(library.path(relative).text()); }
 
-    test::SmallLibrary library;
-    FakeFileChooser chooser;
-    AppState state{library.vault, library.prefs, library.workspace, &chooser};
+    test::ActionsLibrary library;
+    FakeFileChooser &chooser = library.chooser;
+    AppState &state = library.state;
     ImportController desk;
     RecentImportsModel recent;
     QAbstractItemModelTester tester{&recent};
