@@ -1,13 +1,13 @@
 #include "media/decoding/shared_buffer.h"
 
+#include "platform/posix/shared_memory.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
-#include <fcntl.h>
 #include <sys/mman.h>
-#include <unistd.h>
 
 namespace cratewell {
 
@@ -64,17 +64,13 @@ DecodeResult believed(const worker::FileInfo &info)
 
 Result<std::unique_ptr<SharedBuffer>> SharedBuffer::create()
 {
-    const auto failure = [] { return tl::unexpected(Error::fromErrno(errno)); };
-    const int descriptor = memfd_create("cratewell-decoded", MFD_CLOEXEC | MFD_ALLOW_SEALING);
-    if (descriptor < 0)
-        return failure();
-    std::unique_ptr<SharedBuffer> memory(new SharedBuffer(descriptor));
-    if (ftruncate(descriptor, off_t(worker::memoryBytes)) != 0 ||
-        fcntl(descriptor, F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) != 0)
-        return failure();
-    void *bytes = mmap(nullptr, worker::memoryBytes, PROT_READ, MAP_SHARED, descriptor, 0);
+    Result<FileDescriptor> shared = createSharedMemory(qint64(worker::memoryBytes));
+    if (!shared)
+        return tl::unexpected(shared.error());
+    std::unique_ptr<SharedBuffer> memory(new SharedBuffer(std::move(*shared)));
+    void *bytes = mmap(nullptr, worker::memoryBytes, PROT_READ, MAP_SHARED, memory->descriptor(), 0);
     if (bytes == MAP_FAILED)
-        return failure();
+        return systemFailure(errno);
     memory->m_bytes = static_cast<const uchar *>(bytes);
     return memory;
 }
@@ -83,7 +79,6 @@ SharedBuffer::~SharedBuffer()
 {
     if (m_bytes)
         munmap(const_cast<uchar *>(m_bytes), worker::memoryBytes);
-    close(m_descriptor);
 }
 
 DecodeResult SharedBuffer::answer(const DecodeRequest &request, const worker::Reply &reply) const
@@ -116,7 +111,7 @@ DecodeResult SharedBuffer::picture(int maxSide, const worker::Reply &reply) cons
     // What a large picture took is not kept for the small ones that follow.
     constexpr quint64 usual = 4 << 20;
     if (reply.bytes > usual)
-        fallocate(m_descriptor, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, 0, off_t(worker::memoryBytes));
+        discardPages(descriptor(), qint64(worker::memoryBytes));
     return DecodedPicture{.image = image, .duration = reply.duration};
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "media/decoding/decode_request.h"
+#include "platform/posix/file_descriptor.h"
 
 #include <memory>
 
@@ -16,16 +17,16 @@ public:
     SharedBuffer(const SharedBuffer &) = delete;
     SharedBuffer &operator=(const SharedBuffer &) = delete;
 
-    int descriptor() const { return m_descriptor; }
+    int descriptor() const { return m_descriptor.number(); }
     // A copy of what a reply to this request tells of; an error when the reply cannot be true.
     DecodeResult answer(const DecodeRequest &request, const worker::Reply &reply) const;
 
 private:
-    explicit SharedBuffer(int descriptor) : m_descriptor(descriptor) {}
+    explicit SharedBuffer(FileDescriptor descriptor) : m_descriptor(std::move(descriptor)) {}
     DecodeResult picture(int maxSide, const worker::Reply &reply) const;
     DecodeResult peaks(int count, const worker::Reply &reply) const;
 
-    int m_descriptor;
+    FileDescriptor m_descriptor;
     const uchar *m_bytes = nullptr;
 };
 

@@ -1,5 +1,7 @@
 #include "media/decoding/worker_process.h"
 
+#include "platform/posix/file_descriptor.h"
+
 #include <QFile>
 #include <QProcess>
 #include <QSocketNotifier>
@@ -20,7 +22,7 @@ void inheritOnly(int socket, int memory)
     const int socketCopy = fcntl(socket, F_DUPFD, 10), memoryCopy = fcntl(memory, F_DUPFD, 10);
     dup2(socketCopy, worker::socketDescriptor);
     dup2(memoryCopy, worker::memoryDescriptor);
-    close_range(worker::memoryDescriptor + 1, ~0U, CLOSE_RANGE_CLOEXEC);
+    closeOnExecFrom(worker::memoryDescriptor + 1);
 }
 
 } // namespace

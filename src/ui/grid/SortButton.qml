@@ -8,13 +8,13 @@ GlassButton {
     id: button
 
     required property int order
-    readonly property list<string> names: [qsTr("Name"), qsTr("Added"), qsTr("Kind"), qsTr("Size")]
+    required property list<string> labels
 
     signal chosen(int order)
 
     helpText: qsTr("Sort")
     symbol: "swap_vert"
-    text: names[order]
+    text: labels[order]
 
     Accessible.description: qsTr("Sort")
 

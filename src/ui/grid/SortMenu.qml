@@ -17,7 +17,7 @@ Item {
         onClosed: (place.parent as PopupLoader).release()
 
         Repeater {
-            model: place.button.names
+            model: place.button.labels
 
             GlassMenuItem {
                 required property string modelData

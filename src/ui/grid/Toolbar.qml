@@ -112,6 +112,7 @@ Item {
 
             anchors.verticalCenter: parent.verticalCenter
             compact: !toolbar.fullSort
+            labels: Navigator.orderLabels
             order: Navigator.order
 
             onChosen: order => Navigator.order = order
