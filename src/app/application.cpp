@@ -18,14 +18,13 @@
 #include "state/prefs.h"
 #include "ui/shell/asset_actions.h"
 #include "ui/shell/dialog_file_chooser.h"
-#include "ui/shell/icon_renderer.h"
+#include "ui/shell/icon_loader.h"
 #include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
 
 #include <QGuiApplication>
 #include <QPixmap>
 #include <QQuickWindow>
-#include <QThreadPool>
 
 namespace cratewell {
 
@@ -46,6 +45,12 @@ Services Services::native(const SystemPaths &paths)
     services.workspace = makeWorkspace();
     return services;
 }
+
+namespace {
+
+constexpr int iconPixels = 256; // the largest that docks and switchers show
+
+} // namespace
 
 // Declaration order is dependency order: the engine, declared last, dies first.
 struct Application::Private
@@ -76,6 +81,7 @@ struct Application::Private
     PremiereBridge premiere;
     Inserter inserter;
     AssetActions actions;
+    IconLoader icons{[](IconStyle style) { return renderIcon(style, iconPixels); }};
     UiEngine engine;
 };
 
@@ -109,6 +115,8 @@ Application::~Application() = default;
 
 void Application::connectRooms()
 {
+    connect(&d->icons, &IconLoader::ready, this,
+            [](const QImage &icon) { QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon))); });
     connect(&d->vault, &Vault::rootChanged, &d->prefs,
             [this](const Location &root) { d->prefs.setVaultPath(root.text()); });
     connect(&d->vault, &Vault::toast, this,
@@ -138,16 +146,7 @@ bool Application::launch()
 
 void Application::applyIcon()
 {
-    // Drawing the glow takes longer than a frame, so the icon arrives a little later.
-    constexpr int pixels = 256; // the largest that docks and switchers show
-    const IconStyle style = iconStyleFromRawValue(d->prefs.iconStyle());
-    QThreadPool::globalInstance()->start([this, guard = QPointer(this), style] {
-        const QImage icon = renderIcon(style, pixels);
-        QMetaObject::invokeMethod(qGuiApp, [guard, icon] {
-            if (guard)
-                QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon)));
-        });
-    });
+    d->icons.request(iconStyleFromRawValue(d->prefs.iconStyle()));
 }
 
 void Application::applyPin()

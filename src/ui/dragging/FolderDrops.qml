@@ -9,12 +9,11 @@ DropArea {
     id: drops
 
     required property ListView list
-    required property FolderTreeModel tree
     // The row under the pointer, or -1, and what a drop there would do.
     property int row: -1
     readonly property int effect: row < 0 ? DropController.Nothing
                                 : DropController.judging ? DropController.Unknown
-                                : DropController.effectOn(tree.folderAt(row))
+                                : DropController.effectOn(FolderTreeModel.folderAt(row))
 
     readonly property int edge: 26
     // Per step; negative for up.
@@ -33,7 +32,7 @@ DropArea {
 
     onDropped: drop => {
         follow(drop.y);
-        const folder = tree.folderAt(row);
+        const folder = FolderTreeModel.folderAt(row);
         const wanted = DropController.effectOn(folder) !== DropController.Nothing;
         leave();
         if (!wanted)
@@ -59,7 +58,7 @@ DropArea {
 
         onTriggered: {
             if (drops.row >= 0)
-                drops.tree.setExpanded(drops.row, true);
+                FolderTreeModel.setExpanded(drops.row, true);
         }
     }
     Timer {

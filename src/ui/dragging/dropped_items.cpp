@@ -1,5 +1,9 @@
 #include "ui/dragging/dropped_items.h"
 
+#include "vault/move_rule.h"
+
+#include <QHash>
+
 #include <algorithm>
 #include <filesystem>
 
@@ -22,11 +26,6 @@ bool leadsToFolder(const Location &item)
     return std::filesystem::is_directory(item.c_str(), failed);
 }
 
-bool takes(const std::optional<VaultCategory> &category, AssetKind kind)
-{
-    return !category || accepts(*category, kind);
-}
-
 } // namespace
 
 struct DropJudge
@@ -34,12 +33,13 @@ struct DropJudge
     explicit DropJudge(const Location &root) : realRoot(root.resolved()) {}
 
     void add(const Location &item);
-    void addInside(const Location &place, file_type type);
+    void addInside(const Location &place, const Location &resolved, file_type type);
     void addOutside(const Location &item);
     Location realFolder(const Location &folder);
 
     const Location realRoot;
-    QHash<Location, Location> realFolders; // the many items of a drag have few folders
+    QHash<Location, Location> realFolders;     // the many items of a drag have few folders
+    QSet<std::pair<AssetKind, Location>> seen; // kind and folder of files to move
     JudgedDrop drop;
 };
 
@@ -64,21 +64,24 @@ void DropJudge::add(const Location &item)
         addOutside(item);
     } else if (place.isInside(realRoot)) {
         drop.items.inside.push_back(item);
-        addInside(place, type);
+        addInside(place, end, type);
     } else if (!isCategoryRoot(realRoot, end)) {
         // A link from outside stands for what it leads to and stays where it is.
         drop.items.inside.push_back(end);
-        addInside(end, typeOf(end));
+        addInside(end, end, typeOf(end));
     }
 }
 
-void DropJudge::addInside(const Location &place, file_type type)
+void DropJudge::addInside(const Location &place, const Location &resolved, file_type type)
 {
     const std::optional<AssetKind> kind = kindOf(place);
-    if (kind && type != file_type::directory)
-        drop.effects.m_origins[*kind].insert(place.parent());
-    else
-        drop.effects.m_others.push_back({place, kind});
+    if (kind && type != file_type::directory) {
+        const std::pair group(*kind, resolved.parent());
+        if (seen.contains(group))
+            return;
+        seen.insert(group);
+    }
+    drop.effects.m_moved.push_back({kind, resolved});
 }
 
 void DropJudge::addOutside(const Location &item)
@@ -93,24 +96,17 @@ void DropJudge::addOutside(const Location &item)
 
 bool DropEffects::moveInto(const Location &folder, const Location &root) const
 {
-    const Location target = folder.resolved();
-    const auto category = categoryOf(root, folder);
-    for (auto origin = m_origins.begin(); origin != m_origins.end(); ++origin) {
-        const bool elsewhere = origin->size() > 1 || !origin->contains(target);
-        if (elsewhere && takes(category, origin.key()))
-            return true;
-    }
-    return std::ranges::any_of(m_others, [&](const Other &other) {
-        return (!other.kind || takes(category, *other.kind)) && other.place.parent() != target &&
-               other.place != target && !target.isInside(other.place);
-    });
+    const MoveRule rule(root, folder);
+    return std::ranges::any_of(m_moved,
+                               [&](const Moved &moved) { return rule.allows(moved.kind, moved.resolved); });
 }
 
 bool DropEffects::importInto(const Location &folder, const Location &root) const
 {
     const auto category = categoryOf(root, folder);
-    return m_importsFolder ||
-           std::ranges::any_of(m_imported, [&](AssetKind kind) { return takes(category, kind); });
+    return m_importsFolder || std::ranges::any_of(m_imported, [&](AssetKind kind) {
+               return !category || accepts(*category, kind);
+           });
 }
 
 JudgedDrop judgeDrop(const std::vector<Location> &items, const Location &root)

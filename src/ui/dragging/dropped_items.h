@@ -3,8 +3,8 @@
 #include "platform/location.h"
 #include "vault/category.h"
 
-#include <QHash>
 #include <QSet>
+#include <optional>
 #include <vector>
 
 namespace cratewell {
@@ -19,12 +19,11 @@ struct DroppedItems
     friend bool operator==(const DroppedItems &, const DroppedItems &) = default;
 };
 
-// What a drop would do on any folder. Small, however many items there are.
+// What a drop would do on any folder. Small, unless it holds many folders.
 class DropEffects
 {
 public:
-    // Whether a move into `folder` takes anything: not what lies there already, nor a folder into itself, nor
-    // what the folder's category does not accept. Resolves `folder`.
+    // Whether a move into `folder` takes anything.
     bool moveInto(const Location &folder, const Location &root) const;
     // Whether anything is copied from outside the vault: assets and folders.
     bool import() const { return m_importsFolder || !m_imported.isEmpty(); }
@@ -33,14 +32,12 @@ public:
 
 private:
     friend struct DropJudge;
-    // A folder, or what is no asset, at its real place.
-    struct Other
+    struct Moved
     {
-        Location place;
         std::optional<AssetKind> kind; // that its name suggests
+        Location resolved;
     };
-    QHash<AssetKind, QSet<Location>> m_origins; // of moved assets: the folders that they leave
-    std::vector<Other> m_others;
+    std::vector<Moved> m_moved; // of the files of one kind in one folder, one stands for all
     QSet<AssetKind> m_imported;
     bool m_importsFolder = false;
 };

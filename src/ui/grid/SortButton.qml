@@ -18,12 +18,18 @@ GlassButton {
 
     Accessible.description: qsTr("Sort")
 
-    onClicked: menu.open({ button: button })
+    onClicked: menu.open()
 
-    PopupLoader {
+    PopupHost {
         id: menu
 
-        file: "SortMenu.qml"
         y: button.height + 4
+
+        popup: SortMenu {
+            labels: button.labels
+            order: button.order
+
+            onChosen: order => button.chosen(order)
+        }
     }
 }

@@ -37,7 +37,6 @@ void ThumbnailItem::setSource(ThumbnailProvider *source)
             if (url == m_url && bucket == m_frame)
                 polish();
         });
-        connect(source, &ThumbnailProvider::reset, this, &ThumbnailItem::forget);
     }
     forget();
     Q_EMIT sourceChanged();
@@ -107,7 +106,7 @@ void ThumbnailItem::takeDuration()
 {
     const double seconds = m_source && !m_url.isEmpty() ? m_source->duration(m_url) : 0;
     const QString text = seconds > 0 ? timeString(seconds) : QString();
-    // A source that is short of memory forgets; what is told once stays until something else is known.
+    // A source that is short of memory forgets; what was known once stays until something else is known.
     const bool known = m_source && m_source->state(m_url) != Media::State::Missing;
     if (text == m_duration || (text.isEmpty() && !known))
         return;
@@ -212,7 +211,7 @@ void ThumbnailItem::showPicture(const QImage &picture, const ThumbnailShape &wan
 {
     if (picture.isNull())
         return;
-    if (const QImage ready = m_source->cutter().ready(picture, wanted); !ready.isNull()) {
+    if (const QImage ready = m_source->scaler().ready(picture, wanted); !ready.isNull()) {
         m_ticket.reset();
         draw(ready, wanted, Drawn::Picture);
         return;
@@ -223,7 +222,7 @@ void ThumbnailItem::showPicture(const QImage &picture, const ThumbnailShape &wan
         // One cut at a time: while a card is being resized the next one starts when this one is done.
         return;
     }
-    m_ticket = m_source->cutter().cut(picture, wanted, [this, wanted](const QImage &cut) {
+    m_ticket = m_source->scaler().cut(picture, wanted, [this, wanted](const QImage &cut) {
         m_ticket.reset();
         draw(cut, wanted, Drawn::Picture);
         polish();

@@ -21,27 +21,22 @@ QImage ThumbnailProvider::placeholder(const PlaceholderLook &look, const Thumbna
         .picture;
 }
 
-void VaultThumbnails::follow(Vault &vault, Media &media)
+VaultThumbnails::VaultThumbnails(const Vault &vault, Media &media) : m_vault(vault), m_media(media)
 {
-    m_vault = &vault;
-    m_media = &media;
     connect(&media, &Media::thumbnailChanged, this, &ThumbnailProvider::changed);
     connect(&media, &Media::waveformChanged, this, &ThumbnailProvider::changed);
     connect(&media, &Media::scrubFrameChanged, this, &ThumbnailProvider::scrubFrameChanged);
-    Q_EMIT reset();
 }
 
-void VaultThumbnails::componentComplete()
+VaultThumbnails *VaultThumbnails::create(QQmlEngine *engine, QJSEngine *)
 {
-    const UiContext &objects = uiContext(*this);
-    follow(objects.vault, objects.media);
+    const UiContext &context = UiEngine::contextOf(engine);
+    return new VaultThumbnails(context.vault, context.media);
 }
 
 const Asset *VaultThumbnails::find(const Location &url) const
 {
-    if (!m_vault)
-        return nullptr;
-    const VaultSnapshot &snapshot = *m_vault->snapshot();
+    const VaultSnapshot &snapshot = *m_vault.snapshot();
     const std::optional<AssetIndex> index = snapshot.find(url);
     return index ? &snapshot.asset(*index) : nullptr;
 }
@@ -52,8 +47,8 @@ Media::State VaultThumbnails::state(const Location &url) const
     if (!asset)
         return Media::State::Missing;
     if (asset->kind != AssetKind::Audio)
-        return m_media->thumbnailState(*asset);
-    const std::optional<WaveformPeaks> peaks = m_media->waveform(*asset);
+        return m_media.thumbnailState(*asset);
+    const std::optional<WaveformPeaks> peaks = m_media.waveform(*asset);
     if (!peaks)
         return Media::State::Missing;
     return peaks->isEmpty() ? Media::State::Failed : Media::State::Ready;
@@ -62,7 +57,7 @@ Media::State VaultThumbnails::state(const Location &url) const
 QImage VaultThumbnails::picture(const Location &url) const
 {
     const Asset *asset = find(url);
-    return asset ? m_media->thumbnail(*asset) : QImage();
+    return asset ? m_media.thumbnail(*asset) : QImage();
 }
 
 std::unique_ptr<PreviewRequest> VaultThumbnails::request(const Location &url)
@@ -70,32 +65,32 @@ std::unique_ptr<PreviewRequest> VaultThumbnails::request(const Location &url)
     const Asset *asset = find(url);
     if (!asset)
         return nullptr;
-    return asset->kind == AssetKind::Audio ? m_media->requestWaveform(*asset)
-                                           : m_media->requestThumbnail(*asset);
+    return asset->kind == AssetKind::Audio ? m_media.requestWaveform(*asset)
+                                           : m_media.requestThumbnail(*asset);
 }
 
 QImage VaultThumbnails::scrubFrame(const Location &url, int bucket) const
 {
     const Asset *asset = find(url);
-    return asset ? m_media->scrubFrame(*asset, bucket) : QImage();
+    return asset ? m_media.scrubFrame(*asset, bucket) : QImage();
 }
 
 std::unique_ptr<PreviewRequest> VaultThumbnails::requestScrubFrame(const Location &url, int bucket)
 {
     const Asset *asset = find(url);
-    return asset ? m_media->requestScrubFrame(*asset, bucket) : nullptr;
+    return asset ? m_media.requestScrubFrame(*asset, bucket) : nullptr;
 }
 
 WaveformPeaks VaultThumbnails::waveform(const Location &url) const
 {
     const Asset *asset = find(url);
-    return asset ? m_media->waveform(*asset).value_or(WaveformPeaks()) : WaveformPeaks();
+    return asset ? m_media.waveform(*asset).value_or(WaveformPeaks()) : WaveformPeaks();
 }
 
 double VaultThumbnails::duration(const Location &url) const
 {
     const Asset *asset = find(url);
-    return asset ? m_media->duration(*asset) : 0;
+    return asset ? m_media.duration(*asset) : 0;
 }
 
 } // namespace cratewell

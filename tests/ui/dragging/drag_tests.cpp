@@ -1,9 +1,6 @@
 #include "ui/dragging/drag_data.h"
 #include "ui/dragging/drag_picture.h"
 
-#include "support/small_library.h"
-#include "ui/grid/folder_choice_model.h"
-
 #include <QMimeData>
 #include <gmock/gmock.h>
 
@@ -12,8 +9,6 @@ namespace cratewell {
 namespace {
 
 using namespace Qt::StringLiterals;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 } // namespace
 
@@ -61,33 +56,6 @@ TEST(DragPicture, ShowsThePressedCardInFrontAndHowManyThereAre)
         EXPECT_FALSE(many.hasAlphaChannel());
     }
     EXPECT_FALSE(dragPicture({}, 0, Qt::magenta, 1).isNull());
-}
-
-TEST(MoveTargetsModel, OffersTheFoldersThatTakeEveryKindOfTheSelection)
-{
-    test::SmallLibrary library;
-    for (const auto file :
-         {"Overlays/Flashes/White.mov"_L1, "Overlays/Still.png"_L1, "SFX/Hits/Deep/Boom.wav"_L1})
-        library.write(file);
-    ASSERT_TRUE(library.scan());
-    const auto offered = [&](const QStringList &files) {
-        QSet<Location> selected;
-        for (const QString &file : files)
-            selected.insert(library.path(file));
-        library.state.setSelected(selected);
-        FolderChoiceModel targets;
-        targets.fill(library.vault, library.state);
-        std::vector<std::string> lines;
-        for (int row = 0; row < targets.rowCount(); ++row)
-            lines.push_back(
-                std::string(targets.data(targets.index(row), FolderChoiceModel::DepthRole).toUInt(), ' ') +
-                targets.data(targets.index(row), FolderChoiceModel::NameRole).toString().toStdString());
-        return lines;
-    };
-    EXPECT_THAT(offered({u"SFX/Hits/Deep/Boom.wav"_s}), ElementsAre("SFX", " Hits", "  Deep"));
-    EXPECT_THAT(offered({u"Overlays/Flashes/White.mov"_s, u"Overlays/Still.png"_s}),
-                ElementsAre("Overlays", " Flashes"));
-    EXPECT_THAT(offered({u"Overlays/Still.png"_s, u"SFX/Hits/Deep/Boom.wav"_s}), IsEmpty());
 }
 
 } // namespace cratewell

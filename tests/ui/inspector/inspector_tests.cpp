@@ -109,7 +109,6 @@ protected:
         library.write(u"Overlays/Flashes/White.mov"_s);
         library.write(u"LUTs/Noir.cube"_s);
         ASSERT_TRUE(library.scan());
-        info.follow(library.state, library.vault, library.prefs, inserter);
     }
 
     test::SmallLibrary library;
@@ -117,7 +116,7 @@ protected:
     NoBridge bridge;
     Notifications notifications;
     Inserter inserter{library.prefs, library.state, applications, notifications, bridge, bridge};
-    SelectionInfo info;
+    SelectionInfo info{library.state, library.vault, library.prefs, inserter};
 };
 
 TEST_F(SelectionInfoTest, SaysWhatIsFocused)
@@ -191,8 +190,7 @@ TEST(Notice, OffersWhatHelpsInEachView)
 TEST(EmptyStateModel, DoesWhatItOffers)
 {
     test::SmallLibrary library;
-    EmptyStateModel notice;
-    notice.follow(library.state, library.vault, library.workspace);
+    EmptyStateModel notice(library.state, library.vault, library.workspace);
 
     const Location hits = library.path(u"SFX/Hits"_s);
     library.state.setScope(Scope::inFolder(hits));
