@@ -174,7 +174,8 @@ TEST_F(WindowDrops, ThreeCardsMoveToTheFolderTheyAreDroppedOn)
     Hover hover(window, dragData({inVault(u"SFX/Hits/Hit 1.wav"_s), inVault(u"SFX/Hits/Hit 2.wav"_s),
                                   inVault(u"SFX/Hits/Hit 3.wav"_s)}));
     ASSERT_TRUE(hover.drop(folder(u"Whooshes"_s)));
-    EXPECT_TRUE(waitUntil([this] { return state.visibleRow(inVault(u"SFX/Whooshes/Hit 3.wav"_s)) >= 0; }));
+    EXPECT_TRUE(
+        waitUntil([this] { return state.visibleAssets().row(inVault(u"SFX/Whooshes/Hit 3.wav"_s)) >= 0; }));
     for (const auto name : {"Hit 1.wav"_L1, "Hit 2.wav"_L1, "Hit 3.wav"_L1}) {
         EXPECT_TRUE(onDisk(u"SFX/Whooshes/"_s + name)) << name.data();
         EXPECT_FALSE(onDisk(u"SFX/Hits/"_s + name)) << name.data();

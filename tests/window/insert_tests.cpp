@@ -1,8 +1,8 @@
 #include "window/app_fixture.h"
 
-#include "integrations/inserter.h"
 #include "platform/fakes/fake_applications.h"
 #include "state/app_state.h"
+#include "state/notifications.h"
 #include "state/prefs.h"
 #include "support/wait.h"
 
@@ -64,9 +64,9 @@ TEST(InsertFromTheWindow, PlacesTheChosenAssetOnANewTopTrack)
         nullptr);
     app.key(Qt::Key_Return, Qt::ControlModifier);
 
-    ASSERT_TRUE(waitUntil([&] { return !app.program().inserter().toastText().isEmpty(); }));
+    ASSERT_TRUE(waitUntil([&] { return !app.program().notifications().toastText().isEmpty(); }));
     const QString toast = u"Inserted Burst on V%1 at 01:00:10:12"_s.arg(tracksBefore + 1);
-    EXPECT_EQ(app.program().inserter().toastText(), toast);
+    EXPECT_EQ(app.program().notifications().toastText(), toast);
     EXPECT_TRUE(waitUntil([&] { return app.controls().find(QAccessible::AlertMessage, toast) != nullptr; }));
 
     const QJsonArray tracks = videoTracks(project);

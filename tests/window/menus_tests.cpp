@@ -205,7 +205,8 @@ TEST_F(Menus, MoveToListsTheFoldersThatTakeTheSelection)
     EXPECT_FALSE(entries().contains(u"SFX"_s));
     EXPECT_EQ(controls.accessibilityIssues(), "");
     ASSERT_TRUE(choose(u"Overlays"_s));
-    EXPECT_TRUE(waitUntil([this] { return state.visibleRow(inVault(u"Overlays/White.png"_s)) >= 0; }));
+    EXPECT_TRUE(
+        waitUntil([this] { return state.visibleAssets().row(inVault(u"Overlays/White.png"_s)) >= 0; }));
 
     // Back with the keyboard: from the submenu's first line to its second.
     ASSERT_TRUE(rightClick(QAccessible::ListItem, u"White"_s));
@@ -216,8 +217,8 @@ TEST_F(Menus, MoveToListsTheFoldersThatTakeTheSelection)
     ASSERT_TRUE(opens(u"Flashes"_s));
     app.key(Qt::Key_Down);
     app.key(Qt::Key_Return);
-    EXPECT_TRUE(
-        waitUntil([this] { return state.visibleRow(inVault(u"Overlays/Flashes/White.png"_s)) >= 0; }));
+    EXPECT_TRUE(waitUntil(
+        [this] { return state.visibleAssets().row(inVault(u"Overlays/Flashes/White.png"_s)) >= 0; }));
     EXPECT_TRUE(waitUntil([this] { return entries().isEmpty(); }));
 }
 

@@ -1,8 +1,8 @@
 #include "window/app_fixture.h"
 
-#include "integrations/inserter.h"
 #include "platform/fakes/fake_file_chooser.h"
 #include "state/app_state.h"
+#include "state/notifications.h"
 #include "state/prefs.h"
 #include "support/wait.h"
 #include "vault/file_progress.h"
@@ -156,7 +156,7 @@ TEST_F(Pages, ToastAfterTrashingOffersToUndoIt)
     vault.deleteForever(vault.trashItems());
     ASSERT_TRUE(waitUntil([&] { return vault.trashItems().empty(); }));
     const auto before = toasts.count();
-    app.program().inserter().takeToastAction();
+    app.program().notifications().takeToastAction();
     bool later = false;
     vault.createFolder(u"Later"_s, Location::fromText(path(u"SFX"_s)), [&](const auto &) { later = true; });
     ASSERT_TRUE(waitUntil([&] { return later; }));

@@ -31,14 +31,14 @@ GlassMenu {
     GlassMenuItem {
         text: qsTr("New Folder Inside…")
 
-        onTriggered: Requests.newFolderInside(menu.folder)
+        onTriggered: AppState.newFolderInside(menu.folder)
     }
     GlassMenuItem {
         id: rename
 
         text: qsTr("Rename…")
 
-        onTriggered: Requests.rename(menu.folder)
+        onTriggered: AssetActions.rename(menu.folder)
     }
     GlassMenu {
         id: colors
@@ -78,7 +78,7 @@ GlassMenu {
     GlassMenuItem {
         text: qsTr("Reveal in Finder")
 
-        onTriggered: Requests.revealInFileManager(menu.folder)
+        onTriggered: AssetActions.reveal(menu.folder)
     }
     MenuDivider { id: divider }
     GlassMenuItem {
@@ -87,7 +87,7 @@ GlassMenu {
         destructive: true
         text: qsTr("Move to Trash")
 
-        onTriggered: Requests.moveToTrash(menu.folder)
+        onTriggered: AssetActions.moveToTrash(menu.folder)
     }
 
     Component.onCompleted: {
