@@ -17,7 +17,7 @@ from collections.abc import Iterator
 from controls import Window
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-STAND_IN = ROOT / "tests" / "fakes" / "resolve"
+STAND_IN = ROOT / "scripts" / "standin_resolve"
 PYTHON = "/usr/bin/python3"
 END_SECONDS = 30
 

@@ -21,7 +21,7 @@ namespace {
 
 QString standInFolder()
 {
-    return qEnvironmentVariable("CRATEWELL_SOURCE") + u"/tests/fakes/resolve"_s;
+    return qEnvironmentVariable("CRATEWELL_SOURCE") + u"/scripts/standin_resolve"_s;
 }
 
 // A fresh project with one timeline, in the stand-in's own form.
