@@ -11,7 +11,7 @@ from collections.abc import Callable
 class Recipe:
     path: str  # below the vault, with its extension
     make: Callable[[pathlib.Path, pathlib.Path], None]  # (file to write, empty folder for what lies between)
-    ingredients: str  # diff when the file has to be made again
+    ingredients: str  # changes when the file has to be made again
 
     @property
     def fingerprint(self) -> str:

@@ -17,12 +17,11 @@
 #include "state/prefs.h"
 #include "ui/shell/dialog_file_chooser.h"
 #include "ui/shell/icon_renderer.h"
-#include "ui/shell/ui_context.h"
+#include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
 
 #include <QGuiApplication>
 #include <QPixmap>
-#include <QQmlApplicationEngine>
 #include <QQuickWindow>
 #include <QThreadPool>
 
@@ -56,7 +55,9 @@ struct Application::Private
           vault(Location::fromText(prefs.vaultPath()), *services.defaults, std::move(services.fileEvents)),
           chooser([this] { return makeChooser(); }), state(vault, prefs, *services.workspace, &chooser),
           media(vault, prefs, systemPaths), resolve(prefs, systemPaths),
-          inserter(prefs, state, *services.applications, resolve, premiere)
+          inserter(prefs, state, *services.applications, resolve, premiere),
+          engine({prefs, state, vault, inserter, media, *services.appearance, *services.defaults,
+                  *services.workspace})
     {
     }
 
@@ -73,7 +74,7 @@ struct Application::Private
     PremiereBridge premiere;
     Inserter inserter;
     std::vector<TrashItem> trashed; // the toast that tells of it comes next
-    QQmlApplicationEngine engine;
+    UiEngine engine;
 };
 
 std::unique_ptr<FileChooser> Application::Private::makeChooser()
@@ -127,8 +128,6 @@ bool Application::launch()
     d->vault.start();
     d->inserter.start();
 
-    installUiContext(d->engine, {d->prefs, d->state, d->vault, d->inserter, d->media, *d->services.appearance,
-                                 *d->services.defaults, *d->services.workspace});
     d->engine.load(QUrl(u"qrc:/qt-project.org/imports/Cratewell/Main.qml"_s));
     if (!window())
         return false;

@@ -29,7 +29,7 @@ public:
     void writeUntilStopped();
 
     const Location file;
-    // The main thread reads without the lock: it alone diff the object.
+    // The main thread reads without the lock: it alone changes the object.
     QJsonObject values;
 
     std::mutex mutex;

@@ -8,7 +8,7 @@
 namespace cratewell {
 
 // Defaults in one JSON object, replaced atomically by a writer thread of its own that always writes the
-// newest snapshot (a burst of diff costs one or two writes). A file that cannot be read as a JSON object
+// newest snapshot (a burst of changes costs one or two writes). A file that cannot be read as a JSON object
 // is kept aside under another name and the store starts empty. An unwritable place keeps the values in memory
 // only.
 class JsonDefaults final : public Defaults

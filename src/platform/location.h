@@ -67,6 +67,12 @@ private:
     QByteArray m_path;
 };
 
+// Whether a file or folder of this name is kept from view: by a leading dot.
+inline bool isHiddenName(QByteArrayView name)
+{
+    return name.startsWith('.');
+}
+
 // Text for bytes and back, by the rule above; exact in both directions for names that came from bytes.
 QString textFromBytes(QByteArrayView bytes);
 QByteArray bytesFromText(QStringView text);

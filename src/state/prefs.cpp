@@ -182,7 +182,7 @@ void Prefs::setFolderColor(const Location &folder, const QString &hex)
 void Prefs::followRename(const Location &from, const Location &to)
 {
     const QString hex = m_folderColors.value(from);
-    if (hex.isNull())
+    if (hex.isNull() || from == to)
         return;
     setFolderColor(to, hex);
     setFolderColor(from, {});

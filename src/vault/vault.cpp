@@ -56,7 +56,10 @@ void Vault::Private::takeResult()
 void Vault::Private::follow()
 {
     following = true;
-    events->watch(root, scanStarted);
+    std::vector<QByteArray> categories;
+    for (const VaultCategory category : allCategories)
+        categories.push_back(categoryFolder(root, category).nameBytes().toByteArray());
+    events->watch(root, categories, scanStarted);
 }
 
 Vault::Vault(Location root, Defaults &defaults, std::unique_ptr<FileEvents> events)

@@ -60,16 +60,17 @@ public:
     Location defaultFolder(AssetKind kind) const;
     std::vector<Asset> assetsUnder(const Location &folder) const;
 
-    // What diff files. Each call returns at once; the disk work is done in the order of the calls on a
+    // What changes files. Each call returns at once; the disk work is done in the order of the calls on a
     // thread of its own, and its effects (signals, rescan, toast) follow on the main thread when it is done.
     // A failure puts the system's description into lastError.
 
     // `done` is called with the new folder, or with nothing when there is none; a taken name gets a number.
     using FolderCreated = std::function<void(const std::optional<Location> &)>;
     void createFolder(const QString &name, const Location &parent, FolderCreated done = {});
-    // The name replaces the whole last path component. Refuses category folders and empty names.
+    // The name replaces the whole last path component. Refuses category folders and empty names;
+    // nothing happens when it is the item's name already.
     void rename(const Location &item, const QString &name);
-    // Leaves out what is there already, what would go into itself and what the category does not accept.
+    // Takes what MoveRule allows and leaves the rest where it is.
     void move(const std::vector<Location> &items, const Location &folder);
     // The folders of the categories that accept all of these kinds, depth first; without kinds all folders.
     std::vector<FolderChoice> flatFolders(const std::optional<QSet<AssetKind>> &kinds = {}) const;

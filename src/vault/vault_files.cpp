@@ -78,9 +78,9 @@ void Vault::createFolder(const QString &name, const Location &parent, FolderCrea
 void Vault::rename(const Location &item, const QString &name)
 {
     const QString cleaned = cleanedName(name);
-    if (cleaned.isEmpty() || isCategoryRoot(item))
-        return;
     const Location destination = item.parent().child(cleaned);
+    if (cleaned.isEmpty() || isCategoryRoot(item) || destination == item)
+        return;
     d->change(
         {},
         [item, destination](FileOperations &work, OperationProgress &) {

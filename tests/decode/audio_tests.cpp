@@ -119,7 +119,7 @@ struct AudioFormat
     float tolerance;
 };
 
-// The same samples in every wrapping; lossy ones of a sound that coding hardly diff.
+// The same samples in every wrapping; lossy ones of a sound that coding hardly changes.
 TEST(Peaks, AreTheSameInEveryFormat)
 {
     MadeMedia media;

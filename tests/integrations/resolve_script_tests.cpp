@@ -13,14 +13,14 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-QJsonObject requestFor(const Location &asset, const QJsonObject &diff = {})
+QJsonObject requestFor(const Location &asset, const QJsonObject &changes = {})
 {
     QJsonObject request{{u"path"_s, asset.text()},
                         {u"kind"_s, u"video"_s},
                         {u"name"_s, asset.baseName()},
                         {u"blend"_s, 5},
                         {u"track"_s, u"newTop"_s}};
-    for (auto change = diff.begin(); change != diff.end(); ++change)
+    for (auto change = changes.begin(); change != changes.end(); ++change)
         request.insert(change.key(), change.value());
     return request;
 }
@@ -122,7 +122,7 @@ struct Placement
 {
     QString arrange;
     QByteArray file;
-    QJsonObject diff;
+    QJsonObject changes;
     QString message;
     QString placed;
 };
@@ -132,7 +132,7 @@ void expectPlacements(std::initializer_list<Placement> placements)
     for (const Placement &expected : placements) {
         StandInResolve resolve;
         ASSERT_TRUE(resolve.arrange(expected.arrange));
-        const QJsonObject request = requestFor(resolve.file(expected.file), expected.diff);
+        const QJsonObject request = requestFor(resolve.file(expected.file), expected.changes);
         EXPECT_EQ(runScript(resolve, request), success(expected.message)) << qPrintable(expected.arrange);
         EXPECT_EQ(resolve.placed(), QStringList(expected.placed)) << qPrintable(expected.arrange);
     }

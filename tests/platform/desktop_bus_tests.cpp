@@ -64,8 +64,8 @@ protected:
 TEST_F(DesktopBus, AppearanceFollowsThePortalAndItsReturn)
 {
     PortalAppearance appearance(bus.connect());
-    int diff = 0;
-    QObject::connect(&appearance, &Appearance::changed, [&] { ++diff; });
+    int changes = 0;
+    QObject::connect(&appearance, &Appearance::changed, [&] { ++changes; });
     EXPECT_TRUE(appearance.dark());
     EXPECT_FALSE(appearance.reducedMotion());
 
@@ -80,7 +80,7 @@ TEST_F(DesktopBus, AppearanceFollowsThePortalAndItsReturn)
     {
         StandInService portal(bus, portalName, answer);
         ASSERT_TRUE(waitUntil([&] { return !appearance.dark() && appearance.reducedMotion(); }));
-        EXPECT_EQ(diff, 2);
+        EXPECT_EQ(changes, 2);
 
         struct Change
         {
@@ -102,12 +102,12 @@ TEST_F(DesktopBus, AppearanceFollowsThePortalAndItsReturn)
         bool dark = false;
         bool reduced = true;
         for (const Change &change : all) {
-            diff = 0;
+            changes = 0;
             const bool tells = std::exchange(dark, change.dark) != change.dark;
             const bool tellsToo = std::exchange(reduced, change.reduced) != change.reduced;
             portal.signal(portalPath, settingsInterface, u"SettingChanged"_s,
                           {change.group, change.key, boxed(change.value)});
-            ASSERT_TRUE(waitUntil([&] { return diff == (tells || tellsToo ? 1 : 0); }))
+            ASSERT_TRUE(waitUntil([&] { return changes == (tells || tellsToo ? 1 : 0); }))
                 << change.key.toStdString();
             EXPECT_EQ(appearance.dark(), change.dark) << change.key.toStdString();
             EXPECT_EQ(appearance.reducedMotion(), change.reduced) << change.key.toStdString();

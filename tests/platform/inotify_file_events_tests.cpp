@@ -54,7 +54,8 @@ public:
     ~Followed() { fs::remove_all(top()); }
     void watch()
     {
-        events.watch(Location::fromBytes((top() / "root").c_str()), std::chrono::system_clock::now());
+        events.watch(Location::fromBytes((top() / "root").c_str()), {"category", "twin"},
+                     std::chrono::system_clock::now());
     }
     fs::path top() const { return m_folder.path().toStdString(); }
     bool isQuiet() const { return !m_last.isValid() || m_last.elapsed() > 600; }
@@ -177,6 +178,37 @@ const std::vector<Story> &stories()
           }},
           {[](auto top) { overwriteInPlace(top / "other/a/file"); }},
           {[](auto top) { overwriteInPlace(top / "real/a/file"); }, Silence}}},
+        {"a category behind a link",
+         [](const fs::path &top) {
+             write(top / "real/a/file");
+             write(top / "other/a/file");
+             fs::create_directory(top / "root");
+             fs::create_directory_symlink("../real", top / "root/category");
+         },
+         {{[](auto top) { overwriteInPlace(top / "real/a/file"); }},
+          {[](auto top) { fs::create_directories(top / "real/a/new"); }},
+          {[](auto top) { write(top / "real/a/new/file"); }},
+          {[](auto top) { fs::rename(top / "real", top / "away"); }},
+          {[](auto top) { fs::rename(top / "away", top / "real"); }},
+          {[](auto top) { overwriteInPlace(top / "real/a/new/file"); }},
+          {[](auto top) {
+              fs::create_directory_symlink("../other", top / "next");
+              fs::rename(top / "next", top / "root/category");
+          }},
+          {[](auto top) { overwriteInPlace(top / "other/a/file"); }},
+          {[](auto top) { overwriteInPlace(top / "real/a/file"); }, Silence}}},
+        {"two categories behind links to one folder",
+         [](const fs::path &top) {
+             write(top / "real/a/file");
+             fs::create_directory(top / "root");
+             fs::create_directory_symlink("../real", top / "root/category");
+             fs::create_directory_symlink("../real", top / "root/twin");
+         },
+         {{[](auto top) { fs::remove(top / "root/twin"); }},
+          {[](auto top) { overwriteInPlace(top / "real/a/file"); }},
+          {[](auto top) { fs::create_directory_symlink("../real", top / "root/twin"); }},
+          {[](auto top) { fs::remove(top / "root/category"); }},
+          {[](auto top) { overwriteInPlace(top / "real/a/file"); }}}},
     };
     return all;
 }
@@ -227,7 +259,7 @@ TEST(InotifyFileEvents, WaitForARootThatDoesNotExistYet)
 {
     Followed followed;
     const fs::path root = followed.top() / "not/yet/there";
-    followed.events.watch(Location::fromBytes(root.c_str()), std::chrono::system_clock::now());
+    followed.events.watch(Location::fromBytes(root.c_str()), {}, std::chrono::system_clock::now());
     fs::create_directories(followed.top() / "not/yet");
     fs::create_directories(root / "inner");
     ASSERT_TRUE(test::waitUntil([&] { return followed.reported > 0; }));
@@ -265,7 +297,7 @@ TEST(InotifyFileEvents, StopAndChangeRootsAtOnce)
     write(followed.top() / "root/file");
     write(followed.top() / "next/file");
     followed.watch();
-    followed.events.watch(Location::fromBytes((followed.top() / "next").c_str()),
+    followed.events.watch(Location::fromBytes((followed.top() / "next").c_str()), {},
                           std::chrono::system_clock::now());
     ASSERT_TRUE(test::waitUntil([&] { return followed.reported > 0; }));
     ASSERT_TRUE(test::waitUntil([&] { return followed.isQuiet(); }));
@@ -279,7 +311,7 @@ TEST(InotifyFileEvents, StopAndChangeRootsAtOnce)
     overwriteInPlace(followed.top() / "next/file");
     followed.events.stop();
     followed.reported = 0;
-    followed.events.watch(Location(), std::chrono::system_clock::now());
+    followed.events.watch(Location(), {}, std::chrono::system_clock::now());
     QElapsedTimer clock;
     clock.start();
     ASSERT_TRUE(test::waitUntil([&] { return clock.hasExpired(700); }));
@@ -296,7 +328,7 @@ TEST(InotifyTree, StartsAfreshWhenTheQueueOverflowed)
     const fs::path root = folder.path().toStdString();
     const std::atomic<bool> interrupted = false;
     InotifyTree tree(interrupted);
-    tree.follow(Location::fromBytes(root.c_str()), std::chrono::system_clock::now());
+    tree.follow(Location::fromBytes(root.c_str()), {}, std::chrono::system_clock::now());
     // Two names in turn, as equal events in a row are one.
     write(root / "a");
     for (int i = 0; i <= queue / 2; ++i)

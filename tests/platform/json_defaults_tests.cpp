@@ -160,7 +160,7 @@ TEST_F(JsonDefaultsTest, WritesABurstInAFewWritesAndDrainsTheNewest)
     defaults.drain();
     struct stat after = {};
     ASSERT_EQ(::stat(file().c_str(), &after), 0);
-    EXPECT_EQ(before.st_ino, after.st_ino) << "what diff nothing is not written";
+    EXPECT_EQ(before.st_ino, after.st_ino) << "what changes nothing is not written";
 }
 
 // What the two tests below start in a process of their own.

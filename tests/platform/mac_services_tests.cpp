@@ -176,6 +176,7 @@ TEST(WatcherFileEvents, FollowTheTreeAndWhatTheWatcherDoesNotTell)
         std::ofstream(file) << "content";
     };
     write(top / "root/a/file");
+    write(top / "linked/inner/old");
     WatcherFileEvents events;
     QSignalSpy changed(&events, &FileEvents::changed);
     const std::pair<const char *, std::function<void()>> steps[] = {
@@ -183,12 +184,14 @@ TEST(WatcherFileEvents, FollowTheTreeAndWhatTheWatcherDoesNotTell)
         {"new folders", [&] { write(top / "root/b/c/file"); }},
         {"a file in the new folder", [&] { write(top / "root/b/c/more"); }},
         {"a file overwritten in place", [&] { std::fstream(top / "root/a/file") << "other"; }},
+        {"a category made a link", [&] { fs::create_directory_symlink("../linked", top / "root/category"); }},
+        {"a file behind the category", [&] { write(top / "linked/inner/file"); }},
         {"the root gone", [&] { fs::remove_all(top / "root"); }},
         {"the root back", [&] { write(top / "root/a/file"); }},
     };
     // The second watch hears nothing of what happened before it.
-    events.watch(Location::fromBytes((top / "elsewhere").c_str()), std::chrono::system_clock::now());
-    events.watch(Location::fromBytes((top / "root").c_str()), std::chrono::system_clock::now());
+    events.watch(Location::fromBytes((top / "elsewhere").c_str()), {}, std::chrono::system_clock::now());
+    events.watch(Location::fromBytes((top / "root").c_str()), {"category"}, std::chrono::system_clock::now());
     QElapsedTimer quiet;
     for (const auto &[name, act] : steps) {
         quiet.start();

@@ -104,7 +104,7 @@ class Window:
 
     @staticmethod
     def _quietly(look):
-        """What diff while it is read counts as not found: the next look sees it whole."""
+        """What changes while it is read counts as not found: the next look sees it whole."""
         try:
             return look()
         except GLib.Error:

@@ -24,7 +24,7 @@ class SuddenEnd(ProgramCase):
             f"expanded.{self.home.vault}/SFX": False,
             "cardSize": 310,
         }
-        until(lambda: wanted.items() <= self.home.settings().items(), "all diff in the settings file")
+        until(lambda: wanted.items() <= self.home.settings().items(), "all changes in the settings file")
         self.assertLess(time.monotonic() - changed, PROMISE_SECONDS + SLACK_SECONDS)
 
         self.program.kill()
@@ -43,7 +43,7 @@ class SuddenEnd(ProgramCase):
         slider = self.window.find(SLIDER, "Card size")
         for size in range(150, 340, 10):
             slider.set_value(size)
-        until(lambda: "cardSize" in self.home.settings(), "the first of the diff in the settings file")
+        until(lambda: "cardSize" in self.home.settings(), "the first of the changes in the settings file")
         self.program.kill()
         stored = self.home.settings()["cardSize"]
         self.assertIn(stored, range(150, 340, 10))

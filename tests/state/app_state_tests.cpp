@@ -219,7 +219,7 @@ TEST_F(AppStateTest, AnotherScopeEmptiesTheSelectionButKeepsTheFocus)
     click(1);
     click(2, ctrl);
     state.setScope(Scope::all());
-    EXPECT_EQ(state.selectedCount(), 2) << "the same scope diff nothing";
+    EXPECT_EQ(state.selectedCount(), 2) << "the same scope changes nothing";
     state.setScope(Scope::inFolder(library.path(u"Overlays"_s)));
     EXPECT_EQ(state.selectedCount(), 0);
     EXPECT_EQ(focused(), "Flash 2.mov");

@@ -96,6 +96,8 @@ TEST_F(FileRequests, RenamedFolderKeepsItsViewAndItsColor)
     state.setScope(Scope::inFolder(path(u"SFX/Hits"_s)));
     Q_EMIT vault.itemRenamed(path(u"SFX/Impacts"_s), path(u"SFX/Hit"_s));
     EXPECT_EQ(state.scope(), Scope::inFolder(path(u"SFX/Hits"_s)));
+    Q_EMIT vault.itemRenamed(path(u"SFX/Hits"_s), path(u"SFX/Hits"_s));
+    EXPECT_EQ(library.prefs.color(path(u"SFX/Hits"_s)), QColor(u"#2FD6FF"_s));
 }
 
 TEST_F(FileRequests, TrashedPlacesLeaveTheViewAndTheSelection)

@@ -107,14 +107,14 @@ TEST_F(PrefsTest, EverySettingLoadsStoresResetsAndRejectsOtherTypes)
         const QVariant other = property(setting).read(&loaded);
         EXPECT_NE(other, initial);
 
-        QSignalSpy diff(&empty, property(setting).notifySignal());
+        QSignalSpy changes(&empty, property(setting).notifySignal());
         ASSERT_TRUE(property(setting).write(&empty, other));
         EXPECT_EQ(property(setting).read(&empty), other);
         EXPECT_EQ(stored(setting.name), setting.other);
         defaults.remove(key(setting));
         ASSERT_TRUE(property(setting).write(&empty, other));
         EXPECT_EQ(stored(setting.name), setting.other) << "assigning an equal value writes too";
-        EXPECT_EQ(diff.count(), 1);
+        EXPECT_EQ(changes.count(), 1);
 
         empty.resetAll();
         EXPECT_EQ(property(setting).read(&empty), setting.reset ? initial : other);

@@ -152,7 +152,7 @@ Decoded<int> CodedAudioReader::read(float *const *planes, int count)
         const auto format = AVSampleFormat(m_frame->format);
         const auto kind = SampleKind::ofDecoded(format);
         if (!kind || m_frame->ch_layout.nb_channels != channels() || m_frame->sample_rate != sampleRate())
-            return failed("the sound diff its kind");
+            return failed("the sound changes its kind");
         const bool planar = av_sample_fmt_is_planar(format) != 0;
         const int stride = planar ? kind->bytes() : kind->bytes() * channels();
         for (int channel = 0; channel < channels(); ++channel) {

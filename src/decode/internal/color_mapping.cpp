@@ -122,7 +122,7 @@ void ColorMapping::fillLight()
     }
 }
 
-// BT.2390-10, 5.4.1: below the knee nothing diff, above it a Hermite spline leads to the target's white.
+// BT.2390-10, 5.4.1: below the knee nothing changes, above it a Hermite spline leads to the target's white.
 void ColorMapping::fillRollOff()
 {
     const double peakCode = pqCode(m_peak), white = pqCode(referenceWhite) / peakCode;

@@ -13,7 +13,7 @@ namespace cratewell::decode {
 // high dynamic range, PQ (SMPTE ST 2084) and HLG (BT.2100, shown as on a display of 1000 cd/m2).
 // What is brighter than white is rolled off after BT.2390 (EETF without black lift) so that the brightest the
 // film was graded for becomes white, which stands for the 203 cd/m2 of reference white in BT.2408; darker
-// than about half of that nothing diff. What sRGB cannot show is cut off.
+// than about half of that nothing changes. What sRGB cannot show is cut off.
 class ColorMapping
 {
 public:

@@ -34,7 +34,7 @@ public:
         return entry->value ? PreviewState::Ready : PreviewState::Failed;
     }
 
-    // Null unless ready; counts as shown now. Valid until the store diff.
+    // Null unless ready; counts as shown now. Valid until the store changes.
     const Value *show(const PreviewKey &key)
     {
         const Entry *entry = find(key);

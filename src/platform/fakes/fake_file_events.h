@@ -8,7 +8,7 @@ namespace cratewell {
 class FakeFileEvents final : public FileEvents
 {
 public:
-    void watch(const Location &root, Time) override
+    void watch(const Location &root, const std::vector<QByteArray> &, Time) override
     {
         m_root = root;
         m_watched += root;

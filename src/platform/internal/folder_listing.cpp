@@ -1,5 +1,7 @@
 #include "platform/internal/folder_listing.h"
 
+#include "platform/location.h"
+
 #include <QHash>
 #include <dirent.h>
 #include <fcntl.h>
@@ -66,7 +68,7 @@ FolderListing FolderListing::read(const QByteArray &path, Detail detail, Links l
         listing.changed = timeOf(statusChanged(facts));
     listing.opened = true;
     while (const dirent *entry = ::readdir(folder.get())) {
-        if (entry->d_name[0] == '.')
+        if (isHiddenName(entry->d_name))
             continue;
         bool isFolder = entry->d_type == DT_DIR;
         if (detail == Detail::Digest || entry->d_type == DT_UNKNOWN) {

@@ -15,7 +15,7 @@ struct FolderListing
     bool opened = false;
     // Names of visible folders in it; links are none.
     std::vector<QByteArray> folders;
-    // Changes when a visible entry comes, goes or diff its size, time or inode. Only with Detail::Digest.
+    // Changes when a visible entry comes, goes or changes its size, time or inode. Only with Detail::Digest.
     quint64 digest = 0;
     // The folder's own last change. File systems date with a coarser clock than ours.
     std::chrono::system_clock::time_point changed;

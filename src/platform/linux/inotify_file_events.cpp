@@ -26,7 +26,14 @@ class InotifyFileEvents::Private
 public:
     explicit Private(InotifyFileEvents &owner) : q(owner), throttle([&owner] { Q_EMIT owner.changed(); }) {}
 
-    void order(const Location &root, Time since);
+    struct Request
+    {
+        Location root;
+        std::vector<QByteArray> entries;
+        Time since;
+        quint64 generation = 0;
+    };
+    void request(Request next);
     void finish();
 
     InotifyFileEvents &q;
@@ -35,22 +42,15 @@ public:
 
 private:
     void run();
-    void obey(InotifyTree &tree);
+    void takeRequest(InotifyTree &tree);
     void wait(const InotifyTree &tree);
     void report(bool changed, const InotifyTree &tree);
-    void heard();
-
-    struct Order
-    {
-        Location root;
-        Time since;
-        quint64 generation = 0;
-    };
+    void noticeChange();
 
     std::thread m_thread;
     const int m_wake = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
     std::mutex m_mutex;
-    std::optional<Order> m_order;
+    std::optional<Request> m_request;
     std::atomic<bool> m_interrupted = false;
     std::atomic<bool> m_quit = false;
 
@@ -59,21 +59,23 @@ private:
     bool m_limitPosted = false;
     Clock::time_point m_nextCheck;
 
-    // The generation that last saw a change, and whether the main thread has still to hear of one.
+    // The generation that last saw a change, and whether the main thread has yet to notice one.
     std::atomic<quint64> m_changed = 0;
     std::atomic<bool> m_posted = false;
 };
 
-void InotifyFileEvents::Private::order(const Location &root, Time since)
+void InotifyFileEvents::Private::request(Request next)
 {
     throttle.reset();
+    next.generation = ++generation;
+    const bool needsThread = !next.root.isEmpty();
     {
         const std::lock_guard lock(m_mutex);
-        m_order = {root, since, ++generation};
+        m_request = std::move(next);
         m_interrupted = true;
     }
     ::eventfd_write(m_wake, 1);
-    if (!m_thread.joinable() && !root.isEmpty())
+    if (!m_thread.joinable() && needsThread)
         m_thread = std::thread([this] { run(); });
 }
 
@@ -94,7 +96,7 @@ void InotifyFileEvents::Private::run()
 {
     InotifyTree tree(m_interrupted);
     while (!m_quit) {
-        obey(tree);
+        takeRequest(tree);
         wait(tree);
         if (m_quit || m_interrupted)
             continue;
@@ -109,18 +111,18 @@ void InotifyFileEvents::Private::run()
     }
 }
 
-void InotifyFileEvents::Private::obey(InotifyTree &tree)
+void InotifyFileEvents::Private::takeRequest(InotifyTree &tree)
 {
-    std::optional<Order> taken;
+    std::optional<Request> taken;
     {
         const std::lock_guard lock(m_mutex);
-        taken = std::exchange(m_order, {});
+        taken = std::exchange(m_request, {});
         m_interrupted = m_quit.load();
     }
     if (!taken)
         return;
     m_followed = taken->root.isEmpty() ? 0 : taken->generation;
-    const bool changed = tree.follow(taken->root, taken->since);
+    const bool changed = tree.follow(taken->root, taken->entries, taken->since);
     m_nextCheck = Clock::now() + checkInterval;
     report(changed, tree);
 }
@@ -145,10 +147,10 @@ void InotifyFileEvents::Private::report(bool changed, const InotifyTree &tree)
     m_changed = m_followed;
     if (!m_posted.exchange(true))
         QMetaObject::invokeMethod(
-            &q, [this] { heard(); }, Qt::QueuedConnection);
+            &q, [this] { noticeChange(); }, Qt::QueuedConnection);
 }
 
-void InotifyFileEvents::Private::heard()
+void InotifyFileEvents::Private::noticeChange()
 {
     m_posted = false;
     if (m_changed == generation)
@@ -162,14 +164,14 @@ InotifyFileEvents::~InotifyFileEvents()
     d->finish();
 }
 
-void InotifyFileEvents::watch(const Location &root, Time since)
+void InotifyFileEvents::watch(const Location &root, const std::vector<QByteArray> &entries, Time since)
 {
-    d->order(root, since);
+    d->request({root, entries, since});
 }
 
 void InotifyFileEvents::stop()
 {
-    d->order({}, {});
+    d->request({});
 }
 
 } // namespace cratewell

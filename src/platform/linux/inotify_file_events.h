@@ -6,7 +6,7 @@
 
 namespace cratewell {
 
-// File events by inotify, read in a thread of its own. Hidden folders (a leading dot) are not followed.
+// File events by inotify, read in a thread of its own.
 class InotifyFileEvents final : public FileEvents
 {
     Q_OBJECT
@@ -14,7 +14,7 @@ public:
     InotifyFileEvents();
     ~InotifyFileEvents() override;
 
-    void watch(const Location &root, Time since) override;
+    void watch(const Location &root, const std::vector<QByteArray> &entries, Time since) override;
     void stop() override;
 
 private:

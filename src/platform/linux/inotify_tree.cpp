@@ -20,11 +20,6 @@ QByteArray childPath(const QByteArray &folder, QByteArrayView name)
     return QByteArray(folder).append(folder.endsWith('/') ? "" : "/").append(name);
 }
 
-bool isHidden(QByteArrayView name)
-{
-    return name.startsWith('.');
-}
-
 } // namespace
 
 InotifyTree::InotifyTree(const std::atomic<bool> &interrupted)
@@ -37,18 +32,23 @@ InotifyTree::~InotifyTree()
     close();
 }
 
-bool InotifyTree::follow(const Location &root, Time since)
+bool InotifyTree::follow(const Location &root, const std::vector<QByteArray> &entries, Time since)
 {
     m_root = root;
+    m_entrances.clear();
+    if (!root.isEmpty())
+        m_entrances[root.bytes()] = {};
+    for (const QByteArray &name : entries)
+        m_entrances[childPath(root.bytes(), name)] = {};
     m_newestChange = {};
     restart();
     return m_newestChange >= since - FolderListing::clockSlack;
 }
 
-InotifyTree::Identity InotifyTree::rootIdentity() const
+InotifyTree::Identity InotifyTree::identityOf(const QByteArray &path)
 {
     struct stat facts = {};
-    if (m_root.isEmpty() || ::stat(m_root.c_str(), &facts) != 0 || !S_ISDIR(facts.st_mode))
+    if (::stat(path.constData(), &facts) != 0 || !S_ISDIR(facts.st_mode))
         return {};
     return {facts.st_dev, facts.st_ino};
 }
@@ -68,20 +68,19 @@ void InotifyTree::close()
 bool InotifyTree::restart()
 {
     close();
-    const Identity before = std::exchange(m_identity, {});
     if (m_root.isEmpty())
-        return before.exists();
+        return false;
+    const Identity before = m_entrances.at(m_root.bytes());
     m_descriptor = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
     m_limitReached |= m_descriptor < 0;
     watchAncestors();
-    m_identity = rootIdentity();
     addTree(m_root.bytes());
-    return before.exists() || m_identity.exists();
+    return before.exists() || m_entrances.at(m_root.bytes()).exists();
 }
 
 void InotifyTree::watchAncestors()
 {
-    // From the top: whatever diff after a folder has its watch is told there.
+    // From the top: whatever changes after a folder has its watch is reported there.
     std::vector<Location> way;
     for (Location place = m_root; place != place.parent(); place = place.parent())
         way.push_back(place);
@@ -108,7 +107,7 @@ int InotifyTree::addWatch(const QByteArray &path, quint32 mask)
 
 bool InotifyTree::addFolder(const QByteArray &path)
 {
-    const quint32 keepLinks = path == m_root.bytes() ? 0 : IN_DONT_FOLLOW;
+    const quint32 keepLinks = mayBeLink(path) ? 0 : IN_DONT_FOLLOW;
     const int watch = addWatch(path, treeEvents | IN_ONLYDIR | keepLinks);
     if (watch < 0 && errno != ENOSPC && errno != ENOMEM)
         return false;
@@ -123,19 +122,27 @@ bool InotifyTree::addFolder(const QByteArray &path)
     return true;
 }
 
-// A link in the root's own place is the user's choice; those below are not followed.
+// A link in the place of the root or of a category is the user's choice; those below are not followed.
 FolderListing InotifyTree::list(const QByteArray &path, FolderListing::Detail detail) const
 {
     using Links = FolderListing::Links;
-    return FolderListing::read(path, detail, path == m_root.bytes() ? Links::Follow : Links::Keep);
+    return FolderListing::read(path, detail, mayBeLink(path) ? Links::Follow : Links::Keep);
 }
 
 void InotifyTree::addTree(const QByteArray &top)
 {
-    std::vector<QByteArray> waiting = {top};
+    std::vector<QByteArray> waiting;
+    // Links stand in no listing of folders.
+    for (const auto &[path, identity] : m_entrances) {
+        if (top == m_root.bytes() && path != top)
+            waiting.push_back(path);
+    }
+    waiting.push_back(top);
     while (!waiting.empty() && !m_interrupted) {
         const QByteArray path = std::move(waiting.back());
         waiting.pop_back();
+        if (const auto entrance = m_entrances.find(path); entrance != m_entrances.end())
+            entrance->second = identityOf(path);
         // The watch comes before the listing, so that what comes into being between the two is not missed.
         if (!addFolder(path))
             continue;
@@ -148,8 +155,10 @@ void InotifyTree::addTree(const QByteArray &top)
         }
         folder.listing = listing.digest;
         m_newestChange = std::max(m_newestChange, listing.changed);
-        for (const QByteArray &name : listing.folders)
-            waiting.push_back(childPath(path, name));
+        for (const QByteArray &name : listing.folders) {
+            if (QByteArray child = childPath(path, name); !mayBeLink(child))
+                waiting.push_back(std::move(child));
+        }
     }
 }
 
@@ -223,8 +232,12 @@ bool InotifyTree::handle(const inotify_event &event, QByteArrayView name)
         m_mustRestart = true;
     else if (name.isEmpty() && (event.mask & IN_MOVE_SELF))
         renewTree(path);
-    else if ((event.mask & IN_ISDIR) && !name.isEmpty() && !isHidden(name))
+    else if (name.isEmpty() || isHiddenName(name))
+        return true;
+    else if (event.mask & IN_ISDIR)
         handleFolder(event, childPath(path, name));
+    else if ((event.mask & entryEvents) && mayBeLink(childPath(path, name)))
+        m_mustRestart = true; // other links may lead to the same folder, which has one watch
     return true;
 }
 
@@ -240,8 +253,10 @@ bool InotifyTree::check()
 {
     if (m_root.isEmpty())
         return false;
-    if (rootIdentity() != m_identity)
-        return restart();
+    for (const auto &[path, identity] : m_entrances) {
+        if (identityOf(path) != identity)
+            return restart();
+    }
     std::vector<QByteArray> unwatched;
     for (const auto &[path, folder] : m_folders) {
         if (folder.watch < 0)
@@ -259,7 +274,7 @@ bool InotifyTree::checkUnwatched(const QByteArray &path)
     if (folder == m_folders.end())
         return false;
     const quint64 before = folder->second.listing;
-    // Other programs may have given watches back.
+    // Other programs may have freed watches.
     if (!addFolder(path)) {
         removeTree(path);
         return true;

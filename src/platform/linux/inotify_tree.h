@@ -13,9 +13,10 @@ struct inotify_event;
 
 namespace cratewell {
 
-// inotify watches on every folder below a root, hidden ones and those behind links excepted, and on the
-// folders that lead to it, so that a root which vanishes, moves or appears is noticed. Folders that the
-// system refuses to watch are compared by check(). Confined to one thread.
+// inotify watches on every folder below a root, except hidden ones and those behind links, and on the folders
+// that lead to it, so that a root which vanishes, moves or appears is noticed. Entries of the root that were
+// asked for are followed also when they are links. Folders that the system refuses to watch are compared by
+// check(). Confined to one thread.
 class InotifyTree
 {
 public:
@@ -27,16 +28,16 @@ public:
     Q_DISABLE_COPY_MOVE(InotifyTree)
 
     // Replaces what was followed; nowhere follows nothing. True when a folder shows a change after `since`,
-    // which the watches may have come too late to tell.
-    bool follow(const Location &root, Time since);
+    // for which the watches may have come too late.
+    bool follow(const Location &root, const std::vector<QByteArray> &entries, Time since);
 
     // To be polled for input; -1 while nothing is followed or the system gave none.
     int descriptor() const { return m_descriptor; }
-    // Takes what the system has to tell. True when something below the root changed; every watch that the
+    // Takes the system's events. True when something below the root changed; every watch that the
     // change makes necessary is set by then.
     bool read();
-    // Looks whether the root is still the same folder, and at the folders that have no watch. True when
-    // something changed.
+    // Looks whether the root and its entries are still the same folders, and at those that have no watch.
+    // True when something changed.
     bool check();
     bool limitReached() const { return m_limitReached; }
 
@@ -56,7 +57,10 @@ private:
         bool exists() const { return inode != 0; }
     };
 
-    Identity rootIdentity() const;
+    // That of the folder a path leads to; none when there is none.
+    static Identity identityOf(const QByteArray &path);
+    // The root and the entries that were asked for, which may be links.
+    bool mayBeLink(const QByteArray &path) const { return m_entrances.contains(path); }
     bool restart();
     void close();
     void watchAncestors();
@@ -74,7 +78,8 @@ private:
 
     const std::atomic<bool> &m_interrupted;
     Location m_root;
-    Identity m_identity;
+    // By path, as they were when they were last walked.
+    std::map<QByteArray, Identity> m_entrances;
     int m_descriptor = -1;
     bool m_limitReached = false;
     bool m_mustRestart = false;

@@ -15,37 +15,41 @@ namespace {
 
 constexpr std::chrono::seconds checkInterval(4);
 
-struct Picture
+struct TreeDigest
 {
     // Of every visible folder's listing, by path.
     QHash<QByteArray, quint64> digests;
     FileEvents::Time newestChange;
 };
 
-Picture pictureOf(const Location &root, const std::atomic<bool> &interrupted)
+// `entrances`: the root, and what is followed in it also when it is a link.
+TreeDigest digestOf(const std::vector<QByteArray> &entrances, const std::atomic<bool> &interrupted)
 {
-    Picture picture;
-    std::vector<QByteArray> waiting = {root.bytes()};
+    TreeDigest tree;
+    std::vector<QByteArray> waiting = entrances;
     while (!waiting.empty() && !interrupted) {
         const QByteArray path = std::move(waiting.back());
         waiting.pop_back();
-        const auto links = path == root.bytes() ? FolderListing::Links::Follow : FolderListing::Links::Keep;
+        if (tree.digests.contains(path))
+            continue;
+        const bool mayBeLink = std::ranges::find(entrances, path) != entrances.end();
+        const auto links = mayBeLink ? FolderListing::Links::Follow : FolderListing::Links::Keep;
         const FolderListing listing = FolderListing::read(path, FolderListing::Detail::Digest, links);
         if (!listing.opened)
             continue;
-        picture.digests.insert(path, listing.digest);
-        picture.newestChange = std::max(picture.newestChange, listing.changed);
+        tree.digests.insert(path, listing.digest);
+        tree.newestChange = std::max(tree.newestChange, listing.changed);
         for (const QByteArray &name : listing.folders)
             waiting.push_back(Location::fromStandardized(path).child(name).bytes());
     }
-    return picture;
+    return tree;
 }
 
-QStringList pathsOf(const Picture &picture)
+QStringList pathsOf(const TreeDigest &tree)
 {
     QStringList paths;
-    paths.reserve(picture.digests.size());
-    for (auto folder = picture.digests.keyBegin(); folder != picture.digests.keyEnd(); ++folder)
+    paths.reserve(tree.digests.size());
+    for (auto folder = tree.digests.keyBegin(); folder != tree.digests.keyEnd(); ++folder)
         paths += textFromBytes(*folder);
     return paths;
 }
@@ -57,17 +61,17 @@ struct WatcherFileEvents::Private
     explicit Private(WatcherFileEvents &owner) : q(owner), throttle([&owner] { Q_EMIT owner.changed(); }) {}
 
     void check();
-    void take(const Picture &now);
+    void take(const TreeDigest &now);
     void follow(const QStringList &now);
 
     WatcherFileEvents &q;
     ChangeThrottle throttle;
     QFileSystemWatcher watcher;
     QTimer timer;
-    Location root;
+    std::vector<QByteArray> entrances; // the root first; nothing is followed while there are none
     Time since;
     // Nothing before the first look at a root.
-    std::optional<Picture> picture;
+    std::optional<TreeDigest> tree;
     quint64 generation = 0;
     bool checking = false;
     bool again = false;
@@ -78,12 +82,12 @@ struct WatcherFileEvents::Private
 void WatcherFileEvents::Private::check()
 {
     again = checking;
-    if (checking || root.isEmpty())
+    if (checking || entrances.empty())
         return;
     checking = true;
     interrupted = false;
-    worker.start([this, place = root, asked = generation] {
-        Picture now = pictureOf(place, interrupted);
+    worker.start([this, places = entrances, asked = generation] {
+        TreeDigest now = digestOf(places, interrupted);
         QMetaObject::invokeMethod(
             &q,
             [this, now = std::move(now), asked] {
@@ -97,9 +101,9 @@ void WatcherFileEvents::Private::check()
     });
 }
 
-void WatcherFileEvents::Private::take(const Picture &now)
+void WatcherFileEvents::Private::take(const TreeDigest &now)
 {
-    const std::optional<Picture> before = std::exchange(picture, now);
+    const std::optional<TreeDigest> before = std::exchange(tree, now);
     follow(pathsOf(now));
     if (before ? before->digests != now.digests : now.newestChange >= since - FolderListing::clockSlack)
         throttle.notice();
@@ -134,10 +138,13 @@ WatcherFileEvents::~WatcherFileEvents()
     d->worker.waitForDone();
 }
 
-void WatcherFileEvents::watch(const Location &root, Time since)
+void WatcherFileEvents::watch(const Location &root, const std::vector<QByteArray> &entries, Time since)
 {
     stop();
-    d->root = root;
+    if (!root.isEmpty())
+        d->entrances.push_back(root.bytes());
+    for (const QByteArray &name : entries)
+        d->entrances.push_back(root.child(name).bytes());
     d->since = since;
     d->check();
 }
@@ -146,8 +153,8 @@ void WatcherFileEvents::stop()
 {
     ++d->generation;
     d->interrupted = true;
-    d->root = {};
-    d->picture.reset();
+    d->entrances.clear();
+    d->tree.reset();
     d->throttle.reset();
     d->timer.stop();
     d->follow({});

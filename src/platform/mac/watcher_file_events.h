@@ -15,7 +15,7 @@ public:
     WatcherFileEvents();
     ~WatcherFileEvents() override;
 
-    void watch(const Location &root, Time since) override;
+    void watch(const Location &root, const std::vector<QByteArray> &entries, Time since) override;
     void stop() override;
 
 private:

@@ -7,7 +7,7 @@
 namespace cratewell {
 
 // An item whose picture is painted once into an image of the screen's own pixels and kept until its size, the
-// screen or a property diff; a frame costs nothing beyond showing it. Works on every back end. Derived
+// screen or a property changes; a frame costs nothing beyond showing it. Works on every back end. Derived
 // types name it with its namespace, by which the QML tools find it.
 class DrawnItem : public QQuickItem
 {

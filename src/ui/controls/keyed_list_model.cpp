@@ -37,19 +37,19 @@ void KeyedListModel::showKeys(const std::vector<QByteArray> &keys)
     former.newCount = int(fresh.size());
 
     const int countBefore = count();
-    const RowChanges diff = rowChanges(former);
-    if (diff.relayout) {
+    const RowChanges changes = rowChanges(former);
+    if (changes.relayout) {
         beginResetModel();
         m_keys = fresh;
         endResetModel();
     }
-    for (auto run = diff.removes.rbegin(); run != diff.removes.rend(); ++run) {
+    for (auto run = changes.removes.rbegin(); run != changes.removes.rend(); ++run) {
         beginRemoveRows({}, run->first, run->first + run->count - 1);
         const auto first = m_keys.begin() + run->first;
         m_keys.erase(first, first + run->count);
         endRemoveRows();
     }
-    for (const RowRun &run : diff.inserts) {
+    for (const RowRun &run : changes.inserts) {
         beginInsertRows({}, run.first, run.first + run.count - 1);
         const auto first = fresh.begin() + run.first;
         m_keys.insert(m_keys.begin() + run.first, first, first + run.count);

@@ -5,6 +5,7 @@
 #include "state/prefs.h"
 #include "ui/dragging/drag_data.h"
 #include "ui/dragging/drag_picture.h"
+#include "ui/shell/ui_engine.h"
 #include "ui/thumbnail/placeholder.h"
 
 #include <QCursor>
@@ -13,7 +14,6 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPointer>
-#include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 
@@ -36,14 +36,14 @@ void releaseButton(QQuickWindow &window)
 
 } // namespace
 
-DragController::DragController(const UiContext &objects, QObject *parent)
-    : QObject(parent), m_context(objects)
+DragController::DragController(const UiContext &context, QObject *parent)
+    : QObject(parent), m_context(context)
 {
 }
 
 DragController *DragController::create(QQmlEngine *engine, QJSEngine *)
 {
-    return new DragController(uiContext(*engine));
+    return new DragController(UiEngine::contextOf(engine));
 }
 
 void DragController::start(QQuickItem *pressed)

@@ -23,7 +23,7 @@ class DragController : public QObject
     QML_ELEMENT
     QML_SINGLETON
 public:
-    explicit DragController(const UiContext &objects, QObject *parent = nullptr);
+    explicit DragController(const UiContext &context, QObject *parent = nullptr);
     static DragController *create(QQmlEngine *engine, QJSEngine *);
 
     // Soon after this returns, when the pressed button is still down: the drag runs an event loop of its own,

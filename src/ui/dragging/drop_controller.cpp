@@ -2,9 +2,8 @@
 
 #include "state/app_state.h"
 #include "ui/dragging/drag_data.h"
+#include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
-
-#include <QQmlEngine>
 
 namespace cratewell {
 
@@ -28,14 +27,14 @@ std::vector<Location> itemsOf(const QList<QUrl> &urls, const QString &ownData)
 
 } // namespace
 
-DropController::DropController(const UiContext &objects, QObject *parent)
-    : QObject(parent), m_context(objects)
+DropController::DropController(const UiContext &context, QObject *parent)
+    : QObject(parent), m_context(context)
 {
 }
 
 DropController *DropController::create(QQmlEngine *engine, QJSEngine *)
 {
-    return new DropController(uiContext(*engine));
+    return new DropController(UiEngine::contextOf(engine));
 }
 
 QString DropController::ownType()

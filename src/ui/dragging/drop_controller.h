@@ -26,7 +26,7 @@ public:
     enum Effect { Nothing, Move, Copy, Sort, MoveAndCopy };
     Q_ENUM(Effect)
 
-    explicit DropController(const UiContext &objects, QObject *parent = nullptr);
+    explicit DropController(const UiContext &context, QObject *parent = nullptr);
     static DropController *create(QQmlEngine *engine, QJSEngine *);
 
     static QString ownType();

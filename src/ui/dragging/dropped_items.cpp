@@ -1,5 +1,7 @@
 #include "ui/dragging/dropped_items.h"
 
+#include "vault/move_rule.h"
+
 #include <QHash>
 
 #include <algorithm>
@@ -47,15 +49,8 @@ DroppedItems splitDropped(const std::vector<Location> &items, const Location &ro
 
 bool movesAny(const std::vector<Location> &items, const Location &folder, const Location &root)
 {
-    const Location target = folder.resolved();
-    const auto category = categoryOf(root, folder);
-    return std::ranges::any_of(items, [&](const Location &item) {
-        const auto kind = kindOf(item);
-        if (kind && category && !accepts(*category, *kind))
-            return false;
-        const Location real = item.resolved();
-        return real.parent() != target && real != target && !target.isInside(real);
-    });
+    const MoveRule rule(root, folder);
+    return std::ranges::any_of(items, [&](const Location &item) { return rule.allows(item); });
 }
 
 bool importsAny(const std::vector<Location> &items)

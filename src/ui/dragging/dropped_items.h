@@ -22,8 +22,7 @@ struct DroppedItems
 DroppedItems splitDropped(const std::vector<Location> &items, const Location &root,
                           size_t most = std::numeric_limits<size_t>::max());
 
-// Whether a move into `folder` takes any of these places of the vault: not what lies there already, nor a
-// folder into itself, nor what the folder's category does not accept.
+// Whether a move into `folder` takes any of these places of the vault.
 bool movesAny(const std::vector<Location> &items, const Location &folder, const Location &root);
 // Whether an import takes any of these: assets and folders. Touches the disk.
 bool importsAny(const std::vector<Location> &items);

@@ -5,7 +5,7 @@ import QtQuick.Templates as T
 import Cratewell
 
 // The cards of the assets in view, in as many columns as suit the requested card size. The keyboard moves the
-// focused asset. What diff on the disk leaves the visible cards where they are.
+// focused asset. What changes on the disk leaves the visible cards where they are.
 T.Control {
     id: grid
 

@@ -4,7 +4,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Cratewell
 
-// Whether an asset is a favorite, and the press that diff it.
+// Whether an asset is a favorite, and the press that changes it.
 T.Button {
     id: control
 

@@ -211,23 +211,23 @@ AssetListModel::Rows AssetListModel::carriedOver(const VisibleAssets &fresh, con
     return rows;
 }
 
-void AssetListModel::apply(Rows fresh, const FormerRows &former, const RowChanges &diff)
+void AssetListModel::apply(Rows fresh, const FormerRows &former, const RowChanges &changes)
 {
-    if (diff.relayout)
+    if (changes.relayout)
         relayout(std::move(fresh), former);
     else
-        applyRuns(std::move(fresh), diff);
+        applyRuns(std::move(fresh), changes);
 }
 
-void AssetListModel::applyRuns(Rows fresh, const RowChanges &diff)
+void AssetListModel::applyRuns(Rows fresh, const RowChanges &changes)
 {
-    m_tail.assets = without(fresh.assets, diff.inserts);
+    m_tail.assets = without(fresh.assets, changes.inserts);
     m_tail.selected.assign(m_tail.assets.indices.size(), false);
     for (size_t row = 0; fresh.selectedCount > 0 && row < m_tail.selected.size(); ++row)
         m_tail.selected[row] = fresh.selected[size_t(fresh.assets.rows[m_tail.assets.indices[row]])];
     m_tailFirst = m_tail.assets.count();
 
-    for (auto run = diff.removes.rbegin(); run != diff.removes.rend(); ++run) {
+    for (auto run = changes.removes.rbegin(); run != changes.removes.rend(); ++run) {
         const int end = run->first + run->count;
         beginRemoveRows({}, run->first, end - 1);
         m_tailFirst -= m_headCount - end;
@@ -239,7 +239,7 @@ void AssetListModel::applyRuns(Rows fresh, const RowChanges &diff)
     m_head = std::move(fresh);
     m_headCount = 0;
     m_tailFirst = 0;
-    for (const RowRun &run : diff.inserts) {
+    for (const RowRun &run : changes.inserts) {
         beginInsertRows({}, run.first, run.first + run.count - 1);
         m_tailFirst += run.first - m_headCount;
         m_headCount = run.first + run.count;

@@ -10,7 +10,7 @@
 
 namespace cratewell {
 
-// The visible assets as rows. Follows the disk, the search and the sort with as few row diff as there are,
+// The visible assets as rows. Follows the disk, the search and the sort with as few row changes as there are,
 // and past rowRunLimit runs of them with one relayout in place: rows then keep no identity for a view, only
 // urls do. Main thread.
 class AssetListModel : public QAbstractListModel
@@ -49,7 +49,7 @@ public:
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
-    // Null past the ends. Valid until the model diff.
+    // Null past the ends. Valid until the model changes.
     const Asset *assetAt(int row) const;
     // Nowhere past the ends.
     Q_INVOKABLE cratewell::Location urlAt(int row) const;
@@ -91,8 +91,8 @@ private:
     void follow(const SnapshotDiff *diff);
     FormerRows formerRowsOf(const VisibleAssets &fresh, const SnapshotDiff *diff) const;
     Rows carriedOver(const VisibleAssets &fresh, const FormerRows &former) const;
-    void apply(Rows fresh, const FormerRows &former, const RowChanges &diff);
-    void applyRuns(Rows fresh, const RowChanges &diff);
+    void apply(Rows fresh, const FormerRows &former, const RowChanges &changes);
+    void applyRuns(Rows fresh, const RowChanges &changes);
     void relayout(Rows fresh, const FormerRows &former);
     void show(Rows rows);
     void updateSelected();
@@ -104,7 +104,7 @@ private:
 
     QPointer<AppState> m_state;
     QPointer<Prefs> m_prefs;
-    // The rows are the first m_headCount of the head and, while runs of diff are being applied, those of
+    // The rows are the first m_headCount of the head and, while runs of changes are being applied, those of
     // the tail from m_tailFirst on: no list is ever shifted.
     Rows m_head;
     int m_headCount = 0;
@@ -114,7 +114,7 @@ private:
     LocationSet m_favorites;
     int m_currentRow = -1;
     bool m_applying = false;
-    bool m_outdated = false; // something changed while diff were being applied
+    bool m_outdated = false; // something changed while changes were being applied
 };
 
 } // namespace cratewell

@@ -2,7 +2,7 @@
 
 #include "platform/workspace.h"
 #include "state/app_state.h"
-#include "ui/shell/ui_context.h"
+#include "ui/shell/ui_engine.h"
 #include "vault/category.h"
 #include "vault/vault.h"
 

@@ -36,19 +36,19 @@ RowChanges changesBetween(int oldCount, std::span<const int> formerRows, int run
     // Both lists are walked side by side. Where they disagree about two rows that stay, the one that goes
     // further is taken to have moved: it leaves here and enters there. `moved` marks those that left or
     // entered early.
-    RowChanges diff;
+    RowChanges changes;
     std::vector<bool> moved(size_t(oldCount), false);
     int oldRow = 0;
     int newRow = 0;
     while (oldRow < oldCount || newRow < newCount) {
-        if (int(diff.removes.size() + diff.inserts.size()) > runLimit)
+        if (int(changes.removes.size() + changes.inserts.size()) > runLimit)
             return {{}, {}, true};
         const int later = oldRow < oldCount ? laterRows[size_t(oldRow)] : -1;
         const int former = newRow < newCount ? formerRows[size_t(newRow)] : -1;
         if (oldRow < oldCount && (later < 0 || moved[size_t(oldRow)])) {
-            appendRow(diff.removes, oldRow++);
+            appendRow(changes.removes, oldRow++);
         } else if (newRow < newCount && (former < 0 || moved[size_t(former)])) {
-            appendRow(diff.inserts, newRow++);
+            appendRow(changes.inserts, newRow++);
         } else if (former == oldRow) {
             ++oldRow;
             ++newRow;
@@ -58,7 +58,7 @@ RowChanges changesBetween(int oldCount, std::span<const int> formerRows, int run
             moved[size_t(former)] = true;
         }
     }
-    return diff;
+    return changes;
 }
 
 } // namespace
@@ -67,20 +67,20 @@ RowChanges rowChanges(const FormerRows &former, int runLimit)
 {
     const int removed = former.oldCount - former.sameBegin - former.sameEnd;
     const int inserted = former.newCount - former.sameBegin - former.sameEnd;
-    RowChanges diff;
+    RowChanges changes;
     if (former.between.empty()) {
         if (removed > 0)
-            diff.removes.push_back({0, removed});
+            changes.removes.push_back({0, removed});
         if (inserted > 0)
-            diff.inserts.push_back({0, inserted});
+            changes.inserts.push_back({0, inserted});
     } else {
-        diff = changesBetween(removed, former.between, runLimit);
+        changes = changesBetween(removed, former.between, runLimit);
     }
-    for (std::vector<RowRun> *runs : {&diff.removes, &diff.inserts}) {
+    for (std::vector<RowRun> *runs : {&changes.removes, &changes.inserts}) {
         for (RowRun &run : *runs)
             run.first += former.sameBegin;
     }
-    return diff;
+    return changes;
 }
 
 FormerRows formerRows(const VisibleAssets &before, std::span<const AssetIndex> after,

@@ -12,7 +12,7 @@ struct RowRun
     friend bool operator==(const RowRun &, const RowRun &) = default;
 };
 
-// For each row of a new list its row in the old one. Most diff leave a long beginning and a long end as
+// For each row of a new list its row in the old one. Most changes leave a long beginning and a long end as
 // they were; only what lies between is looked up row by row.
 struct FormerRows
 {

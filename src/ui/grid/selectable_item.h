@@ -4,7 +4,7 @@
 
 namespace cratewell {
 
-// One entry of a list whose being selected is told to assistive programs as it diff. The role and name are
+// One entry of a list whose being selected is told to assistive programs as it changes. The role and name are
 // given by the Accessible properties as usual.
 class SelectableItem : public QQuickItem
 {

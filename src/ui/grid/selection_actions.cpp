@@ -3,9 +3,8 @@
 #include "integrations/inserter.h"
 #include "state/app_state.h"
 #include "state/prefs.h"
+#include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
-
-#include <QQmlEngine>
 
 #include <algorithm>
 
@@ -14,20 +13,20 @@ namespace cratewell {
 static_assert(int(SelectionActions::Resolve) == int(Target::Resolve) &&
               int(SelectionActions::Premiere) == int(Target::Premiere));
 
-SelectionActions::SelectionActions(const UiContext &objects, QObject *parent)
-    : QObject(parent), m_context(objects)
+SelectionActions::SelectionActions(const UiContext &context, QObject *parent)
+    : QObject(parent), m_context(context)
 {
-    connect(&objects.state, &AppState::selectedChanged, this, &SelectionActions::changed);
-    connect(&objects.state, &AppState::visibleAssetsChanged, this, &SelectionActions::changed);
+    connect(&context.state, &AppState::selectedChanged, this, &SelectionActions::changed);
+    connect(&context.state, &AppState::visibleAssetsChanged, this, &SelectionActions::changed);
     connect(this, &SelectionActions::changed, this, &SelectionActions::favoriteChanged);
-    connect(&objects.prefs, &Prefs::favoritesChanged, this, &SelectionActions::favoriteChanged);
-    connect(&objects.state, &AppState::selectionChanged, this, &SelectionActions::insertableChanged);
-    connect(&objects.inserter, &Inserter::busyChanged, this, &SelectionActions::insertableChanged);
+    connect(&context.prefs, &Prefs::favoritesChanged, this, &SelectionActions::favoriteChanged);
+    connect(&context.state, &AppState::selectionChanged, this, &SelectionActions::insertableChanged);
+    connect(&context.inserter, &Inserter::busyChanged, this, &SelectionActions::insertableChanged);
 }
 
 SelectionActions *SelectionActions::create(QQmlEngine *engine, QJSEngine *)
 {
-    return new SelectionActions(uiContext(*engine));
+    return new SelectionActions(UiEngine::contextOf(engine));
 }
 
 int SelectionActions::count() const

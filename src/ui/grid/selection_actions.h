@@ -29,7 +29,7 @@ public:
     enum Editor { Resolve, Premiere };
     Q_ENUM(Editor)
 
-    explicit SelectionActions(const UiContext &objects, QObject *parent = nullptr);
+    explicit SelectionActions(const UiContext &context, QObject *parent = nullptr);
     static SelectionActions *create(QQmlEngine *engine, QJSEngine *);
 
     int count() const;

@@ -3,7 +3,7 @@
 #include "platform/defaults.h"
 #include "state/app_state.h"
 #include "state/prefs.h"
-#include "ui/shell/ui_context.h"
+#include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "ui/importing/recent_imports_model.h"
 
 #include "state/app_state.h"
-#include "ui/shell/ui_context.h"
+#include "ui/shell/ui_engine.h"
 
 namespace cratewell {
 

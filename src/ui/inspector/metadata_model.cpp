@@ -2,7 +2,7 @@
 
 #include "state/app_state.h"
 #include "ui/controls/formats.h"
-#include "ui/shell/ui_context.h"
+#include "ui/shell/ui_engine.h"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,7 @@
 #include "integrations/inserter.h"
 #include "state/app_state.h"
 #include "state/prefs.h"
-#include "ui/shell/ui_context.h"
+#include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
 
 namespace cratewell {

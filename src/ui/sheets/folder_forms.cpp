@@ -2,7 +2,7 @@
 
 #include "state/app_state.h"
 #include "ui/sheets/name_check.h"
-#include "ui/shell/ui_context.h"
+#include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
 
 using namespace Qt::StringLiterals;

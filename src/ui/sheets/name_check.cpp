@@ -34,7 +34,7 @@ QString extensionWarning(const Location &file, const QString &typed)
         return before.isEmpty() ? QString()
                                 : u"Without “.%1” the file no longer shows up in your vault."_s.arg(before);
     return before.isEmpty() ? u"The file gets the extension “.%1”."_s.arg(after)
-                            : u"The extension diff from “.%1” to “.%2”."_s.arg(before, after);
+                            : u"The extension changes from “.%1” to “.%2”."_s.arg(before, after);
 }
 
 } // namespace cratewell

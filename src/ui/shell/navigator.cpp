@@ -1,23 +1,22 @@
 #include "ui/shell/navigator.h"
 
 #include "state/app_state.h"
-
-#include <QQmlEngine>
+#include "ui/shell/ui_engine.h"
 
 namespace cratewell {
 
 static_assert(int(Navigator::Trash) == int(Scope::Kind::Trash) &&
               int(Navigator::Folder) == int(Scope::Kind::Folder));
 
-Navigator::Navigator(const UiContext &objects, QObject *parent) : QObject(parent), m_context(objects)
+Navigator::Navigator(const UiContext &context, QObject *parent) : QObject(parent), m_context(context)
 {
-    connect(&objects.state, &AppState::scopeChanged, this, &Navigator::placeChanged);
-    connect(&objects.state, &AppState::sortChanged, this, &Navigator::orderChanged);
+    connect(&context.state, &AppState::scopeChanged, this, &Navigator::placeChanged);
+    connect(&context.state, &AppState::sortChanged, this, &Navigator::orderChanged);
 }
 
 Navigator *Navigator::create(QQmlEngine *engine, QJSEngine *)
 {
-    return new Navigator(uiContext(*engine));
+    return new Navigator(UiEngine::contextOf(engine));
 }
 
 Navigator::Place Navigator::place() const

@@ -29,7 +29,7 @@ public:
     enum Place { Plugin, Folder, All, Favorites, Recent, Importer, Trash };
     Q_ENUM(Place)
 
-    explicit Navigator(const UiContext &objects, QObject *parent = nullptr);
+    explicit Navigator(const UiContext &context, QObject *parent = nullptr);
     static Navigator *create(QQmlEngine *engine, QJSEngine *);
 
     Place place() const;

@@ -1,7 +1,7 @@
 #include "ui/shell/operation_status.h"
 
 #include "ui/controls/formats.h"
-#include "ui/shell/ui_context.h"
+#include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
 
 namespace cratewell {

@@ -3,17 +3,16 @@
 #include "platform/workspace.h"
 #include "state/app_state.h"
 #include "state/prefs.h"
+#include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
-
-#include <QQmlEngine>
 
 namespace cratewell {
 
-Requests::Requests(const UiContext &objects, QObject *parent) : QObject(parent), m_context(objects) {}
+Requests::Requests(const UiContext &context, QObject *parent) : QObject(parent), m_context(context) {}
 
 Requests *Requests::create(QQmlEngine *engine, QJSEngine *)
 {
-    return new Requests(uiContext(*engine));
+    return new Requests(UiEngine::contextOf(engine));
 }
 
 void Requests::toggleFavorite()

@@ -18,7 +18,7 @@ class Requests : public QObject
     QML_ELEMENT
     QML_SINGLETON
 public:
-    explicit Requests(const UiContext &objects, QObject *parent = nullptr);
+    explicit Requests(const UiContext &context, QObject *parent = nullptr);
     static Requests *create(QQmlEngine *engine, QJSEngine *);
 
     // Does nothing without a focused asset.

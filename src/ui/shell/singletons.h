@@ -18,7 +18,7 @@ class QQmlEngine;
 namespace cratewell {
 
 // How the program's objects, values and enumerations are called in QML. The wrappers keep the core classes
-// free of QML; each engine shows the objects it was given by installUiContext.
+// free of QML; each engine shows the objects of its own context.
 
 struct PrefsSingleton
 {

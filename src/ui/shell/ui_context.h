@@ -1,8 +1,5 @@
 #pragma once
 
-class QObject;
-class QQmlEngine;
-
 namespace cratewell {
 
 class Appearance;
@@ -26,12 +23,5 @@ struct UiContext
     Defaults &defaults;
     Workspace &workspace;
 };
-
-// To be called before the engine loads anything; makes the bundled fonts known as well.
-void installUiContext(QQmlEngine &engine, const UiContext &objects);
-// The objects behind `engine`; installUiContext must have been called.
-const UiContext &uiContext(const QQmlEngine &engine);
-// The same for an object that QML made.
-const UiContext &uiContext(const QObject &qmlObject);
 
 } // namespace cratewell

@@ -2,7 +2,7 @@
 
 #include "state/folder_expansion.h"
 #include "state/prefs.h"
-#include "ui/shell/ui_context.h"
+#include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
 
 #include <QSet>

@@ -30,7 +30,7 @@ struct FolderLine
 };
 
 // The folder trees of all categories, one below the other, as far as they are expanded. A rescan or a toggle
-// diff only the rows that differ.
+// changes only the rows that differ.
 class FolderTreeModel : public QAbstractListModel, public QQmlParserStatus
 {
     Q_OBJECT

@@ -2,7 +2,7 @@
 
 #include "state/prefs.h"
 #include "ui/controls/formats.h"
-#include "ui/shell/ui_context.h"
+#include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "ui/thumbnail/thumbnail_provider.h"
 
-#include "ui/shell/ui_context.h"
+#include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "ui/trash/trash_model.h"
 
 #include "ui/controls/formats.h"
-#include "ui/shell/ui_context.h"
+#include "ui/shell/ui_engine.h"
 #include "ui/thumbnail/placeholder.h"
 #include "vault/asset.h"
 #include "vault/vault.h"

@@ -4,6 +4,7 @@
 #include "vault/files/import_plan.h"
 #include "vault/files/move_transaction.h"
 #include "vault/files/unique_names.h"
+#include "vault/move_rule.h"
 
 #include <QFile>
 #include <QSet>
@@ -96,22 +97,10 @@ FileOperations::Outcome FileOperations::createFolder(const Location &parent, con
 FileOperations::Outcome FileOperations::rename(const Location &item, const Location &destination)
 {
     Outcome outcome;
-    const int error = item == destination ? 0 : disk::renameWithoutReplacing(item, destination);
+    const int error = disk::renameWithoutReplacing(item, destination);
     note(outcome, error, destination.name());
     outcome.count = error ? 0 : 1;
     return outcome;
-}
-
-bool FileOperations::mayMove(const Location &item, const Location &folder,
-                             const Location &resolvedFolder) const
-{
-    const Location resolved = item.resolved();
-    if (resolved.parent() == resolvedFolder || resolved == resolvedFolder ||
-        resolvedFolder.isInside(resolved))
-        return false;
-    const std::optional<AssetKind> kind = kindOf(item);
-    const std::optional<VaultCategory> category = categoryOf(m_root, folder);
-    return !kind || !category || accepts(*category, *kind);
 }
 
 FileOperations::Outcome FileOperations::move(const std::vector<Location> &items, const Location &folder,
@@ -119,12 +108,12 @@ FileOperations::Outcome FileOperations::move(const std::vector<Location> &items,
 {
     Outcome outcome;
     progress.filesTotal = int(items.size());
-    const Location resolvedFolder = folder.resolved();
+    const MoveRule rule(m_root, folder);
     MoveTransaction transaction(m_root, progress);
     for (const Location &item : items) {
         if (progress.canceled)
             break;
-        if (!mayMove(item, folder, resolvedFolder))
+        if (!rule.allows(item))
             continue;
         transaction.add(item, folder, item.nameBytes().toByteArray(),
                         [&, item](int error, const Location &place) {

@@ -51,7 +51,6 @@ private:
     bool standsAtHome(const TrashItem &item) const;
     int saveTrash() const;
     int makeFoldersInVault(const Location &folder) const;
-    bool mayMove(const Location &item, const Location &folder, const Location &resolvedFolder) const;
 
     const Location m_root;
     std::vector<TrashItem> m_trash;

@@ -18,7 +18,7 @@ namespace cratewell {
 
 class FileProgress;
 
-// The thread that diff files: one piece of work at a time, in the order given. Lives on the main thread
+// The thread that changes files: one piece of work at a time, in the order given. Lives on the main thread
 // and shows there how far long work has come.
 class FileQueue : public QObject
 {

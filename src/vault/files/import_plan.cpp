@@ -53,7 +53,7 @@ void Planner::placeFolder(const Location &folder, const std::optional<Location> 
     std::vector<Location> entries;
     std::optional<Location> home = target;
     for (const QByteArray &name : disk::names(folder)) {
-        if (name.startsWith('.'))
+        if (isHiddenName(name))
             continue;
         entries.push_back(folder.child(name));
         const std::optional<AssetKind> kind = home ? std::nullopt : kindOf(name);

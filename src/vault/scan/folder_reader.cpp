@@ -80,7 +80,7 @@ void FolderReader::readNames(VaultCategory category)
 
 void FolderReader::addEntry(QByteArrayView name, uchar directoryType, VaultCategory category)
 {
-    if (name.startsWith('.'))
+    if (isHiddenName(name))
         return;
     if (directoryType == DT_UNKNOWN) {
         struct statx facts;

@@ -85,7 +85,7 @@ TEST(BackdropDrawing, FollowsStyleIntensityAndScheme)
     }
 }
 
-// Where a shade diff by far less than a step from pixel to pixel, rounding alone would leave flat bands.
+// Where a shade changes by far less than a step from pixel to pixel, rounding alone would leave flat bands.
 TEST(BackdropDrawing, HasNoBands)
 {
     for (const QString &style : {u"aurora"_s, u"chrome"_s, u"midnight"_s}) {

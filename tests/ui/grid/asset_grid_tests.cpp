@@ -4,11 +4,10 @@
 #include "platform/fakes/fake_applications.h"
 #include "support/small_library.h"
 #include "ui/grid/selectable_item.h"
-#include "ui/shell/ui_context.h"
+#include "ui/shell/ui_engine.h"
 
 #include <QAccessible>
 #include <QQmlComponent>
-#include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
@@ -45,8 +44,6 @@ protected:
             library.write(u"SFX/Hits/%1.wav"_s.arg(soundName(i)));
         ASSERT_TRUE(library.scan());
         library.state.setSort(AssetOrder::Name);
-        installUiContext(engine, {library.prefs, library.state, library.vault, inserter, media, appearance,
-                                  library.defaults, library.workspace});
         QObject::connect(&engine, &QQmlEngine::warnings,
                          [this](const QList<QQmlError> &warnings) { qmlWarnings += warnings; });
         QQmlComponent component(&engine);
@@ -103,7 +100,8 @@ protected:
     Media media{library.vault, library.prefs, SystemPaths::below(library.path(u"nowhere"_s))};
     Inserter inserter{library.prefs, library.state, applications, bridge, bridge};
     QList<QQmlError> qmlWarnings;
-    QQmlEngine engine;
+    UiEngine engine{{library.prefs, library.state, library.vault, inserter, media, appearance,
+                     library.defaults, library.workspace}};
     QQuickWindow window;
     std::unique_ptr<QQuickItem> grid;
     QQuickItem *view = nullptr;

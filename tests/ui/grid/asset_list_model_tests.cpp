@@ -201,7 +201,7 @@ TEST_F(AssetListModelTest, TellsSelectionFocusAndFavoritesRowByRow)
     struct Step
     {
         std::function<void()> act;
-        std::vector<std::tuple<int, int, int>> diff; // first and last row, role
+        std::vector<std::tuple<int, int, int>> changes; // first and last row, role
     };
     const Step steps[] = {
         {[this] { model.click(1, Qt::NoModifier); }, {{1, 1, Role::SelectedRole}, {1, 1, Role::FocusedRole}}},
@@ -222,11 +222,11 @@ TEST_F(AssetListModelTest, TellsSelectionFocusAndFavoritesRowByRow)
     };
     for (const Step &step : steps) {
         step.act();
-        std::vector<std::tuple<int, int, int>> diff;
+        std::vector<std::tuple<int, int, int>> changes;
         for (const auto &arguments : std::exchange(static_cast<QList<QVariantList> &>(reported), {}))
-            diff.emplace_back(arguments[0].toModelIndex().row(), arguments[1].toModelIndex().row(),
+            changes.emplace_back(arguments[0].toModelIndex().row(), arguments[1].toModelIndex().row(),
                               arguments[2].value<QList<int>>().value(0));
-        EXPECT_EQ(diff, step.diff) << &step - steps;
+        EXPECT_EQ(changes, step.changes) << &step - steps;
         EXPECT_TRUE(view->agrees());
     }
 }

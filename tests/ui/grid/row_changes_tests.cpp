@@ -27,14 +27,14 @@ FormerRows leadingTo(int oldCount, const std::vector<int> &former)
     return formerRows(before, after, previous);
 }
 
-// Takes the diff as a view does: what the rows of the new list must then be.
-std::vector<int> applied(int oldCount, const std::vector<int> &former, const RowChanges &diff)
+// Takes the changes as a view does: what the rows of the new list must then be.
+std::vector<int> applied(int oldCount, const std::vector<int> &former, const RowChanges &changes)
 {
     std::vector<int> rows(size_t(oldCount), 0);
     std::iota(rows.begin(), rows.end(), 0);
-    for (auto run = diff.removes.rbegin(); run != diff.removes.rend(); ++run)
+    for (auto run = changes.removes.rbegin(); run != changes.removes.rend(); ++run)
         rows.erase(rows.begin() + run->first, rows.begin() + run->first + run->count);
-    for (const RowRun &run : diff.inserts)
+    for (const RowRun &run : changes.inserts)
         rows.insert(rows.begin() + run.first, former.begin() + run.first,
                     former.begin() + run.first + run.count);
     return rows;
@@ -65,10 +65,10 @@ TEST(RowChanges, AreTheFewestForSimpleChanges)
         {"moved past a new one", 4, {1, 2, -1, 0, 3}, {{0, 1}}, {{2, 2}}},
     };
     for (const Case &each : cases) {
-        const RowChanges diff = rowChanges(leadingTo(each.oldCount, each.former));
-        EXPECT_EQ(diff.removes, each.removes) << each.what;
-        EXPECT_EQ(diff.inserts, each.inserts) << each.what;
-        EXPECT_FALSE(diff.relayout) << each.what;
+        const RowChanges changes = rowChanges(leadingTo(each.oldCount, each.former));
+        EXPECT_EQ(changes.removes, each.removes) << each.what;
+        EXPECT_EQ(changes.inserts, each.inserts) << each.what;
+        EXPECT_FALSE(changes.relayout) << each.what;
     }
 }
 
@@ -101,10 +101,10 @@ TEST(RowChanges, BecomeARelayoutPastTheLimit)
     former.erase(former.begin());
     former.push_back(2 * rowRunLimit);
     former.push_back(2 * rowRunLimit + 2);
-    const RowChanges diff = rowChanges(leadingTo(2 * rowRunLimit + 4, former));
-    EXPECT_TRUE(diff.relayout);
-    EXPECT_THAT(diff.removes, IsEmpty());
-    EXPECT_THAT(diff.inserts, IsEmpty());
+    const RowChanges changes = rowChanges(leadingTo(2 * rowRunLimit + 4, former));
+    EXPECT_TRUE(changes.relayout);
+    EXPECT_THAT(changes.removes, IsEmpty());
+    EXPECT_THAT(changes.inserts, IsEmpty());
 }
 
 TEST(RowChanges, FindFormerRowsThroughTheChangeOfTheSnapshot)

@@ -31,7 +31,7 @@ TEST(ExtensionWarning, IsGivenOnlyForAnotherExtension)
     for (const auto &[typed, warning] :
          {Case{u"shot.mov"_s, {}},
           {u" shot.MOV "_s, {}},
-          {u"shot.mp4"_s, u"The extension diff from “.mov” to “.mp4”."_s},
+          {u"shot.mp4"_s, u"The extension changes from “.mov” to “.mp4”."_s},
           {u"shot"_s, u"Without “.mov” the file no longer shows up in your vault."_s},
           {u"clip.final"_s, u"Without “.mov” the file no longer shows up in your vault."_s},
           {u".mov"_s, u"Without “.mov” the file no longer shows up in your vault."_s},

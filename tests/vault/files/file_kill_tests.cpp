@@ -1,4 +1,4 @@
-// A program that diff files in a vault is killed at random instants; after each time the vault must hold
+// A program that changes files in a vault is killed at random instants; after each time the vault must hold
 // every file, complete, and a trash without gaps.
 
 #include "vault/files/disk.h"

@@ -91,7 +91,8 @@ TEST_F(VaultFilesTest, EffectsFollowInTheOrderOfTheCalls)
 TEST_F(VaultFilesTest, NothingDoneSaysNothing)
 {
     disk.write("SFX/a.wav");
-    vault.move({disk.at("SFX/a.wav")}, disk.at("LUTs"));
+    vault.move({disk.at("SFX/a.wav"), disk.at("SFX")}, disk.at("LUTs"));
+    vault.rename(disk.at("SFX/a.wav"), u" a.wav "_s);
     vault.moveToTrash({disk.at("SFX"), disk.at("SFX/none.wav")});
     vault.importItems({disk.at("../none")}, {}, ImportMode::Copy);
     bool asked = false;

@@ -13,7 +13,7 @@ using namespace test;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// The assets of `before` with the diff made to it: what each index of `after` must show.
+// The assets of `before` with the changes made to it: what each index of `after` must show.
 testing::AssertionResult leadFromBeforeToAfter(const SnapshotDiff &diff)
 {
     const VaultSnapshot &before = *diff.before;

@@ -1,0 +1,97 @@
+#include "platform/internal/system_calls.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <linux/openat2.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+namespace cratewell::native {
+
+namespace {
+
+std::chrono::nanoseconds sinceEpoch(const statx_timestamp &time)
+{
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+int readStatus(int folder, const char *name, int flags, FileStatus &status)
+{
+    struct statx facts;
+    if (::statx(folder, name, flags | AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME, &facts) != 0)
+        return errno;
+    status = {.mode = facts.stx_mode,
+              .device = makedev(facts.stx_dev_major, facts.stx_dev_minor),
+              .inode = facts.stx_ino,
+              .size = qint64(facts.stx_size),
+              .modified = sinceEpoch(facts.stx_mtime),
+              .changed = sinceEpoch(facts.stx_ctime),
+              .created = {}};
+    if (facts.stx_mask & STATX_BTIME)
+        status.created = sinceEpoch(facts.stx_btime);
+    return 0;
+}
+
+// A kernel without the call, or a sandbox of old that refuses what it does not know.
+bool isMissing(int code)
+{
+    return code == ENOSYS || code == EPERM;
+}
+
+} // namespace
+
+int openBeneath(int root, const QByteArray &relativePath, int flags, mode_t mode)
+{
+    open_how how = {};
+    how.flags = quint64(flags) | O_CLOEXEC;
+    how.mode = flags & O_CREAT ? mode : 0;
+    how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
+    long number = -1;
+    // EAGAIN: something on the way was renamed meanwhile.
+    do
+        number = ::syscall(SYS_openat2, root, relativePath.constData(), &how, sizeof how);
+    while (number < 0 && (errno == EINTR || errno == EAGAIN));
+    if (number >= 0)
+        return int(number);
+    return isMissing(errno) ? portable::openBeneath(root, relativePath, flags, mode) : -errno;
+}
+
+int statusAt(int folder, const char *name, Links links, Freshness freshness, FileStatus &status)
+{
+    const int follow = links == Links::NoFollow ? AT_SYMLINK_NOFOLLOW : 0;
+    const int cached = freshness == Freshness::Cached ? AT_STATX_DONT_SYNC : AT_STATX_SYNC_AS_STAT;
+    return readStatus(folder, name, follow | cached, status);
+}
+
+int statusOf(int descriptor, FileStatus &status)
+{
+    return readStatus(descriptor, "", AT_EMPTY_PATH, status);
+}
+
+int createSharedMemory(qint64 bytes)
+{
+    const int memory = ::memfd_create("cratewell", MFD_CLOEXEC | MFD_ALLOW_SEALING);
+    if (memory < 0)
+        return isMissing(errno) ? portable::createSharedMemory(bytes) : -errno;
+    if (::ftruncate(memory, off_t(bytes)) == 0 &&
+        ::fcntl(memory, F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) == 0)
+        return memory;
+    const int code = errno;
+    ::close(memory);
+    return -code;
+}
+
+void discardPages(int sharedMemory, qint64 bytes)
+{
+    ::fallocate(sharedMemory, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, 0, off_t(bytes));
+}
+
+void closeOnExecFrom(int first)
+{
+    if (::close_range(unsigned(first), ~0U, CLOSE_RANGE_CLOEXEC) != 0)
+        portable::closeOnExecFrom(first);
+}
+
+} // namespace cratewell::native
