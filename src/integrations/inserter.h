@@ -107,10 +107,4 @@ private:
     std::unique_ptr<Private> d;
 };
 
-// The record the editor-side scripts read; `blend` is the editor's own number.
-QJsonObject insertRequest(const Asset &asset, int blend, const Prefs &prefs);
-// Waits for an answer file whose "id" is this one; nothing after the time-out.
-QCoro::Task<std::optional<QJsonObject>> awaitResponse(Location file, QString id,
-                                                      std::chrono::milliseconds timeout);
-
 } // namespace cratewell

@@ -46,7 +46,8 @@ struct PythonCall
 };
 
 // One run of a script text by the interpreter, which is killed at the time limit. Standard error is dropped,
-// standard input is empty. Main thread. Ends exactly once, after its construction has returned.
+// standard input is empty, the current folder is "/". Main thread. Ends exactly once, after its construction
+// has returned.
 class PythonRun : public QObject
 {
     Q_OBJECT

@@ -1,8 +1,11 @@
 #include "vault/files/file_operations.h"
 
+#include "platform/posix/replace_file.h"
+#include "vault/files/copy_transaction.h"
 #include "vault/files/disk.h"
 #include "vault/files/import_plan.h"
 #include "vault/files/move_transaction.h"
+#include "vault/files/rename.h"
 #include "vault/files/unique_names.h"
 #include "vault/move_rule.h"
 
@@ -23,11 +26,24 @@ namespace {
 
 constexpr qint64 largestIndex = qint64{256} << 20; // bytes; more is no index of ours
 
-// Nothing is worth telling of a work that the user broke off.
-void note(FileOperations::Outcome &outcome, int error, const QString &subject)
+// Work that the user broke off is no failure.
+void note(FileOperations::Outcome &outcome, const Error &error, const QString &subject)
 {
-    if (error && error != ECANCELED)
-        outcome.error = Error::fromErrno(error, subject).message;
+    if (error.code == 0)
+        outcome.error = subject + u": "_s + error.message;
+    else if (!error.is(ECANCELED))
+        outcome.error = Error::fromErrno(error.code, subject).message;
+}
+
+// Whether the item is at its new place; what stayed at the old one is reported.
+bool noteMoved(FileOperations::Outcome &outcome, const Result<MoveTransaction::Moved> &moved,
+               const QString &subject)
+{
+    if (!moved)
+        note(outcome, moved.error(), subject);
+    else if (moved->leftBehind)
+        note(outcome, *moved->leftBehind, subject);
+    return moved.has_value();
 }
 
 // Nothing when there is no file; a file that cannot be read is an error.
@@ -62,8 +78,7 @@ void FileOperations::open()
     if (!decoded.intact || !readable) {
         // Whatever it was, it is kept: the next save makes a new one.
         UniqueNames names;
-        Location aside;
-        names.claim(index.parent(), "index damaged.json", UniqueNames::Naming::File, aside,
+        names.claim(index.parent(), "index damaged.json", UniqueNames::Naming::File,
                     [&](const Location &to) { return disk::renameWithoutReplacing(index, to); });
     }
     m_trash = std::move(decoded.items);
@@ -83,23 +98,24 @@ FileOperations::Outcome FileOperations::createFolder(const Location &parent, con
 {
     Outcome outcome;
     UniqueNames names;
-    Location made;
-    int error = makeFoldersInVault(parent);
-    if (!error)
-        error =
-            names.claim(parent, bytesFromText(name), UniqueNames::Naming::Folder, made, &disk::makeFolder);
-    note(outcome, error, name);
-    if (!error)
-        outcome.placed.push_back(made);
+    const Result<Location> made = makeFoldersInVault(parent).and_then([&] {
+        return names.claim(parent, bytesFromText(name), UniqueNames::Naming::Folder, &disk::makeFolder);
+    });
+    if (made)
+        outcome.placed.push_back(*made);
+    else
+        note(outcome, made.error(), name);
     return outcome;
 }
 
 FileOperations::Outcome FileOperations::rename(const Location &item, const Location &destination)
 {
     Outcome outcome;
-    const int error = disk::renameWithoutReplacing(item, destination);
-    note(outcome, error, destination.name());
-    outcome.count = error ? 0 : 1;
+    const Result<void> renamed = disk::renameWithoutReplacing(item, destination);
+    if (renamed)
+        outcome.count = 1;
+    else
+        note(outcome, renamed.error(), destination.name());
     return outcome;
 }
 
@@ -116,13 +132,12 @@ FileOperations::Outcome FileOperations::move(const std::vector<Location> &items,
         if (!rule.allows(item))
             continue;
         transaction.add(item, folder, item.nameBytes().toByteArray(),
-                        [&, item](int error, const Location &place) {
-                            note(outcome, error, item.name());
-                            if (error)
+                        [&, item](const Result<MoveTransaction::Moved> &moved) {
+                            if (!noteMoved(outcome, moved, item.name()))
                                 return;
                             ++outcome.count;
                             ++progress.filesDone;
-                            outcome.placed.push_back(place);
+                            outcome.placed.push_back(moved->place);
                         });
     }
     transaction.finish();
@@ -145,8 +160,8 @@ FileOperations::Outcome FileOperations::trash(const std::vector<Location> &items
 
     // The records come first: what is in the trash has one at every instant.
     m_trash.insert(m_trash.begin(), records.rbegin(), records.rend());
-    if (const int error = saveTrash())
-        note(outcome, error, u"Trash"_s);
+    if (const Result<void> saved = saveTrash(); !saved)
+        note(outcome, saved.error(), u"Trash"_s);
     else
         moveToSlots(records, progress, outcome);
     if (outcome.trashed.size() < records.size()) {
@@ -169,22 +184,22 @@ void FileOperations::moveToSlots(const std::vector<TrashItem> &records, Operatio
             break;
         const Location original = Location::fromText(record.original);
         const Location slot = trashSlot(m_root, record);
-        if (const int error = disk::makeFolder(slot)) {
-            note(outcome, error, record.name);
+        if (const Result<void> made = disk::makeFolder(slot); !made) {
+            note(outcome, made.error(), record.name);
             continue;
         }
         transaction.add(original, slot, bytesFromText(record.name),
-                        [&, original, slot, record](int error, const Location &) {
-                            if (!error) {
-                                outcome.trashed.push_back(record);
-                                ++outcome.count;
-                                ++progress.filesDone;
+                        [&, original, slot, record](const Result<MoveTransaction::Moved> &moved) {
+                            // Silent when it went along with a folder that was trashed before it.
+                            if (moved || !moved.error().is(ENOENT) || disk::exists(original))
+                                noteMoved(outcome, moved, record.name);
+                            if (!moved) {
+                                disk::removeFolder(slot);
                                 return;
                             }
-                            disk::removeFolder(slot);
-                            // Silent when it went along with a folder that was trashed before it.
-                            if (error != ENOENT || disk::exists(original))
-                                note(outcome, error, record.name);
+                            outcome.trashed.push_back(record);
+                            ++outcome.count;
+                            ++progress.filesDone;
                         });
     }
     transaction.finish();
@@ -220,14 +235,15 @@ FileOperations::Outcome FileOperations::restore(const std::vector<TrashItem> &it
             if (!known.contains(item.id))
                 continue;
             const Location home = homeOf(item);
-            makeFoldersInVault(home.parent());
+            (void)makeFoldersInVault(home.parent());
             transaction.add(trashedItem(m_root, item), home.parent(), home.nameBytes().toByteArray(),
-                            [&, item](int error, const Location &place) {
-                                note(outcome, error, item.name);
-                                if (error)
+                            [&, item](const Result<MoveTransaction::Moved> &moved) {
+                                if (!noteMoved(outcome, moved, item.name))
                                     return;
-                                restored.push_back(item);
-                                outcome.placed.push_back(place);
+                                // What stayed in the slot keeps its record.
+                                if (!moved->leftBehind)
+                                    restored.push_back(item);
+                                outcome.placed.push_back(moved->place);
                                 ++progress.filesDone;
                             });
         }
@@ -279,60 +295,55 @@ FileOperations::Outcome FileOperations::import(const std::vector<Location> &item
 {
     Outcome outcome;
     const ImportPlan plan = ImportPlan::make(m_root, items, into, progress);
-    Temporaries temporaries(m_root);
-    UniqueNames names;
-    MoveTransaction transaction(m_root, progress);
-    const auto placed = [&](int error, const Location &source, const Location &place) {
-        note(outcome, error, source.name());
-        if (error)
-            return;
+    if (plan.unread)
+        outcome.error = plan.unread->message;
+    CopyTransaction copies(m_root, progress);
+    MoveTransaction moves(m_root, progress);
+    const auto placed = [&](const Location &place) {
         ++outcome.count;
         ++progress.filesDone;
         outcome.placed.push_back(place);
     };
-    const auto copy = [&](const Location &source, const Location &folder) {
-        Location part;
-        Location place;
-        int error = temporaries.name(folder, part);
-        if (!error)
-            error = disk::copyFile(source, part, progress);
-        if (!error)
-            error = names.claim(folder, source.nameBytes().toByteArray(), UniqueNames::Naming::File, place,
-                                [&](const Location &to) { return disk::renameWithoutReplacing(part, to); });
-        if (error)
-            disk::remove(part);
-        placed(error, source, place);
-    };
-    for (const ImportPlan::Step &step : plan.steps) {
+    for (const auto &[source, folder] : plan.steps) {
         if (progress.canceled)
             break;
-        if (step.source.isEmpty())
-            makeFoldersInVault(step.folder);
-        else if (mode == ImportMode::Copy)
-            copy(step.source, step.folder);
-        else
-            transaction.add(step.source, step.folder, step.source.nameBytes().toByteArray(),
-                            [&, source = step.source](int error, const Location &place) {
-                                placed(error, source, place);
-                            });
+        if (source.isEmpty()) {
+            // What is to lie in a folder that cannot be made fails by itself.
+            (void)makeFoldersInVault(folder);
+        } else if (mode == ImportMode::Copy) {
+            if (const Result<Location> copy = copies.add(source, folder))
+                placed(*copy);
+            else
+                note(outcome, copy.error(), source.name());
+        } else {
+            moves.add(source, folder, source.nameBytes().toByteArray(),
+                      [&, name = source.name()](const Result<MoveTransaction::Moved> &moved) {
+                          if (noteMoved(outcome, moved, name))
+                              placed(moved->place);
+                      });
+        }
     }
-    transaction.finish();
+    moves.finish();
+    // People wipe the card once they read that its files are in the vault.
+    if (const Result<void> durable = copies.finish(); !durable) {
+        note(outcome, durable.error(), u"Import"_s);
+        outcome.count = 0;
+    }
     return outcome;
 }
 
-int FileOperations::saveTrash() const
+Result<void> FileOperations::saveTrash() const
 {
-    const int error = disk::makeFolder(trashFolder(m_root));
-    if (error && error != EEXIST)
-        return error;
-    return disk::replace(trashIndexFile(m_root), encodeTrash(m_trash));
+    if (const Result<void> made = disk::makeFolder(trashFolder(m_root)); !made && !made.error().is(EEXIST))
+        return made;
+    return replaceAtomically(trashIndexFile(m_root), encodeTrash(m_trash), {.flush = Flush::Yes});
 }
 
 // A vault that has vanished is not made anew below the place where it was.
-int FileOperations::makeFoldersInVault(const Location &folder) const
+Result<void> FileOperations::makeFoldersInVault(const Location &folder) const
 {
     if (folder.isInside(m_root) && !disk::exists(m_root))
-        return ENOENT;
+        return systemFailure(ENOENT);
     return disk::makeFolders(folder);
 }
 

@@ -49,8 +49,8 @@ private:
                      Outcome &outcome) const;
     Location homeOf(const TrashItem &item) const;
     bool standsAtHome(const TrashItem &item) const;
-    int saveTrash() const;
-    int makeFoldersInVault(const Location &folder) const;
+    Result<void> saveTrash() const;
+    Result<void> makeFoldersInVault(const Location &folder) const;
 
     const Location m_root;
     std::vector<TrashItem> m_trash;
