@@ -103,11 +103,12 @@ Vault::Vault(Location root, Defaults &defaults, std::unique_ptr<FileEvents> even
 
 Vault::~Vault() = default;
 
-void Vault::start()
+void Vault::start(StartupMaintenance maintenance)
 {
     ensureVaultStructure(d->root, d->defaults);
-    d->openTrash();
-    d->purging.start();
+    d->openTrash(maintenance);
+    if (maintenance == StartupMaintenance::Run)
+        d->purging.start();
     rescan();
 }
 
@@ -148,14 +149,6 @@ const std::shared_ptr<const VaultSnapshot> &Vault::snapshot() const
 QString Vault::lastError() const
 {
     return d->lastError;
-}
-
-void Vault::clearLastError()
-{
-    if (d->lastError.isEmpty())
-        return;
-    d->lastError.clear();
-    Q_EMIT lastErrorChanged();
 }
 
 qint64 Vault::totalSize() const

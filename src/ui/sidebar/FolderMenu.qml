@@ -31,14 +31,14 @@ GlassMenu {
     GlassMenuItem {
         text: qsTr("New Folder Inside…")
 
-        onTriggered: Requests.newFolderInside(folderMenu.folder)
+        onTriggered: AppState.newFolderInside(folderMenu.folder)
     }
     GlassMenuItem {
         id: rename
 
         text: qsTr("Rename…")
 
-        onTriggered: Requests.rename(folderMenu.folder)
+        onTriggered: AssetActions.rename(folderMenu.folder)
     }
     GlassMenu {
         id: colors
@@ -78,7 +78,7 @@ GlassMenu {
     GlassMenuItem {
         text: qsTr("Reveal in Finder")
 
-        onTriggered: Requests.revealInFileManager(folderMenu.folder)
+        onTriggered: AssetActions.reveal(folderMenu.folder)
     }
     MenuDivider { id: divider }
     GlassMenuItem {
@@ -87,7 +87,7 @@ GlassMenu {
         destructive: true
         text: qsTr("Move to Trash")
 
-        onTriggered: Requests.moveToTrash(folderMenu.folder)
+        onTriggered: AssetActions.moveToTrash(folderMenu.folder)
     }
 
     Component.onCompleted: {
