@@ -25,7 +25,7 @@ class Navigator : public QObject
     // An AssetOrder.
     Q_PROPERTY(int order READ order WRITE setOrder NOTIFY orderChanged FINAL)
     // Of all orders, by AssetOrder.
-    Q_PROPERTY(QStringList orderLabels READ orderLabels CONSTANT FINAL)
+    Q_PROPERTY(QList<QString> orderLabels READ orderLabels CONSTANT FINAL)
 public:
     // As Scope::Kind.
     enum Place { Plugin, Folder, All, Favorites, Recent, Importer, Trash };
