@@ -16,14 +16,13 @@
 #include "state/app_state.h"
 #include "state/prefs.h"
 #include "ui/shell/dialog_file_chooser.h"
-#include "ui/shell/icon_renderer.h"
+#include "ui/shell/icon_loader.h"
 #include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
 
 #include <QGuiApplication>
 #include <QPixmap>
 #include <QQuickWindow>
-#include <QThreadPool>
 
 #include <algorithm>
 
@@ -46,6 +45,12 @@ Services Services::native(const SystemPaths &paths)
     services.workspace = makeWorkspace();
     return services;
 }
+
+namespace {
+
+constexpr int iconPixels = 256; // the largest that docks and switchers show
+
+} // namespace
 
 // Declaration order is dependency order: the engine, declared last, dies first.
 struct Application::Private
@@ -74,6 +79,7 @@ struct Application::Private
     PremiereBridge premiere;
     Inserter inserter;
     std::vector<TrashItem> trashed; // the toast that tells of it comes next
+    IconLoader icons{[](IconStyle style) { return renderIcon(style, iconPixels); }};
     UiEngine engine;
 };
 
@@ -115,6 +121,8 @@ Application::~Application() = default;
 
 void Application::connectRooms()
 {
+    connect(&d->icons, &IconLoader::ready, this,
+            [](const QImage &icon) { QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon))); });
     connect(&d->vault, &Vault::rootChanged, &d->prefs,
             [this](const Location &root) { d->prefs.setVaultPath(root.text()); });
     connect(&d->vault, &Vault::itemsTrashed, this, [this](const auto &items) { d->trashed = items; });
@@ -141,16 +149,7 @@ bool Application::launch(StartupMaintenance maintenance)
 
 void Application::applyIcon()
 {
-    // Drawing the glow takes longer than a frame, so the icon arrives a little later.
-    constexpr int pixels = 256; // the largest that docks and switchers show
-    const IconStyle style = iconStyleFromRawValue(d->prefs.iconStyle());
-    QThreadPool::globalInstance()->start([this, guard = QPointer(this), style] {
-        const QImage icon = renderIcon(style, pixels);
-        QMetaObject::invokeMethod(qGuiApp, [guard, icon] {
-            if (guard)
-                QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon)));
-        });
-    });
+    d->icons.request(iconStyleFromRawValue(d->prefs.iconStyle()));
 }
 
 void Application::applyPin()

@@ -19,15 +19,22 @@ QString rawValue(AssetKind kind);
 // "Video", "Still", "LUT", "Audio".
 QString kindLabel(AssetKind kind);
 
-// Tells one state of a file from another, so that previews know when to forget.
+// Distinguishes the states of a file, so that previews know when they are out of date.
 struct FileVersion
 {
     quint64 inode = 0;
     qint64 size = 0;
     qint64 modified = 0; // nanoseconds since 1970
+    qint64 changed = 0;  // the same, of anything about the file: its permissions, too
 
     friend bool operator==(const FileVersion &, const FileVersion &) = default;
 };
+
+// Whether both have the same bytes, as far as the system says.
+inline bool haveSameContent(const FileVersion &a, const FileVersion &b)
+{
+    return a.inode == b.inode && a.size == b.size && a.modified == b.modified;
+}
 
 // The `added` of a file whose file system knows no birth time: older than everything.
 inline constexpr double distantPast = -63114076800.0;
@@ -47,8 +54,6 @@ struct Asset
         return a.kind == b.kind && a.size == b.size && a.added == b.added && a.url == b.url;
     }
 };
-
-size_t qHash(const Asset &asset, size_t seed = 0);
 
 } // namespace cratewell
 

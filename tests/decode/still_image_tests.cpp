@@ -56,7 +56,7 @@ TEST(StillImage, KeepsColorsInEveryFormat)
         ASSERT_TRUE(picture) << file.toStdString() << ": " << picture.error();
         EXPECT_EQ(QSize(picture->width, picture->height), QSize(160, 80)) << file.toStdString();
         EXPECT_EQ(quarters(*picture, 8), "RG BY") << file.toStdString();
-        EXPECT_EQ(picture->duration, 0);
+        EXPECT_EQ(picture->info.duration, 0);
     }
 }
 

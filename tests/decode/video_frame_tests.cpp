@@ -80,7 +80,7 @@ TEST_P(VideoColors, AreReadBackUprightInSquarePixels)
     EXPECT_EQ(QSize(picture->width, picture->height), GetParam().size);
     EXPECT_EQ(quarters(*picture, 6), GetParam().quarters);
     EXPECT_FALSE(picture->hasAlpha);
-    EXPECT_NEAR(picture->duration, 0.4, 0.01);
+    EXPECT_NEAR(picture->info.duration, 0.4, 0.01);
 }
 
 INSTANTIATE_TEST_SUITE_P(Video, VideoColors, testing::ValuesIn(colorCases),
@@ -152,7 +152,7 @@ struct BrightCase
 
 // Light over the reference white of 203 cd/m2, rolled off towards it: gray stays gray, and what is darker
 // than half of it is shown as it is.
-TEST(VideoBrightness, IsToldInLightThatAScreenCanShow)
+TEST(VideoBrightness, IsShownInLightThatAScreenCanShow)
 {
     MadeMedia media;
     for (const auto &[transfer, code, gray] : {BrightCase{"smpte2084", 0, 0},
@@ -221,7 +221,7 @@ TEST(VideoTime, IsWithinATenthOfASecondAndNeverAfterNinetyEightHundredths)
                                                {1.0, 9.8}}) {
             const auto picture = video(file, fraction);
             ASSERT_TRUE(picture) << picture.error();
-            EXPECT_NEAR(picture->duration, 10, 0.05);
+            EXPECT_NEAR(picture->info.duration, 10, 0.05);
             // One level a frame: 2.5 frames are the tolerance in time, the rest is for the encoder.
             EXPECT_NEAR(qRed(pixel(*picture, {32, 32})), second * 25, 2.5 + 2.5)
                 << file.toStdString() << " at " << fraction;

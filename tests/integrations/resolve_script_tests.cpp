@@ -52,34 +52,18 @@ QJsonObject success(const QString &message)
     return {{u"ok"_s, true}, {u"message"_s, message}};
 }
 
-TEST(ResolveScript, SaysWhenResolveCannotBeReached)
-{
-    const QJsonObject unreachable{{u"ok"_s, false}, {u"code"_s, u"no-external"_s}};
-    for (const QString &trouble : {u"failures['import'] = 'raise'"_s, u"failures['scriptapp'] = 'raise'"_s,
-                                   u"failures['scriptapp'] = 'none'"_s}) {
-        StandInResolve resolve;
-        ASSERT_TRUE(resolve.arrange(trouble));
-        EXPECT_EQ(runScript(resolve, requestFor(resolve.file("Smoke.mov"))), unreachable)
-            << qPrintable(trouble);
-    }
-    StandInResolve resolve;
-    ASSERT_TRUE(resolve.arrange({}));
-    QProcessEnvironment withoutModule = resolve.environment();
-    withoutModule.remove(u"PYTHONPATH"_s);
-    EXPECT_EQ(runScript(resolve, requestFor(resolve.file("Smoke.mov")), withoutModule), unreachable);
-}
-
 TEST(ResolveScript, AnswersEachFailureWithItsSentence)
 {
-    const QString noProject = u"Open a project in Resolve first."_s;
-    const QString noTimeline = u"Open a timeline in Resolve first."_s;
-    const QString noImport = u"Resolve could not import Smoke."_s;
-    const QString noPlace = u"Resolve imported Smoke but could not place it on the timeline."_s;
-    const struct
-    {
-        QString arrange;
-        QString message;
-    } cases[] = {
+    const QJsonObject unreachable{{u"ok"_s, false}, {u"code"_s, u"no-external"_s}};
+    const QJsonObject noProject = failure(u"Open a project in Resolve first."_s);
+    const QJsonObject noTimeline = failure(u"Open a timeline in Resolve first."_s);
+    const QJsonObject noImport = failure(u"Resolve could not import Smoke."_s);
+    const QJsonObject noPlace = failure(u"Resolve imported Smoke but could not place it on the timeline."_s);
+    const QString busyTrack = u"failures['AddTrack'] = 'false'; place('V1', 'Talk', 86400, 999)"_s;
+    const std::pair<QString, QJsonObject> cases[] = {
+        {u"failures['import'] = 'raise'"_s, unreachable},
+        {u"failures['scriptapp'] = 'raise'"_s, unreachable},
+        {u"failures['scriptapp'] = 'none'"_s, unreachable},
         {u"failures['GetProjectManager'] = 'none'"_s, noProject},
         {u"state['project'] = None"_s, noProject},
         {u"project['current_timeline'] = ''"_s, noTimeline},
@@ -91,21 +75,25 @@ TEST(ResolveScript, AnswersEachFailureWithItsSentence)
         {u"failures['AppendToTimeline'] = 'false'"_s, noPlace},
         {u"failures['AppendToTimeline'] = 'empty'"_s, noPlace},
         // The host drops the overlap and hands back a hollow item, or nothing.
-        {u"failures['AddTrack'] = 'false'; place('V1', 'Talk', 86400, 999)"_s, noPlace},
-        {u"failures['AddTrack'] = 'false'; place('V1', 'Talk', 86400, 999); host['hollow_overlaps'] = False"_s,
-         noPlace},
-        {u"failures['ImportMedia'] = 'raise'"_s, u"Resolve error: ImportMedia failed"_s},
-        {u"failures['GetCurrentTimecode'] = 'raise'"_s, u"Resolve error: GetCurrentTimecode failed"_s},
+        {busyTrack, noPlace},
+        {busyTrack + u"; host['hollow_overlaps'] = False"_s, noPlace},
+        {u"failures['ImportMedia'] = 'raise'"_s, failure(u"Resolve error: ImportMedia failed"_s)},
+        {u"failures['GetCurrentTimecode'] = 'raise'"_s,
+         failure(u"Resolve error: GetCurrentTimecode failed"_s)},
     };
-    for (const auto &[arrange, message] : cases) {
+    for (const auto &[arrange, answer] : cases) {
         StandInResolve resolve;
         ASSERT_TRUE(resolve.arrange(arrange));
-        EXPECT_EQ(runScript(resolve, requestFor(resolve.file("Smoke.mov"))), failure(message))
-            << qPrintable(arrange);
+        EXPECT_EQ(runScript(resolve, requestFor(resolve.file("Smoke.mov"))), answer) << qPrintable(arrange);
         EXPECT_EQ(resolve.placed(), QStringList()) << qPrintable(arrange);
         EXPECT_EQ(resolve.project()[u"current_bin"].toString(u"Master"_s), u"Master"_s)
             << qPrintable(arrange);
     }
+    StandInResolve resolve;
+    ASSERT_TRUE(resolve.arrange({}));
+    QProcessEnvironment withoutModule = resolve.environment();
+    withoutModule.remove(u"PYTHONPATH"_s);
+    EXPECT_EQ(runScript(resolve, requestFor(resolve.file("Smoke.mov")), withoutModule), unreachable);
 }
 
 TEST(ResolveScript, RefusesARequestWithoutPathOrKind)
@@ -140,26 +128,26 @@ void expectPlacements(std::initializer_list<Placement> placements)
     }
 }
 
-const QString onV1 = u"V1 Smoke.mov 86652-86772 of 0-120 mode 5"_s;
-const QString onV2 = u"V2 Smoke.mov 86652-86772 of 0-120 mode 5"_s;
-const QString onV3 = u"V3 Smoke.mov 86652-86772 of 0-120 mode 5"_s;
-
-TEST(ResolveScript, PlacesTheWholeClipInEveryVersion)
+TEST(ResolveScript, PlacesTheClipWhereItIsAskedTo)
 {
+    const QString onV1 = u"V1 Smoke.mov 86652-86772 of 0-120 mode 5"_s;
+    const QString onV2 = u"V2 Smoke.mov 86652-86772 of 0-120 mode 5"_s;
+    const QString onV3 = u"V3 Smoke.mov 86652-86772 of 0-120 mode 5"_s;
+    const QString at29 = u"V2 Smoke.mov 108002-108122 of 0-120 mode 5"_s;
+    const QString onA1 = u"A1 Smoke.wav 86652-86724 of 0-72"_s;
+    const QString onA2 = u"A2 Smoke.wav 86652-86724 of 0-72"_s;
+    const QString plain = u"V2 Smoke.mov 86652-86772 of 0-120"_s;
+    const QJsonObject onFree{{u"track"_s, u"free"_s}};
+    const QJsonObject audio{{u"kind"_s, u"audio"_s}};
     expectPlacements({
+        // The whole clip in every version. One that does not say its version is taken for an old one, where
+        // the end frame counts.
         {u"host['version'] = [18, 6, 6, 7, '']"_s, onV2},
         {u"host['version'] = [19, 0, 0, 25, 'b']"_s, onV2},
         {u"host['version'] = [20, 3, 1, 6, '']"_s, onV2},
         {u"host['version'] = [21, 0, 3, 7, '']"_s, onV2},
-        // One that does not say its version is taken for an old one, where the end frame counts.
         {u"host['version'] = [18, 0, 0, 0, '']; failures['GetVersion'] = 'none'"_s, onV2},
-    });
-}
-
-TEST(ResolveScript, CountsFramesByTheTimelinesRate)
-{
-    const QString at29 = u"V2 Smoke.mov 108002-108122 of 0-120 mode 5"_s;
-    expectPlacements({
+        // Frames by the timeline's rate.
         {u"timeline.update(rate='29.97 DF', playhead='01:00:00;02')"_s, at29, {}, u"01:00:00;02"_s},
         {u"timeline.update(rate=29, playhead='01:00:00:02')"_s, at29, {}, u"01:00:00:02"_s},
         {u"timeline.update(rate='59.94', playhead='00:01:00:00')"_s,
@@ -171,21 +159,11 @@ TEST(ResolveScript, CountsFramesByTheTimelinesRate)
          {},
          u"00:00:01:23"_s},
         {u"failures['GetSetting'] = 'none'"_s, onV2},
-    });
-}
-
-TEST(ResolveScript, ChoosesTheTrack)
-{
-    const QJsonObject onFree{{u"track"_s, u"free"_s}};
-    const QJsonObject audio{{u"kind"_s, u"audio"_s}};
-    const QString onA1 = u"A1 Smoke.wav 86652-86724 of 0-72"_s;
-    const QString onA2 = u"A2 Smoke.wav 86652-86724 of 0-72"_s;
-    expectPlacements({
+        // The track: only the top one is looked at, under the whole clip.
         {u"timeline['video'] = []"_s, onV1},
         {{}, onV2, {{u"track"_s, u"lowest"_s}}},
         {{}, onV1, onFree},
         {u"timeline['video'] = []"_s, onV1, onFree},
-        // Only the top track is looked at, under the whole clip.
         {u"timeline['video'].append({'items': []}); place('V2', 'Talk', 86600, 100)"_s, onV3, onFree},
         {u"place('V1', 'Later', 86771, 10)"_s, onV2, onFree},
         {u"place('V1', 'Before', 86600, 52); place('V1', 'After', 86772, 10)"_s, onV1, onFree},
@@ -195,6 +173,16 @@ TEST(ResolveScript, ChoosesTheTrack)
         {{}, onA1, audio},
         {u"timeline['audio'].append({'items': []}); place('A1', 'Voice', 86723, 10)"_s, onA2, audio},
         {u"place('A1', 'Voice', 86600, 100); timeline['video'].append({'items': []})"_s, onA2, audio},
+        // Without a range of its own, five seconds as the host's preference says.
+        {{}, u"V2 Smoke.png 86652-86772 of 0-120 mode 5"_s, {{u"kind"_s, u"image"_s}}},
+        {u"failures['GetClipProperty'] = 'raise'"_s, onV1, onFree},
+        {u"failures['GetClipProperty'] = 'none'"_s, onV2},
+        // The composite mode.
+        {{}, plain + u" mode 8"_s, {{u"blend"_s, 8}}},
+        {{}, plain, {{u"blend"_s, -1}}},
+        {{}, plain, {{u"blend"_s, 0}}},
+        {u"failures['SetProperty'] = 'raise'"_s, plain},
+        {u"failures['SetProperty'] = 'false'"_s, plain},
     });
 }
 
@@ -205,28 +193,6 @@ TEST(ResolveScript, AddsAStereoTrackForSounds)
     const QJsonObject request = requestFor(resolve.file("Hit.wav"), {{u"kind"_s, u"audio"_s}});
     EXPECT_EQ(runScript(resolve, request), success(u"Inserted Hit on A1 at 01:00:10:12"_s));
     EXPECT_EQ(resolve.project()[u"timelines"][0][u"audio"][0][u"type"].toString(), u"stereo"_s);
-}
-
-TEST(ResolveScript, LeavesTheRangeToTheHostWhereTheClipHasNone)
-{
-    expectPlacements({
-        // Five seconds, as the host's preference says.
-        {{}, u"V2 Smoke.png 86652-86772 of 0-120 mode 5"_s, {{u"kind"_s, u"image"_s}}},
-        {u"failures['GetClipProperty'] = 'raise'"_s, onV1, {{u"track"_s, u"free"_s}}},
-        {u"failures['GetClipProperty'] = 'none'"_s, onV2},
-    });
-}
-
-TEST(ResolveScript, SetsTheCompositeModeWhereOneIsAsked)
-{
-    const QString plain = u"V2 Smoke.mov 86652-86772 of 0-120"_s;
-    expectPlacements({
-        {{}, plain + u" mode 8"_s, {{u"blend"_s, 8}}},
-        {{}, plain, {{u"blend"_s, -1}}},
-        {{}, plain, {{u"blend"_s, 0}}},
-        {u"failures['SetProperty'] = 'raise'"_s, plain},
-        {u"failures['SetProperty'] = 'false'"_s, plain},
-    });
 }
 
 TEST(ResolveScript, KeepsItsClipsInOneBinAndTheUsersBinCurrent)

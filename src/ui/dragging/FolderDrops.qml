@@ -9,10 +9,9 @@ DropArea {
     id: drops
 
     required property ListView list
-    required property FolderTreeModel tree
     // The row under the pointer, or -1, and what a drop there would do.
     property int row: -1
-    readonly property int effect: row >= 0 ? DropController.effectOn(tree.folderAt(row)) : DropController.Nothing
+    readonly property int effect: row >= 0 ? DropController.effectOn(FolderTreeModel.folderAt(row)) : DropController.Nothing
 
     readonly property int edge: 26
     // Per step; negative for up.
@@ -31,7 +30,7 @@ DropArea {
 
     onDropped: drop => {
         follow(drop.y);
-        const folder = tree.folderAt(row);
+        const folder = FolderTreeModel.folderAt(row);
         const wanted = DropController.effectOn(folder) !== DropController.Nothing;
         leave();
         if (!wanted)
@@ -57,7 +56,7 @@ DropArea {
 
         onTriggered: {
             if (drops.row >= 0)
-                drops.tree.setExpanded(drops.row, true);
+                FolderTreeModel.setExpanded(drops.row, true);
         }
     }
     Timer {

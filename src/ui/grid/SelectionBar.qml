@@ -46,12 +46,12 @@ Rectangle {
             symbol: "drive_file_move"
             text: qsTr("Move to…")
 
-            onClicked: moveMenu.open({})
+            onClicked: moveMenu.open()
 
-            PopupLoader {
+            PopupHost {
                 id: moveMenu
 
-                file: "MoveMenu.qml"
+                popup: MoveMenu {}
             }
         }
         GlassButton {

@@ -34,7 +34,7 @@ T.ApplicationWindow {
         typing: window.typing
 
         onImportWanted: mainArea.offerImport()
-        onSettingsWanted: settings.open({})
+        onSettingsWanted: settings.open()
     }
     Shortcut {
         sequence: "Ctrl+F"
@@ -102,20 +102,23 @@ T.ApplicationWindow {
         onActed: Inserter.takeToastAction()
     }
     ResizeEdges { window: window }
-    PopupLoader {
+    PopupHost {
         id: settings
 
         anchors.fill: parent
-        file: "SettingsWindow.qml"
+
+        popup: SettingsWindow {}
     }
-    SheetLoader {
+    SheetHost {
         anchors.fill: parent
-        file: "NewFolderSheet.qml"
         wanted: AppState.showNewFolder
+
+        popup: NewFolderSheet {}
     }
-    SheetLoader {
+    SheetHost {
         anchors.fill: parent
-        file: "RenameSheet.qml"
         wanted: AppState.renaming
+
+        popup: RenameSheet {}
     }
 }

@@ -4,12 +4,16 @@
 #include "ui/thumbnail/placeholder.h"
 #include "ui/thumbnail/thumbnail_scaler.h"
 
-#include <QQmlParserStatus>
+#include <QPointer>
 #include <QtQml/qqmlregistration.h>
 #include <vector>
 
+class QJSEngine;
+class QQmlEngine;
+
 namespace cratewell {
 
+class ThumbnailItem;
 class Vault;
 
 // Where thumbnail items get the pictures of files. Main thread.
@@ -17,7 +21,7 @@ class ThumbnailProvider : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
-    QML_UNCREATABLE("Use one of the kinds of picture source")
+    QML_UNCREATABLE("Use VaultThumbnails")
 public:
     using QObject::QObject;
 
@@ -34,10 +38,14 @@ public:
 
     // A Ready sound has these instead of a picture; none for everything else.
     virtual WaveformPeaks waveform(const Location &url) const = 0;
-    // Seconds; 0 when unknown.
-    virtual double duration(const Location &url) const = 0;
+    // Empty when unknown.
+    virtual std::optional<MediaInfo> info(const Location &url) const = 0;
 
-    ThumbnailScaler &cutter() { return m_cutter; }
+    // Has the item request its picture at the end of this pass of the event loop. Those of one pass do so in
+    // the order in which they lie: the scene graph polishes them in the reverse one.
+    void requestInOrder(ThumbnailItem &item);
+
+    ThumbnailScaler &scaler() { return m_scaler; }
     // Painted once for all files that look alike.
     QImage placeholder(const PlaceholderLook &look, const ThumbnailShape &shape);
 
@@ -45,8 +53,7 @@ Q_SIGNALS:
     // State or picture of this file changed.
     void changed(const cratewell::Location &url);
     void scrubFrameChanged(const cratewell::Location &url, int bucket);
-    // Everything may have changed.
-    void reset();
+    void infoChanged(const cratewell::Location &url);
 
 private:
     struct PaintedPlaceholder
@@ -56,23 +63,23 @@ private:
         QImage picture;
     };
 
-    ThumbnailScaler m_cutter;
+    void requestNow();
+
+    ThumbnailScaler m_scaler;
+    std::vector<QPointer<ThumbnailItem>> m_requesting;
     std::vector<PaintedPlaceholder> m_placeholders;
 };
 
 // The grid thumbnails and waveforms of the vault's assets, each looked up afresh, so that a rewritten file
-// gets the picture of its newest version. Every picture is missing until it knows its vault. (The QML tools
-// find a base by its full name only.)
-class VaultThumbnails : public cratewell::ThumbnailProvider, public QQmlParserStatus
+// gets the picture of its newest version. (The QML tools find a base by its full name only.)
+class VaultThumbnails : public cratewell::ThumbnailProvider
 {
     Q_OBJECT
-    Q_INTERFACES(QQmlParserStatus)
     QML_ELEMENT
+    QML_SINGLETON
 public:
-    explicit VaultThumbnails(QObject *parent = nullptr) : ThumbnailProvider(parent) {}
-
-    // Both must outlive this. In QML they are the program's own.
-    void follow(Vault &vault, Media &media);
+    VaultThumbnails(const Vault &vault, Media &media);
+    static VaultThumbnails *create(QQmlEngine *engine, QJSEngine *);
 
     Media::State state(const Location &url) const override;
     QImage picture(const Location &url) const override;
@@ -80,16 +87,13 @@ public:
     QImage scrubFrame(const Location &url, int bucket) const override;
     std::unique_ptr<PreviewRequest> requestScrubFrame(const Location &url, int bucket) override;
     WaveformPeaks waveform(const Location &url) const override;
-    double duration(const Location &url) const override;
-
-    void classBegin() override {}
-    void componentComplete() override;
+    std::optional<MediaInfo> info(const Location &url) const override;
 
 private:
     const Asset *find(const Location &url) const;
 
-    Vault *m_vault = nullptr;
-    Media *m_media = nullptr;
+    const Vault &m_vault;
+    Media &m_media;
 };
 
 } // namespace cratewell

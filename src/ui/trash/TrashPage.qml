@@ -11,7 +11,11 @@ Page {
     subtitle: qsTr("Deleted items stay here for %1 days, then they're removed for good.").arg(trash.retentionDays)
     title: qsTr("Trash")
 
-    TrashModel { id: trash }
+    TrashModel {
+        id: trash
+
+        vault: Vault
+    }
 
     Row {
         spacing: Theme.space2
@@ -41,7 +45,7 @@ Page {
         visible: trash.count > 0
         y: 64 + page.push
 
-        onClicked: question.open({ trash: trash })
+        onClicked: question.open()
     }
     ListView {
         id: list
@@ -105,10 +109,11 @@ Page {
         visible: trash.count === 0
         width: Math.min(300, parent.width - 2 * Theme.space4)
     }
-    PopupLoader {
+    PopupHost {
         id: question
 
         anchors.fill: parent
-        file: "EmptyTrashSheet.qml"
+
+        popup: EmptyTrashSheet { trash: trash }
     }
 }

@@ -2,11 +2,10 @@
 #include "ui/dragging/drag_picture.h"
 #include "ui/dragging/dropped_items.h"
 
-#include "support/small_library.h"
-#include "ui/grid/folder_choice_model.h"
-
 #include <QMimeData>
 #include <QTemporaryDir>
+#include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
 
 namespace cratewell {
@@ -14,8 +13,6 @@ namespace cratewell {
 namespace {
 
 using namespace Qt::StringLiterals;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 // A vault and a desktop beside it.
 class Dropped : public testing::Test
@@ -93,21 +90,11 @@ TEST_F(Dropped, WhatLiesInTheVaultIsTakenFromTheRestThroughEveryLink)
 
 TEST_F(Dropped, MovesAndImportsThatTakeNothingAreKnown)
 {
-    const Location root = named("vault");
-    const struct
-    {
-        const char *item;
-        const char *folder;
-        bool moves;
-    } cases[] = {
-        {"vault/SFX/Hits/a.wav", "vault/SFX", true},     {"vault/SFX/b.wav", "vault/SFX", false},
-        {"vault/SFX/b.wav", "vault/Overlays", false},    {"vault/SFX/Hits", "vault/Overlays", true},
-        {"vault/SFX/Hits", "vault/SFX/Hits", false},     {"vault/SFX", "vault/SFX/Hits", false},
-        {"link to vault/SFX/b.wav", "vault/SFX", false},
+    const auto moves = [this](const std::vector<Location> &items) {
+        return movesAny(items, named("vault/Overlays"), named("vault"));
     };
-    for (const auto &row : cases)
-        EXPECT_EQ(movesAny({named(row.item)}, named(row.folder), root), row.moves)
-            << row.item << " to " << row.folder;
+    EXPECT_TRUE(moves({named("vault/SFX/b.wav"), named("vault/SFX/Hits")}));
+    EXPECT_FALSE(moves({named("vault/SFX/b.wav"), named("vault/SFX")})) << "a category stays";
     EXPECT_TRUE(importsAny({named("a.txt"), named("desktop/d.wav")}));
     EXPECT_TRUE(importsAny({named("desktop")}));
     EXPECT_FALSE(importsAny({named("a.txt"), named("nowhere")}));
@@ -157,33 +144,6 @@ TEST(DragPicture, ShowsThePressedCardInFrontAndHowManyThereAre)
         EXPECT_FALSE(many.hasAlphaChannel());
     }
     EXPECT_FALSE(dragPicture({}, 0, Qt::magenta, 1).isNull());
-}
-
-TEST(MoveTargetsModel, OffersTheFoldersThatTakeEveryKindOfTheSelection)
-{
-    test::SmallLibrary library;
-    for (const auto file :
-         {"Overlays/Flashes/White.mov"_L1, "Overlays/Still.png"_L1, "SFX/Hits/Deep/Boom.wav"_L1})
-        library.write(file);
-    ASSERT_TRUE(library.scan());
-    const auto offered = [&](const QStringList &files) {
-        QSet<Location> selected;
-        for (const QString &file : files)
-            selected.insert(library.path(file));
-        library.state.setSelected(selected);
-        FolderChoiceModel targets;
-        targets.fill(library.vault, library.state);
-        std::vector<std::string> lines;
-        for (int row = 0; row < targets.rowCount(); ++row)
-            lines.push_back(
-                std::string(targets.data(targets.index(row), FolderChoiceModel::DepthRole).toUInt(), ' ') +
-                targets.data(targets.index(row), FolderChoiceModel::NameRole).toString().toStdString());
-        return lines;
-    };
-    EXPECT_THAT(offered({u"SFX/Hits/Deep/Boom.wav"_s}), ElementsAre("SFX", " Hits", "  Deep"));
-    EXPECT_THAT(offered({u"Overlays/Flashes/White.mov"_s, u"Overlays/Still.png"_s}),
-                ElementsAre("Overlays", " Flashes"));
-    EXPECT_THAT(offered({u"Overlays/Still.png"_s, u"SFX/Hits/Deep/Boom.wav"_s}), IsEmpty());
 }
 
 } // namespace cratewell

@@ -1,17 +1,13 @@
+#include "support/child.h"
 #include "vault/files/disk.h"
 #include "vault/files/file_operations_fixture.h"
 #include "vault/files/trash_index.h"
 #include "vault/files/unique_names.h"
 #include "vault/item_name.h"
 
-#include <QCoreApplication>
-#include <QProcess>
-#include <QScopeGuard>
-
 #include <gmock/gmock.h>
 #include <thread>
 
-#include <sys/mount.h>
 #include <sys/stat.h>
 
 namespace cratewell {
@@ -34,6 +30,14 @@ TEST_F(FileOperationsTest, NamesAreCleanedAndNumbered)
     EXPECT_EQ(UniqueNames::numbered("Hits", 3, UniqueNames::Naming::File), "Hits 3");
     EXPECT_EQ(UniqueNames::numbered(".hidden", 2, UniqueNames::Naming::File), ".hidden 2");
     EXPECT_EQ(UniqueNames::numbered("v1.2", 2, UniqueNames::Naming::Folder), "v1.2 2");
+    const QByteArray accents = QByteArray("\xc3\xa9").repeated(125);
+    for (const QByteArray &longest : {accents + "a.wav", accents + "aaaaa", "a." + accents + "aaa"}) {
+        ASSERT_EQ(longest.size(), 255);
+        const QByteArray next = UniqueNames::numbered(longest, 12, UniqueNames::Naming::File);
+        EXPECT_TRUE(isPlainName(next) && next.contains(" 12")) << next.constData();
+        EXPECT_EQ(next.endsWith(".wav"), longest.endsWith(".wav"));
+        EXPECT_EQ(QString::fromUtf8(next).toUtf8(), next) << "half a character";
+    }
 
     for (const char *expected : {"New Folder", "New Folder 2", "New Folder 3"})
         EXPECT_THAT(work.createFolder(disk.at("SFX"), u"New Folder"_s).placed,
@@ -129,6 +133,10 @@ TEST_F(FileOperationsTest, ImportFilesByTypeAndKeepsStructure)
     disk.write("../whole.mov");
     const auto around = work.import({disk.root().parent()}, {}, ImportMode::Copy, progress);
     EXPECT_EQ(around.count, 4) << "what is in the vault is not imported along with a folder around it";
+    disk.link("../again", disk.root().parent().bytes().toStdString());
+    const size_t before = listed().size();
+    work.import(at({"../again", "../again/vault"}), {}, ImportMode::Copy, progress);
+    EXPECT_EQ(listed().size(), before + 4) << "nor along another path";
 }
 
 TEST_F(FileOperationsTest, ImportKeepsDatesAndPermissionsAndCanBeBrokenOff)
@@ -221,22 +229,14 @@ TEST(FullDisk, LeavesBothSidesAsTheyWere)
 {
     const TemporaryVault place;
     place.makeFolder("disk");
-    const QString mount =
-        u"mount -t tmpfs -o size=16m tmpfs \"$CRATEWELL_SMALL_DISK\" && exec \"$0\" \"$@\""_s;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"CRATEWELL_SMALL_DISK"_s, QString::fromStdString(place.native("disk")));
-    QProcess child;
-    child.setProcessEnvironment(environment);
-    child.setProcessChannelMode(QProcess::MergedChannels);
-    child.start(u"unshare"_s, {u"--user"_s, u"--map-root-user"_s, u"--mount"_s, u"sh"_s, u"-c"_s, mount,
-                               QCoreApplication::applicationFilePath(), u"--gtest_filter=FullDiskChild.*"_s,
-                               u"--gtest_also_run_disabled_tests"_s});
-    ASSERT_TRUE(child.waitForFinished(60000));
-    const QByteArray output = child.readAll();
-    if (!output.contains("Running 1 test"))
-        GTEST_SKIP() << "no file system may be mounted here: " << output.constData();
-    EXPECT_EQ(child.exitCode(), 0) << output.constData();
-    EXPECT_TRUE(output.contains("[  PASSED  ] 1 test")) << output.constData();
+    const QStringList rootlike{u"unshare"_s, u"--user"_s, u"--map-root-user"_s, u"--mount"_s};
+    const QString mount = u"mount -t tmpfs -o size=16m tmpfs '%1'"_s.arg(place.at("disk").text());
+    if (!isPermitted(rootlike, mount))
+        GTEST_SKIP() << "no file system may be mounted here";
+    Child child(u"FullDiskChild.*"_s,
+                {.environment = {{u"CRATEWELL_SMALL_DISK"_s, place.at("disk").text()}},
+                 .wrapper = rootlike + QStringList{u"sh"_s, u"-c"_s, mount + u" && exec \"$0\" \"$@\""_s}});
+    EXPECT_TRUE(child.passes());
 }
 
 } // namespace

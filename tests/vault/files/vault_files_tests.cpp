@@ -5,6 +5,7 @@
 #include "vault/temporary_vault.h"
 #include "vault/vault.h"
 
+#include <future>
 #include <gmock/gmock.h>
 #include <thread>
 
@@ -162,6 +163,27 @@ TEST(FileQueue, ShowsLongWorkAndCancelsIt)
     ASSERT_TRUE(waitUntil([&] { return done.size() == 2; }));
     EXPECT_THAT(done, ElementsAre(u"first"_s, u"second"_s)) << "what waits is done after it";
     EXPECT_FALSE(progress.isActive());
+}
+
+TEST(FileQueue, TheEffectsOfWhatWasDoneAreHadAtTheEnd)
+{
+    FileProgress progress;
+    FileQueue queue(progress);
+    std::vector<QString> done;
+    std::promise<void> underWay;
+    for (const QString &name : {u"first"_s, u"second"_s, u"third"_s}) {
+        queue.add(name, [&, name](OperationProgress &monitor) -> FileQueue::Effects {
+            if (name == u"second"_s) {
+                underWay.set_value();
+                while (!monitor.canceled)
+                    std::this_thread::yield();
+            }
+            return [&, name] { done.push_back(name); };
+        });
+    }
+    underWay.get_future().wait();
+    queue.drain();
+    EXPECT_THAT(done, ElementsAre(u"first"_s, u"second"_s)) << "what waits is dropped";
 }
 
 TEST(FileQueue, EndsWhatFillsAFolderThatGoes)
