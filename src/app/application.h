@@ -16,8 +16,7 @@ class AppState;
 class Defaults;
 class FileChooser;
 class FileEvents;
-class Inserter;
-class Media;
+class Notifications;
 class Prefs;
 class Vault;
 class Workspace;
@@ -60,8 +59,7 @@ public:
     Prefs &prefs();
     Vault &vault();
     AppState &state();
-    Media &media();
-    Inserter &inserter();
+    Notifications &notifications();
     // Null before launch().
     QQuickWindow *window() const;
 

@@ -151,14 +151,6 @@ QString Vault::lastError() const
     return d->lastError;
 }
 
-void Vault::clearLastError()
-{
-    if (d->lastError.isEmpty())
-        return;
-    d->lastError.clear();
-    Q_EMIT lastErrorChanged();
-}
-
 qint64 Vault::totalSize() const
 {
     return d->snapshot->totalSize();

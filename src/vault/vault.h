@@ -44,7 +44,7 @@ public:
     ~Vault() override;
 
     // Makes the folders, opens the trash, scans and follows the disk. Called once at launch; changeRoot calls
-    // it again. Without maintenance nothing is deleted that nobody asked for.
+    // it again. Without maintenance nothing is ever deleted that nobody asked for.
     void start(StartupMaintenance maintenance = StartupMaintenance::Run);
     // Leaves the old root as it is. Emits rootChanged, then opened.
     void changeRoot(const Location &root);
@@ -56,8 +56,8 @@ public:
     const Location &root() const;
     // Of the last finished scan of this or, until then, an earlier root. Never null; empty before the first.
     const std::shared_ptr<const VaultSnapshot> &snapshot() const;
+    // Of the last operation on files that failed; lastErrorChanged reports each one, an equal one too.
     QString lastError() const;
-    Q_INVOKABLE void clearLastError();
     qint64 totalSize() const; // bytes, of all assets in the snapshot
 
     Location categoryUrl(VaultCategory category) const;
@@ -112,7 +112,8 @@ Q_SIGNALS:
     void itemsTrashed(const std::vector<cratewell::TrashItem> &items);
     void trashItemsChanged();
     void recentImportsChanged();
-    void toast(const QString &text, bool ok);
+    // An operation's report; `trashed` is what it has put in the trash.
+    void toast(const QString &text, bool ok, const std::vector<cratewell::TrashItem> &trashed = {});
 
 private:
     struct Private;

@@ -150,7 +150,7 @@ void Vault::moveToTrash(const std::vector<Location> &items)
                 Q_EMIT toast(
                     u"Moved %1 to Trash. They're kept for %2 days."_s.arg(counted(outcome.count, u"item"_s))
                         .arg(trashRetentionDays),
-                    true);
+                    true, outcome.trashed);
         });
 }
 

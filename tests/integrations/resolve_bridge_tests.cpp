@@ -186,6 +186,17 @@ TEST_F(ResolveBridgeTest, FindsTheAnswerAmongNoiseAndAfterAHang)
     EXPECT_EQ(insert(1500ms).message, u"Done"_s);
 }
 
+TEST_F(ResolveBridgeTest, GivesAScriptTwentySeconds)
+{
+    // What is left of the alarm that ends a script 2 s after its watchdog has failed to.
+    replacePython("exec /usr/bin/python3 -c 'import json, signal; "
+                  "print(json.dumps({\"ok\": True, \"message\": str(signal.alarm(0))}))'");
+    ResolveBridge bridge(m_prefs, m_paths);
+    const int left = QCoro::waitFor(bridge.insert(m_asset)).message.toInt();
+    EXPECT_GT(left, 18);
+    EXPECT_LE(left, 22);
+}
+
 TEST_F(ResolveBridgeTest, GivesTheScriptItsEnvironment)
 {
     replacePython("printf '{\"ok\": true, \"message\": \"%s|%s|%s|%s\"}' \"$RESOLVE_SCRIPT_API\" "

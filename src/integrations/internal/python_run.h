@@ -42,7 +42,7 @@ struct PythonCall
     QString script;
     QStringList arguments;
     QProcessEnvironment environment;
-    std::chrono::milliseconds limit{20000};
+    std::chrono::milliseconds limit{};
 };
 
 // One run of a script text by the interpreter, which is killed at the time limit. Standard error is dropped,

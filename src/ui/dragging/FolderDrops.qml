@@ -11,7 +11,9 @@ DropArea {
     required property ListView list
     // The row under the pointer, or -1, and what a drop there would do.
     property int row: -1
-    readonly property int effect: row >= 0 ? DropController.effectOn(FolderTreeModel.folderAt(row)) : DropController.Nothing
+    readonly property int effect: row < 0 ? DropController.Nothing
+                                : DropController.judging ? DropController.Unknown
+                                : DropController.effectOn(FolderTreeModel.folderAt(row))
 
     readonly property int edge: 26
     // Per step; negative for up.
@@ -36,10 +38,10 @@ DropArea {
         if (!wanted)
             return;
         drop.accept(Qt.CopyAction);
-        DropController.dropOn(folder, drop.urls, drop.getDataAsString(DropController.ownType));
+        DropController.dropOn(folder);
     }
     onEntered: drag => {
-        DropController.weigh(drag.urls, drag.getDataAsString(DropController.ownType));
+        DropController.enter(drag.getDataAsString("text/uri-list"), drag.getDataAsString(DropController.ownType));
         follow(drag.y);
     }
     onExited: leave()

@@ -67,7 +67,7 @@ T.Control {
                                                 && event.modifiers & Qt.ShiftModifier))
             showMenuAtFocus();
         else if (event.key === Qt.Key_Escape && AppState.selectedCount > 1)
-            SelectionActions.clear();
+            AppState.clearSelected();
         else if (!move(event.key, event.modifiers))
             return;
         event.accepted = true;
@@ -239,7 +239,7 @@ T.Control {
 
                 card: null
 
-                onToggled: assets.toggleFavorite(assets.rowOf(card.url))
+                onToggled: AssetActions.toggleFavorite(card.url)
             }
 
             T.ScrollBar.vertical: ThinScrollBar {
@@ -271,7 +271,7 @@ T.Control {
         anchors.horizontalCenter: parent.horizontalCenter
         focusAfter: grid
         height: grid.barHeight
-        wanted: SelectionActions.count > 1
+        wanted: AssetActions.countInView > 1
         width: made?.width ?? 0
 
         content: SelectionBar { height: grid.barHeight }

@@ -7,29 +7,29 @@ import Cratewell
 GlassMenu {
     id: menu
 
-    readonly property bool several: SelectionActions.count > 1
+    readonly property bool several: AssetActions.countInView > 1
 
     title: qsTr("Asset")
     visible: true
 
     MenuHeading { text: qsTr("Insert into") }
     GlassMenuItem {
-        enabled: SelectionActions.insertable
+        enabled: AssetActions.insertable
         text: qsTr("DaVinci Resolve")
 
-        onTriggered: SelectionActions.insertInto(SelectionActions.Resolve)
+        onTriggered: AssetActions.insertInto(AssetActions.Resolve)
     }
     GlassMenuItem {
-        enabled: SelectionActions.insertable
+        enabled: AssetActions.insertable
         text: qsTr("Premiere Pro")
 
-        onTriggered: SelectionActions.insertInto(SelectionActions.Premiere)
+        onTriggered: AssetActions.insertInto(AssetActions.Premiere)
     }
     MenuDivider {}
     GlassMenuItem {
-        text: SelectionActions.favorite ? qsTr("Unfavorite") : qsTr("Favorite")
+        text: AssetActions.favoritesInView ? qsTr("Unfavorite") : qsTr("Favorite")
 
-        onTriggered: SelectionActions.toggleFavorite()
+        onTriggered: AssetActions.toggleFavoritesInView()
     }
     GlassMenu {
         id: moveMenu
@@ -58,18 +58,18 @@ GlassMenu {
         enabled: !menu.several
         text: qsTr("Rename…")
 
-        onTriggered: SelectionActions.rename()
+        onTriggered: AssetActions.renameFocused()
     }
     GlassMenuItem {
         text: qsTr("Reveal in Finder")
 
-        onTriggered: AppState.revealSelected()
+        onTriggered: AssetActions.revealSelected()
     }
     MenuDivider {}
     GlassMenuItem {
         destructive: true
         text: qsTr("Move to Trash")
 
-        onTriggered: SelectionActions.moveToTrash()
+        onTriggered: AssetActions.moveInViewToTrash()
     }
 }

@@ -11,5 +11,5 @@ FolderList {
         vault: Vault
     }
 
-    onChosen: folder => SelectionActions.moveTo(folder)
+    onChosen: folder => AssetActions.moveInViewTo(folder)
 }

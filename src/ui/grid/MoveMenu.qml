@@ -12,7 +12,10 @@ GlassMenu {
     visible: true
     y: -height - 6
 
-    onOpened: folders.forceActiveFocus(Qt.PopupFocusReason)
+    onVisibleChanged: {
+        if (visible)
+            folders.forceActiveFocus(Qt.PopupFocusReason);
+    }
 
     MoveList {
         id: folders

@@ -138,13 +138,6 @@ void AssetListModel::pick(int row)
         m_state->click(picked, Qt::NoModifier);
 }
 
-void AssetListModel::toggleFavorite(int row)
-{
-    const Location url = urlAt(row);
-    if (!url.isEmpty() && m_prefs)
-        m_prefs->toggleFavorite(url);
-}
-
 void AssetListModel::follow(const SnapshotDiff *diff)
 {
     if (m_applying) {

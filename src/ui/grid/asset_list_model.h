@@ -59,7 +59,6 @@ public:
     // As when something is about to be done with the row and all that is selected beside it: focuses it, and
     // selects it alone unless it is among the selected.
     Q_INVOKABLE void pick(int row);
-    Q_INVOKABLE void toggleFavorite(int row);
 
 Q_SIGNALS:
     void stateChanged();

@@ -10,7 +10,10 @@ GlassMenu {
     title: qsTr("Destination")
     visible: true
 
-    onOpened: list.forceActiveFocus(Qt.PopupFocusReason)
+    onVisibleChanged: {
+        if (visible)
+            list.forceActiveFocus(Qt.PopupFocusReason);
+    }
 
     FolderList {
         id: list

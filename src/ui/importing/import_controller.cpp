@@ -1,9 +1,8 @@
 #include "ui/importing/import_controller.h"
 
 #include "platform/defaults.h"
-#include "state/app_state.h"
-#include "state/prefs.h"
 #include "ui/grid/folder_choice_model.h"
+#include "ui/shell/asset_actions.h"
 #include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
 
@@ -17,8 +16,8 @@ constexpr auto destinationKey = "importDestination"_L1;
 
 } // namespace
 
-ImportController::ImportController(Vault &vault, AppState &state, const Prefs &prefs, Defaults &defaults)
-    : m_vault(vault), m_state(state), m_prefs(prefs), m_defaults(defaults)
+ImportController::ImportController(Vault &vault, Defaults &defaults, AssetActions &actions)
+    : m_vault(vault), m_defaults(defaults), m_actions(actions)
 {
     connect(&vault, &Vault::rescanned, this, &ImportController::refresh);
     refresh();
@@ -27,7 +26,7 @@ ImportController::ImportController(Vault &vault, AppState &state, const Prefs &p
 ImportController *ImportController::create(QQmlEngine *engine, QJSEngine *)
 {
     const UiContext &context = UiEngine::contextOf(engine);
-    return new ImportController(context.vault, context.state, context.prefs, context.defaults);
+    return new ImportController(context.vault, context.defaults, context.actions);
 }
 
 void ImportController::refresh()
@@ -58,12 +57,12 @@ std::optional<Location> ImportController::into() const
 
 void ImportController::chooseFiles()
 {
-    m_state.importPanel(ChooseRequest::What::Files, into());
+    m_actions.chooseImports(ChooseRequest::What::Files, into());
 }
 
 void ImportController::chooseFolder()
 {
-    m_state.importPanel(ChooseRequest::What::Folders, into());
+    m_actions.chooseImports(ChooseRequest::What::Folders, into());
 }
 
 std::vector<Location> ImportController::outside(const QList<QUrl> &urls) const
@@ -87,7 +86,7 @@ bool ImportController::takes(const QList<QUrl> &urls) const
 void ImportController::take(const QList<QUrl> &urls)
 {
     if (const std::vector<Location> places = outside(urls); !places.empty())
-        m_vault.importItems(places, into(), m_prefs.importMove() ? ImportMode::Move : ImportMode::Copy);
+        m_actions.importItems(places, into());
 }
 
 } // namespace cratewell

@@ -13,9 +13,8 @@ class QQmlEngine;
 
 namespace cratewell {
 
-class AppState;
+class AssetActions;
 class Defaults;
-class Prefs;
 class Vault;
 
 // Where the import page puts what it is given, kept for the next start, and the ways to give it something.
@@ -28,7 +27,7 @@ class ImportController : public QObject
     Q_PROPERTY(cratewell::Location destination READ destination NOTIFY destinationChanged FINAL)
     Q_PROPERTY(QString label READ label NOTIFY destinationChanged FINAL)
 public:
-    ImportController(Vault &vault, AppState &state, const Prefs &prefs, Defaults &defaults);
+    ImportController(Vault &vault, Defaults &defaults, AssetActions &actions);
     static ImportController *create(QQmlEngine *engine, QJSEngine *);
 
     const Location &destination() const { return m_destination; }
@@ -51,9 +50,8 @@ private:
     std::vector<Location> outside(const QList<QUrl> &urls) const;
 
     Vault &m_vault;
-    AppState &m_state;
-    const Prefs &m_prefs;
     Defaults &m_defaults;
+    AssetActions &m_actions;
     Location m_destination;
 };
 

@@ -55,7 +55,7 @@ GlassPanel {
             anchors.rightMargin: -6
             favorite: SelectionInfo.favorite
 
-            onClicked: Requests.toggleFavorite()
+            onClicked: AssetActions.toggleFavoriteOfFocused()
         }
         AssetPicture {
             id: picture

@@ -14,7 +14,7 @@ Sheet {
     title: qsTr("New Folder")
 
     onAboutToHide: AppState.showNewFolder = false
-    onConfirmed: AppState.createNewFolder(field.text)
+    onConfirmed: AssetActions.createFolder(field.text)
     onShown: {
         field.forceActiveFocus(Qt.PopupFocusReason);
         field.selectAll();

@@ -14,7 +14,7 @@ Sheet {
     title: question.title
 
     onAboutToHide: AppState.stopRenaming()
-    onConfirmed: AppState.renameTo(field.text)
+    onConfirmed: AssetActions.renameTo(field.text)
     onShown: {
         field.forceActiveFocus(Qt.PopupFocusReason);
         field.select(0, question.selectionLength);

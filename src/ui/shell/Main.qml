@@ -91,15 +91,15 @@ T.ApplicationWindow {
     }
 
     ToastView {
-        action: Inserter.toastAction
+        action: Notifications.toastAction
         anchors.bottom: parent.bottom
         anchors.bottomMargin: 30 + mainArea.occupiedHeight
         anchors.horizontalCenter: parent.horizontalCenter
-        ok: Inserter.toastOk
-        text: Inserter.toastText
+        ok: Notifications.toastOk
+        text: Notifications.toastText
         widest: parent.width - 80
 
-        onActed: Inserter.takeToastAction()
+        onActed: Notifications.takeToastAction()
     }
     ResizeEdges { window: window }
     PopupHost {

@@ -105,10 +105,10 @@ FocusScope {
         anchors.leftMargin: 6
         anchors.right: parent.right
         anchors.rightMargin: 6
-        text: Vault.lastError
+        text: Notifications.bannerText
         y: 4
 
-        onDismissed: Vault.clearLastError()
+        onDismissed: Notifications.closeBanner()
     }
     PopupHost {
         id: importMenu
@@ -117,8 +117,8 @@ FocusScope {
         y: area.showsGrid ? toolbar.importMenuY : 60
 
         popup: ImportMenu {
-            onFilesWanted: AppState.importFiles()
-            onFolderWanted: AppState.importFolder()
+            onFilesWanted: AssetActions.importFiles()
+            onFolderWanted: AssetActions.importFolder()
         }
     }
 }

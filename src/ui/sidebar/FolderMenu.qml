@@ -13,7 +13,7 @@ GlassMenu {
 
     readonly property color current: Prefs.color(folder)
     // Names are for those who do not see the colors.
-    readonly property var palette: [
+    readonly property var choices: [
         { name: qsTr("Red"), hex: "#FF6B6B" },
         { name: qsTr("Orange"), hex: "#FF9F43" },
         { name: qsTr("Yellow"), hex: "#FFD93D" },
@@ -31,14 +31,14 @@ GlassMenu {
     GlassMenuItem {
         text: qsTr("New Folder Inside…")
 
-        onTriggered: Requests.newFolderInside(menu.folder)
+        onTriggered: AppState.newFolderInside(menu.folder)
     }
     GlassMenuItem {
         id: rename
 
         text: qsTr("Rename…")
 
-        onTriggered: Requests.rename(menu.folder)
+        onTriggered: AssetActions.rename(menu.folder)
     }
     GlassMenu {
         id: colors
@@ -47,7 +47,7 @@ GlassMenu {
         title: qsTr("Color")
 
         Repeater {
-            model: menu.palette
+            model: menu.choices
 
             SwatchItem {
                 required property var modelData
@@ -60,7 +60,7 @@ GlassMenu {
             }
         }
         SwatchItem {
-            checked: !menu.palette.some(color => Qt.colorEqual(menu.current, color.hex))
+            checked: !menu.choices.some(color => Qt.colorEqual(menu.current, color.hex))
             swatch: "transparent"
             text: qsTr("Default")
 
@@ -78,7 +78,7 @@ GlassMenu {
     GlassMenuItem {
         text: qsTr("Reveal in Finder")
 
-        onTriggered: Requests.revealInFileManager(menu.folder)
+        onTriggered: AssetActions.reveal(menu.folder)
     }
     MenuDivider { id: divider }
     GlassMenuItem {
@@ -87,7 +87,7 @@ GlassMenu {
         destructive: true
         text: qsTr("Move to Trash")
 
-        onTriggered: Requests.moveToTrash(menu.folder)
+        onTriggered: AssetActions.moveToTrash(menu.folder)
     }
 
     Component.onCompleted: {

@@ -114,7 +114,7 @@ GlassPanel {
             showCount: Prefs.showCounts
             width: ListView.view.width
 
-            onAddWanted: Requests.newFolderInside(folder)
+            onAddWanted: AppState.newFolderInside(folder)
             onActivated: {
                 list.currentIndex = index;
                 Navigator.showFolder(folder);
@@ -168,6 +168,6 @@ GlassPanel {
 
         onPinToggled: Prefs.pinned = !Prefs.pinned
         onSettingsWanted: sidebar.commands.settings.triggered()
-        onVaultOpened: Requests.openInFileManager(Vault.root)
+        onVaultOpened: AssetActions.openFolder(Vault.root)
     }
 }

@@ -150,10 +150,12 @@ void ThumbnailItem::forget()
 
 void ThumbnailItem::withdrawIfUnseen()
 {
-    if (m_active && isVisible())
+    if (m_active && isVisible()) {
         polish();
-    else
-        m_request.reset();
+        return;
+    }
+    m_request.reset();
+    m_ticket.reset();
 }
 
 void ThumbnailItem::updatePolish()

@@ -2,8 +2,11 @@
 #include "media/media.h"
 #include "platform/fakes/fake_appearance.h"
 #include "platform/fakes/fake_applications.h"
+#include "platform/fakes/fake_file_chooser.h"
+#include "state/notifications.h"
 #include "support/small_library.h"
 #include "ui/grid/selectable_item.h"
+#include "ui/shell/asset_actions.h"
 #include "ui/shell/ui_engine.h"
 
 #include <QAccessible>
@@ -70,7 +73,8 @@ protected:
     static QString soundName(int number) { return u"Sound %1"_s.arg(number, 2, 10, QChar(u'0')); }
     int focusedRow() const
     {
-        return library.state.selection() ? library.state.visibleRow(library.state.selection()->url) : -1;
+        return library.state.selection() ? library.state.visibleAssets().row(library.state.selection()->url)
+                                         : -1;
     }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
     {
@@ -98,10 +102,13 @@ protected:
     FakeApplications applications;
     RecordingBridge bridge;
     Media media{library.vault, library.prefs, SystemPaths::below(library.path(u"nowhere"_s))};
-    Inserter inserter{library.prefs, library.state, applications, bridge, bridge};
+    Notifications notifications;
+    Inserter inserter{library.prefs, library.state, applications, notifications, bridge, bridge};
+    FakeFileChooser chooser;
+    AssetActions actions{library.vault, library.prefs, library.state, inserter, library.workspace, chooser};
     QList<QQmlError> qmlWarnings;
-    UiEngine engine{{library.prefs, library.state, library.vault, inserter, media, appearance,
-                     library.defaults, library.workspace}};
+    UiEngine engine{{library.prefs, library.state, library.vault, notifications, inserter, media, appearance,
+                     library.defaults, library.workspace, actions}};
     QQuickWindow window;
     std::unique_ptr<QQuickItem> grid;
     QQuickItem *view = nullptr;

@@ -75,7 +75,6 @@ TEST_F(AssetListModelTest, DescribesAnAsset)
     EXPECT_EQ(model.assetAt(-1), nullptr);
     EXPECT_TRUE(model.urlAt(1).isEmpty());
     model.click(1, Qt::NoModifier);
-    model.toggleFavorite(-1);
     EXPECT_EQ(model.currentRow(), 0);
 }
 
@@ -118,7 +117,7 @@ TEST_F(AssetListModelTest, FollowsSearchSortAndScope)
         [this] { state.setSort(AssetOrder::Size); },
         [this] { state.setSort(AssetOrder::Name); },
         [this] { state.setScope(Scope::of(Scope::Kind::Favorites)); },
-        [this] { model.toggleFavorite(0); },
+        [this] { library.prefs.toggleFavorite(model.urlAt(0)); },
         [this] { state.setScope(Scope::of(Scope::Kind::Trash)); },
         [this] { state.setScope(Scope::all()); },
     };
@@ -148,7 +147,7 @@ TEST_F(AssetListModelTest, TellsSelectionFocusAndFavoritesRowByRow)
          {{0, 0, Role::SelectedRole},
           {3, 3, Role::SelectedRole}, //
           {5, 5, Role::SelectedRole}}},
-        {[this] { model.toggleFavorite(2); }, {{2, 2, Role::FavoriteRole}}},
+        {[this] { library.prefs.toggleFavorite(model.urlAt(2)); }, {{2, 2, Role::FavoriteRole}}},
         {[this] {
              library.prefs.setFavorites({hit(0), hit(1)});
          },
@@ -160,7 +159,7 @@ TEST_F(AssetListModelTest, TellsSelectionFocusAndFavoritesRowByRow)
         std::vector<std::tuple<int, int, int>> changes;
         for (const auto &arguments : std::exchange(static_cast<QList<QVariantList> &>(reported), {}))
             changes.emplace_back(arguments[0].toModelIndex().row(), arguments[1].toModelIndex().row(),
-                              arguments[2].value<QList<int>>().value(0));
+                                 arguments[2].value<QList<int>>().value(0));
         EXPECT_EQ(changes, step.changes) << &step - steps;
         EXPECT_TRUE(agrees());
     }

@@ -1,6 +1,5 @@
 #include "platform/defaults.h"
-#include "platform/fakes/fake_file_chooser.h"
-#include "support/small_library.h"
+#include "ui/actions_library.h"
 #include "ui/controls/formats.h"
 #include "ui/importing/import_controller.h"
 #include "ui/importing/recent_imports_model.h"
@@ -180,10 +179,10 @@ protected:
     QString outside() const { return library.path(u"../outside/Whoosh.wav"_s).text(); }
     bool exists(const QString &relative) const { return QFile::exists(library.path(relative).text()); }
 
-    test::SmallLibrary library;
-    FakeFileChooser chooser;
-    AppState state{library.vault, library.prefs, library.workspace, &chooser};
-    ImportController imports{library.vault, state, library.prefs, library.defaults};
+    test::ActionsLibrary library;
+    FakeFileChooser &chooser = library.chooser;
+    AppState &state = library.state;
+    ImportController imports{library.vault, library.defaults, library.actions};
     RecentImportsModel recent{library.vault, state};
     QAbstractItemModelTester tester{&recent};
 };

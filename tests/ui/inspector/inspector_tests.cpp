@@ -1,5 +1,6 @@
 #include "integrations/inserter.h"
 #include "platform/fakes/fake_applications.h"
+#include "state/notifications.h"
 #include "support/small_library.h"
 #include "ui/controls/formats.h"
 #include "ui/grid/empty_state_model.h"
@@ -111,7 +112,8 @@ protected:
     test::SmallLibrary library;
     FakeApplications applications;
     NoBridge bridge;
-    Inserter inserter{library.prefs, library.state, applications, bridge, bridge};
+    Notifications notifications;
+    Inserter inserter{library.prefs, library.state, applications, notifications, bridge, bridge};
     SelectionInfo info{library.state, library.vault, library.prefs, inserter};
 };
 

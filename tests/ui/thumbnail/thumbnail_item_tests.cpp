@@ -13,7 +13,7 @@ namespace {
 using namespace Qt::StringLiterals;
 using test::waitUntil;
 
-// Pictures on command, and a record of who requests for what.
+// Pictures on command, and a record of what is requested.
 class FakeSource : public ThumbnailProvider
 {
 public:
