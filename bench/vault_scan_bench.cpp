@@ -96,7 +96,7 @@ using Snapshot = std::shared_ptr<const VaultSnapshot>;
 // The whole way from a snapshot to the next, as the program goes it.
 Snapshot scan(const Location &root, const Snapshot &before)
 {
-    return VaultScan::compare(before, VaultScan::run(root, before)).after;
+    return VaultScan::compare(before, VaultScan::run(root, before).snapshot).after;
 }
 
 struct FirstScan

@@ -1,5 +1,10 @@
 # Cratewell by Tolvan: places a vault asset at the playhead in DaVinci Resolve.
-import os, sys, json, shutil, time
+import sys
+
+# An empty entry is the current folder, whose modules are none of ours.
+sys.path[:] = [entry for entry in sys.path if entry]
+
+import os, json, shutil, time
 
 SUPPORT = os.path.expanduser("~/Library/Application Support/Cratewell")
 

@@ -14,18 +14,17 @@
 #include "platform/native.h"
 #include "platform/workspace.h"
 #include "state/app_state.h"
+#include "state/notifications.h"
 #include "state/prefs.h"
+#include "ui/shell/asset_actions.h"
 #include "ui/shell/dialog_file_chooser.h"
-#include "ui/shell/icon_renderer.h"
+#include "ui/shell/icon_loader.h"
 #include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
 
 #include <QGuiApplication>
 #include <QPixmap>
 #include <QQuickWindow>
-#include <QThreadPool>
-
-#include <algorithm>
 
 namespace cratewell {
 
@@ -47,33 +46,42 @@ Services Services::native(const SystemPaths &paths)
     return services;
 }
 
+namespace {
+
+constexpr int iconPixels = 256; // the largest that docks and switchers show
+
+} // namespace
+
 // Declaration order is dependency order: the engine, declared last, dies first.
 struct Application::Private
 {
     Private(const SystemPaths &systemPaths, Services given)
         : services(std::move(given)), prefs(*services.defaults, systemPaths),
           vault(Location::fromText(prefs.vaultPath()), *services.defaults, std::move(services.fileEvents)),
-          chooser([this] { return makeChooser(); }), state(vault, prefs, *services.workspace, &chooser),
-          media(vault, prefs, systemPaths), resolve(prefs, systemPaths),
-          inserter(prefs, state, *services.applications, resolve, premiere),
-          engine({prefs, state, vault, inserter, media, *services.appearance, *services.defaults,
-                  *services.workspace})
+          chooser([this] { return makeChooser(); }), state(vault, prefs), media(vault, prefs, systemPaths),
+          resolve(prefs, systemPaths),
+          inserter(prefs, state, *services.applications, notifications, resolve, premiere),
+          actions(vault, prefs, state, inserter, *services.workspace, chooser),
+          engine({prefs, state, vault, notifications, inserter, media, *services.appearance,
+                  *services.defaults, *services.workspace, actions})
     {
     }
 
     std::unique_ptr<FileChooser> makeChooser();
-    void showToast(const QString &text, bool ok);
+    void report(const QString &text, bool ok, const std::vector<TrashItem> &trashed);
 
     Services services;
     Prefs prefs;
     Vault vault;
     LazyFileChooser chooser;
     AppState state;
+    Notifications notifications;
     Media media;
     ResolveBridge resolve;
     PremiereBridge premiere;
     Inserter inserter;
-    std::vector<TrashItem> trashed; // the toast that tells of it comes next
+    AssetActions actions;
+    IconLoader icons{[](IconStyle style) { return renderIcon(style, iconPixels); }};
     UiEngine engine;
 };
 
@@ -86,23 +94,15 @@ std::unique_ptr<FileChooser> Application::Private::makeChooser()
     return std::make_unique<DialogFileChooser>(engine);
 }
 
-void Application::Private::showToast(const QString &text, bool ok)
+void Application::Private::report(const QString &text, bool ok, const std::vector<TrashItem> &trashed)
 {
-    const std::vector<TrashItem> items = std::exchange(trashed, {});
-    if (items.empty()) {
-        inserter.toast(text, ok);
-        return;
+    using Severity = Notification::Severity;
+    Notification message{text, ok ? Severity::Success : Severity::Warning};
+    if (!trashed.empty()) {
+        message.actionText = u"Undo"_s;
+        message.action = [this, trashed] { actions.undoTrash(trashed); };
     }
-    inserter.toast(text, ok, {u"Undo"_s, [this, items] {
-                                  // Some may have been deleted for good since.
-                                  const std::vector<TrashItem> &present = vault.trashItems();
-                                  const QSet<TrashItem> kept(present.begin(), present.end());
-                                  std::vector<TrashItem> wanted;
-                                  std::ranges::copy_if(items, std::back_inserter(wanted),
-                                                       [&](const auto &item) { return kept.contains(item); });
-                                  if (!wanted.empty())
-                                      vault.restore(wanted);
-                              }});
+    notifications.show(message);
 }
 
 Application::Application(const SystemPaths &paths, Services services)
@@ -115,17 +115,22 @@ Application::~Application() = default;
 
 void Application::connectRooms()
 {
+    connect(&d->icons, &IconLoader::ready, this,
+            [](const QImage &icon) { QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon))); });
     connect(&d->vault, &Vault::rootChanged, &d->prefs,
             [this](const Location &root) { d->prefs.setVaultPath(root.text()); });
-    connect(&d->vault, &Vault::itemsTrashed, this, [this](const auto &items) { d->trashed = items; });
-    connect(&d->vault, &Vault::toast, this, [this](const auto &text, bool ok) { d->showToast(text, ok); });
+    connect(&d->vault, &Vault::toast, this,
+            [this](const auto &text, bool ok, const auto &trashed) { d->report(text, ok, trashed); });
+    connect(&d->vault, &Vault::lastErrorChanged, this, [this] {
+        d->notifications.show({d->vault.lastError(), Notification::Severity::Error});
+    });
 }
 
-bool Application::launch()
+bool Application::launch(StartupMaintenance maintenance)
 {
     applyIcon();
     // The scan runs beside the loading of the window.
-    d->vault.start();
+    d->vault.start(maintenance);
     d->inserter.start();
 
     d->engine.load(QUrl(u"qrc:/qt-project.org/imports/Cratewell/Main.qml"_s));
@@ -141,16 +146,7 @@ bool Application::launch()
 
 void Application::applyIcon()
 {
-    // Drawing the glow takes longer than a frame, so the icon arrives a little later.
-    constexpr int pixels = 256; // the largest that docks and switchers show
-    const IconStyle style = iconStyleFromRawValue(d->prefs.iconStyle());
-    QThreadPool::globalInstance()->start([this, guard = QPointer(this), style] {
-        const QImage icon = renderIcon(style, pixels);
-        QMetaObject::invokeMethod(qGuiApp, [guard, icon] {
-            if (guard)
-                QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon)));
-        });
-    });
+    d->icons.request(iconStyleFromRawValue(d->prefs.iconStyle()));
 }
 
 void Application::applyPin()
@@ -191,14 +187,9 @@ AppState &Application::state()
     return d->state;
 }
 
-Media &Application::media()
+Notifications &Application::notifications()
 {
-    return d->media;
-}
-
-Inserter &Application::inserter()
-{
-    return d->inserter;
+    return d->notifications;
 }
 
 QQuickWindow *Application::window() const

@@ -1,4 +1,5 @@
-#include "integrations/inserter.h"
+#include "integrations/exchange.h"
+
 #include "integrations/internal/exchange_file.h"
 #include "state/prefs.h"
 

@@ -3,10 +3,10 @@
 #include "media/blend_mode.h"
 #include "platform/applications.h"
 #include "state/app_state.h"
+#include "state/notifications.h"
 #include "state/prefs.h"
 
 #include <QPointer>
-#include <QTimer>
 
 namespace cratewell {
 namespace {
@@ -35,44 +35,41 @@ QString displayName(Target target)
 
 struct Inserter::Private
 {
-    Private(Prefs &thePrefs, AppState &theState, Applications &theApplications, EditorBridge &toResolve,
-            EditorBridge &toPremiere, ToastTimes toastTimes)
-        : prefs(thePrefs), state(theState), applications(theApplications), resolve(toResolve),
-          premiere(toPremiere), times(toastTimes)
+    Private(Prefs &thePrefs, AppState &theState, Applications &theApplications,
+            Notifications &theNotifications, EditorBridge &toResolve, EditorBridge &toPremiere)
+        : prefs(thePrefs), state(theState), applications(theApplications), notifications(theNotifications),
+          resolve(toResolve), premiere(toPremiere)
     {
     }
+
+    void report(const InsertResult &result);
 
     Prefs &prefs;
     AppState &state;
     Applications &applications;
+    Notifications &notifications;
     EditorBridge &resolve;
     EditorBridge &premiere;
-    ToastTimes times;
 
     bool busy = false;
     bool started = false;
     bool resolveRunning = false;
     bool premiereRunning = false;
     std::optional<Target> lastEditor;
-    QString toastText;
-    bool toastOk = true;
-    ToastAction toastAction;
-    QTimer toastTimer;
 
     static QCoro::Task<> carry(QPointer<Inserter> inserter, EditorBridge &bridge, Asset asset);
 };
 
-Inserter::Inserter(Prefs &prefs, AppState &state, Applications &applications, EditorBridge &resolve,
-                   EditorBridge &premiere, ToastTimes times)
-    : d(new Private(prefs, state, applications, resolve, premiere, times))
+void Inserter::Private::report(const InsertResult &result)
 {
-    d->toastTimer.setSingleShot(true);
-    d->toastTimer.setTimerType(Qt::PreciseTimer);
-    connect(&d->toastTimer, &QTimer::timeout, this, [this] {
-        d->toastText.clear();
-        d->toastAction = {};
-        Q_EMIT toastChanged();
-    });
+    notifications.show(
+        {result.message, result.ok ? Notification::Severity::Success : Notification::Severity::Warning});
+}
+
+Inserter::Inserter(Prefs &prefs, AppState &state, Applications &applications, Notifications &notifications,
+                   EditorBridge &resolve, EditorBridge &premiere)
+    : d(new Private(prefs, state, applications, notifications, resolve, premiere))
+{
     connect(&prefs, &Prefs::insertTargetChanged, this, &Inserter::targetChanged);
     connect(&prefs, &Prefs::overlayTrackChanged, this, &Inserter::targetChanged);
     connect(&prefs, &Prefs::applyBlendOnInsertChanged, this, &Inserter::targetChanged);
@@ -117,29 +114,15 @@ bool Inserter::busy() const
 {
     return d->busy;
 }
-QString Inserter::toastText() const
-{
-    return d->toastText;
-}
-bool Inserter::toastOk() const
-{
-    return d->toastOk;
-}
-QString Inserter::toastAction() const
-{
-    return d->toastAction.text;
-}
+
 bool Inserter::resolveRunning() const
 {
     return d->resolveRunning;
 }
+
 bool Inserter::premiereRunning() const
 {
     return d->premiereRunning;
-}
-std::optional<Target> Inserter::lastEditor() const
-{
-    return d->lastEditor;
 }
 
 std::optional<Target> Inserter::pick(std::optional<Target> target, Refresh refresh)
@@ -185,9 +168,8 @@ void Inserter::insert(const Asset &asset, std::optional<Target> target)
         return;
     const std::optional<Target> editor = pick(target, Refresh::Yes);
     if (!editor) {
-        toast(u"Open DaVinci Resolve or Premiere Pro first. You can also drag any asset straight onto your "
-              "timeline."_s,
-              false);
+        d->report({false, u"Open DaVinci Resolve or Premiere Pro first. You can also drag any asset straight "
+                          "onto your timeline."_s});
         return;
     }
     d->busy = true;
@@ -202,7 +184,7 @@ QCoro::Task<> Inserter::Private::carry(QPointer<Inserter> inserter, EditorBridge
         co_return;
     inserter->d->busy = false;
     Q_EMIT inserter->busyChanged();
-    inserter->toast(result.message, result.ok);
+    inserter->d->report(result);
     if (result.ok)
         inserter->d->prefs.noteInserted(asset.url);
 }
@@ -211,30 +193,6 @@ void Inserter::insertSelected()
 {
     if (const std::optional<Asset> &asset = d->state.selection())
         insert(*asset);
-}
-
-void Inserter::toast(const QString &text, bool ok)
-{
-    toast(text, ok, {});
-}
-
-void Inserter::toast(const QString &text, bool ok, const ToastAction &action)
-{
-    d->toastText = text;
-    d->toastOk = ok;
-    d->toastAction = action;
-    d->toastTimer.start(!ok ? d->times.failed : action.act ? d->times.offering : d->times.ok);
-    Q_EMIT toastChanged();
-}
-
-void Inserter::takeToastAction()
-{
-    const ToastAction action = std::exchange(d->toastAction, {});
-    d->toastText.clear();
-    d->toastTimer.stop();
-    Q_EMIT toastChanged();
-    if (action.act)
-        action.act();
 }
 
 } // namespace cratewell

@@ -1,5 +1,6 @@
 #include "integrations/resolve_bridge.h"
 
+#include "integrations/exchange.h"
 #include "integrations/internal/exchange_file.h"
 #include "integrations/internal/python_run.h"
 #include "integrations/internal/resolve_script.h"
@@ -20,14 +21,20 @@ InsertResult queuedForMenu()
             "Accessibility."_s};
 }
 
+// Nothing is started: what lies in the request's place would be an older one.
+QCoro::Task<InsertResult> unwritten(Error error)
+{
+    co_return InsertResult{false, u"The request to Resolve could not be written: "_s + error.message};
+}
+
 // Owns all it needs: the bridge may be gone when the script has ended.
-QCoro::Task<InsertResult> runRequest(Location requestFile, PythonCall call)
+QCoro::Task<InsertResult> runRequest(Location requestFile, QString id, PythonCall call)
 {
     const std::optional<QString> answer = co_await runPython(std::move(call));
     std::optional<InsertResult> result = resolveResult(answer);
     if (!result)
         co_return queuedForMenu();
-    removeExchangeFile(requestFile);
+    removeRequest(requestFile, id);
     co_return *result;
 }
 
@@ -42,12 +49,15 @@ QCoro::Task<InsertResult> ResolveBridge::insert(const Asset &asset)
 {
     const int blend = blendNumber(blendModeFromRawValue(m_prefs.blendMode()));
     const Location file = ensureSupportFolder(m_paths).child("resolve-request.json");
-    writeExchangeFile(file, insertRequest(asset, blend, m_prefs));
+    const QJsonObject request = insertRequest(asset, blend, m_prefs);
+    if (const Result<void> written = writeExchangeFile(file, request); !written)
+        return unwritten(written.error());
 
-    return runRequest(file,
+    const QString id = request[u"id"].toString();
+    return runRequest(file, id,
                       {.interpreter = m_paths.python,
                        .script = externalResolveScript(),
-                       .arguments = {file.text()},
+                       .arguments = {file.text(), id},
                        .environment = resolveEnvironment(m_paths, QProcessEnvironment::systemEnvironment()),
                        .limit = m_limit});
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/error.h"
+
 #include <QObject>
 #include <QStringList>
 
@@ -13,8 +15,8 @@ class Applications : public QObject
 public:
     // Looks afresh; identifiers of running editors, each once.
     virtual QStringList running() = 0;
-    // Asks the desktop to raise that application's window; false when it has none or the desktop cannot.
-    virtual bool bringToFront(const QString &identifier) = 0;
+    // Asks the desktop to raise that application's window; an error when it has none or the desktop cannot.
+    [[nodiscard]] virtual Result<void> bringToFront(const QString &identifier) = 0;
 
 Q_SIGNALS:
     // One was started or ended.

@@ -1,11 +1,14 @@
 #include "platform/json_defaults.h"
 
-#include "platform/internal/replace_file.h"
+#include "platform/posix/file_content.h"
+#include "platform/posix/replace_file.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <cerrno>
 #include <chrono>
 #include <condition_variable>
+#include <filesystem>
 #include <mutex>
 #include <thread>
 
@@ -26,6 +29,7 @@ public:
 
     void load();
     void changed();
+    void write(const QJsonObject &snapshot) const;
     void writeUntilStopped();
 
     const Location file;
@@ -46,20 +50,29 @@ public:
 void JsonDefaults::Private::load()
 {
     removeAbandonedTemporaries(file);
-    const FileContent content = readRegularFile(file, largestFile);
-    if (content.state == FileContent::State::Absent)
+    const Result<QByteArray> content = readBounded(file, largestFile, Links::Follow);
+    if (!content && (content.error().is(ENOENT) || content.error().is(ENOTDIR)))
         return;
-    const QJsonDocument document = QJsonDocument::fromJson(content.bytes);
-    if (content.state == FileContent::State::Read && document.isObject())
+    const QJsonDocument document = content ? QJsonDocument::fromJson(*content) : QJsonDocument();
+    if (document.isObject())
         values = document.object();
     else
-        mayWrite = keepAside(file);
+        mayWrite = keepAside(file).has_value();
 }
 
 void JsonDefaults::Private::changed()
 {
     ++newest;
     wake.notify_one();
+}
+
+// What cannot be written stays in memory; the next change tries again.
+void JsonDefaults::Private::write(const QJsonObject &snapshot) const
+{
+    std::error_code failure;
+    std::filesystem::create_directories(file.parent().c_str(), failure);
+    [[maybe_unused]] const Result<void> written =
+        replaceAtomically(file, QJsonDocument(snapshot).toJson(), {.flush = Flush::Yes});
 }
 
 void JsonDefaults::Private::writeUntilStopped()
@@ -72,9 +85,8 @@ void JsonDefaults::Private::writeUntilStopped()
         const quint64 snapshotNumber = newest;
         const QJsonObject snapshot = values;
         lock.unlock();
-        // What cannot be written stays in memory; the next change tries again.
         if (mayWrite)
-            replaceFile(file, QJsonDocument(snapshot).toJson());
+            write(snapshot);
         lock.lock();
         tried = snapshotNumber;
         settled.notify_all();

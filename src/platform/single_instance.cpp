@@ -56,7 +56,7 @@ public:
     QString name;
     QLocalServer server;
 #ifndef Q_OS_LINUX
-    // Without an abstract socket space a killed program leaves its socket behind: the lock tells whose it is.
+    // Without an abstract socket space a killed program leaves its socket behind: the lock shows whose it is.
     std::unique_ptr<QLockFile> lock;
 #endif
 };

@@ -1,23 +1,18 @@
 #include "state/app_state.h"
 
-#include "platform/workspace.h"
 #include "state/internal/asset_selection.h"
 #include "state/prefs.h"
 #include "vault/category.h"
 #include "vault/vault.h"
 
-#include <QPointer>
 #include <algorithm>
 
 namespace cratewell {
 
-using namespace Qt::StringLiterals;
-
 struct AppState::Private
 {
-    Private(Vault &theVault, Prefs &thePrefs, Workspace &theWorkspace, FileChooser *theChooser)
-        : vault(theVault), prefs(thePrefs), workspace(theWorkspace), chooser(theChooser),
-          snapshot(theVault.snapshot()), selected(snapshot)
+    Private(const Vault &vault, Prefs &thePrefs)
+        : prefs(thePrefs), snapshot(vault.snapshot()), selected(snapshot)
     {
         refresh();
     }
@@ -32,10 +27,7 @@ struct AppState::Private
     // The focused asset as the snapshot has it now, if it still has it.
     std::optional<Asset> repairedSelection() const;
 
-    Vault &vault;
     Prefs &prefs;
-    Workspace &workspace;
-    FileChooser *chooser;
     std::shared_ptr<const VaultSnapshot> snapshot;
 
     Scope scope;
@@ -95,8 +87,7 @@ std::optional<Asset> AppState::Private::repairedSelection() const
     return index ? std::optional(snapshot->asset(*index)) : std::nullopt;
 }
 
-AppState::AppState(Vault &vault, Prefs &prefs, Workspace &workspace, FileChooser *chooser)
-    : d(std::make_unique<Private>(vault, prefs, workspace, chooser))
+AppState::AppState(const Vault &vault, Prefs &prefs) : d(std::make_unique<Private>(vault, prefs))
 {
     connect(&vault, &Vault::rescanned, this, &AppState::follow);
     connect(&vault, &Vault::itemRenamed, this, &AppState::followRename);
@@ -118,7 +109,7 @@ void AppState::refresh()
         Q_EMIT visibleAssetsChanged(nullptr);
 }
 
-// Everything is brought up to date before anyone is told, and the rows are told first: whoever hears of the
+// Everything is brought up to date before anything is reported, and the rows come first: whoever hears of the
 // selection may already ask for its row.
 void AppState::follow(const SnapshotDiff &diff)
 {
@@ -306,6 +297,11 @@ const std::vector<Location> &AppState::pendingMove() const
     return d->pendingMove;
 }
 
+void AppState::setPendingMove(const std::vector<Location> &items)
+{
+    d->pendingMove = items;
+}
+
 const std::optional<Location> &AppState::renameTarget() const
 {
     return d->renameTarget;
@@ -349,11 +345,6 @@ std::vector<Asset> AppState::selectedAssets() const
             assets.push_back(d->snapshot->asset(index));
     }
     return assets;
-}
-
-int AppState::visibleRow(const Location &url) const
-{
-    return d->visible.row(url);
 }
 
 void AppState::click(const Asset &asset, Qt::KeyboardModifiers modifiers)
@@ -415,77 +406,6 @@ void AppState::newFolderFromSelection()
         d->pendingMove.push_back(asset.url);
     d->newFolderParent = assets.front().url.parent();
     setShowNewFolder(true);
-}
-
-void AppState::createNewFolder(const QString &name)
-{
-    setShowNewFolder(false);
-    if (!d->newFolderParent)
-        return;
-    const auto done = [guard = QPointer(this), items = d->pendingMove, from = d->scope,
-                       root = d->vault.root()](const std::optional<Location> &folder) {
-        if (!guard || !folder)
-            return;
-        Private &state = *guard->d;
-        if (!items.empty()) {
-            state.vault.move(items, *folder);
-            if (state.pendingMove == items)
-                state.pendingMove.clear();
-        } else if (state.scope == from && state.vault.root() == root) {
-            guard->setScope(Scope::inFolder(*folder));
-        }
-    };
-    d->vault.createFolder(name, *d->newFolderParent, done);
-}
-
-void AppState::renameTo(const QString &name)
-{
-    if (const std::optional<Location> target = d->renameTarget) {
-        setRenameTarget({});
-        d->vault.rename(*target, name);
-    }
-}
-
-void AppState::trashSelected()
-{
-    std::vector<Location> items;
-    for (const Asset &asset : selectedAssets())
-        items.push_back(asset.url);
-    if (items.empty() && d->selection)
-        items.push_back(d->selection->url);
-    if (!items.empty())
-        d->vault.moveToTrash(items);
-}
-
-void AppState::importPanel(ChooseRequest::What what)
-{
-    const bool inFolder = d->scope.kind() == Scope::Kind::Folder;
-    importPanel(what, inFolder ? std::optional(d->scope.folder()) : std::nullopt);
-}
-
-void AppState::importPanel(ChooseRequest::What what, const std::optional<Location> &into)
-{
-    if (!d->chooser)
-        return;
-    const ChooseRequest request{what, u"Choose overlays, LUTs or sound effects to add to your vault."_s,
-                                u"Import"_s, true};
-    d->chooser->choose(request, [guard = QPointer(this), into, root = d->vault.root()](const auto &chosen) {
-        // A folder that was meant in one vault is none in the next.
-        if (!guard || chosen.isEmpty() || guard->d->vault.root() != root)
-            return;
-        guard->d->vault.importItems({chosen.begin(), chosen.end()}, into,
-                                    guard->d->prefs.importMove() ? ImportMode::Move : ImportMode::Copy);
-    });
-}
-
-void AppState::revealSelected()
-{
-    QList<Location> items = d->selected.places().values();
-    if (items.isEmpty() && d->selection)
-        items.append(d->selection->url);
-    std::sort(items.begin(), items.end());
-    if (!items.isEmpty())
-        d->workspace.reveal(items);
 }
 
 } // namespace cratewell

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/file_chooser.h"
 #include "state/visible_assets.h"
 
 #include <QObject>
@@ -12,11 +11,10 @@ namespace cratewell {
 
 class Prefs;
 class Vault;
-class Workspace;
 struct TrashItem;
 
 // What the user is looking at: scope, selection, search, sort and the requests that become sheets. Main
-// thread; never saved. `visibleAssets` is memoised: it is made anew only after something it depends on
+// thread; never saved. `visibleAssets` is kept: it is made anew only after something it depends on
 // changed.
 class AppState : public QObject
 {
@@ -34,8 +32,7 @@ class AppState : public QObject
     Q_PROPERTY(int visibleCount READ visibleCount NOTIFY visibleAssetsChanged FINAL)
     Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectedChanged FINAL)
 public:
-    // Without a chooser nothing can be chosen.
-    AppState(Vault &vault, Prefs &prefs, Workspace &workspace, FileChooser *chooser = nullptr);
+    AppState(const Vault &vault, Prefs &prefs);
     ~AppState() override;
 
     const Scope &scope() const;
@@ -49,6 +46,7 @@ public:
     // Every place chosen, also one that is not visible or gone; selectedCount counts the same.
     QSet<Location> selected() const;
     void setSelected(const QSet<Location> &selected);
+    Q_INVOKABLE void clearSelected() { setSelected({}); }
     int selectedCount() const;
     // By index into the snapshot of visibleAssets.
     bool isSelected(AssetIndex index) const;
@@ -63,6 +61,7 @@ public:
     void setShowNewFolder(bool show);
     const std::optional<Location> &newFolderParent() const;
     const std::vector<Location> &pendingMove() const;
+    void setPendingMove(const std::vector<Location> &items);
     const std::optional<Location> &renameTarget() const;
     void setRenameTarget(const std::optional<Location> &target);
     Q_INVOKABLE void stopRenaming() { setRenameTarget({}); }
@@ -73,8 +72,6 @@ public:
     int visibleCount() const;
     // The visible ones among `selected`, in visible order.
     std::vector<Asset> selectedAssets() const;
-    // The row of an asset at this place, or -1.
-    int visibleRow(const Location &url) const;
 
     void click(const Asset &asset, Qt::KeyboardModifiers modifiers);
     Q_INVOKABLE void moveBy(int delta);
@@ -82,21 +79,8 @@ public:
     Q_INVOKABLE void togglePlay();
     void requestNewFolder(const std::optional<Location> &parent);
     Q_INVOKABLE void newFolderHere() { requestNewFolder({}); }
+    Q_INVOKABLE void newFolderInside(const cratewell::Location &folder) { requestNewFolder(folder); }
     Q_INVOKABLE void newFolderFromSelection();
-    // What the new-folder sheet was opened for, with the name typed there; closes the sheet. The new folder
-    // takes what is to be moved, or else comes into view if the user has not gone elsewhere meanwhile.
-    Q_INVOKABLE void createNewFolder(const QString &name);
-    // The same for the rename sheet.
-    Q_INVOKABLE void renameTo(const QString &name);
-    Q_INVOKABLE void revealSelected();
-    // The visible ones among `selected`, or else the focused asset.
-    Q_INVOKABLE void trashSelected();
-    // Lets the user choose what to import into the scope's folder, or by type in other scopes.
-    void importPanel(ChooseRequest::What what);
-    // The same into any folder; without one by type.
-    void importPanel(ChooseRequest::What what, const std::optional<Location> &into);
-    Q_INVOKABLE void importFiles() { importPanel(ChooseRequest::What::Files); }
-    Q_INVOKABLE void importFolder() { importPanel(ChooseRequest::What::Folders); }
 
 Q_SIGNALS:
     void scopeChanged();
@@ -110,7 +94,7 @@ Q_SIGNALS:
     void playToggleChanged();
     // `diff` is null when the snapshot is the same as before and only the choice from it differs; otherwise
     // it leads from the snapshot that was shown to the one that is shown now. Valid during the signal only.
-    // The list has been made anew already, as everything else that this class tells.
+    // The list has been made anew already, as everything else that this class reports.
     void visibleAssetsChanged(const cratewell::SnapshotDiff *diff);
 
 private:

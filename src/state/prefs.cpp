@@ -181,11 +181,12 @@ void Prefs::setFolderColor(const Location &folder, const QString &hex)
 
 void Prefs::followRename(const Location &from, const Location &to)
 {
-    const QString hex = m_folderColors.value(from);
-    if (hex.isNull() || from == to)
+    FolderColors changed = m_folderColors;
+    const QString hex = changed.take(from);
+    if (hex.isNull())
         return;
-    setFolderColor(to, hex);
-    setFolderColor(from, {});
+    changed.insert(to, hex);
+    setFolderColors(changed);
 }
 
 void Prefs::resetAll()

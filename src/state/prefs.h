@@ -89,14 +89,14 @@ public:
     ColorScheme colorScheme() const;
     QColor accent() const { return colorFromHex(m_accentHex); }
 
-    Q_INVOKABLE void toggleFavorite(const cratewell::Location &asset);
+    void toggleFavorite(const cratewell::Location &asset);
     // Puts the asset first among the recent ones, of which the newest 60 are kept.
     void noteInserted(const Location &asset);
     // Invalid when the folder has none.
     Q_INVOKABLE QColor color(const cratewell::Location &folder) const;
     // An empty text takes the folder's color away.
     Q_INVOKABLE void setFolderColor(const cratewell::Location &folder, const QString &hex);
-    // A renamed folder keeps its color.
+    // A renamed folder keeps its color, also under the same name.
     void followRename(const Location &from, const Location &to);
     // Gives the look, the grid and the previews their defaults; keeps what the user collected.
     Q_INVOKABLE void resetAll();

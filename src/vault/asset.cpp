@@ -1,7 +1,5 @@
 #include "vault/asset.h"
 
-#include <QHashFunctions>
-
 #include <algorithm>
 #include <array>
 
@@ -92,11 +90,6 @@ QString kindLabel(AssetKind kind)
         return u"Audio"_s;
     }
     return {};
-}
-
-size_t qHash(const Asset &asset, size_t seed)
-{
-    return qHashMulti(seed, asset.url, quint8(asset.kind), asset.size, asset.added);
 }
 
 } // namespace cratewell

@@ -19,7 +19,7 @@ QString rawValue(AssetKind kind);
 // "Video", "Still", "LUT", "Audio".
 QString kindLabel(AssetKind kind);
 
-// Tells one state of a file from another, so that previews know when to forget: nothing changes without it.
+// Distinguishes the states of a file, so that previews know when they are out of date.
 struct FileVersion
 {
     quint64 inode = 0;
@@ -54,8 +54,6 @@ struct Asset
         return a.kind == b.kind && a.size == b.size && a.added == b.added && a.url == b.url;
     }
 };
-
-size_t qHash(const Asset &asset, size_t seed = 0);
 
 } // namespace cratewell
 

@@ -20,7 +20,7 @@ constexpr std::array overlayStarters{"Light Leaks", "Glitches", "Flashes", "Grai
 constexpr std::array sfxStarters{"Sports", "Whooshes", "Risers",  "Hits",
                                  "Clicks", "Buttons",  "Cameras", "Shutters"};
 
-const CategoryTraits &facts(VaultCategory category)
+const CategoryTraits &traits(VaultCategory category)
 {
     static const std::array<CategoryTraits, allCategories.size()> table{{
         {u"overlays", "Overlays", overlayStarters, {u"#FF8C3A", u"#FF4ECD"}},
@@ -34,21 +34,12 @@ const CategoryTraits &facts(VaultCategory category)
 
 QString rawValue(VaultCategory category)
 {
-    return QString::fromUtf16(facts(category).rawValue);
-}
-
-std::optional<VaultCategory> categoryFromRawValue(QStringView text)
-{
-    for (const VaultCategory category : allCategories) {
-        if (text == QStringView(facts(category).rawValue))
-            return category;
-    }
-    return std::nullopt;
+    return QString::fromUtf16(traits(category).rawValue);
 }
 
 QString folderName(VaultCategory category)
 {
-    return QString::fromLatin1(facts(category).folderName);
+    return QString::fromLatin1(traits(category).folderName);
 }
 
 bool accepts(VaultCategory category, AssetKind kind)
@@ -72,12 +63,12 @@ VaultCategory defaultCategory(AssetKind kind)
 
 std::span<const char *const> starterFolders(VaultCategory category)
 {
-    return facts(category).starterFolders;
+    return traits(category).starterFolders;
 }
 
 std::array<QString, 2> gradient(VaultCategory category)
 {
-    const auto &[start, end] = facts(category).gradient;
+    const auto &[start, end] = traits(category).gradient;
     return {QString::fromUtf16(start), QString::fromUtf16(end)};
 }
 
@@ -85,7 +76,7 @@ Location categoryFolder(const Location &root, VaultCategory category)
 {
     if (root.isEmpty())
         return {};
-    return root.child(QByteArrayView(facts(category).folderName));
+    return root.child(QByteArrayView(traits(category).folderName));
 }
 
 std::optional<VaultCategory> categoryOf(const Location &root, const Location &place)

@@ -9,8 +9,7 @@ namespace cratewell {
 
 inline constexpr std::array allCategories{VaultCategory::Overlays, VaultCategory::Luts, VaultCategory::Sfx};
 
-QString rawValue(VaultCategory category); // "overlays", "luts", "sfx"
-std::optional<VaultCategory> categoryFromRawValue(QStringView text);
+QString rawValue(VaultCategory category);   // "overlays", "luts", "sfx"
 QString folderName(VaultCategory category); // on disk and on screen: "Overlays", "LUTs", "SFX"
 bool accepts(VaultCategory category, AssetKind kind);
 VaultCategory defaultCategory(AssetKind kind);

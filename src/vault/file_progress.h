@@ -19,7 +19,7 @@ class FileProgress : public QObject
     Q_PROPERTY(qint64 bytesTotal READ bytesTotal NOTIFY changed FINAL)
     // 0 to 1, by bytes where there are any, else by files; never falls while one thing is being done.
     Q_PROPERTY(double fraction READ fraction NOTIFY changed FINAL)
-    // -1 while it cannot be told.
+    // -1 while unknown.
     Q_PROPERTY(int secondsLeft READ secondsLeft NOTIFY changed FINAL)
 public:
     using QObject::QObject;

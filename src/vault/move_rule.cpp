@@ -10,13 +10,16 @@ MoveRule::MoveRule(const Location &root, const Location &folder)
 
 bool MoveRule::allows(const Location &item) const
 {
-    const std::optional<AssetKind> kind = kindOf(item);
-    if (kind && m_category && !accepts(*m_category, *kind))
-        return false;
     // A category folder may itself be a link, so only the way to it is resolved.
     if (isCategoryRoot(m_resolvedRoot, item.parent().resolved().child(item.nameBytes())))
         return false;
-    const Location resolved = item.resolved();
+    return allows(kindOf(item), item.resolved());
+}
+
+bool MoveRule::allows(std::optional<AssetKind> kind, const Location &resolved) const
+{
+    if (kind && m_category && !accepts(*m_category, *kind))
+        return false;
     return resolved.parent() != m_resolvedFolder && resolved != m_resolvedFolder &&
            !m_resolvedFolder.isInside(resolved);
 }

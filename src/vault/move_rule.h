@@ -13,6 +13,9 @@ public:
     // Not a category folder, nor what is there already or would go into itself, nor what the category of the
     // folder does not accept.
     bool allows(const Location &item) const;
+    // The same without the disk, for what is no category folder: the kind that the item's name suggests, and
+    // where it is once its links are followed.
+    bool allows(std::optional<AssetKind> kind, const Location &resolved) const;
 
 private:
     const Location m_resolvedRoot;

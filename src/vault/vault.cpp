@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::chrono::milliseconds coalescingDelay{300};
 constexpr std::chrono::seconds purgeInterval{3600};
+constexpr std::chrono::seconds longestRetry{300};
 
 } // namespace
 
@@ -35,21 +36,36 @@ void Vault::Private::startScan()
 
 void Vault::Private::takeResult()
 {
-    std::optional<SnapshotDiff> diff = worker.takeResult();
-    const bool newer = diff && !rootChanged && (!published || diff->after != snapshot);
+    std::optional<ScanWorker::Result> result = worker.takeResult();
+    const bool newer = result && !rootChanged && (!published || result->diff.after != snapshot);
     scanning = false;
+    if (result && !rootChanged)
+        result->complete ? forgetRetry() : retryLater();
     if (!rootChanged && !following)
         follow();
     if (newer) {
         published = true;
-        snapshot = diff->after;
+        snapshot = result->diff.after;
     }
     if (waiting)
         startScan();
     if (newer) {
-        Q_EMIT q.rescanned(*diff);
-        worker.release(std::move(*diff));
+        Q_EMIT q.rescanned(result->diff);
+        worker.release(std::move(result->diff));
     }
+}
+
+// A disk that cannot be read now may be readable later; one that stays so is asked less and less often.
+void Vault::Private::retryLater()
+{
+    retrying.start(retryDelay);
+    retryDelay = std::min(2 * retryDelay, longestRetry);
+}
+
+void Vault::Private::forgetRetry()
+{
+    retrying.stop();
+    retryDelay = firstRetry;
 }
 
 // Only after the first scan: both read every folder, and the user waits for the scan.
@@ -79,17 +95,20 @@ Vault::Vault(Location root, Defaults &defaults, std::unique_ptr<FileEvents> even
                      true);
     };
     connect(d->events.get(), &FileEvents::limitReached, this, reportLimit, Qt::SingleShotConnection);
+    d->retrying.setSingleShot(true);
+    connect(&d->retrying, &QTimer::timeout, this, &Vault::rescan);
     d->purging.setInterval(purgeInterval);
     connect(&d->purging, &QTimer::timeout, this, &Vault::purgeExpired);
 }
 
 Vault::~Vault() = default;
 
-void Vault::start()
+void Vault::start(StartupMaintenance maintenance)
 {
     ensureVaultStructure(d->root, d->defaults);
-    d->openTrash();
-    d->purging.start();
+    d->openTrash(maintenance);
+    if (maintenance == StartupMaintenance::Run)
+        d->purging.start();
     rescan();
 }
 
@@ -104,6 +123,7 @@ void Vault::changeRoot(const Location &root)
     d->events->stop();
     d->following = false;
     d->coalescing.stop();
+    d->forgetRetry();
     start();
     Q_EMIT opened();
 }
@@ -131,14 +151,6 @@ QString Vault::lastError() const
     return d->lastError;
 }
 
-void Vault::clearLastError()
-{
-    if (d->lastError.isEmpty())
-        return;
-    d->lastError.clear();
-    Q_EMIT lastErrorChanged();
-}
-
 qint64 Vault::totalSize() const
 {
     return d->snapshot->totalSize();
@@ -149,29 +161,9 @@ Location Vault::categoryUrl(VaultCategory category) const
     return categoryFolder(d->root, category);
 }
 
-std::optional<VaultCategory> Vault::category(const Location &place) const
-{
-    return categoryOf(d->root, place);
-}
-
 bool Vault::isCategoryRoot(const Location &place) const
 {
     return cratewell::isCategoryRoot(d->root, place);
-}
-
-Location Vault::defaultFolder(AssetKind kind) const
-{
-    return categoryUrl(defaultCategory(kind));
-}
-
-std::vector<Asset> Vault::assetsUnder(const Location &folder) const
-{
-    const AssetRange range = d->snapshot->under(folder);
-    std::vector<Asset> assets;
-    assets.reserve(range.count());
-    for (AssetIndex i = range.first; i < range.last; ++i)
-        assets.push_back(d->snapshot->asset(i));
-    return assets;
 }
 
 } // namespace cratewell

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vault/file_progress.h"
+#include "vault/startup_maintenance.h"
 #include "vault/trash_item.h"
 #include "vault/vault_snapshot.h"
 
@@ -29,8 +30,9 @@ struct FolderChoice
 // Whether an import leaves its sources where they are.
 enum class ImportMode { Copy, Move };
 
-// The library on disk: makes its folders, keeps a snapshot of it that follows the disk. Main thread; scans
-// run on a worker. Failures to create, list or read leave empty or partial results. Owned by Application.
+// The library on disk: makes its folders, changes files, and publishes snapshots that follow the disk. Lives
+// on the main thread and emits there; scans and changes of files run on threads of their own. Only changes of
+// files report failures; folders that cannot be made or listed show as empty. Owned by Application.
 class Vault : public QObject
 {
     Q_OBJECT
@@ -41,30 +43,33 @@ public:
     Vault(Location root, Defaults &defaults, std::unique_ptr<FileEvents> events);
     ~Vault() override;
 
-    // Makes the structure, scans and follows the disk. Called once at launch; changeRoot calls it again.
-    void start();
+    // Makes the folders, opens the trash, scans and follows the disk. Called once at launch; changeRoot calls
+    // it again. Without maintenance nothing is ever deleted that nobody asked for.
+    void start(StartupMaintenance maintenance = StartupMaintenance::Run);
+    // Leaves the old root as it is. Emits rootChanged, then opened.
     void changeRoot(const Location &root);
-    // At most one scan runs and one waits. A result is dropped only when the root changed meanwhile.
+    // Returns at once; rescanned follows if anything has changed. At most one scan runs and one waits. A
+    // result is dropped only when the root has changed meanwhile. A scan that could not read everything is
+    // repeated after a second, then less and less often.
     void rescan();
 
     const Location &root() const;
-    // Never null; empty before the first scan.
+    // Of the last finished scan of this or, until then, an earlier root. Never null; empty before the first.
     const std::shared_ptr<const VaultSnapshot> &snapshot() const;
+    // Of the last operation on files that failed; lastErrorChanged reports each one, an equal one too.
     QString lastError() const;
-    Q_INVOKABLE void clearLastError();
-    qint64 totalSize() const;
+    qint64 totalSize() const; // bytes, of all assets in the snapshot
 
     Location categoryUrl(VaultCategory category) const;
-    std::optional<VaultCategory> category(const Location &place) const;
     bool isCategoryRoot(const Location &place) const;
-    Location defaultFolder(AssetKind kind) const;
-    std::vector<Asset> assetsUnder(const Location &folder) const;
 
-    // What changes files. Each call returns at once; the disk work is done in the order of the calls on a
-    // thread of its own, and its effects (signals, rescan, toast) follow on the main thread when it is done.
-    // A failure puts the system's description into lastError.
+    // Changes of files. Each call returns at once; the disk work is done in the order of the calls on a
+    // thread of its own. When it is done, its effects follow on the main thread: lastError with the system's
+    // words if something failed, the signals, a rescan, the toast. Effects of work on a former root are
+    // dropped.
 
-    // `done` is called with the new folder, or with nothing when there is none; a taken name gets a number.
+    // A taken name gets a number. `done` is called with the new folder, or with nothing when there is none:
+    // at once for an empty name.
     using FolderCreated = std::function<void(const std::optional<Location> &)>;
     void createFolder(const QString &name, const Location &parent, FolderCreated done = {});
     // The name replaces the whole last path component. Refuses category folders and empty names;
@@ -72,7 +77,7 @@ public:
     void rename(const Location &item, const QString &name);
     // Takes what MoveRule allows and leaves the rest where it is.
     void move(const std::vector<Location> &items, const Location &folder);
-    // The folders of the categories that accept all of these kinds, depth first; without kinds all folders.
+    // The folders of the snapshot whose category accepts all of these kinds, depth first; without kinds all.
     std::vector<FolderChoice> flatFolders(const std::optional<QSet<AssetKind>> &kinds = {}) const;
 
     // Newest first.
@@ -80,7 +85,7 @@ public:
     void moveToTrash(const std::vector<Location> &items);
     void restore(const std::vector<TrashItem> &items);
     void deleteForever(const std::vector<TrashItem> &items);
-    // Deletes what has lain in the trash for 30 days; done at the start and every hour, too.
+    // Deletes what has lain in the trash for trashRetentionDays; done at the start and every hour, too.
     void purgeExpired();
 
     // Without a folder, files are filed by their type. Folders keep their structure.
@@ -89,7 +94,7 @@ public:
     // Where the last imports put their files, newest first, at most 40.
     const std::vector<Location> &recentImports() const;
     FileProgress &progress() const;
-    // Ends the work on files, as cancel does, and waits for it. Nothing is taken on afterwards.
+    // Cancels the work on files and waits for its end. Later calls do nothing.
     void drain();
 
 Q_SIGNALS:
@@ -107,7 +112,8 @@ Q_SIGNALS:
     void itemsTrashed(const std::vector<cratewell::TrashItem> &items);
     void trashItemsChanged();
     void recentImportsChanged();
-    void toast(const QString &text, bool ok);
+    // An operation's report; `trashed` is what it has put in the trash.
+    void toast(const QString &text, bool ok, const std::vector<cratewell::TrashItem> &trashed = {});
 
 private:
     struct Private;

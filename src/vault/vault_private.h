@@ -16,16 +16,20 @@ struct Vault::Private
 
     void startScan();
     void takeResult();
+    void retryLater();
+    void forgetRetry();
     void follow();
 
     // What an operation does on the disk, and what follows on the main thread from what came out.
     using DiskPart = std::function<FileOperations::Outcome(FileOperations &, OperationProgress &)>;
     using MainPart = std::function<void(const FileOperations::Outcome &)>;
-    // The failure is told first, the list of the trash second, then `after` is called; nothing of it when the
-    // root has changed meanwhile.
+    // The failure is reported first, the list of the trash second, then `after` is called; none of it when
+    // the root has changed meanwhile.
     void change(const QString &title, DiskPart disk, MainPart after, const Location &destination = {});
-    void openTrash();
+    void openTrash(StartupMaintenance maintenance);
     void reportFailure(const QString &error);
+
+    static constexpr std::chrono::seconds firstRetry{1};
 
     Vault &q;
     Location root;
@@ -34,6 +38,8 @@ struct Vault::Private
     std::shared_ptr<const VaultSnapshot> snapshot = std::make_shared<VaultSnapshot>();
     QString lastError;
     QTimer coalescing;
+    QTimer retrying; // after a scan that could not read everything
+    std::chrono::seconds retryDelay = firstRetry;
     QTimer purging;
     bool scanning = false;
     bool waiting = false;

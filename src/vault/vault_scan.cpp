@@ -5,21 +5,20 @@
 
 namespace cratewell {
 
-std::shared_ptr<const VaultSnapshot> VaultScan::run(const Location &root,
-                                                    const std::shared_ptr<const VaultSnapshot> &before,
-                                                    const std::function<bool()> &canceled)
+ScanResult VaultScan::run(const Location &root, const std::shared_ptr<const VaultSnapshot> &before,
+                          const std::function<bool()> &canceled)
 {
     const SnapshotData *earlier = before ? before->d.get() : nullptr;
     DirectoryScanner scanner(root, earlier, canceled);
     if (!scanner.run())
-        return nullptr;
+        return {};
     if (scanner.changedNothing() && before->root() == root)
-        return before;
+        return {before, scanner.isComplete()};
     auto snapshot = std::make_shared<VaultSnapshot>();
     buildSnapshot(*snapshot->d, root, scanner);
     if (!makeOrders(*snapshot->d, earlier, canceled))
-        return nullptr;
-    return snapshot;
+        return {};
+    return {std::move(snapshot), scanner.isComplete()};
 }
 
 } // namespace cratewell

@@ -38,8 +38,8 @@ struct FolderNode
 struct FolderContents;
 
 // Everything one scan saw: immutable and shared, safe on any thread. The flat list holds Overlays, then LUTs,
-// then SFX, each depth first in directory order, so what lies under one folder is one run of it. It is built
-// from one contents per folder; allContents that did not change are shared with the snapshot before.
+// then SFX, each depth first in directory order, so what lies under one folder is one run of it. The contents
+// of a folder that did not change are shared with the snapshot before.
 class VaultSnapshot
 {
 public:
@@ -58,9 +58,8 @@ public:
     // Empty for a folder that is not in a tree.
     AssetRange under(const Location &folder) const;
 
-    // All indices in that order, equal ones in flat-list order: name ascending as a file manager orders base
-    // names, added newest first, kind by label and then base name by code point, size largest first. Made by
-    // the scan.
+    // All indices in that order, equal ones in flat-list order: name as a file manager orders base names,
+    // added newest first, kind by label and then base name by code point, size largest first.
     std::span<const AssetIndex> order(AssetOrder order) const;
     // One flag per asset: base name, name of the holding folder or kind label, lower-cased, contains
     // `needle`, which is lower-cased already and not empty.

@@ -2,6 +2,8 @@
 
 #include <QObject>
 
+#include <array>
+
 namespace cratewell {
 
 // The vault's enumerations, together because one header may describe the namespace to the meta-object system.
@@ -15,9 +17,26 @@ Q_ENUM_NS(AssetKind)
 enum class VaultCategory : quint8 { Overlays, Luts, Sfx };
 Q_ENUM_NS(VaultCategory)
 
-// Sort orders a snapshot of the vault keeps ready; in the order of the sort menu.
-enum class AssetOrder : quint8 { Name, Added, Kind, Size };
+// Sort orders a snapshot of the vault keeps ready, with their labels, in the order of the sort menu. A new
+// one needs its row here and its OrderRule in snapshot/sort_orders.cpp; without the rule it does not compile.
+#define CRATEWELL_ASSET_ORDERS(ROW)                                                                          \
+    ROW(Name, "Name")                                                                                        \
+    ROW(Added, "Added")                                                                                      \
+    ROW(Kind, "Kind")                                                                                        \
+    ROW(Size, "Size")
+
+#define CRATEWELL_ENUMERATOR(order, label) order,
+enum class AssetOrder : quint8 { CRATEWELL_ASSET_ORDERS(CRATEWELL_ENUMERATOR) };
+#undef CRATEWELL_ENUMERATOR
 Q_ENUM_NS(AssetOrder)
-inline constexpr int assetOrderCount = 4;
+
+struct AssetOrderRow
+{
+    AssetOrder order;
+    const char *label;
+};
+#define CRATEWELL_ROW(order, label) AssetOrderRow{AssetOrder::order, label},
+inline constexpr std::array assetOrders{CRATEWELL_ASSET_ORDERS(CRATEWELL_ROW)};
+#undef CRATEWELL_ROW
 
 } // namespace cratewell

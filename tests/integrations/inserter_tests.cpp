@@ -1,16 +1,15 @@
 #include "integrations/inserter.h"
 #include "platform/fakes/fake_applications.h"
 #include "platform/fakes/fake_file_events.h"
-#include "platform/fakes/fake_workspace.h"
 #include "platform/fakes/memory_defaults.h"
 #include "platform/system_paths.h"
 #include "state/app_state.h"
+#include "state/notifications.h"
 #include "state/prefs.h"
 #include "support/wait.h"
 #include "vault/vault.h"
 
 #include <QCoro/QCoroFuture>
-#include <QElapsedTimer>
 #include <QPromise>
 #include <QSignalSpy>
 #include <QTimer>
@@ -63,12 +62,12 @@ protected:
     SystemPaths m_paths = SystemPaths::below(Location::fromText(u"/nowhere"_s));
     Prefs m_prefs{m_defaults, m_paths};
     Vault m_vault{m_paths.defaultVault(), m_defaults, std::make_unique<FakeFileEvents>()};
-    FakeWorkspace m_workspace;
-    AppState m_state{m_vault, m_prefs, m_workspace};
+    AppState m_state{m_vault, m_prefs};
+    Notifications m_notifications;
     FakeBridge m_resolve;
     FakeBridge m_premiere;
     std::unique_ptr<Inserter> m_inserter =
-        std::make_unique<Inserter>(m_prefs, m_state, m_applications, m_resolve, m_premiere);
+        std::make_unique<Inserter>(m_prefs, m_state, m_applications, m_notifications, m_resolve, m_premiere);
 
     const Asset m_smoke = asset(u"/v/Smoke.mov"_s, AssetKind::Video);
     const Asset m_hit = asset(u"/v/Hit.wav"_s, AssetKind::Audio);
@@ -100,7 +99,7 @@ TEST_F(InserterTest, PicksTheEditorByPreferenceThenByWhatRunsThenByLastUse)
         {u"premiere"_s, {}, {}, Resolve, Resolve},
     };
     for (const auto &[preference, running, activated, asked, picked] : cases) {
-        Inserter inserter(m_prefs, m_state, m_applications, m_resolve, m_premiere);
+        Inserter inserter(m_prefs, m_state, m_applications, m_notifications, m_resolve, m_premiere);
         m_prefs.setInsertTarget(preference);
         m_applications.setRunningSilently({});
         inserter.start();
@@ -133,7 +132,6 @@ TEST_F(InserterTest, FollowsWhichEditorsRun)
     EXPECT_EQ(running.size(), 2);
     EXPECT_EQ(target.size(), 2);
     m_applications.activate(resolveId);
-    EXPECT_EQ(m_inserter->lastEditor(), Target::Resolve);
     m_prefs.setBlendMode(u"add"_s);
     EXPECT_EQ(target.size(), 4);
 }
@@ -183,7 +181,8 @@ TEST_F(InserterTest, CarriesOneInsertAtATime)
     QStringList effects;
     QObject::connect(m_inserter.get(), &Inserter::busyChanged,
                      [&] { effects += m_inserter->busy() ? u"busy"_s : u"idle"_s; });
-    QObject::connect(m_inserter.get(), &Inserter::toastChanged, [&] { effects += m_inserter->toastText(); });
+    QObject::connect(&m_notifications, &Notifications::toastChanged,
+                     [&] { effects += m_notifications.toastText(); });
     QObject::connect(&m_prefs, &Prefs::recentChanged, [&] { effects += u"recent"_s; });
 
     m_state.setSelection(m_smoke);
@@ -196,13 +195,13 @@ TEST_F(InserterTest, CarriesOneInsertAtATime)
     effects.removeDuplicates();
     EXPECT_EQ(effects, (QStringList{u"busy"_s, u"idle"_s, u"Inserted"_s, u"recent"_s}));
     EXPECT_EQ(m_prefs.recent().size(), 1);
-    EXPECT_TRUE(m_inserter->toastOk());
+    EXPECT_TRUE(m_notifications.toastOk());
 
     m_inserter->insert(m_hit, Target::Premiere);
     m_premiere.answer({false, u"No panel"_s});
     ASSERT_TRUE(waitUntil([&] { return !m_inserter->busy(); }));
-    EXPECT_EQ(m_inserter->toastText(), u"No panel"_s);
-    EXPECT_FALSE(m_inserter->toastOk());
+    EXPECT_EQ(m_notifications.toastText(), u"No panel"_s);
+    EXPECT_FALSE(m_notifications.toastOk());
     EXPECT_EQ(m_prefs.recent().size(), 1);
     EXPECT_EQ(m_resolve.inserted, QStringList(u"/v/Smoke.mov"_s));
     EXPECT_EQ(m_premiere.inserted, QStringList(u"/v/Hit.wav"_s));
@@ -213,37 +212,14 @@ TEST_F(InserterTest, IgnoresLutsAndAsksForAnEditorWhereNoneRuns)
     m_inserter->insertSelected();
     m_inserter->insert(m_lut);
     m_inserter->insert(m_lut, Target::Resolve);
-    EXPECT_EQ(m_inserter->toastText(), QString());
+    EXPECT_EQ(m_notifications.toastText(), QString());
     m_inserter->insert(m_smoke);
     EXPECT_FALSE(m_inserter->busy());
-    EXPECT_FALSE(m_inserter->toastOk());
-    EXPECT_EQ(m_inserter->toastText(),
+    EXPECT_FALSE(m_notifications.toastOk());
+    EXPECT_EQ(m_notifications.toastText(),
               u"Open DaVinci Resolve or Premiere Pro first. You can also drag any asset "
               "straight onto your timeline."_s);
     EXPECT_EQ(m_resolve.inserted + m_premiere.inserted, QStringList());
-}
-
-TEST_F(InserterTest, AToastStaysItsOwnTime)
-{
-    Inserter inserter(m_prefs, m_state, m_applications, m_resolve, m_premiere, {.ok = 80ms, .failed = 160ms});
-    const auto lifetime = [&](QElapsedTimer &since) {
-        EXPECT_TRUE(waitUntil([&] { return inserter.toastText().isEmpty(); }));
-        return since.elapsed();
-    };
-    QElapsedTimer since;
-    since.start();
-    inserter.toast(u"Moved"_s, true);
-    const qint64 good = lifetime(since);
-    EXPECT_GE(good, 79);
-
-    // The first one's time ends while the second stands.
-    inserter.toast(u"Moved"_s, true);
-    QTimer::singleShot(40ms, &inserter, [&] {
-        inserter.toast(u"Failed"_s, false);
-        since.restart();
-    });
-    ASSERT_TRUE(waitUntil([&] { return inserter.toastText() == u"Failed"; }));
-    EXPECT_GE(lifetime(since), 159);
 }
 
 TEST_F(InserterTest, MayGoWhileAnInsertIsUnderWay)
@@ -256,26 +232,6 @@ TEST_F(InserterTest, MayGoWhileAnInsertIsUnderWay)
     QTimer::singleShot(0, [&] { passed = true; });
     ASSERT_TRUE(waitUntil([&] { return passed; }));
     EXPECT_EQ(m_prefs.recent().size(), 0);
-}
-
-TEST_F(InserterTest, ToastOffersItsActionOnce)
-{
-    int undone = 0;
-    const auto offer = [&](const QString &text) {
-        m_inserter->toast(text, true, {u"Undo"_s, [&] { ++undone; }});
-    };
-    offer(u"Moved"_s);
-    EXPECT_EQ(m_inserter->toastAction(), u"Undo"_s);
-    m_inserter->takeToastAction();
-    m_inserter->takeToastAction();
-    EXPECT_EQ(undone, 1);
-    EXPECT_EQ(m_inserter->toastText() + m_inserter->toastAction(), QString());
-
-    offer(u"Moved"_s);
-    m_inserter->toast(u"Inserted"_s, true);
-    EXPECT_EQ(m_inserter->toastAction(), QString());
-    m_inserter->takeToastAction();
-    EXPECT_EQ(undone, 1) << "another toast has taken its place";
 }
 
 } // namespace

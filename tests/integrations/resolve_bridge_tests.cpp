@@ -5,12 +5,14 @@
 #include "platform/fakes/memory_defaults.h"
 #include "stand_in_resolve.h"
 #include "state/prefs.h"
+#include "support/file_size_limit.h"
 
+#include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QRegularExpression>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
+#include <unistd.h>
 
 namespace cratewell::test {
 namespace {
@@ -25,11 +27,7 @@ const QString queued =
 
 TEST(LastLine, IsTheLastOneThatIsNotEmpty)
 {
-    const struct
-    {
-        QList<QByteArray> chunks;
-        std::optional<QString> line;
-    } cases[] = {
+    const std::pair<QByteArrayList, std::optional<QString>> cases[] = {
         {{}, {}},
         {{"\n\n"}, {}},
         {{"noise\n{\"ok\"", ":true}\n\n"}, u"{\"ok\":true}"_s},
@@ -51,12 +49,8 @@ TEST(LastLine, IsTheLastOneThatIsNotEmpty)
 TEST(ResolveAnswer, BecomesAResultOrNothing)
 {
     const QString silent = u"Resolve didn't say what happened."_s;
-    const struct
-    {
-        QString line;
-        bool ok;
-        QString message; // empty: no usable answer
-    } cases[] = {
+    // No message: no usable answer.
+    const std::tuple<QString, bool, QString> cases[] = {
         {uR"({"ok": true, "message": "Inserted"})"_s, true, u"Inserted"_s},
         {uR"({"ok": false, "message": "Open a project"})"_s, false, u"Open a project"_s},
         {uR"({"ok": true})"_s, true, silent},
@@ -162,11 +156,7 @@ TEST_F(ResolveBridgeTest, LeavesTheRequestQueuedWhenResolveCannotBeReached)
 
 TEST_F(ResolveBridgeTest, QueuesWhateverGivesNoUsableAnswer)
 {
-    const struct
-    {
-        QByteArray python;
-        std::chrono::milliseconds limit;
-    } cases[] = {
+    const std::pair<QByteArray, std::chrono::milliseconds> cases[] = {
         {"exit 0", 20s},
         {"echo '{\"ok\": true, \"message\": \"cut", 20s},
         {"echo '{\"ok\": true, \"message\": \"Done\"}'; echo last words", 20s},
@@ -180,10 +170,10 @@ TEST_F(ResolveBridgeTest, QueuesWhateverGivesNoUsableAnswer)
         EXPECT_EQ(insert(limit).message, queued) << python.constData();
         EXPECT_TRUE(readExchangeFile(m_request)) << python.constData();
     }
-    m_paths.python = m_resolve.folder().child("missing");
-    EXPECT_EQ(insert().message, queued);
-    m_paths.python = m_resolve.file("not executable");
-    EXPECT_EQ(insert().message, queued);
+    for (const Location &python : {m_resolve.folder().child("missing"), m_resolve.file("not executable")}) {
+        m_paths.python = python;
+        EXPECT_EQ(insert().message, queued);
+    }
 }
 
 TEST_F(ResolveBridgeTest, FindsTheAnswerAmongNoiseAndAfterAHang)
@@ -196,28 +186,74 @@ TEST_F(ResolveBridgeTest, FindsTheAnswerAmongNoiseAndAfterAHang)
     EXPECT_EQ(insert(1500ms).message, u"Done"_s);
 }
 
-TEST_F(ResolveBridgeTest, KillsAScriptThatHangsInTheHost)
+TEST_F(ResolveBridgeTest, GivesAScriptTwentySeconds)
 {
-    ASSERT_TRUE(m_resolve.arrange(u"failures['GetProjectManager'] = 'hang'"_s));
-    EXPECT_EQ(insert(500ms).message, queued);
+    // What is left of the alarm that ends a script 2 s after its watchdog has failed to.
+    replacePython("exec /usr/bin/python3 -c 'import json, signal; "
+                  "print(json.dumps({\"ok\": True, \"message\": str(signal.alarm(0))}))'");
+    ResolveBridge bridge(m_prefs, m_paths);
+    const int left = QCoro::waitFor(bridge.insert(m_asset)).message.toInt();
+    EXPECT_GT(left, 18);
+    EXPECT_LE(left, 22);
 }
 
 TEST_F(ResolveBridgeTest, GivesTheScriptItsEnvironment)
 {
-    replacePython(
-        "printf '{\"ok\": true, \"message\": \"%s|%s|%s\"}' \"$RESOLVE_SCRIPT_API\" \"$RESOLVE_SCRIPT_LIB\" "
-        "\"$PYTHONPATH\"");
+    replacePython("printf '{\"ok\": true, \"message\": \"%s|%s|%s|%s\"}' \"$RESOLVE_SCRIPT_API\" "
+                  "\"$RESOLVE_SCRIPT_LIB\" "
+                  "\"$(pwd)\" \"$PYTHONPATH\"");
     const QString api = m_paths.resolveApi.text();
-    const QString both = api + u'|' + m_paths.resolveLibrary.text() + u'|';
+    const QString both = api + u'|' + m_paths.resolveLibrary.text() + u"|/|"_s;
     EXPECT_EQ(insert().message, both + qEnvironmentVariable("PYTHONPATH") + u':' + api + u"/Modules/"_s);
     qunsetenv("PYTHONPATH");
     EXPECT_EQ(insert().message, both + api + u"/Modules/"_s);
 }
 
-TEST_F(ResolveBridgeTest, WorksWithoutAPlaceForTheRequest)
+TEST_F(ResolveBridgeTest, FailsWithTheSystemsWordsWhereTheRequestCannotBeWritten)
 {
-    m_resolve.file("Library");
+    // An older request stays where no new one can come: not that one is to be placed.
+    ASSERT_TRUE(m_resolve.arrange(u"failures['scriptapp'] = 'none'"_s));
     EXPECT_EQ(insert().message, queued);
+    const std::optional<QJsonObject> older = readExchangeFile(m_request);
+    ASSERT_TRUE(m_resolve.arrange({}));
+    InsertResult result;
+    {
+        const FileSizeLimit limit(10);
+        result = insert();
+    }
+    EXPECT_FALSE(result.ok);
+    EXPECT_TRUE(result.message.endsWith(u"resolve-request.json: File too large"_s))
+        << qPrintable(result.message);
+    EXPECT_EQ(m_resolve.placed(), QStringList());
+    EXPECT_EQ(readExchangeFile(m_request), older);
+}
+
+TEST_F(ResolveBridgeTest, PlacesNoRequestButItsOwn)
+{
+    // Another program's request comes between ours and the script.
+    replacePython("echo '{\"id\": \"B\", \"path\": \"/v/B.mov\", \"kind\": \"video\"}' > \"$3\"\n"
+                  "exec /usr/bin/python3 \"$@\"");
+    EXPECT_EQ(insert().message, u"Another request came in between. Insert again."_s);
+    EXPECT_EQ(m_resolve.placed(), QStringList());
+    EXPECT_TRUE(readExchangeFile(m_request));
+}
+
+TEST_F(ResolveBridgeTest, ImportsNothingFromTheCurrentFolder)
+{
+    const Location folder = m_resolve.folder().child("cwd");
+    ASSERT_TRUE(QDir().mkdir(folder.text()));
+    QFile module(folder.child("json.py").text());
+    ASSERT_TRUE(module.open(QIODevice::WriteOnly));
+    module.write("print('{\"ok\": true, \"message\": \"hostile\"}', flush=True)\nimport os\nos._exit(0)\n");
+    module.close();
+    const QString before = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(folder.text()));
+    // As an interpreter that does not know the variable; the second runs in that folder whatever we asked.
+    for (const QByteArray &start : {QByteArray(), "cd '" + folder.bytes() + "'\n"}) {
+        replacePython(start + "unset PYTHONSAFEPATH\nexec /usr/bin/python3 \"$@\"");
+        EXPECT_EQ(insert().message, u"Inserted Smoke on V%1 at 01:00:10:12"_s.arg(start.isEmpty() ? 2 : 3));
+    }
+    ASSERT_TRUE(QDir::setCurrent(before));
 }
 
 TEST_F(ResolveBridgeTest, MayGoBeforeTheAnswerComes)

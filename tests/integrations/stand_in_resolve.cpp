@@ -24,18 +24,15 @@ place = lambda *clip: project_file.place(state, *clip)
 project_file.write(path, state)
 )"_s;
 
-void appendPlaced(QStringList &placed, QChar letter, int number, const QJsonObject &item)
+void appendPlaced(QStringList &placed, const QString &track, const QJsonObject &item)
 {
     // What a test has put there itself comes from no file.
     if (item[u"path"].toString().isEmpty())
         return;
-    QString text = u"%1%2 %3 %4-%5 of %6-%7"_s.arg(letter)
-                       .arg(number)
-                       .arg(item[u"name"].toString())
-                       .arg(item[u"start"].toInt())
-                       .arg(item[u"end"].toInt())
-                       .arg(item[u"source"][0].toInt())
-                       .arg(item[u"source"][1].toInt());
+    const auto number = [](const QJsonValue &value) { return QString::number(value.toInt()); };
+    QString text = u"%1 %2 %3-%4 of %5-%6"_s.arg(track, item[u"name"].toString(), number(item[u"start"]),
+                                                 number(item[u"end"]), number(item[u"source"][0]),
+                                                 number(item[u"source"][1]));
     if (const int mode = item[u"composite"].toInt())
         text += u" mode %1"_s.arg(mode);
     placed += text;
@@ -91,11 +88,11 @@ QStringList StandInResolve::placed() const
     const QJsonArray video = timeline[u"video"].toArray();
     for (qsizetype i = video.size() - 1; i >= 0; --i)
         for (const QJsonValue item : video[i][u"items"].toArray())
-            appendPlaced(placed, u'V', int(i) + 1, item.toObject());
+            appendPlaced(placed, u"V%1"_s.arg(i + 1), item.toObject());
     const QJsonArray audio = timeline[u"audio"].toArray();
     for (qsizetype i = 0; i < audio.size(); ++i)
         for (const QJsonValue item : audio[i][u"items"].toArray())
-            appendPlaced(placed, u'A', int(i) + 1, item.toObject());
+            appendPlaced(placed, u"A%1"_s.arg(i + 1), item.toObject());
     return placed;
 }
 

@@ -14,7 +14,6 @@
 #include <gtest/gtest.h>
 
 namespace cratewell {
-
 namespace {
 
 using namespace Qt::StringLiterals;
@@ -82,32 +81,33 @@ TEST_F(DesktopBus, AppearanceFollowsThePortalAndItsReturn)
         ASSERT_TRUE(waitUntil([&] { return !appearance.dark() && appearance.reducedMotion(); }));
         EXPECT_EQ(changes, 2);
 
-        struct Change
+        const QString appearanceGroup = u"org.freedesktop.appearance"_s;
+        const QString desktopGroup = u"org.gnome.desktop.interface"_s;
+        const struct
         {
             QString group, key;
             QVariant value;
             bool dark, reduced;
-        };
-        const Change all[] = {
-            {u"org.freedesktop.appearance"_s, u"color-scheme"_s, 1u, true, true},
-            {u"org.gnome.desktop.interface"_s, u"enable-animations"_s, true, true, false},
-            {u"org.freedesktop.appearance"_s, u"reduced-motion"_s, 1u, true, true},
-            {u"org.freedesktop.appearance"_s, u"color-scheme"_s, u"light"_s, true, true},
-            {u"org.freedesktop.appearance"_s, u"accent-color"_s, 2u, true, true},
-            {u"org.gnome.desktop.interface"_s, u"color-scheme"_s, 2u, true, true},
-            {u"org.freedesktop.appearance"_s, u"reduced-motion"_s, 0u, true, false},
-            {u"org.freedesktop.appearance"_s, u"color-scheme"_s, 2u, false, false},
-            {u"org.freedesktop.appearance"_s, u"color-scheme"_s, 0u, true, false},
+        } all[] = {
+            {appearanceGroup, u"color-scheme"_s, 1u, true, true},
+            {desktopGroup, u"enable-animations"_s, true, true, false},
+            {appearanceGroup, u"reduced-motion"_s, 1u, true, true},
+            {appearanceGroup, u"color-scheme"_s, u"light"_s, true, true},
+            {appearanceGroup, u"accent-color"_s, 2u, true, true},
+            {desktopGroup, u"color-scheme"_s, 2u, true, true},
+            {appearanceGroup, u"reduced-motion"_s, 0u, true, false},
+            {appearanceGroup, u"color-scheme"_s, 2u, false, false},
+            {appearanceGroup, u"color-scheme"_s, 0u, true, false},
         };
         bool dark = false;
         bool reduced = true;
-        for (const Change &change : all) {
+        for (const auto &change : all) {
             changes = 0;
-            const bool tells = std::exchange(dark, change.dark) != change.dark;
-            const bool tellsToo = std::exchange(reduced, change.reduced) != change.reduced;
+            const bool darkChanges = std::exchange(dark, change.dark) != change.dark;
+            const bool motionChanges = std::exchange(reduced, change.reduced) != change.reduced;
             portal.signal(portalPath, settingsInterface, u"SettingChanged"_s,
                           {change.group, change.key, boxed(change.value)});
-            ASSERT_TRUE(waitUntil([&] { return changes == (tells || tellsToo ? 1 : 0); }))
+            ASSERT_TRUE(waitUntil([&] { return changes == (darkChanges || motionChanges ? 1 : 0); }))
                 << change.key.toStdString();
             EXPECT_EQ(appearance.dark(), change.dark) << change.key.toStdString();
             EXPECT_EQ(appearance.reducedMotion(), change.reduced) << change.key.toStdString();
@@ -219,42 +219,45 @@ TEST_F(DesktopBus, ChoosesThroughThePortal)
         ASSERT_NE(chooser, nullptr);
         QList<QList<Location>> answers;
         const auto noteAnswer = [&](const QList<Location> &chosen) { answers.append(chosen); };
-        const auto respond = [&](qsizetype call, uint code, const QStringList &uris) {
-            const QDBusMessage asked = portal.calls(u"OpenFile"_s).at(call);
+        const auto respond = [&](const QDBusMessage &asked, uint code, const QStringList &uris) {
             settle(caller);
             portal.signal(pathFor(asked), u"org.freedesktop.portal.Request"_s, u"Response"_s,
                           {code, QVariantMap{{u"uris"_s, uris}}});
         };
 
-        chooser->choose({ChooseRequest::What::Images, u"A still"_s, u"Use"_s, false}, noteAnswer);
-        EXPECT_TRUE(answers.isEmpty());
-        ASSERT_TRUE(waitUntil([&] { return portal.calls(u"OpenFile"_s).size() == 1; }));
-        const QDBusMessage asked = portal.calls(u"OpenFile"_s).constFirst();
-        QVariantMap options = optionsOf(asked);
-        EXPECT_EQ(asked.arguments().value(1).toString(), u"A still"_s);
+        // Asks and returns what the portal was asked.
+        const auto choose = [&](const ChooseRequest &request) {
+            const qsizetype before = portal.calls(u"OpenFile"_s).size();
+            chooser->choose(request, noteAnswer);
+            EXPECT_TRUE(answers.isEmpty());
+            EXPECT_TRUE(waitUntil([&] { return portal.calls(u"OpenFile"_s).size() > before; }));
+            return portal.calls(u"OpenFile"_s).last();
+        };
+
+        const QDBusMessage first = choose({ChooseRequest::What::Images, u"A still"_s, u"Use"_s, false});
+        QVariantMap options = optionsOf(first);
+        EXPECT_EQ(first.arguments().value(1).toString(), u"A still"_s);
         EXPECT_EQ(options.value(u"accept_label"_s), u"Use"_s);
         EXPECT_EQ(options.value(u"multiple"_s), false);
         EXPECT_EQ(options.value(u"directory"_s), false);
         EXPECT_EQ(options.value(u"filters"_s).value<QDBusArgument>().currentSignature(), u"a(sa(us))"_s);
-        respond(0, 0, {u"file:///v/a%20b.png"_s});
+        respond(first, 0, {u"file:///v/a%20b.png"_s});
         ASSERT_TRUE(waitUntil([&] { return answers.size() == 1; }));
         EXPECT_EQ(answers.takeFirst(), QList<Location>{at("/v/a b.png")});
 
-        chooser->choose({ChooseRequest::What::Folders, u"Add"_s, {}, true}, noteAnswer);
-        ASSERT_TRUE(waitUntil([&] { return portal.calls(u"OpenFile"_s).size() == 2; }));
-        options = optionsOf(portal.calls(u"OpenFile"_s).at(1));
+        const QDBusMessage second = choose({ChooseRequest::What::Folders, u"Add"_s, {}, true});
+        options = optionsOf(second);
         EXPECT_EQ(options.value(u"multiple"_s), true);
         EXPECT_EQ(options.value(u"directory"_s), true);
         EXPECT_FALSE(options.contains(u"filters"_s));
-        respond(1, 0, {u"file:///v/%FF"_s, u"http://elsewhere/"_s, u"file:///v/%C3%A9"_s});
+        respond(second, 0, {u"file:///v/%FF"_s, u"http://elsewhere/"_s, u"file:///v/%C3%A9"_s});
         ASSERT_TRUE(waitUntil([&] { return answers.size() == 1; }));
         EXPECT_EQ(answers.takeFirst(), (QList<Location>{at("/v/\xFF"), at("/v/\xC3\xA9")}));
 
-        chooser->choose({}, noteAnswer);
-        ASSERT_TRUE(waitUntil([&] { return portal.calls(u"OpenFile"_s).size() == 3; }));
-        respond(2, 1, {u"file:///v/not-this"_s});
+        const QDBusMessage third = choose({});
+        respond(third, 1, {u"file:///v/not-this"_s});
         ASSERT_TRUE(waitUntil([&] { return answers.size() == 1; }));
-        respond(2, 0, {u"file:///v/nor-this"_s});
+        respond(third, 0, {u"file:///v/nor-this"_s});
         EXPECT_EQ(answers.takeFirst(), QList<Location>());
     }
 }
@@ -285,7 +288,6 @@ TEST_F(DesktopBus, CountsAsCanceledWhenThePortalRefusesOrGoesAway)
 }
 
 } // namespace
-
 } // namespace cratewell
 
 #include "desktop_bus_tests.moc"

@@ -1,12 +1,12 @@
 #include "platform/linux/inotify_file_events.h"
 #include "platform/linux/inotify_tree.h"
 
+#include "support/child.h"
 #include "support/wait.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <fcntl.h>
 #include <filesystem>
@@ -16,7 +16,6 @@
 #include <unistd.h>
 
 namespace cratewell {
-
 namespace {
 
 namespace fs = std::filesystem;
@@ -60,6 +59,11 @@ public:
     fs::path top() const { return m_folder.path().toStdString(); }
     bool isQuiet() const { return !m_last.isValid() || m_last.elapsed() > 600; }
 
+    bool reportsAndRests() const
+    {
+        return test::waitUntil([this] { return reported > 0 && isQuiet(); });
+    }
+
     InotifyFileEvents events;
     int reported = 0;
     int limits = 0;
@@ -69,189 +73,123 @@ private:
     QElapsedTimer m_last;
 };
 
-enum class Expect { Report, Silence };
-
-struct Step
-{
-    std::function<void(const fs::path &)> act;
-    Expect expected = Expect::Report;
-};
-
+// Shell commands in the folder around "root", one step each. Each must be reported, but those behind
+// "quietly:".
 struct Story
 {
-    std::string name;
-    std::function<void(const fs::path &)> before;
-    std::vector<Step> steps;
+    const char *name;
+    QByteArray before;
+    QByteArrayList steps;
 };
 
-void makeRoot(const fs::path &top)
-{
-    write(top / "root/a/deep/file");
-    write(top / "root/b/file");
-    write(top / "outside/full/of/things");
-}
+const QByteArray makeRoot = "mkdir -p root/a/deep root/b outside/full/of && echo x > root/a/deep/file && "
+                            "echo x > root/b/file && echo x > outside/full/of/things";
+const QByteArray makeReal = "mkdir -p real/a other/a && echo x > real/a/file && echo x > other/a/file && ";
+constexpr char quietly[] = "quietly: ";
 
-int openedSlowly = -1;
-constexpr timespec longAgo[2] = {{1'000'000, 0}, {1'000'000, 0}};
+// "1<>" opens a file without cutting it.
+const std::vector<Story> stories = {
+    {"a file's life",
+     makeRoot,
+     {"echo x > root/a/deep/new", "echo other 1<> root/a/deep/file", "mv root/a/deep/new root/b/renamed",
+      "mv -f root/b/renamed root/b/file", "touch -c -d 1980-01-01 root/b/file", "rm root/b/file",
+      "rm -r root/a"}},
+    {"a file written slowly", makeRoot, {"open", "quietly: part", "close"}},
+    {"new folders, several levels at once",
+     makeRoot,
+     {"mkdir -p root/x/y/'\xFFname'", "echo x > root/x/y/'\xFFname'/file",
+      "echo y 1<> root/x/y/'\xFFname'/file"}},
+    {"a folder moved in with content",
+     makeRoot,
+     {"mv outside/full root/b/full", "echo other 1<> root/b/full/of/things"}},
+    {"a renamed folder",
+     makeRoot,
+     {"mv root/a root/c", "echo other 1<> root/c/deep/file", "mkdir root/c/deep/sub",
+      "echo x > root/c/deep/sub/file"}},
+    {"two folders that change names",
+     makeRoot,
+     {"exchange", "echo other 1<> root/b/deep/file", "echo other 1<> root/a/file"}},
+    {"a folder moved out",
+     makeRoot,
+     {"mv root/a outside/a", "quietly: echo x > outside/a/deep/more", "quietly: echo x > outside/a/more"}},
+    {"the root deleted and made again",
+     makeRoot,
+     {"rm -r root", "quietly: echo x > elsewhere", "mkdir -p root/new", "echo x > root/new/file"}},
+    {"the root replaced by another",
+     makeRoot,
+     {"mv root was && mv outside root", "quietly: echo x > was/a/file",
+      "echo other 1<> root/full/of/things"}},
+    {"links and hidden folders",
+     makeRoot,
+     {"ln -s ../outside/full root/link", "quietly: echo other 1<> outside/full/of/things",
+      "mkdir -p root/.hidden/inner", "quietly: echo x > root/.hidden/inner/file",
+      "mv root/.hidden root/shown", "echo other 1<> root/shown/inner/file"}},
+    {"the root behind a link",
+     makeReal + "ln -s real root",
+     {"echo other 1<> real/a/file", "ln -s other next && mv -T next root", "echo y 1<> other/a/file",
+      "quietly: echo more 1<> real/a/file"}},
+    {"a category behind a link",
+     makeReal + "mkdir root && ln -s ../real root/category",
+     {"echo other 1<> real/a/file", "mkdir real/a/new", "echo x > real/a/new/file", "mv real away",
+      "mv away real", "echo other 1<> real/a/new/file", "ln -s ../other next && mv -T next root/category",
+      "echo other 1<> other/a/file", "quietly: echo more 1<> real/a/file"}},
+    {"two categories behind links to one folder",
+     makeReal + "mkdir root && ln -s ../real root/category && ln -s ../real root/twin",
+     {"rm root/twin", "echo other 1<> real/a/file", "ln -s ../real root/twin", "rm root/category",
+      "echo more 1<> real/a/file"}}};
 
-const std::vector<Story> &stories()
+void carryOut(const QByteArray &step, const fs::path &top)
 {
-    using enum Expect;
-    static const std::vector<Story> all = {
-        {"a file's life",
-         makeRoot,
-         {{[](auto top) { write(top / "root/a/deep/new"); }},
-          {[](auto top) { overwriteInPlace(top / "root/a/deep/file"); }},
-          {[](auto top) { fs::rename(top / "root/a/deep/new", top / "root/b/renamed"); }},
-          {[](auto top) { fs::rename(top / "root/b/renamed", top / "root/b/file"); }},
-          {[](auto top) { ASSERT_EQ(::utimensat(AT_FDCWD, (top / "root/b/file").c_str(), longAgo, 0), 0); }},
-          {[](auto top) { fs::remove(top / "root/b/file"); }},
-          {[](auto top) { fs::remove_all(top / "root/a"); }}}},
-        {"a file written slowly",
-         makeRoot,
-         {{[](auto top) {
-              openedSlowly = ::open((top / "root/b/slow").c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
-          }},
-          {[](auto) { ASSERT_EQ(::write(openedSlowly, "part", 4), 4); }, Silence},
-          {[](auto) { ASSERT_EQ(::close(openedSlowly), 0); }}}},
-        {"new folders, several levels at once",
-         makeRoot,
-         {{[](auto top) { fs::create_directories(top / "root/x/y/\xFFname"); }},
-          {[](auto top) { write(top / "root/x/y/\xFFname/file"); }},
-          {[](auto top) { overwriteInPlace(top / "root/x/y/\xFFname/file"); }}}},
-        {"a folder moved in with content",
-         makeRoot,
-         {{[](auto top) { fs::rename(top / "outside/full", top / "root/b/full"); }},
-          {[](auto top) { overwriteInPlace(top / "root/b/full/of/things"); }}}},
-        {"a renamed folder",
-         makeRoot,
-         {{[](auto top) { fs::rename(top / "root/a", top / "root/c"); }},
-          {[](auto top) { overwriteInPlace(top / "root/c/deep/file"); }},
-          {[](auto top) { fs::create_directories(top / "root/c/deep/sub"); }},
-          {[](auto top) { write(top / "root/c/deep/sub/file"); }}}},
-        {"two folders that change names",
-         makeRoot,
-         {{[](auto top) {
-              ASSERT_EQ(::renameat2(AT_FDCWD, (top / "root/a").c_str(), AT_FDCWD, (top / "root/b").c_str(),
-                                    RENAME_EXCHANGE),
-                        0);
-          }},
-          {[](auto top) { overwriteInPlace(top / "root/b/deep/file"); }},
-          {[](auto top) { overwriteInPlace(top / "root/a/file"); }}}},
-        {"a folder moved out",
-         makeRoot,
-         {{[](auto top) { fs::rename(top / "root/a", top / "outside/a"); }},
-          {[](auto top) { write(top / "outside/a/deep/more"); }, Silence},
-          {[](auto top) { write(top / "outside/a/more"); }, Silence}}},
-        {"the root deleted and made again",
-         makeRoot,
-         {{[](auto top) { fs::remove_all(top / "root"); }},
-          {[](auto top) { write(top / "elsewhere"); }, Silence},
-          {[](auto top) { fs::create_directories(top / "root/new"); }},
-          {[](auto top) { write(top / "root/new/file"); }}}},
-        {"the root replaced by another",
-         makeRoot,
-         {{[](auto top) {
-              fs::rename(top / "root", top / "was");
-              fs::rename(top / "outside", top / "root");
-          }},
-          {[](auto top) { write(top / "was/a/file"); }, Silence},
-          {[](auto top) { overwriteInPlace(top / "root/full/of/things"); }}}},
-        {"links and hidden folders",
-         makeRoot,
-         {{[](auto top) { fs::create_directory_symlink("../outside/full", top / "root/link"); }},
-          {[](auto top) { overwriteInPlace(top / "outside/full/of/things"); }, Silence},
-          {[](auto top) { fs::create_directories(top / "root/.hidden/inner"); }},
-          {[](auto top) { write(top / "root/.hidden/inner/file"); }, Silence},
-          {[](auto top) { fs::rename(top / "root/.hidden", top / "root/shown"); }},
-          {[](auto top) { overwriteInPlace(top / "root/shown/inner/file"); }}}},
-        {"the root behind a link",
-         [](const fs::path &top) {
-             write(top / "real/a/file");
-             write(top / "other/a/file");
-             fs::create_directory_symlink("real", top / "root");
-         },
-         {{[](auto top) { overwriteInPlace(top / "real/a/file"); }},
-          {[](auto top) {
-              fs::create_directory_symlink("other", top / "next");
-              fs::rename(top / "next", top / "root");
-          }},
-          {[](auto top) { overwriteInPlace(top / "other/a/file"); }},
-          {[](auto top) { overwriteInPlace(top / "real/a/file"); }, Silence}}},
-        {"a category behind a link",
-         [](const fs::path &top) {
-             write(top / "real/a/file");
-             write(top / "other/a/file");
-             fs::create_directory(top / "root");
-             fs::create_directory_symlink("../real", top / "root/category");
-         },
-         {{[](auto top) { overwriteInPlace(top / "real/a/file"); }},
-          {[](auto top) { fs::create_directories(top / "real/a/new"); }},
-          {[](auto top) { write(top / "real/a/new/file"); }},
-          {[](auto top) { fs::rename(top / "real", top / "away"); }},
-          {[](auto top) { fs::rename(top / "away", top / "real"); }},
-          {[](auto top) { overwriteInPlace(top / "real/a/new/file"); }},
-          {[](auto top) {
-              fs::create_directory_symlink("../other", top / "next");
-              fs::rename(top / "next", top / "root/category");
-          }},
-          {[](auto top) { overwriteInPlace(top / "other/a/file"); }},
-          {[](auto top) { overwriteInPlace(top / "real/a/file"); }, Silence}}},
-        {"two categories behind links to one folder",
-         [](const fs::path &top) {
-             write(top / "real/a/file");
-             fs::create_directory(top / "root");
-             fs::create_directory_symlink("../real", top / "root/category");
-             fs::create_directory_symlink("../real", top / "root/twin");
-         },
-         {{[](auto top) { fs::remove(top / "root/twin"); }},
-          {[](auto top) { overwriteInPlace(top / "real/a/file"); }},
-          {[](auto top) { fs::create_directory_symlink("../real", top / "root/twin"); }},
-          {[](auto top) { fs::remove(top / "root/category"); }},
-          {[](auto top) { overwriteInPlace(top / "real/a/file"); }}}},
-    };
-    return all;
+    static int slow = -1;
+    if (step == "open")
+        slow = ::open((top / "root/b/slow").c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
+    else if (step == "part")
+        ASSERT_EQ(::write(slow, "part", 4), 4);
+    else if (step == "close")
+        ASSERT_EQ(::close(slow), 0);
+    else if (step == "exchange")
+        ASSERT_EQ(::renameat2(AT_FDCWD, (top / "root/a").c_str(), AT_FDCWD, (top / "root/b").c_str(),
+                              RENAME_EXCHANGE),
+                  0);
+    else
+        ASSERT_EQ(std::system(("cd '" + QByteArray(top.c_str()) + "' && " + step).constData()), 0)
+            << step.constData();
 }
 
 // All stories run side by side: their waits are the same waits.
 TEST(InotifyFileEvents, FollowEveryChangeBelowTheRootAndNoneBesideIt)
 {
     std::vector<std::unique_ptr<Followed>> followed;
-    for (const Story &story : stories()) {
+    for (const Story &story : stories) {
         followed.push_back(std::make_unique<Followed>());
-        story.before(followed.back()->top());
+        carryOut(story.before, followed.back()->top());
         followed.back()->watch();
     }
     const auto allQuiet = [&] { return std::ranges::all_of(followed, &Followed::isQuiet); };
     ASSERT_TRUE(test::waitUntil([&] {
         return std::ranges::all_of(followed, [](auto &f) { return f->reported > 0; });
     })) << "what was made just before is reported when the watches stand";
-    for (size_t step = 0;; ++step) {
+    for (qsizetype step = 0;; ++step) {
         ASSERT_TRUE(test::waitUntil(allQuiet));
-        bool more = false;
-        for (size_t i = 0; i < followed.size(); ++i) {
+        std::vector<size_t> loud, quiet;
+        for (size_t i = 0; i < stories.size(); ++i) {
             followed[i]->reported = 0;
-            if (step >= stories()[i].steps.size())
+            if (step >= stories[i].steps.size())
                 continue;
-            more = true;
-            stories()[i].steps[step].act(followed[i]->top());
+            QByteArray command = stories[i].steps[step];
+            (command.startsWith(quietly) ? quiet : loud).push_back(i);
+            carryOut(command.replace(quietly, ""), followed[i]->top());
         }
-        if (!more)
+        if (loud.empty() && quiet.empty())
             break;
-        const auto isReported = [&](size_t i) {
-            return step >= stories()[i].steps.size() ||
-                   stories()[i].steps[step].expected == Expect::Silence || followed[i]->reported > 0;
-        };
-        for (size_t i = 0; i < followed.size(); ++i)
-            ASSERT_TRUE(test::waitUntil([&] { return isReported(i); }, 5s))
-                << stories()[i].name << ", step " << step;
+        for (const size_t i : loud)
+            ASSERT_TRUE(test::waitUntil([&] { return followed[i]->reported > 0; }, 5s))
+                << stories[i].name << ", step " << step;
         ASSERT_TRUE(test::waitUntil(allQuiet));
-        for (size_t i = 0; i < followed.size(); ++i) {
-            const std::vector<Step> &steps = stories()[i].steps;
-            const bool silent = step < steps.size() && steps[step].expected == Expect::Silence;
-            EXPECT_TRUE(!silent || followed[i]->reported == 0) << stories()[i].name << ", step " << step;
-            EXPECT_EQ(followed[i]->limits, 0);
-        }
+        for (const size_t i : quiet)
+            EXPECT_EQ(followed[i]->reported, 0) << stories[i].name << ", step " << step;
+        for (const auto &each : followed)
+            EXPECT_EQ(each->limits, 0);
     }
 }
 
@@ -262,8 +200,7 @@ TEST(InotifyFileEvents, WaitForARootThatDoesNotExistYet)
     followed.events.watch(Location::fromBytes(root.c_str()), {}, std::chrono::system_clock::now());
     fs::create_directories(followed.top() / "not/yet");
     fs::create_directories(root / "inner");
-    ASSERT_TRUE(test::waitUntil([&] { return followed.reported > 0; }));
-    ASSERT_TRUE(test::waitUntil([&] { return followed.isQuiet(); }));
+    ASSERT_TRUE(followed.reportsAndRests());
     followed.reported = 0;
     write(root / "inner/file");
     EXPECT_TRUE(test::waitUntil([&] { return followed.reported > 0; }));
@@ -274,8 +211,7 @@ TEST(InotifyFileEvents, TellABurstAFewTimesAndItsEndAlways)
     Followed followed;
     write(followed.top() / "root/file");
     followed.watch();
-    ASSERT_TRUE(test::waitUntil([&] { return followed.reported > 0; }));
-    ASSERT_TRUE(test::waitUntil([&] { return followed.isQuiet(); }));
+    ASSERT_TRUE(followed.reportsAndRests());
     followed.reported = 0;
     QElapsedTimer clock;
     clock.start();
@@ -299,13 +235,11 @@ TEST(InotifyFileEvents, StopAndChangeRootsAtOnce)
     followed.watch();
     followed.events.watch(Location::fromBytes((followed.top() / "next").c_str()), {},
                           std::chrono::system_clock::now());
-    ASSERT_TRUE(test::waitUntil([&] { return followed.reported > 0; }));
-    ASSERT_TRUE(test::waitUntil([&] { return followed.isQuiet(); }));
+    ASSERT_TRUE(followed.reportsAndRests());
     followed.reported = 0;
     overwriteInPlace(followed.top() / "root/file");
     overwriteInPlace(followed.top() / "next/file");
-    ASSERT_TRUE(test::waitUntil([&] { return followed.reported > 0; }));
-    ASSERT_TRUE(test::waitUntil([&] { return followed.isQuiet(); }));
+    ASSERT_TRUE(followed.reportsAndRests());
     EXPECT_EQ(followed.reported, 1);
 
     overwriteInPlace(followed.top() / "next/file");
@@ -359,12 +293,11 @@ TEST(InotifyLimitChild, DISABLED_ChecksWhatItCannotWatch)
     followed.watch();
     ASSERT_TRUE(test::waitUntil([&] { return followed.limits > 0; }));
     const auto reportsWhen = [&](const std::function<void()> &act) {
-        if (!test::waitUntil([&] { return followed.reported > 0 && followed.isQuiet(); }))
+        if (!followed.reportsAndRests())
             return false;
         followed.reported = 0;
         act();
-        const bool reported = test::waitUntil([&] { return followed.reported > 0; });
-        return reported && test::waitUntil([&] { return followed.isQuiet(); });
+        return followed.reportsAndRests();
     };
     EXPECT_TRUE(reportsWhen([&] {
         for (int i = 0; i < folders; ++i)
@@ -381,20 +314,14 @@ TEST(InotifyLimitChild, DISABLED_ChecksWhatItCannotWatch)
 TEST(InotifyFileEvents, CheckEveryFewSecondsBeyondTheSystemsLimit)
 {
     const QString limit = u"echo %1 > /proc/sys/user/max_inotify_watches"_s.arg(watchLimit);
-    if (QProcess::execute(u"unshare"_s, {u"-U"_s, u"-r"_s, u"sh"_s, u"-c"_s, limit}) != 0)
+    const QStringList wrapper{u"unshare"_s, u"-U"_s, u"-r"_s};
+    if (!test::isPermitted(wrapper, limit))
         GTEST_SKIP() << "user namespaces are not permitted here";
-    QProcess child;
-    child.setProcessChannelMode(QProcess::MergedChannels);
-    child.start(u"unshare"_s,
-                {u"-U"_s, u"-r"_s, u"sh"_s, u"-c"_s, limit + u" && exec \"$0\" \"$@\""_s,
-                 QCoreApplication::applicationFilePath(), u"--gtest_filter=InotifyLimitChild.*"_s,
-                 u"--gtest_also_run_disabled_tests"_s});
-    ASSERT_TRUE(test::waitUntil([&] { return child.state() == QProcess::NotRunning; }, 200s));
-    const QByteArray output = child.readAll();
-    EXPECT_EQ(child.exitCode(), 0) << output.constData();
-    EXPECT_TRUE(output.contains("[  PASSED  ] 1 test")) << output.constData();
+    test::Child child(
+        u"InotifyLimitChild.DISABLED_ChecksWhatItCannotWatch"_s,
+        {.wrapper = wrapper + QStringList{u"sh"_s, u"-c"_s, limit + u" && exec \"$0\" \"$@\""_s}});
+    EXPECT_TRUE(child.passes(200s));
 }
 
 } // namespace
-
 } // namespace cratewell

@@ -1,15 +1,18 @@
 #include "platform/json_defaults.h"
 
+#include "platform/mac/user_defaults.h"
+#include "platform/posix/replace_file.h"
+#include "support/child.h"
 #include "support/wait.h"
 
 #include <QCoreApplication>
+#include <QDataStream>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -17,7 +20,6 @@
 #include <unistd.h>
 
 namespace cratewell {
-
 namespace {
 
 using namespace Qt::StringLiterals;
@@ -30,9 +32,7 @@ QByteArray contentOf(const QString &path)
 
 void write(const QString &path, const QByteArray &content)
 {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QFile::WriteOnly));
-    ASSERT_EQ(file.write(content), content.size());
+    ASSERT_TRUE(replaceAtomically(Location::fromText(path), content, {.flush = Flush::No}));
 }
 
 class JsonDefaultsTest : public testing::Test
@@ -49,44 +49,58 @@ private:
     QTemporaryDir m_folder;
 };
 
-TEST_F(JsonDefaultsTest, KeepsEveryTypeApartAcrossRuns)
+TEST_F(JsonDefaultsTest, EveryStoreKeepsTypesApartAcrossRuns)
 {
-    const QString strayKey = u"expanded./v/"_s + QChar(0xDCFF);
-    const QJsonObject written = {
-        {u"yes"_s, true},
-        {u"no"_s, false},
-        {u"zero"_s, 0},
-        {u"share"_s, 0.7},
-        {u"large"_s, 9007199254740991.0},
-        {u"empty"_s, QString()},
-        {u"text"_s, u"caf\u00e9 \U0001F3AC \"quoted\"\n"_s},
-        {strayKey, QString(QChar(0xDC80)) + u"\u2028"_s},
-        {u"list"_s, QJsonArray{u"a"_s, QJsonArray(), 1}},
-        {u"map"_s, QJsonObject{{u"/v/a.b"_s, u"#fff"_s}}},
-        {u"null"_s, QJsonValue(QJsonValue::Null)},
-    };
-    {
-        JsonDefaults defaults(file());
+    const QJsonObject shared = QJsonDocument::fromJson(R"({
+        "yes": true, "no": false, "zero": 0, "share": 0.7, "large": 9007199254740991, "empty": "",
+        "text": "caf\u00e9 \ud83c\udfac \"quoted\"\n\u2028", "list": ["a", "b"], "map": {"/v/a.b": "#fff"},
+        "expanded./v/a": true, "expanded.//v%2F\\a/": 3})")
+                                   .object();
+    QJsonObject inJson = shared;
+    inJson.insert(u"expanded./v/"_s + QChar(0xDCFF), QString(QChar(0xDC80)));
+    inJson.insert(u"nested"_s, QJsonArray{u"a"_s, QJsonArray(), 1});
+    inJson.insert(u"null"_s, QJsonValue());
+    // Keeps types, as the native format does on its own system.
+    const QSettings::Format typed = QSettings::registerFormat(
+        u"typed"_s,
+        [](QIODevice &device, QSettings::SettingsMap &map) {
+            QDataStream stream(&device);
+            return (stream >> map).status() == QDataStream::Ok;
+        },
+        [](QIODevice &device, const QSettings::SettingsMap &map) {
+            QDataStream stream(&device);
+            return (stream << map).status() == QDataStream::Ok;
+        });
+    using Open = std::function<std::unique_ptr<Defaults>()>;
+    const std::pair<Open, QJsonObject> stores[] = {
+        {[this] { return std::make_unique<JsonDefaults>(file()); }, inJson},
+        {[this, typed] {
+             return std::make_unique<UserDefaults>(std::make_unique<QSettings>(path(u"typed"_s), typed));
+         },
+         shared}};
+    for (const auto &[open, written] : stores) {
+        std::unique_ptr<Defaults> defaults = open();
         for (auto entry = written.begin(); entry != written.end(); ++entry)
-            defaults.setValue(entry.key(), entry.value());
-        defaults.setValue(u"removed"_s, 1);
-        defaults.remove(u"removed"_s);
-        EXPECT_EQ(defaults.value(u"share"_s), QJsonValue(0.7));
-    }
-    const JsonDefaults again(file());
-    for (auto entry = written.begin(); entry != written.end(); ++entry)
-        EXPECT_EQ(again.value(entry.key()), entry.value()) << entry.key().toStdString();
-    EXPECT_TRUE(again.value(u"removed"_s).isUndefined());
-    EXPECT_TRUE(again.value(u"never"_s).isUndefined());
+            defaults->setValue(entry.key(), entry.value());
+        defaults->setValue(u"removed"_s, 1);
+        defaults->remove(u"removed"_s);
+        EXPECT_EQ(defaults->value(u"share"_s), QJsonValue(0.7));
+        defaults->drain();
+        defaults.reset();
+        defaults = open();
+        for (auto entry = written.begin(); entry != written.end(); ++entry)
+            EXPECT_EQ(defaults->value(entry.key()), entry.value()) << entry.key().toStdString();
+        for (const QString &absent : {u"removed"_s, u"never"_s, u"expanded"_s})
+            EXPECT_TRUE(defaults->value(absent).isUndefined()) << qPrintable(absent);
 
-    EXPECT_EQ(again.boolean(u"no"_s), false);
-    EXPECT_EQ(again.boolean(u"zero"_s), std::nullopt);
-    EXPECT_EQ(again.boolean(u"never"_s), std::nullopt);
-    EXPECT_EQ(again.number(u"zero"_s), 0.0);
-    EXPECT_EQ(again.number(u"no"_s), std::nullopt);
-    EXPECT_EQ(again.number(u"null"_s), std::nullopt);
-    EXPECT_EQ(again.string(u"empty"_s), QString());
-    EXPECT_EQ(again.string(u"share"_s), std::nullopt);
+        EXPECT_EQ(defaults->boolean(u"no"_s), false);
+        EXPECT_EQ(defaults->boolean(u"zero"_s), std::nullopt);
+        EXPECT_EQ(defaults->boolean(u"never"_s), std::nullopt);
+        EXPECT_EQ(defaults->number(u"zero"_s), 0.0);
+        EXPECT_EQ(defaults->number(u"no"_s), std::nullopt);
+        EXPECT_EQ(defaults->string(u"empty"_s), QString());
+        EXPECT_EQ(defaults->string(u"share"_s), std::nullopt);
+    }
 }
 
 TEST_F(JsonDefaultsTest, KeepsAsideWhatItCannotReadAndNeverOverwritesIt)
@@ -121,7 +135,7 @@ TEST_F(JsonDefaultsTest, MakesItsFolderFollowsALinkAndLeavesNoTemporaryFiles)
     EXPECT_EQ(JsonDefaults(deep).number(u"a"_s), 1.0);
 
     ASSERT_EQ(::symlink("new/folder/defaults.json", file().c_str()), 0);
-    write(path(u"new/folder/defaults.json.999999999.new"_s), "{ torn");
+    write(path(u"new/folder/defaults.json.999999999-0123456789abcdef.new"_s), "{ torn");
     write(path(u"new/folder/defaults.json.own.new"_s), "somebody else's");
     JsonDefaults(file()).setValue(u"a"_s, 2);
     EXPECT_TRUE(QFileInfo(path(u"defaults.json"_s)).isSymLink());
@@ -163,19 +177,16 @@ TEST_F(JsonDefaultsTest, WritesABurstInAFewWritesAndDrainsTheNewest)
     EXPECT_EQ(before.st_ino, after.st_ino) << "what changes nothing is not written";
 }
 
-// What the two tests below start in a process of their own.
+// Started by the test below in a process of its own.
 TEST(JsonDefaultsChild, DISABLED_CountsUntilItIsKilled)
 {
     JsonDefaults defaults(Location::fromBytes(qgetenv("CRATEWELL_TEST_FILE")));
-    QFile out;
-    ASSERT_TRUE(out.open(stdout, QFile::WriteOnly));
     QTimer timer;
     int count = 0;
     QObject::connect(&timer, &QTimer::timeout, [&] {
         defaults.setValue(u"count"_s, ++count);
         defaults.setValue(u"filler%1"_s.arg(count % 500), QString(200, u'x'));
-        out.write("count " + QByteArray::number(count) + '\n');
-        out.flush();
+        test::report("count " + QByteArray::number(count));
     });
     timer.start(5);
     QCoreApplication::exec();
@@ -184,27 +195,18 @@ TEST(JsonDefaultsChild, DISABLED_CountsUntilItIsKilled)
 TEST_F(JsonDefaultsTest, LosesNothingOlderThanASecondWhenKilled)
 {
     for (int round = 0; round < 3; ++round) {
-        QProcess child;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"CRATEWELL_TEST_FILE"_s, file().text());
-        child.setProcessEnvironment(environment);
-        child.start(QCoreApplication::applicationFilePath(),
-                    {u"--gtest_filter=JsonDefaultsChild.*"_s, u"--gtest_also_run_disabled_tests"_s});
+        test::Child child(u"JsonDefaultsChild.DISABLED_CountsUntilItIsKilled"_s,
+                          {.environment = {{u"CRATEWELL_TEST_FILE"_s, file().text()}}});
         QElapsedTimer clock;
         QList<std::pair<qint64, int>> reported;
-        QByteArray line;
         ASSERT_TRUE(test::waitUntil([&] {
-            while (child.canReadLine()) {
-                line = child.readLine();
-                if (!clock.isValid())
-                    clock.start();
-                if (line.startsWith("count "))
-                    reported.emplace_back(clock.elapsed(), line.mid(6).toInt());
-            }
-            return !reported.empty() && reported.last().first > 1500 + round * 37;
+            const QByteArray last = child.output().mid(child.output().lastIndexOf("count "));
+            if (!clock.isValid() && !last.isEmpty())
+                clock.start();
+            reported.emplace_back(clock.isValid() ? clock.elapsed() : 0, last.mid(6).toInt());
+            return reported.last().first > 1500 + round * 37;
         }));
         child.kill();
-        ASSERT_TRUE(child.waitForFinished());
         const qint64 killed = clock.elapsed();
         int owed = 0;
         for (const auto &[time, count] : reported)
@@ -217,5 +219,4 @@ TEST_F(JsonDefaultsTest, LosesNothingOlderThanASecondWhenKilled)
 }
 
 } // namespace
-
 } // namespace cratewell

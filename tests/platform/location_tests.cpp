@@ -7,106 +7,96 @@
 #include <unistd.h>
 
 namespace cratewell {
-
 namespace {
+
+// "this -> that" as pairs.
+std::vector<std::pair<QByteArray, QByteArray>> arrows(std::initializer_list<QByteArray> lines)
+{
+    std::vector<std::pair<QByteArray, QByteArray>> pairs;
+    for (const QByteArray &line : lines) {
+        const qsizetype arrow = line.indexOf(" -> ");
+        pairs.emplace_back(line.first(arrow), line.sliced(arrow + 4));
+    }
+    return pairs;
+}
 
 Location at(QByteArrayView path)
 {
     return Location::fromBytes(path);
 }
 
-TEST(Location, StandardizesAbsolutePathsAndRefusesTheRest)
+TEST(Location, ComesFromAbsolutePathsAndLocalFileUrisOnly)
 {
-    const std::pair<QByteArray, QByteArray> cases[] = {
-        {"/", "/"},
-        {"//", "/"},
-        {"/a", "/a"},
-        {"/a/", "/a"},
-        {"//a///b//", "/a/b"},
-        {"/a/./b/.", "/a/b"},
-        {"/a/../b", "/b"},
-        {"/../../a", "/a"},
-        {"/a/b/../..", "/"},
-        {"/a/...", "/a/..."},
-        {"/ a /\xFF\n", "/ a /\xFF\n"},
-        {"", ""},
-        {"a/b", ""},
-        {"~/a", ""},
-        {QByteArray("/a\0b", 4), ""},
-    };
-    for (const auto &[input, expected] : cases)
+    const auto paths =
+        arrows({"/ -> /", "// -> /", "/a -> /a", "/a/ -> /a", "//a///b// -> /a/b", "/a/./b/. -> /a/b",
+                "/a/../b -> /b", "/../../a -> /a", "/a/b/../.. -> /", "/a/... -> /a/...",
+                "/ a /\xFF\n -> / a /\xFF\n", " -> ", "a/b -> ", "~/a -> ", QByteArray("/a\0b -> ", 8)});
+    for (const auto &[input, expected] : paths)
         EXPECT_EQ(at(input).bytes(), expected) << input.constData();
+    const auto uris = arrows({"file:///a/b -> /a/b", "FILE://localhost/a -> /a", "file:/a -> /a",
+                              "file:///a%2Fb/../c -> /a/c", "file:///a?query#part -> /a",
+                              "file:///broken%zz%4 -> /broken%zz%4", "file://server/share -> ", "file:// -> ",
+                              "file:a -> ", "http:///a -> ", "/a -> ", "file:///a%00b -> ", " -> "});
+    for (const auto &[uri, expected] : uris)
+        EXPECT_EQ(Location::fromUri(uri).bytes(), expected) << uri.constData();
 }
 
 TEST(Location, SplitsNamesAtTheLastDot)
 {
-    struct Case
-    {
-        QByteArray path, name, base, extension;
-    };
-    const Case cases[] = {
-        {"/v/Hit.wav", "Hit.wav", "Hit", "wav"},
-        {"/v/a.tar.GZ", "a.tar.GZ", "a.tar", "GZ"},
-        {"/v/.cube", ".cube", ".cube", ""},
-        {"/v/..cube", "..cube", ".", "cube"},
-        {"/v/plain", "plain", "plain", ""},
-        {"/v.x/plain", "plain", "plain", ""},
-        {"/v/end.", "end.", "end.", ""},
-        {"/v/.hidden.png", ".hidden.png", ".hidden", "png"},
-        {"/v/a b.m p4", "a b.m p4", "a b", "m p4"},
-        {"/", "", "", ""},
-        {"", "", "", ""},
-    };
-    for (const Case &c : cases) {
-        const Location place = at(c.path);
-        EXPECT_EQ(place.name().toUtf8(), c.name) << c.path.constData();
-        EXPECT_EQ(place.baseName().toUtf8(), c.base) << c.path.constData();
-        EXPECT_EQ(place.extension().toUtf8(), c.extension) << c.path.constData();
+    // Path, then base name and extension.
+    const std::initializer_list<QByteArrayList> cases = {{"/v/Hit.wav", "Hit", "wav"},
+                                                         {"/v/a.tar.GZ", "a.tar", "GZ"},
+                                                         {"/v/.cube", ".cube", ""},
+                                                         {"/v/..cube", ".", "cube"},
+                                                         {"/v.x/plain", "plain", ""},
+                                                         {"/v/end.", "end.", ""},
+                                                         {"/v/.hidden.png", ".hidden", "png"},
+                                                         {"/v/a b.m p4", "a b", "m p4"},
+                                                         {"/", "", ""},
+                                                         {"", "", ""}};
+    for (const auto &c : cases) {
+        const Location place = at(c[0]);
+        EXPECT_EQ(place.name().toUtf8(), c[0].sliced(c[0].lastIndexOf('/') + 1)) << c[0].constData();
+        EXPECT_EQ(place.baseName().toUtf8(), c[1]) << c[0].constData();
+        EXPECT_EQ(place.extension().toUtf8(), c[2]) << c[0].constData();
     }
 }
 
 TEST(Location, KnowsParentsChildrenAndWhatLiesInside)
 {
-    EXPECT_EQ(at("/a/b").parent(), at("/a"));
-    EXPECT_EQ(at("/a").parent(), at("/"));
-    EXPECT_EQ(at("/").parent(), at("/"));
-    EXPECT_TRUE(Location().parent().isEmpty());
+    for (const auto &[child, parent] : arrows({"/a/b -> /a", "/a -> /", "/ -> /", " -> "}))
+        EXPECT_EQ(at(child).parent().bytes(), parent);
     EXPECT_EQ(at("/").child("a"), at("/a"));
     EXPECT_EQ(at("/a").child(QStringLiteral("b\u00e9")).bytes(), "/a/b\xC3\xA9");
-    for (const QByteArray &name :
-         {QByteArray(), QByteArray("."), QByteArray(".."), QByteArray("x/y"), QByteArray("x\0", 2)})
+    for (const QByteArray &name : QByteArrayList{"", ".", "..", "x/y", QByteArray("x\0", 2)})
         EXPECT_TRUE(at("/a").child(name).isEmpty()) << name.constData();
     EXPECT_TRUE(Location().child("a").isEmpty());
 
-    EXPECT_TRUE(at("/a/Hit/x").isInside(at("/a/Hit")));
-    EXPECT_TRUE(at("/a/Hit/x").isInside(at("/")));
-    EXPECT_FALSE(at("/a/Hits").isInside(at("/a/Hit")));
-    EXPECT_FALSE(at("/a/Hit").isInside(at("/a/Hit")));
-    EXPECT_FALSE(at("/a").isInside(at("/a/Hit")));
-    EXPECT_FALSE(at("/").isInside(at("/")));
-    EXPECT_FALSE(at("/a").isInside(Location()));
+    for (const auto &[inner, outer] : arrows({"/a/Hit/x -> /a/Hit", "/a/Hit/x -> /"}))
+        EXPECT_TRUE(at(inner).isInside(at(outer))) << inner.constData();
+    for (const auto &[inner, outer] :
+         arrows({"/a/Hits -> /a/Hit", "/a/Hit -> /a/Hit", "/a -> /a/Hit", "/ -> /", "/a -> "}))
+        EXPECT_FALSE(at(inner).isInside(at(outer))) << inner.constData();
 }
 
 TEST(Location, CarriesAnyBytesThroughTextAndUris)
 {
-    const QByteArray names[] = {
-        "plain",
-        "caf\xC3\xA9",
-        "\xF0\x9F\x8E\xAC emoji",
-        "100% %20 #?;&",
-        "\xFF\xFE",
-        "ok\xC3",
-        "\xC3\x28",
-        "\xED\xB2\x80 encoded surrogate",
-        "\xC0\xAF",
-        "\xF4\x90\x80\x80",
-        "\xEF\xBB\xBFmark",
-        "\xEF\xBB\xBF\xEF\xBB\xBF\xFFmark",
-        "\xE2\x82",
-        "a\xF0\x9F\x8E\xFFz",
-        "\xEF\xBF\xBD replacement",
-        "\xC2\x80",
-    };
+    const QByteArrayList names = {"plain",
+                                  "caf\xC3\xA9",
+                                  "\xF0\x9F\x8E\xAC emoji",
+                                  "100% %20 #?;&",
+                                  "\xFF\xFE",
+                                  "ok\xC3",
+                                  "\xC3\x28",
+                                  "\xED\xB2\x80 encoded surrogate",
+                                  "\xC0\xAF",
+                                  "\xF4\x90\x80\x80",
+                                  "\xEF\xBB\xBFmark",
+                                  "\xEF\xBB\xBF\xEF\xBB\xBF\xFFmark",
+                                  "\xE2\x82",
+                                  "a\xF0\x9F\x8E\xFFz",
+                                  "\xEF\xBF\xBD replacement",
+                                  "\xC2\x80"};
     for (const QByteArray &name : names) {
         const Location place = at("/v").child(name);
         EXPECT_EQ(Location::fromText(place.text()), place) << name.toHex().constData();
@@ -126,49 +116,20 @@ TEST(Location, CarriesAnyBytesThroughTextAndUris)
     }
 }
 
-TEST(Location, ReadsOnlyLocalFileUris)
-{
-    const std::pair<QByteArray, QByteArray> cases[] = {
-        {"file:///a/b", "/a/b"},
-        {"FILE://localhost/a", "/a"},
-        {"file:/a", "/a"},
-        {"file:///a%2Fb/../c", "/a/c"},
-        {"file:///a?query#part", "/a"},
-        {"file:///broken%zz%4", "/broken%zz%4"},
-        {"file://server/share", ""},
-        {"file://", ""},
-        {"file:a", ""},
-        {"http:///a", ""},
-        {"/a", ""},
-        {"file:///a%00b", ""},
-        {"", ""},
-    };
-    for (const auto &[uri, expected] : cases)
-        EXPECT_EQ(Location::fromUri(uri).bytes(), expected) << uri.constData();
-}
-
 TEST(Location, ResolvesLinksAsFarAsThePathExists)
 {
     const QTemporaryDir folder;
     const Location root = Location::fromText(folder.path()).resolved();
     ASSERT_EQ(::mkdir(root.child("real").c_str(), 0700), 0);
-    ASSERT_EQ(::symlink("real", root.child("link").c_str()), 0);
-    ASSERT_EQ(::symlink("gone", root.child("dangling").c_str()), 0);
-    ASSERT_EQ(::symlink("loop", root.child("loop").c_str()), 0);
-    const std::pair<QByteArray, QByteArray> cases[] = {
-        {"/link", "/real"},
-        {"/link/missing/deeper", "/real/missing/deeper"},
-        {"/dangling/x", "/dangling/x"},
-        {"/loop/x", "/loop/x"},
-        {"/missing", "/missing"},
-    };
+    for (const auto &[link, target] : arrows({"link -> real", "dangling -> gone", "loop -> loop"}))
+        ASSERT_EQ(::symlink(target.constData(), root.child(link).c_str()), 0);
+    const auto cases = arrows({"/link -> /real", "/link/missing/deeper -> /real/missing/deeper",
+                               "/dangling/x -> /dangling/x", "/loop/x -> /loop/x", "/missing -> /missing"});
     for (const auto &[input, expected] : cases)
         EXPECT_EQ(at(root.bytes() + input).resolved().bytes(), root.bytes() + expected);
-    EXPECT_EQ(at("/").resolved(), at("/"));
-    EXPECT_EQ(at("/no-such-folder/x").resolved(), at("/no-such-folder/x"));
-    EXPECT_TRUE(Location().resolved().isEmpty());
+    for (const QByteArray &place : QByteArrayList{"/", "/no-such-folder/x", ""})
+        EXPECT_EQ(at(place).resolved().bytes(), place);
 }
 
 } // namespace
-
 } // namespace cratewell

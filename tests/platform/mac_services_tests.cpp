@@ -1,18 +1,14 @@
 #include "platform/mac/default_read_appearance.h"
 #include "platform/mac/finder_workspace.h"
 #include "platform/mac/listed_applications.h"
-#include "platform/mac/user_defaults.h"
 #include "platform/mac/watcher_file_events.h"
 
 #include "support/wait.h"
 
-#include <QDataStream>
 #include <QElapsedTimer>
 #include <QEvent>
 #include <QFile>
 #include <QGuiApplication>
-#include <QJsonArray>
-#include <QJsonObject>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <filesystem>
@@ -20,7 +16,6 @@
 #include <gtest/gtest.h>
 
 namespace cratewell {
-
 namespace {
 
 namespace fs = std::filesystem;
@@ -67,7 +62,7 @@ constexpr char listWithResolve[] = R"(cat << 'END'
 END
 )";
 
-TEST_F(Tools, ListRunningEditorsAndTellOfChanges)
+TEST_F(Tools, ListRunningEditorsAndReportChanges)
 {
     script(u"lsappinfo"_s, R"([ "$1" = front ] && echo ASN:0x0-0x1001: || true)");
     script(u"open"_s, {});
@@ -96,7 +91,7 @@ TEST_F(Tools, ListRunningEditorsAndTellOfChanges)
     EXPECT_EQ(changed.count(), 1);
 }
 
-TEST_F(Tools, TellTheAppearance)
+TEST_F(Tools, FollowTheAppearance)
 {
     EXPECT_TRUE(DefaultReadAppearance(place()).dark());
     script(u"defaults"_s, R"(case "$2" in -g) exit 1;; *) echo 1;; esac)");
@@ -122,52 +117,7 @@ TEST_F(Tools, RevealAndOpenInTheFinder)
     ASSERT_TRUE(waitUntil([&] { return log().endsWith("\nopen /v\n"); }));
 }
 
-// A format that keeps types, as the native one does on its own system.
-bool readTyped(QIODevice &device, QSettings::SettingsMap &map)
-{
-    QDataStream stream(&device);
-    stream >> map;
-    return stream.status() == QDataStream::Ok;
-}
-bool writeTyped(QIODevice &device, const QSettings::SettingsMap &map)
-{
-    QDataStream stream(&device);
-    stream << map;
-    return stream.status() == QDataStream::Ok;
-}
-
-TEST(UserDefaults, KeepTypesAndKeysThatAreNoGroups)
-{
-    const QSettings::Format typed = QSettings::registerFormat(u"typed"_s, readTyped, writeTyped);
-    const QTemporaryDir folder;
-    const auto open = [&] {
-        return UserDefaults(std::make_unique<QSettings>(folder.filePath(u"settings.typed"_s), typed));
-    };
-    const QJsonObject written = {
-        {u"no"_s, false},
-        {u"share"_s, 0.7},
-        {u"empty"_s, QString()},
-        {u"expanded./v/a"_s, true},
-        {u"expanded.//v%2F\\a/"_s, 3},
-        {u"list"_s, QJsonArray{u"a"_s, u"b"_s}},
-        {u"map"_s, QJsonObject{{u"/v/a"_s, u"#fff"_s}}},
-    };
-    {
-        UserDefaults defaults = open();
-        for (auto entry = written.begin(); entry != written.end(); ++entry)
-            defaults.setValue(entry.key(), entry.value());
-        defaults.setValue(u"gone"_s, 1);
-        defaults.remove(u"gone"_s);
-        defaults.drain();
-    }
-    const UserDefaults again = open();
-    for (auto entry = written.begin(); entry != written.end(); ++entry)
-        EXPECT_EQ(again.value(entry.key()), entry.value()) << entry.key().toStdString();
-    EXPECT_TRUE(again.value(u"gone"_s).isUndefined());
-    EXPECT_TRUE(again.value(u"expanded"_s).isUndefined());
-}
-
-TEST(WatcherFileEvents, FollowTheTreeAndWhatTheWatcherDoesNotTell)
+TEST(WatcherFileEvents, FollowTheTreeAndWhatTheWatcherDoesNotReport)
 {
     const QTemporaryDir folder;
     const fs::path top = folder.path().toStdString();
@@ -209,5 +159,4 @@ TEST(WatcherFileEvents, FollowTheTreeAndWhatTheWatcherDoesNotTell)
 }
 
 } // namespace
-
 } // namespace cratewell

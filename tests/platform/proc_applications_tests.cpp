@@ -12,7 +12,6 @@
 #include <xcb/xcb.h>
 
 namespace cratewell {
-
 namespace {
 
 namespace fs = std::filesystem;
@@ -26,22 +25,15 @@ TEST(ProcApplications, KnowEditorsByTheWholeNameOfTheirProgram)
     const QTemporaryDir folder;
     const fs::path processes = folder.path().toStdString();
     ProcApplications applications(Location::fromBytes(processes.c_str()));
-    const std::pair<const char *, bool> cases[] = {
-        {"/opt/resolve/bin/resolve", true},
-        {"/home/me/copy/bin/resolve (deleted)", true},
-        {"/opt/resolve/bin/resolved", false},
-        {"/opt/resolve/bin/Resolve", false},
-        {"/usr/lib/systemd/systemd-resolved", false},
-        {"/opt/resolve/resolve", false},
-        {"/usr/sbin/resolve", false},
-        {"bin/resolve", false},
-        {"/opt/resolve/bin/resolve/child", false},
-        {"/usr/bin/premiere", false},
-    };
-    for (const auto &[program, isEditor] : cases) {
+    const QStringList editors = {u"/opt/resolve/bin/resolve"_s, u"/home/me/copy/bin/resolve (deleted)"_s};
+    const QStringList others =
+        u"/opt/resolve/bin/resolved /opt/resolve/bin/Resolve /usr/lib/systemd/systemd-resolved "
+        "/opt/resolve/resolve /usr/sbin/resolve bin/resolve /opt/resolve/bin/resolve/child /usr/bin/premiere"_s
+            .split(u' ');
+    for (const QString &program : editors + others) {
         fs::create_directories(processes / "17");
-        fs::create_symlink(program, processes / "17/exe");
-        EXPECT_EQ(applications.running(), isEditor ? QStringList{resolve} : QStringList()) << program;
+        fs::create_symlink(program.toStdString(), processes / "17/exe");
+        EXPECT_EQ(applications.running().contains(resolve), editors.contains(program)) << qPrintable(program);
         fs::remove_all(processes / "17");
     }
     for (const char *process : {"1", "2", "self", "x3"}) {
@@ -53,7 +45,7 @@ TEST(ProcApplications, KnowEditorsByTheWholeNameOfTheirProgram)
     EXPECT_TRUE(ProcApplications(Location::fromBytes("/no/such/place")).running().isEmpty());
 }
 
-TEST(ProcApplications, TellWhenARealProgramStartsAndEnds)
+TEST(ProcApplications, ReportWhenARealProgramStartsAndEnds)
 {
     const QTemporaryDir folder;
     const fs::path program = fs::path(folder.path().toStdString()) / "bin/resolve";
@@ -199,5 +191,4 @@ TEST(ProcApplications, KnowNoWindowsWithoutAnXServer)
 }
 
 } // namespace
-
 } // namespace cratewell

@@ -1,6 +1,7 @@
 #include "state/app_state.h"
 
 #include "support/small_library.h"
+#include "vault/trash_item.h"
 
 #include <QSignalSpy>
 #include <gmock/gmock.h>
@@ -9,7 +10,6 @@ namespace cratewell {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::UnorderedElementsAre;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -17,6 +17,7 @@ namespace {
 constexpr auto ctrl = Qt::ControlModifier;
 constexpr auto shift = Qt::ShiftModifier;
 
+// Lists of assets are compared as their names without extension, joined.
 class AppStateTest : public testing::Test
 {
 protected:
@@ -31,101 +32,89 @@ protected:
         state.setSort(AssetOrder::Name);
     }
 
-    std::vector<std::string> visible() const
+    static std::string joined(const std::vector<Asset> &assets)
     {
-        std::vector<std::string> names;
-        names.reserve(size_t(state.visibleCount()));
+        QStringList names;
+        for (const Asset &asset : assets)
+            names += asset.url.baseName();
+        return names.join(u'|').toStdString();
+    }
+    std::string visible() const
+    {
+        std::vector<Asset> assets;
         for (int row = 0; row < state.visibleCount(); ++row)
-            names.push_back(state.visibleAssets().at(row).url.name().toStdString());
-        return names;
+            assets.push_back(state.visibleAssets().at(row));
+        return joined(assets);
     }
-    std::vector<std::string> selected() const
-    {
-        std::vector<std::string> names;
-        for (const Asset &asset : state.selectedAssets())
-            names.push_back(asset.url.name().toStdString());
-        return names;
-    }
-    std::string focused() const
-    {
-        return state.selection() ? state.selection()->url.name().toStdString() : std::string();
-    }
+    std::string selected() const { return joined(state.selectedAssets()); }
+    std::string focused() const { return state.selection() ? joined({*state.selection()}) : ""; }
     void click(int row, Qt::KeyboardModifiers modifiers = {})
     {
         state.click(Asset(state.visibleAssets().at(row)), modifiers);
     }
+    Location path(const QString &relative) const { return library.path(relative); }
 
     test::SmallLibrary library;
     AppState &state = library.state;
-    const std::vector<std::string> byName{"boom.wav", "Cold.cube", "Flash 2.mov", "Flash 10.mov",
-                                          "Grain.png"};
 };
 
 } // namespace
 
-TEST_F(AppStateTest, ListsWhatTheScopeHoldsInTheChosenOrder)
+TEST_F(AppStateTest, ListsWhatTheScopeHoldsAndTheSearchFindsInTheChosenOrder)
 {
-    EXPECT_EQ(visible(), byName);
-    state.setSort(AssetOrder::Kind);
-    EXPECT_THAT(visible(), ElementsAre("boom.wav", "Cold.cube", "Grain.png", "Flash 10.mov", "Flash 2.mov"));
-    state.setSort(AssetOrder::Size);
-    EXPECT_THAT(visible(), ElementsAre("boom.wav", "Flash 2.mov", "Flash 10.mov", "Grain.png", "Cold.cube"));
-
-    state.setScope(Scope::inFolder(library.path(u"Overlays"_s)));
-    EXPECT_THAT(visible(), ElementsAre("Flash 2.mov", "Flash 10.mov", "Grain.png"));
-    state.setScope(Scope::inFolder(library.path(u"Overlays/Nowhere"_s)));
-    EXPECT_THAT(visible(), IsEmpty());
-
-    library.prefs.toggleFavorite(library.path(u"LUTs/Cold.cube"_s));
-    library.prefs.toggleFavorite(library.path(u"Overlays/Grain.png"_s));
-    library.prefs.toggleFavorite(library.path(u"Overlays/gone.png"_s));
-    state.setScope(Scope::of(Scope::Kind::Favorites));
-    EXPECT_THAT(visible(), ElementsAre("Grain.png", "Cold.cube"));
-
-    library.prefs.noteInserted(library.path(u"Overlays/gone.png"_s));
-    library.prefs.noteInserted(library.path(u"LUTs/Cold.cube"_s));
-    library.prefs.noteInserted(library.path(u"SFX/Hits/boom.wav"_s));
-    library.prefs.noteInserted(library.path(u"Overlays/Grain.png"_s));
-    state.setScope(Scope::of(Scope::Kind::Recent));
-    for (const AssetOrder order : {AssetOrder::Name, AssetOrder::Size}) {
-        state.setSort(order);
-        EXPECT_THAT(visible(), ElementsAre("Grain.png", "boom.wav", "Cold.cube"));
-    }
-    state.setSearch(u"OO"_s);
-    EXPECT_THAT(visible(), ElementsAre("boom.wav"));
-
-    for (const Scope &page :
-         {Scope::plugin(u"resolve"_s), Scope::of(Scope::Kind::Importer), Scope::of(Scope::Kind::Trash)}) {
-        state.setScope(page);
-        EXPECT_THAT(visible(), IsEmpty());
-    }
-}
-
-TEST_F(AppStateTest, SearchesNamesHoldingFoldersAndKinds)
-{
-    const std::pair<QString, std::vector<std::string>> cases[] = {
-        {u"lut"_s, {"Cold.cube"}},
-        {u"LEAKS"_s, {"Flash 2.mov", "Flash 10.mov"}},
-        {u"overlays"_s, {"Grain.png"}}, // the holding folder only, not those above
-        {u" "_s, {"Flash 2.mov", "Flash 10.mov"}},
-        {u"mov"_s, {}}, // extensions are not searched
-        {u"video"_s, {"Flash 2.mov", "Flash 10.mov"}},
-        {u""_s, byName},
+    const Location gone = path(u"Overlays/gone.png"_s);
+    library.prefs.setFavorites({path(u"LUTs/Cold.cube"_s), path(u"Overlays/Grain.png"_s), gone});
+    library.prefs.setRecent(
+        {path(u"Overlays/Grain.png"_s), path(u"SFX/Hits/boom.wav"_s), path(u"LUTs/Cold.cube"_s), gone});
+    using enum AssetOrder;
+    const Scope all = Scope::all();
+    const Scope recent = Scope::of(Scope::Kind::Recent);
+    const struct
+    {
+        Scope scope;
+        AssetOrder order;
+        QString search;
+        const char *visible;
+    } cases[] = {
+        {all, Name, {}, "boom|Cold|Flash 2|Flash 10|Grain"},
+        {all, Kind, {}, "boom|Cold|Grain|Flash 10|Flash 2"},
+        {all, Size, {}, "boom|Flash 2|Flash 10|Grain|Cold"},
+        {Scope::inFolder(path(u"Overlays"_s)), Size, {}, "Flash 2|Flash 10|Grain"},
+        {Scope::inFolder(path(u"Overlays/Nowhere"_s)), Size, {}, ""},
+        {Scope::of(Scope::Kind::Favorites), Size, {}, "Grain|Cold"},
+        {recent, Name, {}, "Grain|boom|Cold"},
+        {recent, Size, {}, "Grain|boom|Cold"},
+        {recent, Size, u"OO"_s, "boom"},
+        {Scope::plugin(u"resolve"_s), Name, {}, ""},
+        {Scope::of(Scope::Kind::Importer), Name, {}, ""},
+        {Scope::of(Scope::Kind::Trash), Name, {}, ""},
+        {all, Name, u"lut"_s, "Cold"},
+        {all, Name, u"LEAKS"_s, "Flash 2|Flash 10"},
+        {all, Name, u"overlays"_s, "Grain"}, // the holding folder only, not those above
+        {all, Name, u" "_s, "Flash 2|Flash 10"},
+        {all, Name, u"mov"_s, ""}, // extensions are not searched
+        {all, Name, u"video"_s, "Flash 2|Flash 10"},
+        {all, Name, u"cold"_s, "Cold"},
     };
-    for (const auto &[text, names] : cases) {
-        state.setSearch(text);
-        EXPECT_EQ(visible(), names) << qPrintable(text);
+    for (const auto &[scope, order, search, names] : cases) {
+        state.setScope(scope);
+        state.setSort(order);
+        state.setSearch(search);
+        EXPECT_EQ(visible(), names) << qPrintable(scope.title() + search);
     }
+    library.write(u"LUTs/Colder.cube"_s);
+    library.write(u"LUTs/Warm.cube"_s);
+    ASSERT_TRUE(library.scan());
+    EXPECT_EQ(visible(), "Cold|Colder") << "a search holds for the next snapshot";
 }
 
-TEST_F(AppStateTest, TellsOfTheListOnlyWhenItDiffersAndIsReady)
+TEST_F(AppStateTest, ReportsTheListOnlyWhenItDiffersAndIsReady)
 {
     QSignalSpy reported(&state, &AppState::visibleAssetsChanged);
     std::vector<int> counts;
-    QObject::connect(&state, &AppState::visibleAssetsChanged, &state,
-                     [&] { counts.push_back(state.visibleCount()); });
-    QObject::connect(&state, &AppState::searchChanged, &state,
-                     [&] { counts.push_back(state.visibleCount()); });
+    const auto note = [&] { counts.push_back(state.visibleCount()); };
+    QObject::connect(&state, &AppState::visibleAssetsChanged, &state, note);
+    QObject::connect(&state, &AppState::searchChanged, &state, note);
 
     state.setSearch(u"flash"_s);
     EXPECT_THAT(counts, ElementsAre(2, 2));
@@ -134,97 +123,84 @@ TEST_F(AppStateTest, TellsOfTheListOnlyWhenItDiffersAndIsReady)
     EXPECT_EQ(reported.count(), 1) << "the same assets match";
     state.setSort(AssetOrder::Size);
     EXPECT_EQ(reported.count(), 1) << "both orders agree about these";
-    library.prefs.toggleFavorite(library.path(u"LUTs/Cold.cube"_s));
+    library.prefs.toggleFavorite(path(u"LUTs/Cold.cube"_s));
     EXPECT_EQ(reported.count(), 1) << "favorites are not shown";
     state.setScope(Scope::of(Scope::Kind::Favorites));
     EXPECT_EQ(reported.count(), 2);
     state.setSearch({});
-    library.prefs.toggleFavorite(library.path(u"LUTs/Cold.cube"_s));
+    library.prefs.toggleFavorite(path(u"LUTs/Cold.cube"_s));
     EXPECT_EQ(reported.count(), 4);
 }
 
-TEST_F(AppStateTest, ClicksSelectAsAFileManagerDoes)
+TEST_F(AppStateTest, ClicksAndKeysSelectAsInAFileManager)
 {
-    struct Click
+    const auto press = [this](int row, Qt::KeyboardModifiers keys = {}) {
+        return [this, row, keys] { click(row, keys); };
+    };
+    const auto move = [this](int delta) { return [this, delta] { state.moveBy(delta); }; };
+    const auto search = [this](const QString &text) { return [this, text] { state.setSearch(text); }; };
+    const auto selectAll = [this] { state.selectAll(); };
+    const struct
     {
-        int row;
-        Qt::KeyboardModifiers modifiers;
-        std::vector<int> selected;
+        const char *what;
+        std::function<void()> act;
+        const char *selected;
+        const char *focused;
+    } steps[] = {
+        {"Shift without an anchor", press(3, shift), "Flash 10", "Flash 10"},
+        {"a range", press(1, shift), "Cold|Flash 2|Flash 10", "Cold"},
+        {"the anchor stays", press(4, shift), "Flash 10|Grain", "Grain"},
+        {"one more", press(0, ctrl), "boom|Flash 10|Grain", "boom"},
+        {"Ctrl wins over Shift", press(4, ctrl | shift), "boom|Flash 10", "Grain"},
+        {"and moved the anchor", press(2, shift), "Flash 2|Flash 10|Grain", "Flash 2"},
+        {"one", press(1), "Cold", "Cold"},
+        {"none", press(1, ctrl), "", "Cold"},
+        {"one again", press(0), "boom", "boom"},
+        {"a search", search(u"flash"_s), "", "boom"},
+        {"the anchor was filtered out", press(1, shift), "Flash 10", "Flash 10"},
+        {"all, a visible focus stays", selectAll, "Flash 2|Flash 10", "Flash 10"},
+        {"only visible ones are listed", search(u"cold"_s), "", "Flash 10"},
+        {"a focus out of sight goes", selectAll, "Cold", "Cold"},
+        {"nothing in view", search(u"nothing like it"_s), "", "Cold"},
+        {"no move then", move(1), "", "Cold"},
+        {"all of nothing", selectAll, "", "Cold"},
+        {"the focus comes back into view", search({}), "", "Cold"},
+        {"up past the end", move(-100), "boom", "boom"},
+        {"down past the end", move(INT_MAX), "Grain", "Grain"},
+        {"up as far as can be", move(-INT_MAX), "boom", "boom"},
+        {"down two", move(2), "Flash 2", "Flash 2"},
+        {"a move sets the anchor", press(4, shift), "Flash 2|Flash 10|Grain", "Grain"},
+        {"a search hides the focus", search(u"flash"_s), "Flash 2|Flash 10", "Grain"},
+        {"which then counts as none", move(2), "Flash 10", "Flash 10"},
     };
-    const Click clicks[] = {
-        {3, shift, {3}},                                  // no anchor yet
-        {1, shift, {1, 2, 3}}, {4, shift, {3, 4}},        // the anchor stays
-        {0, ctrl, {0, 3, 4}},  {4, ctrl | shift, {0, 3}}, // Ctrl wins
-        {2, shift, {2, 3, 4}},                            // and moved the anchor
-        {1, {}, {1}},          {1, ctrl, {}},
-    };
-    for (const Click &each : clicks) {
-        SCOPED_TRACE(each.row);
-        click(each.row, each.modifiers);
-        std::vector<std::string> expected;
-        for (const int row : each.selected)
-            expected.push_back(byName[size_t(row)]);
-        EXPECT_EQ(selected(), expected);
-        EXPECT_EQ(state.selectedCount(), int(expected.size()));
-        EXPECT_EQ(focused(), byName[size_t(each.row)]);
+    for (const auto &[what, act, names, focus] : steps) {
+        act();
+        EXPECT_EQ(selected(), names) << what;
+        EXPECT_EQ(focused(), focus) << what;
     }
-
-    click(0);
-    state.setSearch(u"flash"_s);
-    click(1, shift);
-    EXPECT_THAT(selected(), ElementsAre("Flash 10.mov")) << "the anchor was filtered out";
+    EXPECT_EQ(state.selectedCount(), 1);
+    state.setSelection({});
+    state.moveBy(-1);
+    EXPECT_EQ(focused(), "Flash 2") << "with no focus every move begins at the first";
 }
 
-TEST_F(AppStateTest, MovesWithinTheListAndSelectsWhatItReaches)
-{
-    const std::pair<int, int> moves[] = {{-1, 0}, {100, 4}, {-2, 2}, {-INT_MAX, 0}, {INT_MAX, 4}};
-    for (const auto &[delta, row] : moves) {
-        state.moveBy(delta);
-        EXPECT_EQ(focused(), byName[size_t(row)]) << delta;
-        EXPECT_THAT(selected(), ElementsAre(byName[size_t(row)]));
-    }
-    state.moveBy(-2);
-    click(4, shift);
-    EXPECT_EQ(selected().size(), 3u) << "a move sets the anchor";
-
-    state.setSearch(u"nothing like it"_s);
-    state.moveBy(1);
-    EXPECT_EQ(focused(), byName[4]);
-    state.setSearch(u"cold"_s);
-    state.moveBy(1);
-    EXPECT_EQ(focused(), "Cold.cube") << "a focus out of sight counts as none";
-}
-
-TEST_F(AppStateTest, SelectsAllVisible)
-{
-    state.setSearch(u"flash"_s);
-    state.selectAll();
-    EXPECT_THAT(selected(), ElementsAre("Flash 2.mov", "Flash 10.mov"));
-    EXPECT_EQ(focused(), "Flash 2.mov");
-    click(1);
-    state.selectAll();
-    EXPECT_EQ(focused(), "Flash 10.mov") << "a visible focus stays";
-    state.setSearch(u"cold"_s);
-    EXPECT_EQ(state.selectedCount(), 2);
-    EXPECT_THAT(selected(), IsEmpty()) << "what is not visible is not acted on";
-
-    state.setSearch(u"nothing like it"_s);
-    state.selectAll();
-    EXPECT_EQ(state.selectedCount(), 0);
-    EXPECT_EQ(focused(), "Flash 10.mov");
-}
-
-TEST_F(AppStateTest, AnotherScopeEmptiesTheSelectionButKeepsTheFocus)
+TEST_F(AppStateTest, AnotherScopeOrRootEmptiesTheSelectionButKeepsTheFocus)
 {
     click(1);
     click(2, ctrl);
     state.setScope(Scope::all());
     EXPECT_EQ(state.selectedCount(), 2) << "the same scope changes nothing";
-    state.setScope(Scope::inFolder(library.path(u"Overlays"_s)));
+    state.setScope(Scope::inFolder(path(u"Overlays"_s)));
     EXPECT_EQ(state.selectedCount(), 0);
-    EXPECT_EQ(focused(), "Flash 2.mov");
+    EXPECT_EQ(focused(), "Flash 2");
     click(2, shift);
-    EXPECT_THAT(selected(), ElementsAre("Grain.png")) << "the anchor is gone too";
+    EXPECT_EQ(selected(), "Grain") << "the anchor is gone too";
+
+    library.vault.changeRoot(path(u"Overlays"_s));
+    EXPECT_EQ(state.scope(), Scope::all());
+    EXPECT_EQ(state.selectedCount(), 0);
+    EXPECT_TRUE(test::waitUntil([this] { return state.visibleCount() == 0; }));
+    EXPECT_FALSE(state.hasSelection()) << "what it was is not in this vault";
 }
 
 TEST_F(AppStateTest, SelectionFollowsTheDisk)
@@ -236,7 +212,7 @@ TEST_F(AppStateTest, SelectionFollowsTheDisk)
     library.write(u"Overlays/A new one.png"_s);
     ASSERT_TRUE(library.scan());
     EXPECT_EQ(focusMoved.count(), 0) << "an equal asset stays focused";
-    EXPECT_THAT(selected(), ElementsAre("Flash 2.mov", "Flash 10.mov", "Grain.png"));
+    EXPECT_EQ(selected(), "Flash 2|Flash 10|Grain");
 
     library.write(u"Overlays/Grain.png"_s, 77);
     ASSERT_TRUE(library.scan());
@@ -246,88 +222,98 @@ TEST_F(AppStateTest, SelectionFollowsTheDisk)
     library.remove(u"Overlays/Grain.png"_s);
     ASSERT_TRUE(library.scan());
     EXPECT_FALSE(state.hasSelection());
-    EXPECT_THAT(selected(), ElementsAre("Flash 2.mov", "Flash 10.mov"));
-    EXPECT_TRUE(state.selected().contains(library.path(u"Overlays/Grain.png"_s)));
-
+    EXPECT_EQ(selected(), "Flash 2|Flash 10");
+    EXPECT_TRUE(state.selected().contains(path(u"Overlays/Grain.png"_s)));
     library.write(u"Overlays/Grain.png"_s);
     ASSERT_TRUE(library.scan());
-    EXPECT_THAT(selected(), ElementsAre("Flash 2.mov", "Flash 10.mov", "Grain.png"));
+    EXPECT_EQ(selected(), "Flash 2|Flash 10|Grain");
     EXPECT_EQ(state.selectedCount(), 3);
-}
-
-TEST_F(AppStateTest, ASearchHoldsForTheNextSnapshot)
-{
-    state.setSearch(u"cold"_s);
-    library.write(u"LUTs/Colder.cube"_s);
-    library.write(u"LUTs/Warm.cube"_s);
-    ASSERT_TRUE(library.scan());
-    EXPECT_THAT(visible(), ElementsAre("Cold.cube", "Colder.cube"));
 }
 
 TEST_F(AppStateTest, SelectedPlacesCanBeSetWhetherTheyExistOrNot)
 {
-    const Location gone = library.path(u"Overlays/gone.png"_s);
-    const QSet<Location> places{library.path(u"LUTs/Cold.cube"_s), gone};
+    const Location gone = path(u"Overlays/gone.png"_s);
+    const QSet<Location> places{path(u"LUTs/Cold.cube"_s), gone};
     QSignalSpy reported(&state, &AppState::selectedChanged);
     state.setSelected(places);
     state.setSelected(places);
     EXPECT_EQ(reported.count(), 1);
     EXPECT_EQ(state.selected(), places);
     EXPECT_EQ(state.selectedCount(), 2);
-    state.setSelected({gone, library.path(u"Overlays/Grain.png"_s)});
-    EXPECT_THAT(selected(), ElementsAre("Grain.png"));
-}
-
-TEST_F(AppStateTest, AnotherRootBeginsWithEverythingAndNothingSelected)
-{
-    state.setScope(Scope::inFolder(library.path(u"SFX"_s)));
-    click(0);
-    library.vault.changeRoot(library.path(u"Overlays"_s));
-    EXPECT_EQ(state.scope(), Scope::all());
-    EXPECT_EQ(state.selectedCount(), 0);
-    EXPECT_TRUE(test::waitUntil([this] { return state.visibleCount() == 0; }));
-    EXPECT_FALSE(state.hasSelection());
+    state.setSelected({gone, path(u"Overlays/Grain.png"_s)});
+    EXPECT_EQ(selected(), "Grain");
 }
 
 TEST_F(AppStateTest, ANewFolderGoesWhereTheUserIs)
 {
-    library.prefs.setVaultPath(library.path({}).text());
+    library.prefs.setVaultPath(path({}).text());
     click(2);
     click(4, ctrl);
     state.newFolderFromSelection();
     EXPECT_TRUE(state.showNewFolder());
-    EXPECT_EQ(state.newFolderParent(), library.path(u"Overlays/Leaks"_s));
-    EXPECT_THAT(state.pendingMove(), ElementsAre(library.path(u"Overlays/Leaks/Flash 2.mov"_s),
-                                                 library.path(u"Overlays/Grain.png"_s)));
+    EXPECT_EQ(state.newFolderParent(), path(u"Overlays/Leaks"_s));
+    EXPECT_THAT(state.pendingMove(),
+                ElementsAre(path(u"Overlays/Leaks/Flash 2.mov"_s), path(u"Overlays/Grain.png"_s)));
 
-    state.requestNewFolder({});
-    EXPECT_EQ(state.newFolderParent(), library.path(u"Overlays"_s));
+    state.newFolderHere();
+    EXPECT_EQ(state.newFolderParent(), path(u"Overlays"_s));
     EXPECT_THAT(state.pendingMove(), IsEmpty());
-    state.setScope(Scope::inFolder(library.path(u"SFX/Hits"_s)));
-    state.requestNewFolder({});
-    EXPECT_EQ(state.newFolderParent(), library.path(u"SFX/Hits"_s));
-    state.requestNewFolder(library.path(u"LUTs"_s));
-    EXPECT_EQ(state.newFolderParent(), library.path(u"LUTs"_s));
+    state.setScope(Scope::inFolder(path(u"SFX/Hits"_s)));
+    state.newFolderHere();
+    EXPECT_EQ(state.newFolderParent(), path(u"SFX/Hits"_s));
+    state.newFolderInside(path(u"LUTs"_s));
+    EXPECT_EQ(state.newFolderParent(), path(u"LUTs"_s));
 
     state.setShowNewFolder(false);
     state.newFolderFromSelection();
     EXPECT_FALSE(state.showNewFolder()) << "nothing is selected any more";
 }
 
-TEST_F(AppStateTest, RevealsTheSelectedElseTheFocused)
+TEST_F(AppStateTest, ARenamedFolderTakesItsViewAndItsColorAlong)
 {
-    state.revealSelected();
-    EXPECT_THAT(library.workspace.revealed(), IsEmpty());
+    const Location hit = path(u"SFX/Hit"_s);
+    const Location hits = path(u"SFX/Hits"_s);
+    const Location impacts = path(u"SFX/Impacts"_s);
+    library.prefs.setFolderColors({{hit, u"#FF4ECD"_s}, {hits, u"#2FD6FF"_s}});
+    state.setScope(Scope::inFolder(hit));
+    Q_EMIT library.vault.itemRenamed(hit, impacts);
+    EXPECT_EQ(state.scope(), Scope::inFolder(impacts));
+    const FolderColors colors{{impacts, u"#FF4ECD"_s}, {hits, u"#2FD6FF"_s}};
+    EXPECT_EQ(library.prefs.folderColors(), colors);
+    Q_EMIT library.vault.itemRenamed(impacts, impacts);
+    EXPECT_EQ(library.prefs.folderColors(), colors) << "the same name changes nothing";
+
+    state.setScope(Scope::inFolder(hits));
+    Q_EMIT library.vault.itemRenamed(impacts, hit);
+    EXPECT_EQ(state.scope(), Scope::inFolder(hits));
+}
+
+TEST_F(AppStateTest, TrashedPlacesLeaveTheViewAndTheSelection)
+{
+    const auto trash = [this](const QString &place) {
+        TrashItem item;
+        item.original = path(place).text();
+        Q_EMIT library.vault.itemsTrashed({item});
+    };
+    const auto staysIn = [&](const QString &scope, const QString &trashed) {
+        state.setScope(Scope::inFolder(path(scope)));
+        trash(trashed);
+        return state.scope() != Scope::all();
+    };
+    EXPECT_FALSE(staysIn(u"SFX/Hit"_s, u"SFX/Hit"_s));
+    EXPECT_FALSE(staysIn(u"SFX/Hit/Deep"_s, u"SFX/Hit"_s));
+    EXPECT_TRUE(staysIn(u"SFX/Hits"_s, u"SFX/Hit"_s));
+    EXPECT_TRUE(staysIn(u"SFX/Hit"_s, u"SFX/Hit/Deep"_s));
+
+    state.setScope(Scope::all());
     click(1);
-    click(1, ctrl);
-    state.revealSelected();
-    EXPECT_THAT(library.workspace.revealed().last(), ElementsAre(library.path(u"LUTs/Cold.cube"_s)));
-    click(2);
-    click(0, ctrl);
-    state.revealSelected();
-    EXPECT_THAT(library.workspace.revealed().last(),
-                UnorderedElementsAre(library.path(u"Overlays/Leaks/Flash 2.mov"_s),
-                                     library.path(u"SFX/Hits/boom.wav"_s)));
+    click(2, ctrl);
+    trash(u"LUTs/Cold.cube"_s);
+    EXPECT_EQ(selected(), "Flash 2");
+    EXPECT_EQ(focused(), "Flash 2") << "the focused one was not among the trashed";
+    trash(u"Overlays/Leaks/Flash 2.mov"_s);
+    EXPECT_EQ(state.selectedCount(), 0);
+    EXPECT_FALSE(state.hasSelection());
 }
 
 } // namespace cratewell

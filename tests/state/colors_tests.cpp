@@ -32,17 +32,13 @@ TEST(Colors, ReadsHexTextsAndFallsBackToTheAccent)
         EXPECT_EQ(colorFromHex(QString::fromUtf8(text)), color) << text;
 }
 
-TEST(Colors, WritesWhatItReads)
+TEST(Colors, WritesWhatItReadsTruncatesChannelsAndTakesOtherSpaces)
 {
     for (int value = 0; value < 256; ++value) {
         const QColor color(value, 255 - value, value / 2);
         EXPECT_EQ(colorFromHex(hexFromColor(color)), color);
     }
     EXPECT_EQ(hexFromColor(QColor(0x7b, 0x5c, 0xff)), QStringLiteral("#7B5CFF"));
-}
-
-TEST(Colors, TruncatesChannelsAndTakesOtherSpaces)
-{
     EXPECT_EQ(hexFromColor(QColor::fromRgbF(0.999f, 0.5f, 0.0f)), QStringLiteral("#FE7F00"));
     EXPECT_EQ(hexFromColor(QColor::fromHsv(0, 255, 255)), QStringLiteral("#FF0000"));
     EXPECT_EQ(hexFromColor(QColor()), QStringLiteral("#FFFFFF"));

@@ -70,7 +70,7 @@ public:
     FakeWorkspace workspace;
     Prefs prefs{defaults, SystemPaths::below(Location::fromText(m_folder.path()))};
     Vault vault{path({}), defaults, std::make_unique<FakeFileEvents>()};
-    AppState state{vault, prefs, workspace};
+    AppState state{vault, prefs};
 };
 
 } // namespace cratewell::test

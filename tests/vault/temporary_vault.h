@@ -54,7 +54,7 @@ public:
 
     std::shared_ptr<const VaultSnapshot> scan(const std::shared_ptr<const VaultSnapshot> &before = {}) const
     {
-        return VaultScan::run(root(), before);
+        return VaultScan::run(root(), before).snapshot;
     }
 
 private:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/error.h"
 #include "platform/location.h"
 
 #include <QJsonObject>
@@ -14,10 +15,11 @@ struct SystemPaths;
 
 // The folder of these files, made when it is missing; a failure shows when a file in it is used.
 Location ensureSupportFolder(const SystemPaths &paths);
-// Readers see the file before or after, never a part. False when it could not be written.
-bool writeExchangeFile(const Location &file, const QJsonObject &object);
+// Readers see the file before or after, never a part.
+[[nodiscard]] Result<void> writeExchangeFile(const Location &file, const QJsonObject &object);
 // Nothing when there is no such regular file, when it is larger than a message can be, or no JSON object.
 std::optional<QJsonObject> readExchangeFile(const Location &file);
-void removeExchangeFile(const Location &file);
+// Only the request with this id: another may have taken its place.
+void removeRequest(const Location &file, const QString &id);
 
 } // namespace cratewell

@@ -1,6 +1,7 @@
 #include "integrations/internal/python_run.h"
 
 #include <QCoro/QCoroSignal>
+#include <QDir>
 #include <QProcess>
 #include <unistd.h>
 
@@ -70,6 +71,8 @@ void PythonRun::start()
     m_process->setProgram(m_call.interpreter.text());
     m_process->setArguments(QStringList{u"-c"_s, m_call.script} + m_call.arguments);
     m_process->setProcessEnvironment(m_call.environment);
+    // Nobody but the system puts modules there.
+    m_process->setWorkingDirectory(QDir::rootPath());
     m_process->setStandardInputFile(QProcess::nullDevice());
     m_process->setStandardErrorFile(QProcess::nullDevice());
     // Should this program end first, the child still has an end.

@@ -42,11 +42,12 @@ struct PythonCall
     QString script;
     QStringList arguments;
     QProcessEnvironment environment;
-    std::chrono::milliseconds limit{20000};
+    std::chrono::milliseconds limit{};
 };
 
 // One run of a script text by the interpreter, which is killed at the time limit. Standard error is dropped,
-// standard input is empty. Main thread. Ends exactly once, after its construction has returned.
+// standard input is empty, the current folder is "/". Main thread. Ends exactly once, after its construction
+// has returned.
 class PythonRun : public QObject
 {
     Q_OBJECT

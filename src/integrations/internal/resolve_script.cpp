@@ -28,7 +28,8 @@ QProcessEnvironment resolveEnvironment(const SystemPaths &paths, QProcessEnviron
     inherited.insert(u"RESOLVE_SCRIPT_LIB"_s, paths.resolveLibrary.text());
     inherited.insert(u"PYTHONPATH"_s,
                      (modules.isEmpty() ? QString() : modules + u':') + api + u"/Modules/"_s);
-    // A script given as text would look for its modules in whatever folder we were started from.
+    // A script given as text looks for its modules in the current folder. Interpreters before 3.11 do not
+    // know this variable: the script drops that folder as well.
     inherited.insert(u"PYTHONSAFEPATH"_s, u"1"_s);
     return inherited;
 }

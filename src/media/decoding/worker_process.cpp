@@ -1,5 +1,7 @@
 #include "media/decoding/worker_process.h"
 
+#include "platform/posix/file_descriptor.h"
+
 #include <QFile>
 #include <QProcess>
 #include <QSocketNotifier>

@@ -13,10 +13,12 @@ public:
         ++m_looks;
         return m_running;
     }
-    bool bringToFront(const QString &identifier) override
+    [[nodiscard]] Result<void> bringToFront(const QString &identifier) override
     {
         m_broughtToFront += identifier;
-        return m_running.contains(identifier);
+        if (!m_running.contains(identifier))
+            return tl::unexpected(Error{identifier + QStringLiteral(": does not run")});
+        return {};
     }
 
     void setRunning(const QStringList &identifiers)

@@ -12,7 +12,7 @@ public:
     explicit ChangeThrottle(std::function<void()> report);
 
     void notice();
-    // Forgets what was noticed and not told.
+    // Forgets what was noticed and not reported.
     void reset();
 
 private:

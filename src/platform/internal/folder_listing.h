@@ -1,18 +1,18 @@
 #pragma once
 
+#include "platform/posix/file_status.h"
+
 #include <QByteArray>
 #include <chrono>
 #include <vector>
 
 namespace cratewell {
 
-// What a folder shows to one who cannot watch it.
+// What a folder holds, for those who cannot watch it.
 struct FolderListing
 {
     enum class Detail { Names, Digest };
-    enum class Links { Keep, Follow };
 
-    bool opened = false;
     // Names of visible folders in it; links are none.
     std::vector<QByteArray> folders;
     // Changes when a visible entry comes, goes or changes its size, time or inode. Only with Detail::Digest.
@@ -21,7 +21,7 @@ struct FolderListing
     std::chrono::system_clock::time_point changed;
     static constexpr std::chrono::seconds clockSlack{2};
 
-    static FolderListing read(const QByteArray &path, Detail detail, Links links);
+    [[nodiscard]] static Result<FolderListing> read(const QByteArray &path, Detail detail, Links links);
 };
 
 } // namespace cratewell

@@ -123,10 +123,9 @@ bool InotifyTree::addFolder(const QByteArray &path)
 }
 
 // A link in the place of the root or of a category is the user's choice; those below are not followed.
-FolderListing InotifyTree::list(const QByteArray &path, FolderListing::Detail detail) const
+Result<FolderListing> InotifyTree::list(const QByteArray &path, FolderListing::Detail detail) const
 {
-    using Links = FolderListing::Links;
-    return FolderListing::read(path, detail, mayBeLink(path) ? Links::Follow : Links::Keep);
+    return FolderListing::read(path, detail, mayBeLink(path) ? Links::Follow : Links::NoFollow);
 }
 
 void InotifyTree::addTree(const QByteArray &top)
@@ -147,15 +146,16 @@ void InotifyTree::addTree(const QByteArray &top)
         if (!addFolder(path))
             continue;
         Folder &folder = m_folders[path];
-        const FolderListing listing =
+        const Result<FolderListing> listing =
             list(path, folder.watch < 0 ? FolderListing::Detail::Digest : FolderListing::Detail::Names);
-        if (!listing.opened && folder.watch < 0) {
-            m_folders.erase(path);
+        if (!listing) {
+            if (folder.watch < 0)
+                m_folders.erase(path);
             continue;
         }
-        folder.listing = listing.digest;
-        m_newestChange = std::max(m_newestChange, listing.changed);
-        for (const QByteArray &name : listing.folders) {
+        folder.listing = listing->digest;
+        m_newestChange = std::max(m_newestChange, listing->changed);
+        for (const QByteArray &name : listing->folders) {
             if (QByteArray child = childPath(path, name); !mayBeLink(child))
                 waiting.push_back(std::move(child));
         }
@@ -279,15 +279,15 @@ bool InotifyTree::checkUnwatched(const QByteArray &path)
         removeTree(path);
         return true;
     }
-    const FolderListing now = list(path, FolderListing::Detail::Digest);
-    if (!now.opened) {
+    const Result<FolderListing> now = list(path, FolderListing::Detail::Digest);
+    if (!now) {
         removeTree(path);
         return true;
     }
-    m_folders[path].listing = now.digest;
-    if (now.digest == before)
+    m_folders[path].listing = now->digest;
+    if (now->digest == before)
         return false;
-    for (const QByteArray &name : now.folders) {
+    for (const QByteArray &name : now->folders) {
         if (const QByteArray inner = childPath(path, name); !m_folders.contains(inner))
             addTree(inner);
     }

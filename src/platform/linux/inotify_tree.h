@@ -66,7 +66,7 @@ private:
     void watchAncestors();
     // The watch, or -1 with errno set.
     int addWatch(const QByteArray &path, quint32 mask);
-    FolderListing list(const QByteArray &path, FolderListing::Detail detail) const;
+    Result<FolderListing> list(const QByteArray &path, FolderListing::Detail detail) const;
     bool addFolder(const QByteArray &path);
     void addTree(const QByteArray &top);
     void removeTree(const QByteArray &top);

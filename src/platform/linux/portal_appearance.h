@@ -7,7 +7,7 @@
 
 namespace cratewell {
 
-// Appearance as the desktop portal tells it. Asks without waiting: until the answer is there, and without a
+// Appearance as the desktop portal reports it. Asks without waiting: until the answer is there, and without a
 // portal, everything is dark and moves.
 class PortalAppearance final : public Appearance
 {

@@ -74,10 +74,12 @@ void ProcApplications::check()
         Q_EMIT changed();
 }
 
-bool ProcApplications::bringToFront(const QString &identifier)
+Result<void> ProcApplications::bringToFront(const QString &identifier)
 {
     const auto editor = std::ranges::find(linuxEditors, identifier, &LinuxEditor::identifier);
-    return editor != linuxEditors.end() && ensureWindows().activate(editor->windowClass);
+    if (editor == linuxEditors.end())
+        return tl::unexpected(Error{identifier + QStringLiteral(": not an editor known here")});
+    return ensureWindows().activate(editor->windowClass);
 }
 
 X11Windows &ProcApplications::ensureWindows()

@@ -21,7 +21,7 @@ public:
     ~ProcApplications() override;
 
     QStringList running() override;
-    bool bringToFront(const QString &identifier) override;
+    [[nodiscard]] Result<void> bringToFront(const QString &identifier) override;
 
 protected:
     void connectNotify(const QMetaMethod &signal) override;

@@ -17,21 +17,21 @@ std::chrono::nanoseconds sinceEpoch(const statx_timestamp &time)
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
-int readStatus(int folder, const char *name, int flags, FileStatus &status)
+Result<FileStatus> readStatus(int folder, const char *name, int flags)
 {
     struct statx facts;
     if (::statx(folder, name, flags | AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME, &facts) != 0)
-        return errno;
-    status = {.mode = facts.stx_mode,
-              .device = makedev(facts.stx_dev_major, facts.stx_dev_minor),
-              .inode = facts.stx_ino,
-              .size = qint64(facts.stx_size),
-              .modified = sinceEpoch(facts.stx_mtime),
-              .changed = sinceEpoch(facts.stx_ctime),
-              .created = {}};
+        return systemFailure(errno);
+    FileStatus status{.mode = facts.stx_mode,
+                      .device = makedev(facts.stx_dev_major, facts.stx_dev_minor),
+                      .inode = facts.stx_ino,
+                      .size = qint64(facts.stx_size),
+                      .modified = sinceEpoch(facts.stx_mtime),
+                      .changed = sinceEpoch(facts.stx_ctime),
+                      .created = {}};
     if (facts.stx_mask & STATX_BTIME)
         status.created = sinceEpoch(facts.stx_btime);
-    return 0;
+    return status;
 }
 
 // A kernel without the call, or a sandbox of old that refuses what it does not know.
@@ -42,7 +42,7 @@ bool isMissing(int code)
 
 } // namespace
 
-int openBeneath(int root, const QByteArray &relativePath, int flags, mode_t mode)
+Result<FileDescriptor> openBeneath(int root, const QByteArray &relativePath, int flags, mode_t mode)
 {
     open_how how = {};
     how.flags = quint64(flags) | O_CLOEXEC;
@@ -54,33 +54,33 @@ int openBeneath(int root, const QByteArray &relativePath, int flags, mode_t mode
         number = ::syscall(SYS_openat2, root, relativePath.constData(), &how, sizeof how);
     while (number < 0 && (errno == EINTR || errno == EAGAIN));
     if (number >= 0)
-        return int(number);
-    return isMissing(errno) ? portable::openBeneath(root, relativePath, flags, mode) : -errno;
+        return FileDescriptor(int(number));
+    if (isMissing(errno))
+        return portable::openBeneath(root, relativePath, flags, mode);
+    return systemFailure(errno);
 }
 
-int statusAt(int folder, const char *name, Links links, Freshness freshness, FileStatus &status)
+Result<FileStatus> statusAt(int folder, const char *name, Links links, Freshness freshness)
 {
     const int follow = links == Links::NoFollow ? AT_SYMLINK_NOFOLLOW : 0;
     const int cached = freshness == Freshness::Cached ? AT_STATX_DONT_SYNC : AT_STATX_SYNC_AS_STAT;
-    return readStatus(folder, name, follow | cached, status);
+    return readStatus(folder, name, follow | cached);
 }
 
-int statusOf(int descriptor, FileStatus &status)
+Result<FileStatus> statusOf(int descriptor)
 {
-    return readStatus(descriptor, "", AT_EMPTY_PATH, status);
+    return readStatus(descriptor, "", AT_EMPTY_PATH);
 }
 
-int createSharedMemory(qint64 bytes)
+Result<FileDescriptor> createSharedMemory(qint64 bytes)
 {
-    const int memory = ::memfd_create("cratewell", MFD_CLOEXEC | MFD_ALLOW_SEALING);
-    if (memory < 0)
-        return isMissing(errno) ? portable::createSharedMemory(bytes) : -errno;
-    if (::ftruncate(memory, off_t(bytes)) == 0 &&
-        ::fcntl(memory, F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) == 0)
-        return memory;
-    const int code = errno;
-    ::close(memory);
-    return -code;
+    FileDescriptor memory(::memfd_create("cratewell", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+    if (!memory.isOpen())
+        return isMissing(errno) ? portable::createSharedMemory(bytes) : systemFailure(errno);
+    if (::ftruncate(memory.number(), off_t(bytes)) != 0 ||
+        ::fcntl(memory.number(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) != 0)
+        return systemFailure(errno);
+    return memory;
 }
 
 void discardPages(int sharedMemory, qint64 bytes)

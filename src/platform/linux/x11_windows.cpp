@@ -24,12 +24,17 @@ struct Freed
 };
 template<typename T> using Reply = std::unique_ptr<T, Freed>;
 
+Error noServer()
+{
+    return {QStringLiteral("There is no X server")};
+}
+
 } // namespace
 
 struct X11Windows::Private
 {
     ~Private();
-    bool open();
+    [[nodiscard]] Result<void> open();
     void listen(X11Windows &owner);
     void readEvents(X11Windows &owner);
 
@@ -54,21 +59,21 @@ X11Windows::Private::~Private()
         xcb_disconnect(connection);
 }
 
-bool X11Windows::Private::open()
+Result<void> X11Windows::Private::open()
 {
     if (qEnvironmentVariableIsEmpty("DISPLAY"))
-        return false;
+        return tl::unexpected(noServer());
     int screenNumber = 0;
     connection = xcb_connect(nullptr, &screenNumber);
     if (xcb_connection_has_error(connection))
-        return false;
+        return tl::unexpected(noServer());
     xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
     while (screenNumber-- > 0 && screens.rem > 1)
         xcb_screen_next(&screens);
     root = screens.data->root;
     activeWindow = atom("_NET_ACTIVE_WINDOW");
     stacking = atom("_NET_CLIENT_LIST_STACKING");
-    return true;
+    return {};
 }
 
 xcb_atom_t X11Windows::Private::atom(QByteArrayView name) const
@@ -141,10 +146,10 @@ X11Windows::X11Windows() : d(std::make_unique<Private>())
 
 X11Windows::~X11Windows() = default;
 
-bool X11Windows::activate(const QString &windowClass)
+Result<void> X11Windows::activate(const QString &windowClass)
 {
     if (!d->notifier || xcb_connection_has_error(d->connection))
-        return false;
+        return tl::unexpected(noServer());
     std::vector<xcb_window_t> windows = d->windows(d->stacking);
     std::reverse(windows.begin(), windows.end());
     std::vector<xcb_get_property_cookie_t> cookies;
@@ -158,7 +163,7 @@ bool X11Windows::activate(const QString &windowClass)
             found = windows[i];
     }
     if (found == XCB_NONE)
-        return false;
+        return tl::unexpected(Error{windowClass + QStringLiteral(": no such window")});
     xcb_client_message_event_t message = {};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
@@ -171,7 +176,7 @@ bool X11Windows::activate(const QString &windowClass)
     xcb_flush(d->connection);
     QMetaObject::invokeMethod(
         this, [this] { d->readEvents(*this); }, Qt::QueuedConnection);
-    return true;
+    return {};
 }
 
 } // namespace cratewell

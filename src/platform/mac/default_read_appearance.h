@@ -5,7 +5,7 @@
 
 namespace cratewell {
 
-// Appearance as `defaults read` tells it, asked again whenever the system's palette changes or the program
+// Appearance as `defaults read` reports it, asked again whenever the system's palette changes or the program
 // comes to the front.
 class DefaultReadAppearance final : public Appearance
 {

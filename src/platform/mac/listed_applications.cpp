@@ -65,12 +65,12 @@ QStringList ListedApplications::running()
     return identifiersOf(m_listed);
 }
 
-bool ListedApplications::bringToFront(const QString &identifier)
+Result<void> ListedApplications::bringToFront(const QString &identifier)
 {
     if (!running().contains(identifier))
-        return false;
+        return tl::unexpected(Error{identifier + u": does not run"_s});
     m_tools.launch(u"open"_s, {u"-b"_s, identifier});
-    return true;
+    return {};
 }
 
 void ListedApplications::look()

@@ -24,7 +24,7 @@ public:
 
     // Waits for the list, half a second at most; then the last list counts.
     QStringList running() override;
-    bool bringToFront(const QString &identifier) override;
+    [[nodiscard]] Result<void> bringToFront(const QString &identifier) override;
 
 protected:
     void connectNotify(const QMetaMethod &signal) override;

@@ -33,13 +33,13 @@ TreeDigest digestOf(const std::vector<QByteArray> &entrances, const std::atomic<
         if (tree.digests.contains(path))
             continue;
         const bool mayBeLink = std::ranges::find(entrances, path) != entrances.end();
-        const auto links = mayBeLink ? FolderListing::Links::Follow : FolderListing::Links::Keep;
-        const FolderListing listing = FolderListing::read(path, FolderListing::Detail::Digest, links);
-        if (!listing.opened)
+        const Links links = mayBeLink ? Links::Follow : Links::NoFollow;
+        const Result<FolderListing> listing = FolderListing::read(path, FolderListing::Detail::Digest, links);
+        if (!listing)
             continue;
-        tree.digests.insert(path, listing.digest);
-        tree.newestChange = std::max(tree.newestChange, listing.changed);
-        for (const QByteArray &name : listing.folders)
+        tree.digests.insert(path, listing->digest);
+        tree.newestChange = std::max(tree.newestChange, listing->changed);
+        for (const QByteArray &name : listing->folders)
             waiting.push_back(Location::fromStandardized(path).child(name).bytes());
     }
     return tree;

@@ -7,7 +7,7 @@
 namespace cratewell {
 
 // File events by QFileSystemWatcher on every visible folder, and by comparing the whole tree every few
-// seconds for what it does not tell: files overwritten in place, a root that comes back.
+// seconds for what it does not report: files overwritten in place, a root that comes back.
 class WatcherFileEvents final : public FileEvents
 {
     Q_OBJECT

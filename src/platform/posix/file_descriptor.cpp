@@ -69,10 +69,8 @@ Result<FileDescriptor> openBeneath(int root, const QByteArray &relativePath, int
 {
     if (!staysBeneath(relativePath))
         return systemFailure(EXDEV, textFromBytes(relativePath));
-    const int number = chosen::openBeneath(root, relativePath, flags & ~O_NOFOLLOW, mode);
-    if (number < 0)
-        return systemFailure(-number, lastName(relativePath));
-    return FileDescriptor(number);
+    Result<FileDescriptor> opened = chosen::openBeneath(root, relativePath, flags & ~O_NOFOLLOW, mode);
+    return opened ? std::move(opened) : systemFailure(opened.error().code, lastName(relativePath));
 }
 
 Result<void> flush(int descriptor)

@@ -2,24 +2,16 @@
 
 #include "platform/internal/system_calls.h"
 
-#include <QString>
-
 namespace cratewell {
 
 Result<FileStatus> statusAt(int folder, const char *name, Links links, Freshness freshness)
 {
-    FileStatus status;
-    if (const int code = chosen::statusAt(folder, name, links, freshness, status))
-        return systemFailure(code);
-    return status;
+    return chosen::statusAt(folder, name, links, freshness);
 }
 
 Result<FileStatus> statusOf(int descriptor)
 {
-    FileStatus status;
-    if (const int code = chosen::statusOf(descriptor, status))
-        return systemFailure(code);
-    return status;
+    return chosen::statusOf(descriptor);
 }
 
 } // namespace cratewell

@@ -1,5 +1,4 @@
 #include "platform/internal/system_calls.h"
-#include "platform/posix/file_descriptor.h"
 
 #include <QRandomGenerator>
 #include <algorithm>
@@ -23,7 +22,7 @@ std::chrono::nanoseconds sinceEpoch(const timespec &time)
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
-FileStatus statusFrom(const struct stat &facts)
+FileStatus from(const struct stat &facts)
 {
     FileStatus status;
     status.mode = facts.st_mode;
@@ -47,79 +46,70 @@ bool isLink(int folder, const char *name)
     return ::fstatat(folder, name, &facts, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(facts.st_mode);
 }
 
-int openOnce(int folder, const QByteArray &name, int flags, mode_t mode)
+Result<FileDescriptor> openOnce(int folder, const QByteArray &name, int flags, mode_t mode)
 {
-    int number = -1;
-    do
-        number = ::openat(folder, name.constData(), flags | O_NOFOLLOW | O_CLOEXEC, mode);
-    while (number < 0 && errno == EINTR);
-    if (number < 0) {
-        const int code = errno;
-        // A link where a folder is asked for is reported as "not a folder".
-        return -(code == ENOTDIR && isLink(folder, name.constData()) ? ELOOP : code);
-    }
+    Result<FileDescriptor> opened = openAt(folder, name, flags | O_NOFOLLOW, mode);
+    // A link where a folder is asked for is reported as "not a folder".
+    if (!opened && opened.error().is(ENOTDIR) && isLink(folder, name.constData()))
+        return systemFailure(ELOOP);
 #ifdef O_PATH
     // This one opens links themselves.
     struct stat facts = {};
-    if (flags & O_PATH && ::fstat(number, &facts) == 0 && S_ISLNK(facts.st_mode)) {
-        ::close(number);
-        return -ELOOP;
-    }
+    if (opened && flags & O_PATH && ::fstat(opened->number(), &facts) == 0 && S_ISLNK(facts.st_mode))
+        return systemFailure(ELOOP);
 #endif
-    return number;
+    return opened;
 }
 
 } // namespace
 
 // Folder by folder, each opened in the one before it: whatever is renamed meanwhile, no step leaves `root`.
-int openBeneath(int root, const QByteArray &relativePath, int flags, mode_t mode)
+Result<FileDescriptor> openBeneath(int root, const QByteArray &relativePath, int flags, mode_t mode)
 {
     QByteArrayList names = relativePath.split('/');
     names.removeAll(QByteArray());
     if (names.isEmpty())
-        return -ENOENT;
+        return systemFailure(ENOENT);
     const QByteArray last = names.takeLast();
     FileDescriptor folder;
     for (const QByteArray &name : std::as_const(names)) {
         const int from = folder.isOpen() ? folder.number() : root;
-        const int number = openOnce(from, name, passThrough | O_DIRECTORY, 0);
-        if (number < 0)
-            return number;
-        folder = FileDescriptor(number);
+        Result<FileDescriptor> next = openOnce(from, name, passThrough | O_DIRECTORY, 0);
+        if (!next)
+            return next;
+        folder = std::move(*next);
     }
     const int asFolder = relativePath.endsWith('/') ? O_DIRECTORY : 0;
     return openOnce(folder.isOpen() ? folder.number() : root, last, flags | asFolder, mode);
 }
 
-int statusAt(int folder, const char *name, Links links, Freshness, FileStatus &status)
+Result<FileStatus> statusAt(int folder, const char *name, Links links, Freshness)
 {
     struct stat facts = {};
     if (::fstatat(folder, name, &facts, links == Links::NoFollow ? AT_SYMLINK_NOFOLLOW : 0) != 0)
-        return errno;
-    status = statusFrom(facts);
-    return 0;
+        return systemFailure(errno);
+    return from(facts);
 }
 
-int statusOf(int descriptor, FileStatus &status)
+Result<FileStatus> statusOf(int descriptor)
 {
     struct stat facts = {};
     if (::fstat(descriptor, &facts) != 0)
-        return errno;
-    status = statusFrom(facts);
-    return 0;
+        return systemFailure(errno);
+    return from(facts);
 }
 
-int createSharedMemory(qint64 bytes)
+Result<FileDescriptor> createSharedMemory(qint64 bytes)
 {
     // Some systems allow 31 characters.
     const QByteArray name = "/cratewell-" + QByteArray::number(QRandomGenerator::system()->generate64(), 16);
     FileDescriptor memory(::shm_open(name.constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!memory.isOpen())
-        return -errno;
+        return systemFailure(errno);
     ::shm_unlink(name.constData());
     if (::ftruncate(memory.number(), off_t(bytes)) != 0)
-        return -errno;
-    return memory.release();
+        return systemFailure(errno);
+    return memory;
 }
 
 void discardPages(int, qint64) {}

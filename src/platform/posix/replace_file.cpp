@@ -16,7 +16,7 @@ namespace {
 
 constexpr QByteArrayView temporarySuffix(".new");
 
-// "defaults.json.4711-0123456789abcdef.new": the process tells whether it is still needed, the rest cannot be
+// "defaults.json.4711-0123456789abcdef.new": the process shows whether it is still needed, the rest cannot be
 // guessed by whoever may write to the folder.
 QByteArray temporaryFor(const QByteArray &name)
 {

@@ -6,10 +6,7 @@ namespace cratewell {
 
 Result<FileDescriptor> createSharedMemory(qint64 bytes)
 {
-    const int number = chosen::createSharedMemory(bytes);
-    if (number < 0)
-        return systemFailure(-number);
-    return FileDescriptor(number);
+    return chosen::createSharedMemory(bytes);
 }
 
 void discardPages(int sharedMemory, qint64 bytes)

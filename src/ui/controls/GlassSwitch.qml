@@ -8,7 +8,7 @@ import Cratewell
 T.Switch {
     id: control
 
-    // What the program says; `asked` is the user's wish to change it.
+    // What the program says; `asked` is the user's request to change it.
     required property bool on
 
     signal asked(on: bool)

@@ -1,19 +1,25 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Cratewell
 
 // Says what a control does after the pointer has rested on it; a press silences it until the pointer comes
-// back. The bubble is made only while it is wanted.
-Loader {
+// back.
+OnDemand {
     id: tip
 
     required property string text
     required property bool hovered
     required property bool pressed
     property bool silent: false
-    readonly property bool wanted: hovered && !silent && text.length > 0
 
     anchors.fill: parent
+    wanted: hovered && !silent && text.length > 0
+
+    content: HelpBubble {
+        anchors.fill: parent
+        text: tip.text
+    }
 
     onHoveredChanged: {
         if (!hovered)
@@ -22,11 +28,5 @@ Loader {
     onPressedChanged: {
         if (pressed)
             silent = true;
-    }
-    onWantedChanged: {
-        if (wanted)
-            setSource("HelpBubble.qml", { text: text });
-        else
-            source = "";
     }
 }

@@ -33,7 +33,7 @@ private:
     bool m_uploadPending = false;
 };
 
-// For property setters of drawn items: assigns, and tells whether that changed anything.
+// For property setters of drawn items: assigns, and returns whether that changed anything.
 template<typename T> bool assignIfDifferent(T &member, const T &value)
 {
     if (member == value)

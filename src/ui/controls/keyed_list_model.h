@@ -6,7 +6,7 @@
 
 namespace cratewell {
 
-// A list whose rows are told apart by a key, and which changes only the rows that differ. Derived models find
+// A list whose rows each have a key, and which changes only the rows that differ. Derived models find
 // what a row shows by its key, before and after a change. Main thread.
 class KeyedListModel : public QAbstractListModel
 {

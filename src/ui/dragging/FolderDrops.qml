@@ -9,10 +9,11 @@ DropArea {
     id: drops
 
     required property ListView list
-    required property FolderTreeModel tree
     // The row under the pointer, or -1, and what a drop there would do.
     property int row: -1
-    readonly property int effect: row >= 0 ? DropController.effectOn(tree.folderAt(row)) : DropController.Nothing
+    readonly property int effect: row < 0 ? DropController.Nothing
+                                : DropController.judging ? DropController.Unknown
+                                : DropController.effectOn(FolderTreeModel.folderAt(row))
 
     readonly property int edge: 26
     // Per step; negative for up.
@@ -31,16 +32,16 @@ DropArea {
 
     onDropped: drop => {
         follow(drop.y);
-        const folder = tree.folderAt(row);
+        const folder = FolderTreeModel.folderAt(row);
         const wanted = DropController.effectOn(folder) !== DropController.Nothing;
         leave();
         if (!wanted)
             return;
         drop.accept(Qt.CopyAction);
-        DropController.dropOn(folder, drop.urls, drop.getDataAsString(DropController.ownType));
+        DropController.dropOn(folder);
     }
     onEntered: drag => {
-        DropController.weigh(drag.urls, drag.getDataAsString(DropController.ownType));
+        DropController.enter(drag.getDataAsString("text/uri-list"), drag.getDataAsString(DropController.ownType));
         follow(drag.y);
     }
     onExited: leave()
@@ -57,7 +58,7 @@ DropArea {
 
         onTriggered: {
             if (drops.row >= 0)
-                drops.tree.setExpanded(drops.row, true);
+                FolderTreeModel.setExpanded(drops.row, true);
         }
     }
     Timer {

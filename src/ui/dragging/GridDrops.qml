@@ -19,14 +19,23 @@ DropArea {
         if (!wanted)
             return;
         drop.accept(Qt.CopyAction);
-        DropController.dropOnGrid(drop.urls, drop.getDataAsString(DropController.ownType));
+        DropController.dropOnGrid();
     }
     onEntered: drag => {
-        DropController.weigh(drag.urls, drag.getDataAsString(DropController.ownType));
+        DropController.enter(drag.getDataAsString("text/uri-list"), drag.getDataAsString(DropController.ownType));
         effect = DropController.effectOnGrid();
         drag.accepted = taking;
     }
     onExited: effect = DropController.Nothing
+
+    Connections {
+        target: DropController
+
+        function onJudgingChanged(): void {
+            if (drops.containsDrag)
+                drops.effect = DropController.effectOnGrid();
+        }
+    }
 
     Rectangle {
         anchors.fill: parent
@@ -53,7 +62,7 @@ DropArea {
                 color: Theme.accentForeground
                 font.weight: Font.DemiBold
                 text: drops.effect === DropController.Copy ? qsTr("Copy into %1").arg(AppState.scopeTitle)
-                                                  : qsTr("Copy, sorted by type")
+                    : drops.effect === DropController.Sort ? qsTr("Copy, sorted by type") : qsTr("Checking…")
                 width: Math.min(implicitWidth, parent.width - 24)
             }
         }

@@ -15,7 +15,7 @@ namespace cratewell {
 
 struct Asset;
 
-// DragController the selected assets out of the grid: onto folders of the window and into other programs,
+// Drags the selected assets out of the grid: onto folders of the window and into other programs,
 // which get copies.
 class DragController : public QObject
 {

@@ -11,7 +11,7 @@ class QMimeData;
 namespace cratewell {
 
 // What a drag of assets carries: a plain list of files for every program, and the same list in a type of our
-// own, which tells our window at once that the drag is its own.
+// own, by which our window knows at once that the drag is its own.
 inline constexpr auto ownDragType = "llc.tolvan.cratewell.paths";
 
 std::unique_ptr<QMimeData> dragData(const std::vector<Location> &items);

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "ui/dragging/dropped_items.h"
-#include "ui/shell/ui_context.h"
 
 #include <QObject>
-#include <QUrl>
 #include <QtQml/qqml.h>
+#include <functional>
+#include <memory>
 #include <optional>
 
 class QJSEngine;
@@ -13,45 +13,60 @@ class QQmlEngine;
 
 namespace cratewell {
 
-// What hovers over the window, and what becomes of it where it is dropped. There is one drag at a time: it is
-// weighed when it enters a view and asked about from there on.
+class AppState;
+class AssetActions;
+class Vault;
+
+// What hovers over the window, and what becomes of it where it is dropped. There is one drag at a time: all
+// of it is judged when it enters a view, on a thread when there is much of it, and asked about from there on.
+// Main thread.
 class DropController : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
     QML_SINGLETON
     Q_PROPERTY(QString ownType READ ownType CONSTANT FINAL)
+    // What the drag would do is not known yet.
+    Q_PROPERTY(bool judging READ isJudging NOTIFY judgingChanged FINAL)
 public:
-    // Sort: copied, but to where its type belongs, because the folder does not take it.
-    enum Effect { Nothing, Move, Copy, Sort, MoveAndCopy };
+    // Sort: copied, but to where its type belongs, because the folder does not take it. Unknown: while
+    // judging.
+    enum Effect { Nothing, Move, Copy, Sort, MoveAndCopy, Unknown };
     Q_ENUM(Effect)
 
-    explicit DropController(const UiContext &context, QObject *parent = nullptr);
+    DropController(Vault &vault, const AppState &state, AssetActions &actions);
     static DropController *create(QQmlEngine *engine, QJSEngine *);
 
     static QString ownType();
+    bool isJudging() const;
 
-    // `ownData` is what the drag holds in our own type; empty when it holds none. Of a long list only the
-    // beginning is looked at.
-    Q_INVOKABLE void weigh(const QList<QUrl> &urls, const QString &ownData);
-    // What dropping what was weighed on this folder would do.
+    // A drag has entered: its text/uri-list, and what it holds in our own type, empty when it holds none.
+    Q_INVOKABLE void enter(const QString &uriList, const QString &ownData);
+    // What dropping it on this folder would do.
     Q_INVOKABLE cratewell::DropController::Effect effectOn(const cratewell::Location &folder) const;
     // What dropping it on the grid would do, which only takes what is not of the vault.
     Q_INVOKABLE cratewell::DropController::Effect effectOnGrid() const;
 
-    // Moves what is of the vault and copies the rest.
-    Q_INVOKABLE void dropOn(const cratewell::Location &folder, const QList<QUrl> &urls,
-                            const QString &ownData);
-    // Copies what is not of the vault into the folder that is shown, else to where its type belongs.
-    Q_INVOKABLE void dropOnGrid(const QList<QUrl> &urls, const QString &ownData);
+    // Moves what is of the vault and copies the rest; once it is judged.
+    Q_INVOKABLE void dropOn(const cratewell::Location &folder);
+    // Copies what is not of the vault into the folder that is shown, else to where its type belongs; once it
+    // is judged.
+    Q_INVOKABLE void dropOnGrid();
+
+Q_SIGNALS:
+    void judgingChanged();
 
 private:
+    struct Drag;
+    void finish(Drag &drag, JudgedDrop judged);
+    void whenJudged(std::function<void(const JudgedDrop &)> drop);
     std::optional<Location> shownFolder() const;
-    Effect importInto(const Location &folder) const;
+    Effect effectOn(const Location &folder, const DropEffects &effects) const;
 
-    const UiContext m_context;
-    DroppedItems m_weighed;
-    bool m_imports = false;
+    Vault &m_vault;
+    const AppState &m_state;
+    AssetActions &m_actions;
+    std::shared_ptr<Drag> m_drag;
 };
 
 } // namespace cratewell

@@ -11,13 +11,16 @@ namespace cratewell {
 
 namespace {
 
-bool isLink(const Location &item)
+using std::filesystem::file_type;
+
+// Of the item itself, were it a link.
+file_type typeOf(const Location &item)
 {
     std::error_code failed;
-    return std::filesystem::is_symlink(item.c_str(), failed);
+    return std::filesystem::symlink_status(item.c_str(), failed).type();
 }
 
-bool isFolder(const Location &item)
+bool leadsToFolder(const Location &item)
 {
     std::error_code failed;
     return std::filesystem::is_directory(item.c_str(), failed);
@@ -25,47 +28,93 @@ bool isFolder(const Location &item)
 
 } // namespace
 
-DroppedItems splitDropped(const std::vector<Location> &items, const Location &root, size_t most)
+struct DropJudge
 {
-    const Location realRoot = root.resolved();
-    QHash<Location, Location> realFolders; // the many items of a drag have few folders
-    DroppedItems dropped;
-    for (size_t i = 0; i < std::min(most, items.size()); ++i) {
-        const Location &item = items[i];
-        if (item.isEmpty())
-            continue;
-        auto folder = realFolders.find(item.parent());
-        if (folder == realFolders.end())
-            folder = realFolders.insert(item.parent(), item.parent().resolved());
-        const Location place = folder->child(item.nameBytes());
-        const Location end = isLink(place) ? place.resolved() : place;
-        if (!end.isInside(realRoot))
-            dropped.outside.push_back(item);
-        else // a link from outside stands for what it leads to and stays where it is
-            dropped.inside.push_back(place.isInside(realRoot) ? item : end);
-    }
-    return dropped;
+    explicit DropJudge(const Location &root) : realRoot(root.resolved()) {}
+
+    void add(const Location &item);
+    void addInside(const Location &place, const Location &resolved, file_type type);
+    void addOutside(const Location &item);
+    Location realFolder(const Location &folder);
+
+    const Location realRoot;
+    QHash<Location, Location> realFolders;     // the many items of a drag have few folders
+    QSet<std::pair<AssetKind, Location>> seen; // kind and folder of files to move
+    JudgedDrop drop;
+};
+
+Location DropJudge::realFolder(const Location &folder)
+{
+    auto found = realFolders.constFind(folder);
+    if (found == realFolders.constEnd())
+        found = realFolders.insert(folder, folder.resolved());
+    return *found;
 }
 
-bool movesAny(const std::vector<Location> &items, const Location &folder, const Location &root)
+void DropJudge::add(const Location &item)
+{
+    if (item.isEmpty())
+        return;
+    const Location place = realFolder(item.parent()).child(item.nameBytes());
+    if (isCategoryRoot(realRoot, place))
+        return;
+    const file_type type = typeOf(place);
+    const Location end = type == file_type::symlink ? place.resolved() : place;
+    if (!end.isInside(realRoot)) {
+        addOutside(item);
+    } else if (place.isInside(realRoot)) {
+        drop.items.inside.push_back(item);
+        addInside(place, end, type);
+    } else if (!isCategoryRoot(realRoot, end)) {
+        // A link from outside stands for what it leads to and stays where it is.
+        drop.items.inside.push_back(end);
+        addInside(end, end, typeOf(end));
+    }
+}
+
+void DropJudge::addInside(const Location &place, const Location &resolved, file_type type)
+{
+    const std::optional<AssetKind> kind = kindOf(place);
+    if (kind && type != file_type::directory) {
+        const std::pair group(*kind, resolved.parent());
+        if (seen.contains(group))
+            return;
+        seen.insert(group);
+    }
+    drop.effects.m_moved.push_back({kind, resolved});
+}
+
+void DropJudge::addOutside(const Location &item)
+{
+    drop.items.outside.push_back(item);
+    DropEffects &effects = drop.effects;
+    if (const auto kind = kindOf(item))
+        effects.m_imported.insert(*kind);
+    else
+        effects.m_importsFolder = effects.m_importsFolder || leadsToFolder(item);
+}
+
+bool DropEffects::moveInto(const Location &folder, const Location &root) const
 {
     const MoveRule rule(root, folder);
-    return std::ranges::any_of(items, [&](const Location &item) { return rule.allows(item); });
+    return std::ranges::any_of(m_moved,
+                               [&](const Moved &moved) { return rule.allows(moved.kind, moved.resolved); });
 }
 
-bool importsAny(const std::vector<Location> &items)
-{
-    return std::ranges::any_of(
-        items, [](const Location &item) { return kindOf(item).has_value() || isFolder(item); });
-}
-
-bool landsIn(const std::vector<Location> &items, const Location &folder, const Location &root)
+bool DropEffects::importInto(const Location &folder, const Location &root) const
 {
     const auto category = categoryOf(root, folder);
-    return std::ranges::any_of(items, [&](const Location &item) {
-        const auto kind = kindOf(item);
-        return kind ? !category || accepts(*category, *kind) : isFolder(item);
-    });
+    return m_importsFolder || std::ranges::any_of(m_imported, [&](AssetKind kind) {
+               return !category || accepts(*category, kind);
+           });
+}
+
+JudgedDrop judgeDrop(const std::vector<Location> &items, const Location &root)
+{
+    DropJudge judge(root);
+    for (const Location &item : items)
+        judge.add(item);
+    return std::move(judge.drop);
 }
 
 } // namespace cratewell

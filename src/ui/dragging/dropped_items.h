@@ -3,12 +3,14 @@
 #include "platform/location.h"
 #include "vault/category.h"
 
-#include <limits>
+#include <QSet>
+#include <optional>
 #include <vector>
 
 namespace cratewell {
 
-// Files and folders that were dropped on a folder: those of the vault are moved, the others are copied in.
+// Files and folders that were dropped: those of the vault are moved, the others are copied in. A category's
+// own folder stays where it is and is in neither list.
 struct DroppedItems
 {
     std::vector<Location> inside;  // as places in the vault
@@ -17,17 +19,37 @@ struct DroppedItems
     friend bool operator==(const DroppedItems &, const DroppedItems &) = default;
 };
 
-// Symbolic links on the way to an item, at its end and in `root` are followed. Touches the disk; looks at the
-// first `most` items only.
-DroppedItems splitDropped(const std::vector<Location> &items, const Location &root,
-                          size_t most = std::numeric_limits<size_t>::max());
+// What a drop would do on any folder. Small, unless it holds many folders.
+class DropEffects
+{
+public:
+    // Whether a move into `folder` takes anything.
+    bool moveInto(const Location &folder, const Location &root) const;
+    // Whether anything is copied from outside the vault: assets and folders.
+    bool import() const { return m_importsFolder || !m_imported.isEmpty(); }
+    // Whether an import into `folder` leaves anything in it; the rest goes to where its type belongs.
+    bool importInto(const Location &folder, const Location &root) const;
 
-// Whether a move into `folder` takes any of these places of the vault.
-bool movesAny(const std::vector<Location> &items, const Location &folder, const Location &root);
-// Whether an import takes any of these: assets and folders. Touches the disk.
-bool importsAny(const std::vector<Location> &items);
-// Whether an import into `folder` leaves any of these in it; the others go to where their type belongs.
-// Touches the disk.
-bool landsIn(const std::vector<Location> &items, const Location &folder, const Location &root);
+private:
+    friend struct DropJudge;
+    struct Moved
+    {
+        std::optional<AssetKind> kind; // that its name suggests
+        Location resolved;
+    };
+    std::vector<Moved> m_moved; // of the files of one kind in one folder, one stands for all
+    QSet<AssetKind> m_imported;
+    bool m_importsFolder = false;
+};
+
+struct JudgedDrop
+{
+    DroppedItems items;
+    DropEffects effects;
+};
+
+// Follows symbolic links on the way to each item, at its end and in `root`. Touches the disk once or twice
+// for each item; for any thread.
+JudgedDrop judgeDrop(const std::vector<Location> &items, const Location &root);
 
 } // namespace cratewell

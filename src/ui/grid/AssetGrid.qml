@@ -39,7 +39,9 @@ T.Control {
     function showMenu(row: int, at: point): void {
         forceActiveFocus(Qt.PopupFocusReason);
         assets.pick(row);
-        cardMenu.reopen({ at: at });
+        cardMenu.x = at.x;
+        cardMenu.y = at.y;
+        cardMenu.reopen();
     }
     function showMenuAtFocus(): void {
         const card = view.itemAtIndex(assets.currentRow);
@@ -65,7 +67,7 @@ T.Control {
                                                 && event.modifiers & Qt.ShiftModifier))
             showMenuAtFocus();
         else if (event.key === Qt.Key_Escape && AppState.selectedCount > 1)
-            SelectionActions.clear();
+            AppState.clearSelected();
         else if (!move(event.key, event.modifiers))
             return;
         event.accepted = true;
@@ -87,7 +89,6 @@ T.Control {
         count: assets.count
         linesInView: view.linesInView
     }
-    VaultThumbnails { id: thumbnails }
 
     Connections {
         function onScopeChanged() { view.startOver(); }
@@ -211,7 +212,7 @@ T.Control {
                 showBadge: Prefs.showBadges
                 scrubs: Prefs.hoverScrub
                 showName: Prefs.showNames
-                source: thumbnails
+                source: VaultThumbnails
                 width: view.cardWidth
 
                 onClicked: modifiers => {
@@ -238,7 +239,7 @@ T.Control {
 
                 card: null
 
-                onToggled: assets.toggleFavorite(assets.rowOf(card.url))
+                onToggled: AssetActions.toggleFavorite(card.url)
             }
 
             T.ScrollBar.vertical: ThinScrollBar {
@@ -262,30 +263,23 @@ T.Control {
         wanted: assets.count === 0
         width: Math.min(300, parent.width - 2 * Theme.space4)
     }
-    PopupLoader {
+    OnDemand {
         id: bar
-
-        readonly property bool wanted: SelectionActions.count > 1
 
         anchors.bottom: parent.bottom
         anchors.bottomMargin: Theme.space3
         anchors.horizontalCenter: parent.horizontalCenter
-        file: "SelectionBar.qml"
+        focusAfter: grid
+        height: grid.barHeight
+        wanted: AssetActions.countInView > 1
+        width: made?.width ?? 0
 
-        onWantedChanged: {
-            if (wanted) {
-                open({ height: grid.barHeight });
-                return;
-            }
-            if (activeFocus)
-                grid.forceActiveFocus(Qt.OtherFocusReason);
-            release();
-        }
+        content: SelectionBar { height: grid.barHeight }
     }
     GridDrops { anchors.fill: parent }
-    PopupLoader {
+    PopupHost {
         id: cardMenu
 
-        file: "CardMenu.qml"
+        popup: CardMenu {}
     }
 }

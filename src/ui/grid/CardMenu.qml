@@ -4,79 +4,72 @@ import QtQuick
 import Cratewell
 
 // What can be done with the selected assets.
-Item {
-    id: place
+GlassMenu {
+    id: menu
 
-    required property point at
-    readonly property bool several: SelectionActions.count > 1
+    readonly property bool several: AssetActions.countInView > 1
 
+    title: qsTr("Asset")
+    visible: true
+
+    MenuHeading { text: qsTr("Insert into") }
+    GlassMenuItem {
+        enabled: AssetActions.insertable
+        text: qsTr("DaVinci Resolve")
+
+        onTriggered: AssetActions.insertInto(AssetActions.Resolve)
+    }
+    GlassMenuItem {
+        enabled: AssetActions.insertable
+        text: qsTr("Premiere Pro")
+
+        onTriggered: AssetActions.insertInto(AssetActions.Premiere)
+    }
+    MenuDivider {}
+    GlassMenuItem {
+        text: AssetActions.favoritesInView ? qsTr("Unfavorite") : qsTr("Favorite")
+
+        onTriggered: AssetActions.toggleFavoritesInView()
+    }
     GlassMenu {
-        title: qsTr("Asset")
-        visible: true
-        x: place.at.x
-        y: place.at.y
+        id: moveMenu
 
-        onClosed: (place.parent as PopupLoader)?.release()
+        enabled: folders.count > 0
+        implicitWidth: 240
+        title: qsTr("Move to")
 
-        MenuHeading { text: qsTr("Insert into") }
-        GlassMenuItem {
-            enabled: SelectionActions.insertable
-            text: qsTr("DaVinci Resolve")
-
-            onTriggered: SelectionActions.insertInto(SelectionActions.Resolve)
+        onVisibleChanged: {
+            if (visible)
+                folders.forceActiveFocus(Qt.PopupFocusReason);
         }
-        GlassMenuItem {
-            enabled: SelectionActions.insertable
-            text: qsTr("Premiere Pro")
 
-            onTriggered: SelectionActions.insertInto(SelectionActions.Premiere)
+        MoveList {
+            id: folders
+
+            onChosen: moveMenu.dismiss()
         }
-        MenuDivider {}
-        GlassMenuItem {
-            text: SelectionActions.favorite ? qsTr("Unfavorite") : qsTr("Favorite")
+    }
+    GlassMenuItem {
+        text: menu.several ? qsTr("New Folder with Selection…") : qsTr("New Folder with Item…")
 
-            onTriggered: SelectionActions.toggleFavorite()
-        }
-        GlassMenu {
-            id: moveMenu
+        onTriggered: AppState.newFolderFromSelection()
+    }
+    GlassMenuItem {
+        enabled: !menu.several
+        text: qsTr("Rename…")
 
-            enabled: folders.count > 0
-            implicitWidth: 240
-            title: qsTr("Move to")
+        onTriggered: AssetActions.renameFocused()
+    }
+    GlassMenuItem {
+        text: qsTr("Reveal in Finder")
 
-            onVisibleChanged: {
-                if (visible)
-                    folders.forceActiveFocus(Qt.PopupFocusReason);
-            }
+        onTriggered: AssetActions.revealSelected()
+    }
+    MenuDivider {}
+    GlassMenuItem {
+        destructive: true
+        text: qsTr("Move to Trash")
 
-            MoveList {
-                id: folders
-
-                onChosen: moveMenu.dismiss()
-            }
-        }
-        GlassMenuItem {
-            text: place.several ? qsTr("New Folder with Selection…") : qsTr("New Folder with Item…")
-
-            onTriggered: AppState.newFolderFromSelection()
-        }
-        GlassMenuItem {
-            enabled: !place.several
-            text: qsTr("Rename…")
-
-            onTriggered: SelectionActions.rename()
-        }
-        GlassMenuItem {
-            text: qsTr("Reveal in Finder")
-
-            onTriggered: AppState.revealSelected()
-        }
-        MenuDivider {}
-        GlassMenuItem {
-            destructive: true
-            text: qsTr("Move to Trash")
-
-            onTriggered: SelectionActions.moveToTrash()
-        }
+        onTriggered: AssetActions.moveInViewToTrash()
     }
 }

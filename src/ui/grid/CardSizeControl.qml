@@ -10,8 +10,12 @@ Row {
     required property real size
     readonly property real smallest: 140
     readonly property real largest: 340
-    // Also while it is hidden.
-    readonly property real fullWidth: fewer.width + slider.width + more.width + 2 * spacing
+    // Of the slider.
+    property real length: longest
+    readonly property real longest: 90
+    readonly property real shortest: 48
+    // Without the slider; also while all of it is hidden.
+    readonly property real signsWidth: fewer.width + more.width + 2 * spacing
 
     signal chosen(real size)
 
@@ -34,6 +38,7 @@ Row {
         shown: control.size
         stepSize: 1
         to: control.largest
+        width: control.length
 
         onChosen: size => control.chosen(size)
     }

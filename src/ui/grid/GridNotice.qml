@@ -7,13 +7,13 @@ import Cratewell
 EmptyState {
     required property bool wanted
 
-    action: notice.action
-    end: notice.end
+    action: EmptyStateModel.action
+    end: EmptyStateModel.end
     opacity: wanted ? 1 : 0
-    sentence: notice.sentence
-    start: notice.start
-    symbol: notice.icon
-    title: notice.title
+    sentence: EmptyStateModel.sentence
+    start: EmptyStateModel.start
+    symbol: EmptyStateModel.icon
+    title: EmptyStateModel.title
     visible: wanted
 
     // A list that fills in a moment shall not flash.
@@ -24,7 +24,5 @@ EmptyState {
         }
     }
 
-    onActed: notice.act()
-
-    EmptyStateModel { id: notice }
+    onActed: EmptyStateModel.act()
 }

@@ -3,36 +3,34 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Cratewell
 
-// Where to move the selected assets; stands on its loader's upper edge.
-Item {
-    id: place
+// Where to move the selected assets; stands on the upper edge of what opens it.
+GlassMenu {
+    id: menu
 
-    GlassMenu {
-        id: menu
+    implicitWidth: 240
+    title: qsTr("Move to")
+    visible: true
+    y: -height - 6
 
-        implicitWidth: 240
-        title: qsTr("Move to")
-        visible: true
-        y: -height - 6
+    onVisibleChanged: {
+        if (visible)
+            folders.forceActiveFocus(Qt.PopupFocusReason);
+    }
 
-        onOpened: folders.forceActiveFocus(Qt.PopupFocusReason)
-        onClosed: (place.parent as PopupLoader)?.release()
+    MoveList {
+        id: folders
 
-        MoveList {
-            id: folders
+        onChosen: menu.dismiss()
+    }
+    GlassMenuItem {
+        id: none
 
-            onChosen: menu.dismiss()
-        }
-        GlassMenuItem {
-            id: none
+        enabled: false
+        text: qsTr("No folder takes all of these")
+    }
 
-            enabled: false
-            text: qsTr("No folder takes all of these")
-        }
-
-        Component.onCompleted: {
-            if (folders.count > 0)
-                removeItem(none);
-        }
+    Component.onCompleted: {
+        if (folders.count > 0)
+            removeItem(none);
     }
 }

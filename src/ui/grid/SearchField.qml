@@ -8,6 +8,9 @@ import Cratewell
 T.TextField {
     id: control
 
+    // With all of its placeholder.
+    readonly property real wholeWidth: leftPadding + Math.ceil(placeholder.implicitWidth) + 11
+
     activeFocusOnTab: true
     color: Theme.text
     font.family: Theme.family
@@ -46,6 +49,8 @@ T.TextField {
         text: "search"
     }
     Label {
+        id: placeholder
+
         anchors.fill: parent
         anchors.leftMargin: control.leftPadding
         anchors.rightMargin: control.rightPadding

@@ -15,7 +15,7 @@ Rectangle {
     Accessible.name: qsTr("Selection")
     Accessible.role: Accessible.ToolBar
 
-    Keys.onEscapePressed: SelectionActions.clear()
+    Keys.onEscapePressed: AppState.clearSelected()
 
     SoftShadow {
         anchors.fill: parent
@@ -39,19 +39,19 @@ Rectangle {
             anchors.verticalCenter: parent.verticalCenter
             font.weight: Font.Bold
             rightPadding: 2
-            text: qsTr("%1 selected").arg(SelectionActions.count)
+            text: qsTr("%1 selected").arg(AssetActions.countInView)
         }
         GlassButton {
             helpText: qsTr("Move to another folder")
             symbol: "drive_file_move"
             text: qsTr("Move to…")
 
-            onClicked: moveMenu.open({})
+            onClicked: moveMenu.open()
 
-            PopupLoader {
+            PopupHost {
                 id: moveMenu
 
-                file: "MoveMenu.qml"
+                popup: MoveMenu {}
             }
         }
         GlassButton {
@@ -63,17 +63,17 @@ Rectangle {
         }
         GlassButton {
             compact: true
-            symbol: SelectionActions.favorite ? "star" : "star_border"
-            text: SelectionActions.favorite ? qsTr("Unfavorite") : qsTr("Favorite")
+            symbol: AssetActions.favoritesInView ? "star" : "star_border"
+            text: AssetActions.favoritesInView ? qsTr("Unfavorite") : qsTr("Favorite")
 
-            onClicked: SelectionActions.toggleFavorite()
+            onClicked: AssetActions.toggleFavoritesInView()
         }
         GlassButton {
             compact: true
             symbol: "search"
             text: qsTr("Reveal in Finder")
 
-            onClicked: AppState.revealSelected()
+            onClicked: AssetActions.revealSelected()
         }
         GlassButton {
             compact: true
@@ -81,14 +81,14 @@ Rectangle {
             symbol: "delete"
             text: qsTr("Move to Trash")
 
-            onClicked: SelectionActions.moveToTrash()
+            onClicked: AssetActions.moveInViewToTrash()
         }
         IconButton {
             anchors.verticalCenter: parent.verticalCenter
             symbol: "close"
             text: qsTr("Clear Selection")
 
-            onClicked: SelectionActions.clear()
+            onClicked: AppState.clearSelected()
         }
     }
 }

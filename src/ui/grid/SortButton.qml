@@ -8,22 +8,28 @@ GlassButton {
     id: button
 
     required property int order
-    readonly property list<string> names: [qsTr("Name"), qsTr("Added"), qsTr("Kind"), qsTr("Size")]
+    required property list<string> labels
 
     signal chosen(int order)
 
     helpText: qsTr("Sort")
     symbol: "swap_vert"
-    text: names[order]
+    text: labels[order]
 
     Accessible.description: qsTr("Sort")
 
-    onClicked: menu.open({ button: button })
+    onClicked: menu.open()
 
-    PopupLoader {
+    PopupHost {
         id: menu
 
-        file: "SortMenu.qml"
         y: button.height + 4
+
+        popup: SortMenu {
+            labels: button.labels
+            order: button.order
+
+            onChosen: order => button.chosen(order)
+        }
     }
 }

@@ -4,32 +4,31 @@ import QtQuick
 import Cratewell
 
 // The orders to choose from.
-Item {
-    id: place
+GlassMenu {
+    id: menu
 
-    required property SortButton button
+    required property list<string> labels
+    required property int order
 
-    GlassMenu {
-        implicitWidth: 148
-        title: qsTr("Sort")
-        visible: true
+    signal chosen(order: int)
 
-        onClosed: (place.parent as PopupLoader).release()
+    implicitWidth: 148
+    title: qsTr("Sort")
+    visible: true
 
-        Repeater {
-            model: place.button.names
+    Repeater {
+        model: menu.labels
 
-            GlassMenuItem {
-                required property string modelData
-                required property int index
+        GlassMenuItem {
+            required property string modelData
+            required property int index
 
-                checkable: true
-                checked: index === place.button.order
-                implicitWidth: 136
-                text: modelData
+            checkable: true
+            checked: index === menu.order
+            implicitWidth: 136
+            text: modelData
 
-                onTriggered: place.button.chosen(index)
-            }
+            onTriggered: menu.chosen(index)
         }
     }
 }

@@ -4,7 +4,8 @@ import QtQuick
 import Cratewell
 
 // Heads the grid: what it shows, how much, and the controls for it. As it gets narrower, buttons lose their
-// text, then the search field shrinks, then the card size hides; the title takes what is left.
+// text, the search field shrinks to its placeholder, the card size shrinks and hides, and only then is the
+// placeholder cut; the title takes what is left.
 Item {
     id: toolbar
 
@@ -15,15 +16,16 @@ Item {
     readonly property int searchWidest: 220
     readonly property int searchNarrowest: 88
     readonly property real titleWidth: Math.max(title.implicitWidth, countLine.implicitWidth)
-    readonly property real cardSizeWidth: cardSize.fullWidth + gap
+    // The card size without its slider.
+    readonly property real signsWidth: cardSize.signsWidth + gap
     // What title, compact buttons, the sort button in full, margins and gaps leave for the search field, the
     // card size and the buttons' texts.
     readonly property real room: width - titleWidth - newFolderButton.compactWidth - importButton.compactWidth
                                  - sortButton.fullWidth - inspectorButton.width - 5 * gap - 14
     readonly property real textsWidth: newFolderButton.fullWidth + importButton.fullWidth
                                        - newFolderButton.compactWidth - importButton.compactWidth
-    readonly property bool fullButtons: room >= searchWidest + cardSizeWidth + textsWidth
-    readonly property bool showCardSize: room >= searchNarrowest + cardSizeWidth
+    readonly property bool fullButtons: room >= searchWidest + signsWidth + cardSize.longest + textsWidth
+    readonly property bool showCardSize: room >= searchField.wholeWidth + signsWidth + cardSize.shortest
     readonly property bool fullSort: room >= searchNarrowest
 
     readonly property real importMenuX: controls.x + importButton.x
@@ -103,7 +105,7 @@ Item {
             text: AppState.search
             width: Math.max(toolbar.searchNarrowest,
                             Math.min(toolbar.searchWidest,
-                                     toolbar.room - (toolbar.showCardSize ? toolbar.cardSizeWidth : 0)))
+                                     toolbar.room - (toolbar.showCardSize ? toolbar.signsWidth + cardSize.length : 0)))
 
             onTextChanged: AppState.search = text
         }
@@ -112,6 +114,7 @@ Item {
 
             anchors.verticalCenter: parent.verticalCenter
             compact: !toolbar.fullSort
+            labels: Navigator.orderLabels
             order: Navigator.order
 
             onChosen: order => Navigator.order = order
@@ -120,6 +123,7 @@ Item {
             id: cardSize
 
             anchors.verticalCenter: parent.verticalCenter
+            length: Math.max(shortest, Math.min(longest, toolbar.room - searchField.wholeWidth - toolbar.signsWidth))
             size: Prefs.cardSize
             visible: toolbar.showCardSize
 

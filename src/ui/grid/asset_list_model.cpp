@@ -138,13 +138,6 @@ void AssetListModel::pick(int row)
         m_state->click(picked, Qt::NoModifier);
 }
 
-void AssetListModel::toggleFavorite(int row)
-{
-    const Location url = urlAt(row);
-    if (!url.isEmpty() && m_prefs)
-        m_prefs->toggleFavorite(url);
-}
-
 void AssetListModel::follow(const SnapshotDiff *diff)
 {
     if (m_applying) {
@@ -195,7 +188,7 @@ FormerRows AssetListModel::formerRowsOf(const VisibleAssets &fresh, const Snapsh
     return formerRows(shown, fresh.indices, VaultScan::compare(shown.snapshot, fresh.snapshot).previous);
 }
 
-// Rows that stay are as selected as the views know them; the difference is told afterwards.
+// Rows that stay are as selected as the views know them; the difference is reported afterwards.
 AssetListModel::Rows AssetListModel::carriedOver(const VisibleAssets &fresh, const FormerRows &former) const
 {
     Rows rows{fresh, std::vector<bool>(fresh.indices.size()), 0};
@@ -290,7 +283,7 @@ void AssetListModel::show(Rows rows)
 
 void AssetListModel::updateSelected()
 {
-    // Flags of another snapshot are told once its rows are shown.
+    // Flags of another snapshot are reported once its rows are shown.
     if (!m_state || m_applying || m_state->visibleAssets().snapshot != m_head.assets.snapshot)
         return;
     if (m_head.selectedCount == 0 && m_state->selectedCount() == 0)

@@ -17,9 +17,8 @@ class AssetListModel : public QAbstractListModel
 {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(cratewell::AppState *state READ state WRITE setState NOTIFY stateChanged FINAL)
-    // Optional: without it nothing is a favorite.
-    Q_PROPERTY(cratewell::Prefs *prefs READ prefs WRITE setPrefs NOTIFY prefsChanged FINAL)
+    Q_PROPERTY(cratewell::AppState *state READ state WRITE setState NOTIFY stateChanged REQUIRED FINAL)
+    Q_PROPERTY(cratewell::Prefs *prefs READ prefs WRITE setPrefs NOTIFY prefsChanged REQUIRED FINAL)
     Q_PROPERTY(int count READ count NOTIFY countChanged FINAL)
     // The row of the focused asset, or -1.
     Q_PROPERTY(int currentRow READ currentRow NOTIFY currentRowChanged FINAL)
@@ -60,7 +59,6 @@ public:
     // As when something is about to be done with the row and all that is selected beside it: focuses it, and
     // selects it alone unless it is among the selected.
     Q_INVOKABLE void pick(int row);
-    Q_INVOKABLE void toggleFavorite(int row);
 
 Q_SIGNALS:
     void stateChanged();
@@ -99,7 +97,7 @@ private:
     void updateFocused();
     void updateFavorites();
     void updateCurrentRow();
-    // `rows` are ascending; too many runs of them are told as one.
+    // `rows` are ascending; too many runs of them are reported as one.
     void notifyChanged(const std::vector<int> &rows, const QList<int> &roles);
 
     QPointer<AppState> m_state;

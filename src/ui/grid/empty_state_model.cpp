@@ -88,43 +88,39 @@ QString actionText(Notice::Action action)
     return {};
 }
 
-EmptyStateModel::EmptyStateModel(QObject *parent) : QObject(parent) {}
-
-void EmptyStateModel::follow(AppState &state, const Vault &vault, Workspace &workspace)
+EmptyStateModel::EmptyStateModel(AppState &state, const Vault &vault, Workspace &workspace)
+    : m_state(state), m_vault(vault), m_workspace(workspace)
 {
-    m_state = &state;
-    m_vault = &vault;
-    m_workspace = &workspace;
     connect(&state, &AppState::scopeChanged, this, &EmptyStateModel::renew);
     connect(&state, &AppState::searchChanged, this, &EmptyStateModel::renew);
     renew();
 }
 
-void EmptyStateModel::componentComplete()
+EmptyStateModel *EmptyStateModel::create(QQmlEngine *engine, QJSEngine *)
 {
-    const UiContext &objects = uiContext(*this);
-    follow(objects.state, objects.vault, objects.workspace);
+    const UiContext &context = UiEngine::contextOf(engine);
+    return new EmptyStateModel(context.state, context.vault, context.workspace);
 }
 
 void EmptyStateModel::act()
 {
     switch (m_notice.action) {
     case Notice::Action::OpenFolder:
-        m_workspace->open(m_state->scope().kind() == Scope::Kind::Folder ? m_state->scope().folder()
-                                                                         : m_vault->root());
+        m_workspace.open(m_state.scope().kind() == Scope::Kind::Folder ? m_state.scope().folder()
+                                                                       : m_vault.root());
         return;
     case Notice::Action::ShowAll:
-        m_state->setScope(Scope::all());
+        m_state.setScope(Scope::all());
         return;
     case Notice::Action::ClearSearch:
-        m_state->setSearch({});
+        m_state.setSearch({});
         return;
     }
 }
 
 void EmptyStateModel::renew()
 {
-    m_notice = noticeFor(m_state->scope(), m_state->search(), m_vault->root());
+    m_notice = noticeFor(m_state.scope(), m_state.search(), m_vault.root());
     Q_EMIT changed();
 }
 

@@ -4,8 +4,10 @@
 
 #include <QColor>
 #include <QObject>
-#include <QQmlParserStatus>
 #include <QtQml/qqmlregistration.h>
+
+class QJSEngine;
+class QQmlEngine;
 
 namespace cratewell {
 
@@ -32,11 +34,11 @@ Notice noticeFor(const Scope &scope, const QString &search, const Location &root
 QString actionText(Notice::Action action);
 
 // The notice for what is in view now, in QML. Main thread.
-class EmptyStateModel : public QObject, public QQmlParserStatus
+class EmptyStateModel : public QObject
 {
     Q_OBJECT
-    Q_INTERFACES(QQmlParserStatus)
     QML_ELEMENT
+    QML_SINGLETON
     Q_PROPERTY(QString icon READ icon NOTIFY changed FINAL)
     Q_PROPERTY(QColor start READ start NOTIFY changed FINAL)
     Q_PROPERTY(QColor end READ end NOTIFY changed FINAL)
@@ -44,10 +46,8 @@ class EmptyStateModel : public QObject, public QQmlParserStatus
     Q_PROPERTY(QString sentence READ sentence NOTIFY changed FINAL)
     Q_PROPERTY(QString action READ action NOTIFY changed FINAL)
 public:
-    explicit EmptyStateModel(QObject *parent = nullptr);
-
-    // All must outlive this. In QML they are the program's own.
-    void follow(AppState &state, const Vault &vault, Workspace &workspace);
+    EmptyStateModel(AppState &state, const Vault &vault, Workspace &workspace);
+    static EmptyStateModel *create(QQmlEngine *engine, QJSEngine *);
 
     QString icon() const { return m_notice.icon; }
     QColor start() const { return m_notice.start; }
@@ -58,18 +58,15 @@ public:
 
     Q_INVOKABLE void act();
 
-    void classBegin() override {}
-    void componentComplete() override;
-
 Q_SIGNALS:
     void changed();
 
 private:
     void renew();
 
-    AppState *m_state = nullptr;
-    const Vault *m_vault = nullptr;
-    Workspace *m_workspace = nullptr;
+    AppState &m_state;
+    const Vault &m_vault;
+    Workspace &m_workspace;
     Notice m_notice;
 };
 

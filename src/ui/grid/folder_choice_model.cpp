@@ -1,17 +1,14 @@
 #include "ui/grid/folder_choice_model.h"
 
-#include "state/app_state.h"
-#include "ui/shell/ui_engine.h"
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
 
 namespace cratewell {
 
-void FolderChoiceModel::componentComplete()
-{
-    const UiContext &objects = uiContext(*this);
-    fill(objects.vault, objects.state);
-}
+namespace {
 
-void FolderChoiceModel::fill(const Vault &vault, const AppState &state)
+QSet<AssetKind> selectedKinds(const AppState &state)
 {
     QSet<AssetKind> kinds;
     const VisibleAssets &visible = state.visibleAssets();
@@ -19,8 +16,28 @@ void FolderChoiceModel::fill(const Vault &vault, const AppState &state)
         if (state.isSelected(index))
             kinds.insert(visible.snapshot->asset(index).kind);
     }
+    return kinds;
+}
+
+} // namespace
+
+FolderChoiceModel::FolderChoiceModel(QObject *parent) : QAbstractListModel(parent)
+{
+    connect(this, &FolderChoiceModel::sourceChanged, this, &FolderChoiceModel::fill);
+}
+
+// QML sets the required properties one after the other.
+void FolderChoiceModel::fill()
+{
+    if (!m_vault || !m_state)
+        return;
     beginResetModel();
-    m_folders = vault.flatFolders(kinds);
+    if (m_purpose == Move) {
+        m_folders = m_vault->flatFolders(selectedKinds(*m_state));
+    } else {
+        m_folders = m_vault->flatFolders();
+        m_folders.insert(m_folders.begin(), FolderChoice());
+    }
     endResetModel();
 }
 
@@ -39,7 +56,7 @@ QVariant FolderChoiceModel::data(const QModelIndex &index, int role) const
         return QVariant::fromValue(choice.url);
     case NameRole:
     case Qt::DisplayRole:
-        return choice.url.name();
+        return choice.url.isEmpty() ? sortByTypeText() : choice.url.name();
     case DepthRole:
         return choice.depth;
     default:
@@ -50,6 +67,17 @@ QVariant FolderChoiceModel::data(const QModelIndex &index, int role) const
 QHash<int, QByteArray> FolderChoiceModel::roleNames() const
 {
     return {{FolderRole, "folder"}, {NameRole, "name"}, {DepthRole, "depth"}};
+}
+
+int FolderChoiceModel::rowOf(const Location &folder) const
+{
+    const auto found = std::ranges::find(m_folders, folder, &FolderChoice::url);
+    return found == m_folders.end() ? -1 : int(found - m_folders.begin());
+}
+
+QString sortByTypeText()
+{
+    return u"Sort by type automatically"_s;
 }
 
 } // namespace cratewell

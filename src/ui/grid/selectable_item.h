@@ -4,8 +4,8 @@
 
 namespace cratewell {
 
-// One entry of a list whose being selected is told to assistive programs as it changes. The role and name are
-// given by the Accessible properties as usual.
+// One entry of a list that reports to assistive programs when it is selected or no longer is. The role and
+// name are given by the Accessible properties as usual.
 class SelectableItem : public QQuickItem
 {
     Q_OBJECT

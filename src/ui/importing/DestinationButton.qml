@@ -8,15 +8,13 @@ import Cratewell
 T.Button {
     id: control
 
-    required property ImportController desk
-
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
     hoverEnabled: true
     implicitHeight: Theme.controlHeight
     leftPadding: 12
     rightPadding: 10
-    text: desk.label
+    text: ImportController.label
 
     Accessible.description: qsTr("Destination")
     Accessible.name: text
@@ -27,7 +25,7 @@ T.Button {
     Keys.onEnterPressed: clicked()
     Keys.onReturnPressed: clicked()
 
-    onClicked: menu.open({ desk: desk, width: width })
+    onClicked: menu.open()
 
     background: ButtonPane {
         focused: control.visualFocus
@@ -53,10 +51,11 @@ T.Button {
         }
     }
 
-    PopupLoader {
+    PopupHost {
         id: menu
 
-        file: "DestinationMenu.qml"
         y: control.height + 4
+
+        popup: DestinationMenu { implicitWidth: Math.max(240, control.width) }
     }
 }

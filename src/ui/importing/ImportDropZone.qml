@@ -7,8 +7,6 @@ import Cratewell
 Item {
     id: zone
 
-    required property ImportController desk
-
     height: content.height + 50
 
     DropArea {
@@ -17,10 +15,10 @@ Item {
         anchors.fill: parent
 
         onDropped: drop => {
-            zone.desk.take(drop.urls);
+            ImportController.take(drop.urls);
             drop.accept(Qt.CopyAction);
         }
-        onEntered: drag => drag.accepted = drag.hasUrls && zone.desk.takes(drag.urls)
+        onEntered: drag => drag.accepted = drag.hasUrls && ImportController.takes(drag.urls)
     }
     Rectangle {
         anchors.fill: parent
@@ -76,15 +74,17 @@ Item {
             prominent: true
             text: qsTr("Choose Files…")
 
-            onClicked: menu.open({})
+            onClicked: menu.open()
 
-            ImportMenuLoader {
+            PopupHost {
                 id: menu
 
                 y: button.height + 4
 
-                onFilesWanted: zone.desk.chooseFiles()
-                onFolderWanted: zone.desk.chooseFolder()
+                popup: ImportMenu {
+                    onFilesWanted: ImportController.chooseFiles()
+                    onFolderWanted: ImportController.chooseFolder()
+                }
             }
         }
     }

@@ -4,29 +4,26 @@ import QtQuick
 import Cratewell
 
 // Files or a folder: one file dialog does not take both.
-Item {
-    id: place
+GlassMenu {
+    id: menu
 
-    readonly property ImportMenuLoader asker: parent as ImportMenuLoader
+    signal filesWanted
+    signal folderWanted
 
-    GlassMenu {
-        implicitWidth: 148
-        title: qsTr("Import")
-        visible: true
+    implicitWidth: 148
+    title: qsTr("Import")
+    visible: true
 
-        onClosed: place.asker.release()
+    GlassMenuItem {
+        implicitWidth: 136
+        text: qsTr("Files…")
 
-        GlassMenuItem {
-            implicitWidth: 136
-            text: qsTr("Files…")
+        onTriggered: menu.filesWanted()
+    }
+    GlassMenuItem {
+        implicitWidth: 136
+        text: qsTr("Folder…")
 
-            onTriggered: place.asker.filesWanted()
-        }
-        GlassMenuItem {
-            implicitWidth: 136
-            text: qsTr("Folder…")
-
-            onTriggered: place.asker.folderWanted()
-        }
+        onTriggered: menu.folderWanted()
     }
 }

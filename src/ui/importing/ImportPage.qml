@@ -11,10 +11,6 @@ Page {
     subtitle: qsTr("Add overlays, LUTs and sound effects to your vault.")
     title: qsTr("Import")
 
-    ImportController { id: desk }
-    RecentImportsModel { id: recent }
-    VaultThumbnails { id: thumbnails }
-
     Flickable {
         id: scroll
 
@@ -35,7 +31,6 @@ Page {
             y: 4
 
             ImportDropZone {
-                desk: desk
                 width: parent.width
             }
             Grid {
@@ -57,8 +52,7 @@ Page {
                         y: 14
                     }
                     DestinationButton {
-                        desk: desk
-                        width: parent.width - 30
+                                width: parent.width - 30
                         x: 15
                         y: 36
                     }
@@ -103,7 +97,7 @@ Page {
             }
             SectionLabel {
                 text: qsTr("Just imported")
-                visible: recent.count > 0
+                visible: RecentImportsModel.count > 0
 
                 Accessible.ignored: !visible
             }
@@ -116,26 +110,26 @@ Page {
                 height: Math.max(0, contentHeight - 10)
                 interactive: false
                 keyNavigationEnabled: true
-                model: recent
+                model: RecentImportsModel
                 visible: count > 0
                 width: parent.width + 10
 
                 Accessible.name: qsTr("Just imported")
                 Accessible.role: Accessible.List
 
-                Keys.onEnterPressed: recent.focus(currentIndex)
-                Keys.onReturnPressed: recent.focus(currentIndex)
-                Keys.onSpacePressed: recent.focus(currentIndex)
+                Keys.onEnterPressed: RecentImportsModel.focus(currentIndex)
+                Keys.onReturnPressed: RecentImportsModel.focus(currentIndex)
+                Keys.onSpacePressed: RecentImportsModel.focus(currentIndex)
 
                 delegate: ImportCard {
                     required property int index
 
                     current: cards.activeFocus && GridView.isCurrentItem
-                    source: thumbnails
+                    source: VaultThumbnails
 
                     onActivated: {
                         cards.currentIndex = index;
-                        recent.focus(index);
+                        RecentImportsModel.focus(index);
                     }
                 }
             }

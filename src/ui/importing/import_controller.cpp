@@ -1,12 +1,10 @@
 #include "ui/importing/import_controller.h"
 
 #include "platform/defaults.h"
-#include "state/app_state.h"
-#include "state/prefs.h"
+#include "ui/grid/folder_choice_model.h"
+#include "ui/shell/asset_actions.h"
 #include "ui/shell/ui_engine.h"
 #include "vault/vault.h"
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -15,81 +13,61 @@ namespace cratewell {
 namespace {
 
 constexpr auto destinationKey = "importDestination"_L1;
-constexpr int indentation = 4; // spaces per level
 
 } // namespace
 
-void ImportController::follow(Vault &vault, AppState &state, const Prefs &prefs, Defaults &defaults)
+ImportController::ImportController(Vault &vault, Defaults &defaults, AssetActions &actions)
+    : m_vault(vault), m_defaults(defaults), m_actions(actions)
 {
-    m_vault = &vault;
-    m_state = &state;
-    m_prefs = &prefs;
-    m_defaults = &defaults;
     connect(&vault, &Vault::rescanned, this, &ImportController::refresh);
     refresh();
 }
 
-void ImportController::componentComplete()
+ImportController *ImportController::create(QQmlEngine *engine, QJSEngine *)
 {
-    const UiContext &objects = uiContext(*this);
-    follow(objects.vault, objects.state, objects.prefs, objects.defaults);
+    const UiContext &context = UiEngine::contextOf(engine);
+    return new ImportController(context.vault, context.defaults, context.actions);
 }
 
 void ImportController::refresh()
 {
-    std::vector<Location> folders;
-    QStringList choices{u"Sort by type automatically"_s};
-    for (const FolderChoice &choice : m_vault->flatFolders()) {
-        folders.push_back(choice.url);
-        choices.append(QString(indentation * choice.depth, u' ') + choice.url.name());
-    }
-    if (m_choices.isEmpty() || folders != m_folders) {
-        m_folders = std::move(folders);
-        m_choices = choices;
-        Q_EMIT choicesChanged();
-    }
-    findCurrent();
-}
-
-void ImportController::findCurrent()
-{
-    const Location kept = Location::fromText(m_defaults->value(destinationKey).toString());
-    const auto found = std::ranges::find(m_folders, kept);
-    m_current = found == m_folders.end() ? 0 : 1 + int(found - m_folders.begin());
-    Q_EMIT currentChanged();
+    const Location kept = Location::fromText(m_defaults.value(destinationKey).toString());
+    const Location found = m_vault.snapshot()->node(kept) ? kept : Location();
+    if (found == m_destination)
+        return;
+    m_destination = found;
+    Q_EMIT destinationChanged();
 }
 
 QString ImportController::label() const
 {
-    return m_choices.value(m_current).trimmed();
+    return m_destination.isEmpty() ? sortByTypeText() : m_destination.name();
 }
 
-void ImportController::choose(int index)
+void ImportController::choose(const Location &folder)
 {
-    if (index < 0 || index >= m_choices.size())
-        return;
-    m_defaults->setValue(destinationKey, index == 0 ? QString() : m_folders[size_t(index) - 1].text());
-    findCurrent();
+    m_defaults.setValue(destinationKey, folder.text());
+    refresh();
 }
 
-std::optional<Location> ImportController::destination() const
+std::optional<Location> ImportController::into() const
 {
-    return m_current == 0 ? std::nullopt : std::optional(m_folders[size_t(m_current) - 1]);
+    return m_destination.isEmpty() ? std::nullopt : std::optional(m_destination);
 }
 
 void ImportController::chooseFiles()
 {
-    m_state->importPanel(ChooseRequest::What::Files, destination());
+    m_actions.chooseImports(ChooseRequest::What::Files, into());
 }
 
 void ImportController::chooseFolder()
 {
-    m_state->importPanel(ChooseRequest::What::Folders, destination());
+    m_actions.chooseImports(ChooseRequest::What::Folders, into());
 }
 
 std::vector<Location> ImportController::outside(const QList<QUrl> &urls) const
 {
-    const Location root = m_vault->root().resolved();
+    const Location root = m_vault.root().resolved();
     std::vector<Location> places;
     for (const QUrl &url : urls) {
         const Location place = Location::fromUrl(url);
@@ -108,8 +86,7 @@ bool ImportController::takes(const QList<QUrl> &urls) const
 void ImportController::take(const QList<QUrl> &urls)
 {
     if (const std::vector<Location> places = outside(urls); !places.empty())
-        m_vault->importItems(places, destination(),
-                             m_prefs->importMove() ? ImportMode::Move : ImportMode::Copy);
+        m_actions.importItems(places, into());
 }
 
 } // namespace cratewell

@@ -3,40 +3,38 @@
 #include "platform/location.h"
 
 #include <QObject>
-#include <QQmlParserStatus>
-#include <QStringList>
 #include <QUrl>
 #include <QtQml/qqml.h>
+#include <optional>
 #include <vector>
+
+class QJSEngine;
+class QQmlEngine;
 
 namespace cratewell {
 
-class AppState;
+class AssetActions;
 class Defaults;
-class Prefs;
 class Vault;
 
 // Where the import page puts what it is given, kept for the next start, and the ways to give it something.
-class ImportController : public QObject, public QQmlParserStatus
+class ImportController : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
-    Q_INTERFACES(QQmlParserStatus)
-    // By type first, then every folder, indented by its depth.
-    Q_PROPERTY(QStringList choices READ choices NOTIFY choicesChanged FINAL)
-    // Which of them is chosen; 0 also for a folder that is no longer there.
-    Q_PROPERTY(int current READ current NOTIFY currentChanged FINAL)
-    // The chosen one without its indentation.
-    Q_PROPERTY(QString label READ label NOTIFY currentChanged FINAL)
+    QML_SINGLETON
+    // Empty for a place by the type of the file; so also while the chosen folder is not there.
+    Q_PROPERTY(cratewell::Location destination READ destination NOTIFY destinationChanged FINAL)
+    Q_PROPERTY(QString label READ label NOTIFY destinationChanged FINAL)
 public:
-    // What QML does when it has made the object. All must outlive it.
-    void follow(Vault &vault, AppState &state, const Prefs &prefs, Defaults &defaults);
+    ImportController(Vault &vault, Defaults &defaults, AssetActions &actions);
+    static ImportController *create(QQmlEngine *engine, QJSEngine *);
 
-    const QStringList &choices() const { return m_choices; }
-    int current() const { return m_current; }
+    const Location &destination() const { return m_destination; }
     QString label() const;
 
-    Q_INVOKABLE void choose(int index);
+    // An empty one for a place by type.
+    Q_INVOKABLE void choose(const cratewell::Location &folder);
     Q_INVOKABLE void chooseFiles();
     Q_INVOKABLE void chooseFolder();
     // Whether any of these lies outside the vault and so can be imported.
@@ -44,24 +42,17 @@ public:
     Q_INVOKABLE void take(const QList<QUrl> &urls);
 
 Q_SIGNALS:
-    void choicesChanged();
-    void currentChanged();
+    void destinationChanged();
 
 private:
-    void classBegin() override {}
-    void componentComplete() override;
     void refresh();
-    void findCurrent();
-    std::optional<Location> destination() const;
+    std::optional<Location> into() const;
     std::vector<Location> outside(const QList<QUrl> &urls) const;
 
-    Vault *m_vault = nullptr;
-    AppState *m_state = nullptr;
-    const Prefs *m_prefs = nullptr;
-    Defaults *m_defaults = nullptr;
-    std::vector<Location> m_folders; // as the choices after the first
-    QStringList m_choices;
-    int m_current = 0;
+    Vault &m_vault;
+    Defaults &m_defaults;
+    AssetActions &m_actions;
+    Location m_destination;
 };
 
 } // namespace cratewell

@@ -5,32 +5,30 @@
 
 namespace cratewell {
 
-void RecentImportsModel::follow(Vault &vault, AppState &state)
+RecentImportsModel::RecentImportsModel(const Vault &vault, AppState &state) : m_vault(vault), m_state(state)
 {
-    m_vault = &vault;
-    m_state = &state;
     connect(&vault, &Vault::recentImportsChanged, this, &RecentImportsModel::refresh);
     connect(&vault, &Vault::rescanned, this, [this] { notifyChanged({PresentRole}); });
     refresh();
 }
 
-void RecentImportsModel::componentComplete()
+RecentImportsModel *RecentImportsModel::create(QQmlEngine *engine, QJSEngine *)
 {
-    const UiContext &objects = uiContext(*this);
-    follow(objects.vault, objects.state);
+    const UiContext &context = UiEngine::contextOf(engine);
+    return new RecentImportsModel(context.vault, context.state);
 }
 
 void RecentImportsModel::refresh()
 {
     std::vector<QByteArray> keys;
-    for (const Location &place : m_vault->recentImports())
+    for (const Location &place : m_vault.recentImports())
         keys.push_back(place.bytes());
     showKeys(keys);
 }
 
 std::optional<Asset> RecentImportsModel::assetAt(int row) const
 {
-    const VaultSnapshot &snapshot = *m_vault->snapshot();
+    const VaultSnapshot &snapshot = *m_vault.snapshot();
     const auto index = snapshot.find(Location::fromStandardized(keyAt(row)));
     return index ? std::optional(snapshot.asset(*index)) : std::nullopt;
 }
@@ -64,7 +62,7 @@ QHash<int, QByteArray> RecentImportsModel::roleNames() const
 void RecentImportsModel::focus(int row)
 {
     if (const std::optional<Asset> asset = assetAt(row))
-        m_state->setSelection(asset);
+        m_state.setSelection(asset);
 }
 
 } // namespace cratewell

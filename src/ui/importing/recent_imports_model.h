@@ -3,18 +3,19 @@
 #include "ui/controls/keyed_list_model.h"
 #include "vault/vault.h"
 
-#include <QQmlParserStatus>
+class QJSEngine;
+class QQmlEngine;
 
 namespace cratewell {
 
 class AppState;
 
 // Where the last imports put their files, newest first.
-class RecentImportsModel : public cratewell::KeyedListModel, public QQmlParserStatus
+class RecentImportsModel : public cratewell::KeyedListModel
 {
     Q_OBJECT
     QML_ELEMENT
-    Q_INTERFACES(QQmlParserStatus)
+    QML_SINGLETON
 public:
     enum Role {
         UrlRole = Qt::UserRole + 1,
@@ -23,8 +24,8 @@ public:
         PresentRole, // whether the vault's snapshot has it
     };
 
-    // What QML does when it has made the model. Both must outlive it.
-    void follow(Vault &vault, AppState &state);
+    RecentImportsModel(const Vault &vault, AppState &state);
+    static RecentImportsModel *create(QQmlEngine *engine, QJSEngine *);
 
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
@@ -33,13 +34,11 @@ public:
     Q_INVOKABLE void focus(int row);
 
 private:
-    void classBegin() override {}
-    void componentComplete() override;
     void refresh();
     std::optional<Asset> assetAt(int row) const;
 
-    Vault *m_vault = nullptr;
-    AppState *m_state = nullptr;
+    const Vault &m_vault;
+    AppState &m_state;
 };
 
 } // namespace cratewell

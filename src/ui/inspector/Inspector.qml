@@ -12,9 +12,6 @@ GlassPanel {
     Accessible.name: qsTr("Preview")
     Accessible.role: Accessible.Pane
 
-    SelectionInfo { id: selection }
-    VaultThumbnails { id: thumbnails }
-
     EmptyState {
         anchors.centerIn: parent
         end: Theme.pink
@@ -22,13 +19,13 @@ GlassPanel {
         start: Theme.accent
         symbol: "touch_app"
         title: qsTr("Nothing selected")
-        visible: !selection.present
+        visible: !SelectionInfo.present
         width: 250
     }
     Item {
         anchors.fill: parent
         anchors.margins: inspector.margin
-        visible: selection.present
+        visible: SelectionInfo.present
 
         Label {
             id: name
@@ -38,7 +35,7 @@ GlassPanel {
             anchors.rightMargin: Theme.space2
             font.pixelSize: Theme.headingSize
             font.weight: Font.Bold
-            text: selection.name
+            text: SelectionInfo.name
 
             Accessible.role: Accessible.Heading
         }
@@ -49,31 +46,31 @@ GlassPanel {
             color: Theme.textSecondary
             elide: Text.ElideMiddle
             font.pixelSize: Theme.secondarySize
-            text: selection.place
+            text: SelectionInfo.place
         }
         StarButton {
             id: favorite
 
             anchors.right: parent.right
             anchors.rightMargin: -6
-            favorite: selection.favorite
+            favorite: SelectionInfo.favorite
 
-            onClicked: Requests.toggleFavorite()
+            onClicked: AssetActions.toggleFavoriteOfFocused()
         }
         AssetPicture {
             id: picture
 
-            active: selection.present
+            active: SelectionInfo.present
             height: Math.round(width * 9 / 16)
-            kind: selection.kind
+            kind: SelectionInfo.kind
             radius: Theme.controlRadius
-            source: thumbnails
-            url: selection.url
+            source: VaultThumbnails
+            url: SelectionInfo.url
             whole: true
             width: parent.width
             y: 44
 
-            Accessible.name: qsTr("Preview of %1").arg(selection.name)
+            Accessible.name: qsTr("Preview of %1").arg(SelectionInfo.name)
             Accessible.role: Accessible.Graphic
         }
         Flickable {
@@ -98,8 +95,8 @@ GlassPanel {
 
             anchors.bottom: parent.bottom
             busy: Inserter.busy
-            destination: selection.destination
-            insertable: selection.insertable
+            destination: SelectionInfo.destination
+            insertable: SelectionInfo.insertable
             width: parent.width
 
             onInsertAsked: Inserter.insertSelected()

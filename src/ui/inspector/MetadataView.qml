@@ -12,7 +12,7 @@ Column {
     spacing: 6
 
     Repeater {
-        model: MetadataModel {}
+        model: MetadataModel
 
         Item {
             id: row

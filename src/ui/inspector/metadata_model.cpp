@@ -74,10 +74,8 @@ std::vector<MetadataModel::Row> metadataRows(const Asset &asset, const std::opti
     return rows;
 }
 
-void MetadataModel::follow(AppState &state, Media &media)
+MetadataModel::MetadataModel(const AppState &state, Media &media) : m_state(state), m_media(media)
 {
-    m_state = &state;
-    m_media = &media;
     connect(&state, &AppState::selectionChanged, this, &MetadataModel::load);
     const auto showIfMine = [this](const Location &url) {
         if (m_asset && m_asset->url == url)
@@ -88,19 +86,19 @@ void MetadataModel::follow(AppState &state, Media &media)
     load();
 }
 
-void MetadataModel::componentComplete()
+MetadataModel *MetadataModel::create(QQmlEngine *engine, QJSEngine *)
 {
-    const UiContext &objects = uiContext(*this);
-    follow(objects.state, objects.media);
+    const UiContext &context = UiEngine::contextOf(engine);
+    return new MetadataModel(context.state, context.media);
 }
 
 void MetadataModel::load()
 {
-    m_asset = m_state->selection();
+    m_asset = m_state.selection();
     m_request.reset();
     if (m_asset)
         m_request =
-            m_asset->kind == AssetKind::Lut ? m_media->requestLut(*m_asset) : m_media->requestInfo(*m_asset);
+            m_asset->kind == AssetKind::Lut ? m_media.requestLut(*m_asset) : m_media.requestInfo(*m_asset);
     show();
 }
 
@@ -108,8 +106,8 @@ void MetadataModel::show()
 {
     std::vector<Row> rows;
     if (m_asset)
-        rows = metadataRows(*m_asset, m_media->info(*m_asset),
-                            m_asset->kind == AssetKind::Lut ? m_media->lut(*m_asset) : std::nullopt);
+        rows = metadataRows(*m_asset, m_media.info(*m_asset),
+                            m_asset->kind == AssetKind::Lut ? m_media.lut(*m_asset) : std::nullopt);
     if (rows == m_rows)
         return;
     beginResetModel();

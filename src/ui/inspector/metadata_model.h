@@ -3,10 +3,12 @@
 #include "media/media.h"
 
 #include <QAbstractListModel>
-#include <QQmlParserStatus>
 #include <QtQml/qqml.h>
 #include <optional>
 #include <vector>
+
+class QJSEngine;
+class QQmlEngine;
 
 namespace cratewell {
 
@@ -15,11 +17,11 @@ class AppState;
 // What the inspector says about the file of the focused asset: pairs of a label and a value, those at once
 // that the vault knows, the rest as soon as the file has been read. What cannot be read is left out. Main
 // thread.
-class MetadataModel : public QAbstractListModel, public QQmlParserStatus
+class MetadataModel : public QAbstractListModel
 {
     Q_OBJECT
     QML_ELEMENT
-    Q_INTERFACES(QQmlParserStatus)
+    QML_SINGLETON
 public:
     enum Role { LabelRole = Qt::UserRole + 1, ValueRole };
     struct Row
@@ -29,10 +31,8 @@ public:
         friend bool operator==(const Row &, const Row &) = default;
     };
 
-    using QAbstractListModel::QAbstractListModel;
-
-    // What QML does when it has made the object. Both must outlive it.
-    void follow(AppState &state, Media &media);
+    MetadataModel(const AppState &state, Media &media);
+    static MetadataModel *create(QQmlEngine *engine, QJSEngine *);
 
     const std::vector<Row> &rows() const { return m_rows; }
     int rowCount(const QModelIndex &parent = {}) const override;
@@ -40,13 +40,11 @@ public:
     QHash<int, QByteArray> roleNames() const override;
 
 private:
-    void classBegin() override {}
-    void componentComplete() override;
     void load();
     void show();
 
-    AppState *m_state = nullptr;
-    Media *m_media = nullptr;
+    const AppState &m_state;
+    Media &m_media;
     std::optional<Asset> m_asset;
     std::unique_ptr<PreviewRequest> m_request;
     std::vector<Row> m_rows;

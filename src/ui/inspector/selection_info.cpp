@@ -19,24 +19,20 @@ QString placeText(const Location &root, const Location &asset)
     return text;
 }
 
-SelectionInfo::SelectionInfo(QObject *parent) : QObject(parent) {}
-
-void SelectionInfo::follow(AppState &state, const Vault &vault, const Prefs &prefs, Inserter &inserter)
+SelectionInfo::SelectionInfo(const AppState &state, const Vault &vault, const Prefs &prefs,
+                             Inserter &inserter)
+    : m_state(state), m_vault(vault), m_prefs(prefs), m_inserter(inserter)
 {
-    m_state = &state;
-    m_vault = &vault;
-    m_prefs = &prefs;
-    m_inserter = &inserter;
     connect(&state, &AppState::selectionChanged, this, &SelectionInfo::takeAsset);
     connect(&prefs, &Prefs::favoritesChanged, this, &SelectionInfo::favoriteChanged);
     connect(&inserter, &Inserter::targetChanged, this, &SelectionInfo::takeDestination);
     takeAsset();
 }
 
-void SelectionInfo::componentComplete()
+SelectionInfo *SelectionInfo::create(QQmlEngine *engine, QJSEngine *)
 {
-    const UiContext &objects = uiContext(*this);
-    follow(objects.state, objects.vault, objects.prefs, objects.inserter);
+    const UiContext &context = UiEngine::contextOf(engine);
+    return new SelectionInfo(context.state, context.vault, context.prefs, context.inserter);
 }
 
 QString SelectionInfo::kindLabel() const
@@ -46,17 +42,17 @@ QString SelectionInfo::kindLabel() const
 
 QString SelectionInfo::place() const
 {
-    return m_asset ? placeText(m_vault->root(), m_asset->url) : QString();
+    return m_asset ? placeText(m_vault.root(), m_asset->url) : QString();
 }
 
 bool SelectionInfo::isFavorite() const
 {
-    return m_asset && m_prefs->favorites().contains(m_asset->url);
+    return m_asset && m_prefs.favorites().contains(m_asset->url);
 }
 
 void SelectionInfo::takeAsset()
 {
-    m_asset = m_state->selection();
+    m_asset = m_state.selection();
     Q_EMIT assetChanged();
     Q_EMIT favoriteChanged();
     takeDestination();
@@ -64,7 +60,7 @@ void SelectionInfo::takeAsset()
 
 void SelectionInfo::takeDestination()
 {
-    const QString destination = m_asset ? m_inserter->targetDescription(*m_asset) : QString();
+    const QString destination = m_asset ? m_inserter.targetDescription(*m_asset) : QString();
     if (destination == m_destination)
         return;
     m_destination = destination;

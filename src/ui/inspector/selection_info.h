@@ -3,9 +3,11 @@
 #include "vault/asset.h"
 
 #include <QObject>
-#include <QQmlParserStatus>
 #include <QtQml/qqmlregistration.h>
 #include <optional>
+
+class QJSEngine;
+class QQmlEngine;
 
 namespace cratewell {
 
@@ -15,11 +17,11 @@ class Prefs;
 class Vault;
 
 // What the inspector says about the focused asset. Main thread. Empty texts and false while there is none.
-class SelectionInfo : public QObject, public QQmlParserStatus
+class SelectionInfo : public QObject
 {
     Q_OBJECT
-    Q_INTERFACES(QQmlParserStatus)
     QML_ELEMENT
+    QML_SINGLETON
     Q_PROPERTY(bool present READ isPresent NOTIFY assetChanged FINAL)
     Q_PROPERTY(cratewell::Location url READ url NOTIFY assetChanged FINAL)
     Q_PROPERTY(cratewell::AssetKind kind READ kind NOTIFY assetChanged FINAL)
@@ -33,10 +35,8 @@ class SelectionInfo : public QObject, public QQmlParserStatus
     // Where an insert goes.
     Q_PROPERTY(QString destination READ destination NOTIFY destinationChanged FINAL)
 public:
-    explicit SelectionInfo(QObject *parent = nullptr);
-
-    // All must outlive this. In QML they are the program's own.
-    void follow(AppState &state, const Vault &vault, const Prefs &prefs, Inserter &inserter);
+    SelectionInfo(const AppState &state, const Vault &vault, const Prefs &prefs, Inserter &inserter);
+    static SelectionInfo *create(QQmlEngine *engine, QJSEngine *);
 
     bool isPresent() const { return m_asset.has_value(); }
     Location url() const { return m_asset ? m_asset->url : Location(); }
@@ -48,9 +48,6 @@ public:
     bool isInsertable() const { return m_asset && m_asset->kind != AssetKind::Lut; }
     const QString &destination() const { return m_destination; }
 
-    void classBegin() override {}
-    void componentComplete() override;
-
 Q_SIGNALS:
     void assetChanged();
     void favoriteChanged();
@@ -60,10 +57,10 @@ private:
     void takeAsset();
     void takeDestination();
 
-    AppState *m_state = nullptr;
-    const Vault *m_vault = nullptr;
-    const Prefs *m_prefs = nullptr;
-    Inserter *m_inserter = nullptr;
+    const AppState &m_state;
+    const Vault &m_vault;
+    const Prefs &m_prefs;
+    Inserter &m_inserter;
     std::optional<Asset> m_asset;
     QString m_destination;
 };

@@ -4,10 +4,22 @@ import QtQuick
 import Cratewell
 
 // Asks for the name of the folder that AppState wants to make.
-Item {
-    id: place
+Sheet {
+    id: sheet
 
-    NewFolderForm { id: form }
+    readonly property string explanation: NameForms.newFolderExplanation()
+
+    confirmText: qsTr("Create")
+    confirmable: note.problem.length === 0
+    title: qsTr("New Folder")
+
+    onAboutToHide: AppState.showNewFolder = false
+    onConfirmed: AssetActions.createFolder(field.text)
+    onShown: {
+        field.forceActiveFocus(Qt.PopupFocusReason);
+        field.selectAll();
+    }
+
     Connections {
         function onShowNewFolderChanged() {
             if (!AppState.showNewFolder)
@@ -16,39 +28,23 @@ Item {
 
         target: AppState
     }
-    Sheet {
-        id: sheet
+    Label {
+        color: Theme.textSecondary
+        text: sheet.explanation
+        width: parent.width
+        wrapMode: Text.Wrap
+    }
+    NameField {
+        id: field
 
-        confirmText: qsTr("Create")
-        confirmable: note.problem.length === 0
-        title: qsTr("New Folder")
+        focus: true
+        label: qsTr("Folder name")
+        text: qsTr("New Folder")
+        width: parent.width
+    }
+    FieldHint {
+        id: note
 
-        onAboutToHide: AppState.showNewFolder = false
-        onClosed: (place.parent as PopupLoader).release()
-        onConfirmed: AppState.createNewFolder(field.text)
-        onShown: {
-            field.forceActiveFocus(Qt.PopupFocusReason);
-            field.selectAll();
-        }
-
-        Label {
-            color: Theme.textSecondary
-            text: form.explanation
-            width: parent.width
-            wrapMode: Text.Wrap
-        }
-        NameField {
-            id: field
-
-            focus: true
-            label: qsTr("Folder name")
-            text: qsTr("New Folder")
-            width: parent.width
-        }
-        FieldHint {
-            id: note
-
-            problem: form.problem(field.text)
-        }
+        problem: NameForms.problem(field.text)
     }
 }

@@ -4,10 +4,22 @@ import QtQuick
 import Cratewell
 
 // Asks for the new name of the item that AppState wants to rename.
-Item {
-    id: place
+Sheet {
+    id: sheet
 
-    RenameForm { id: form }
+    readonly property renameQuestion question: NameForms.renameQuestion()
+
+    confirmText: qsTr("Rename")
+    confirmable: note.problem.length === 0
+    title: question.title
+
+    onAboutToHide: AppState.stopRenaming()
+    onConfirmed: AssetActions.renameTo(field.text)
+    onShown: {
+        field.forceActiveFocus(Qt.PopupFocusReason);
+        field.select(0, question.selectionLength);
+    }
+
     Connections {
         function onRenameTargetChanged() {
             if (!AppState.renaming)
@@ -16,34 +28,18 @@ Item {
 
         target: AppState
     }
-    Sheet {
-        id: sheet
+    NameField {
+        id: field
 
-        confirmText: qsTr("Rename")
-        confirmable: note.problem.length === 0
-        title: form.title
+        focus: true
+        label: qsTr("Name")
+        text: sheet.question.name
+        width: parent.width
+    }
+    FieldHint {
+        id: note
 
-        onAboutToHide: AppState.stopRenaming()
-        onClosed: (place.parent as PopupLoader).release()
-        onConfirmed: AppState.renameTo(field.text)
-        onShown: {
-            field.forceActiveFocus(Qt.PopupFocusReason);
-            field.select(0, form.selectionLength);
-        }
-
-        NameField {
-            id: field
-
-            focus: true
-            label: qsTr("Name")
-            text: form.name
-            width: parent.width
-        }
-        FieldHint {
-            id: note
-
-            problem: form.problem(field.text)
-            warning: form.warning(field.text)
-        }
+        problem: NameForms.problem(field.text)
+        warning: sheet.question.warning(field.text)
     }
 }

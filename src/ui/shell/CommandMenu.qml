@@ -4,35 +4,31 @@ import QtQuick
 import Cratewell
 
 // The program's menu, where the system has no menu bar for it.
-Item {
-    id: place
+GlassMenu {
+    id: menu
 
     required property Commands commands
 
-    GlassMenu {
-        implicitWidth: 292
-        title: qsTr("Menu")
-        visible: true
+    implicitWidth: 292
+    title: qsTr("Menu")
+    visible: true
 
-        onClosed: (place.parent as PopupLoader).release()
-
-        MenuHeading { text: qsTr("File") }
-        CommandItem { command: place.commands.newFolder }
-        CommandItem { command: place.commands.importAssets }
-        MenuDivider {}
-        MenuHeading { text: qsTr("Asset") }
-        CommandItem { command: place.commands.insert }
-        CommandItem { command: place.commands.playPause }
-        CommandItem { command: place.commands.reveal }
-        CommandItem { command: place.commands.toggleFavorite }
-        CommandItem { command: place.commands.newFolderWithSelection }
-        CommandItem {
-            command: place.commands.moveToTrash
-            destructive: true
-        }
-        MenuDivider {}
-        CommandItem { command: place.commands.selectAll }
-        CommandItem { command: place.commands.settings }
-        CommandItem { command: place.commands.quit }
+    MenuHeading { text: qsTr("File") }
+    CommandItem { command: menu.commands.newFolder }
+    CommandItem { command: menu.commands.importAssets }
+    MenuDivider {}
+    MenuHeading { text: qsTr("Asset") }
+    CommandItem { command: menu.commands.insert }
+    CommandItem { command: menu.commands.playPause }
+    CommandItem { command: menu.commands.reveal }
+    CommandItem { command: menu.commands.toggleFavorite }
+    CommandItem { command: menu.commands.newFolderWithSelection }
+    CommandItem {
+        command: menu.commands.moveToTrash
+        destructive: true
     }
+    MenuDivider {}
+    CommandItem { command: menu.commands.selectAll }
+    CommandItem { command: menu.commands.settings }
+    CommandItem { command: menu.commands.quit }
 }

@@ -45,14 +45,14 @@ Item {
         keys: "Ctrl+Shift+R"
         text: qsTr("Reveal in Finder")
 
-        onTriggered: AppState.revealSelected()
+        onTriggered: AssetActions.revealSelected()
     }
     readonly property Command toggleFavorite: Command {
         enabled: AppState.hasSelection
         keys: "Ctrl+Alt+F"
         text: qsTr("Toggle Favorite")
 
-        onTriggered: Requests.toggleFavorite()
+        onTriggered: AssetActions.toggleFavoriteOfFocused()
     }
     readonly property Command newFolderWithSelection: Command {
         enabled: AppState.selectedCount > 0
@@ -67,7 +67,7 @@ Item {
         text: qsTr("Move to Trash")
         whileTyping: false
 
-        onTriggered: AppState.trashSelected()
+        onTriggered: AssetActions.moveSelectedToTrash()
     }
     readonly property Command selectAll: Command {
         enabled: AppState.visibleCount > 0

@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Cratewell
 
-// The last failure, until it is closed or ten seconds have passed.
+// A failure, while there is one to show.
 Rectangle {
     id: banner
 
@@ -20,16 +20,6 @@ Rectangle {
     Accessible.name: text
     Accessible.role: Accessible.AlertMessage
 
-    onTextChanged: timer.restart()
-
-    Timer {
-        id: timer
-
-        interval: 10000
-        running: banner.visible
-
-        onTriggered: banner.dismissed()
-    }
     Icon {
         anchors.left: parent.left
         anchors.leftMargin: 14

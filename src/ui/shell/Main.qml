@@ -34,7 +34,7 @@ T.ApplicationWindow {
         typing: window.typing
 
         onImportWanted: mainArea.offerImport()
-        onSettingsWanted: settings.open({})
+        onSettingsWanted: settings.open()
     }
     Shortcut {
         sequence: "Ctrl+F"
@@ -91,31 +91,34 @@ T.ApplicationWindow {
     }
 
     ToastView {
-        action: Inserter.toastAction
+        action: Notifications.toastAction
         anchors.bottom: parent.bottom
         anchors.bottomMargin: 30 + mainArea.occupiedHeight
         anchors.horizontalCenter: parent.horizontalCenter
-        ok: Inserter.toastOk
-        text: Inserter.toastText
+        ok: Notifications.toastOk
+        text: Notifications.toastText
         widest: parent.width - 80
 
-        onActed: Inserter.takeToastAction()
+        onActed: Notifications.takeToastAction()
     }
     ResizeEdges { window: window }
-    PopupLoader {
+    PopupHost {
         id: settings
 
         anchors.fill: parent
-        file: "SettingsWindow.qml"
+
+        popup: SettingsWindow {}
     }
-    SheetLoader {
+    SheetHost {
         anchors.fill: parent
-        file: "NewFolderSheet.qml"
         wanted: AppState.showNewFolder
+
+        popup: NewFolderSheet {}
     }
-    SheetLoader {
+    SheetHost {
         anchors.fill: parent
-        file: "RenameSheet.qml"
         wanted: AppState.renaming
+
+        popup: RenameSheet {}
     }
 }

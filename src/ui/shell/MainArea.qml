@@ -23,10 +23,9 @@ FocusScope {
             toolbar.focusSearch();
     }
     function offerImport(): void {
-        importMenu.open({});
+        importMenu.open();
     }
 
-    OperationStatus { id: work }
     Item {
         id: view
 
@@ -58,17 +57,23 @@ FocusScope {
             focus: true
         }
     }
-    PageLoader {
+    OnDemand {
         anchors.fill: view
-        file: "ImportPage.qml"
         wanted: Navigator.place === Navigator.Importer
-        window: area.window
+
+        content: ImportPage {
+            anchors.fill: parent
+            window: area.window
+        }
     }
-    PageLoader {
+    OnDemand {
         anchors.fill: view
-        file: "TrashPage.qml"
         wanted: Navigator.place === Navigator.Trash
-        window: area.window
+
+        content: TrashPage {
+            anchors.fill: parent
+            window: area.window
+        }
     }
     Page {
         anchors.fill: view
@@ -80,38 +85,40 @@ FocusScope {
     ProgressPanel {
         id: progress
 
-        readonly property bool shown: work.active
+        readonly property bool shown: OperationStatus.active
 
         anchors.bottom: parent.bottom
         anchors.left: parent.left
         anchors.leftMargin: 6
         anchors.right: parent.right
         anchors.rightMargin: 6
-        detail: work.detail
-        fraction: work.fraction
-        remaining: work.remaining
-        title: work.title
+        detail: OperationStatus.detail
+        fraction: OperationStatus.fraction
+        remaining: OperationStatus.remaining
+        title: OperationStatus.title
         visible: shown
 
-        onCanceled: work.cancel()
+        onCanceled: OperationStatus.cancel()
     }
     ErrorBanner {
         anchors.left: parent.left
         anchors.leftMargin: 6
         anchors.right: parent.right
         anchors.rightMargin: 6
-        text: Vault.lastError
+        text: Notifications.bannerText
         y: 4
 
-        onDismissed: Vault.clearLastError()
+        onDismissed: Notifications.closeBanner()
     }
-    ImportMenuLoader {
+    PopupHost {
         id: importMenu
 
         x: area.showsGrid ? toolbar.importMenuX : 6
         y: area.showsGrid ? toolbar.importMenuY : 60
 
-        onFilesWanted: AppState.importFiles()
-        onFolderWanted: AppState.importFolder()
+        popup: ImportMenu {
+            onFilesWanted: AssetActions.importFiles()
+            onFolderWanted: AssetActions.importFolder()
+        }
     }
 }

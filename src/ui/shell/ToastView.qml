@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Cratewell
 
-// The program's one short message, while there is one.
+// A short message, while there is one.
 Item {
     id: toast
 

@@ -39,9 +39,17 @@ int Navigator::order() const
     return int(m_context.state.sort());
 }
 
+QStringList Navigator::orderLabels() const
+{
+    QStringList labels;
+    for (const AssetOrderRow &row : assetOrders)
+        labels += QString::fromLatin1(row.label);
+    return labels;
+}
+
 void Navigator::setOrder(int order)
 {
-    if (order >= 0 && order < assetOrderCount)
+    if (order >= 0 && size_t(order) < assetOrders.size())
         m_context.state.setSort(AssetOrder(order));
 }
 

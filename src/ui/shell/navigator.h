@@ -24,6 +24,8 @@ class Navigator : public QObject
     Q_PROPERTY(QString page READ page NOTIFY placeChanged FINAL)
     // An AssetOrder.
     Q_PROPERTY(int order READ order WRITE setOrder NOTIFY orderChanged FINAL)
+    // Of all orders, by AssetOrder.
+    Q_PROPERTY(QStringList orderLabels READ orderLabels CONSTANT FINAL)
 public:
     // As Scope::Kind.
     enum Place { Plugin, Folder, All, Favorites, Recent, Importer, Trash };
@@ -37,6 +39,7 @@ public:
     QString page() const;
     int order() const;
     void setOrder(int order);
+    QStringList orderLabels() const;
 
     // A place without more to say; Plugin and Folder need their own calls.
     Q_INVOKABLE void show(cratewell::Navigator::Place place);

@@ -6,49 +6,45 @@
 
 namespace cratewell {
 
-void OperationStatus::follow(FileProgress &progress)
+OperationStatus::OperationStatus(FileProgress &progress) : m_progress(progress)
 {
-    m_progress = &progress;
     connect(&progress, &FileProgress::changed, this, &OperationStatus::changed);
-    Q_EMIT changed();
 }
 
-void OperationStatus::componentComplete()
+OperationStatus *OperationStatus::create(QQmlEngine *engine, QJSEngine *)
 {
-    follow(uiContext(*this).vault.progress());
+    return new OperationStatus(UiEngine::contextOf(engine).vault.progress());
 }
 
 bool OperationStatus::isActive() const
 {
-    return m_progress && m_progress->isActive();
+    return m_progress.isActive();
 }
 
 QString OperationStatus::title() const
 {
-    return m_progress ? m_progress->title() : QString();
+    return m_progress.title();
 }
 
 QString OperationStatus::detail() const
 {
-    return m_progress ? progressText(m_progress->filesDone(), m_progress->filesTotal(),
-                                     m_progress->bytesDone(), m_progress->bytesTotal())
-                      : QString();
+    return progressText(m_progress.filesDone(), m_progress.filesTotal(), m_progress.bytesDone(),
+                        m_progress.bytesTotal());
 }
 
 QString OperationStatus::remaining() const
 {
-    return m_progress ? remainingText(m_progress->secondsLeft()) : QString();
+    return remainingText(m_progress.secondsLeft());
 }
 
 double OperationStatus::fraction() const
 {
-    return m_progress ? m_progress->fraction() : 0;
+    return m_progress.fraction();
 }
 
 void OperationStatus::cancel()
 {
-    if (m_progress)
-        m_progress->cancel();
+    m_progress.cancel();
 }
 
 } // namespace cratewell

@@ -1,19 +1,21 @@
 #pragma once
 
 #include <QObject>
-#include <QQmlParserStatus>
 #include <QtQml/qqml.h>
+
+class QJSEngine;
+class QQmlEngine;
 
 namespace cratewell {
 
 class FileProgress;
 
 // The vault's work on files that takes its time, in words.
-class OperationStatus : public QObject, public QQmlParserStatus
+class OperationStatus : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
-    Q_INTERFACES(QQmlParserStatus)
+    QML_SINGLETON
     Q_PROPERTY(bool active READ isActive NOTIFY changed FINAL)
     Q_PROPERTY(QString title READ title NOTIFY changed FINAL)
     Q_PROPERTY(QString detail READ detail NOTIFY changed FINAL)
@@ -21,8 +23,8 @@ class OperationStatus : public QObject, public QQmlParserStatus
     // 0 to 1.
     Q_PROPERTY(double fraction READ fraction NOTIFY changed FINAL)
 public:
-    // What QML does when it has made the object. The progress must outlive it.
-    void follow(FileProgress &progress);
+    explicit OperationStatus(FileProgress &progress);
+    static OperationStatus *create(QQmlEngine *engine, QJSEngine *);
 
     bool isActive() const;
     QString title() const;
@@ -35,10 +37,7 @@ Q_SIGNALS:
     void changed();
 
 private:
-    void classBegin() override {}
-    void componentComplete() override;
-
-    FileProgress *m_progress = nullptr;
+    FileProgress &m_progress;
 };
 
 } // namespace cratewell

@@ -30,6 +30,11 @@ Vault *VaultSingleton::create(QQmlEngine *engine, QJSEngine *)
     return fromProgram(UiEngine::contextOf(engine).vault);
 }
 
+Notifications *NotificationsSingleton::create(QQmlEngine *engine, QJSEngine *)
+{
+    return fromProgram(UiEngine::contextOf(engine).notifications);
+}
+
 Inserter *InserterSingleton::create(QQmlEngine *engine, QJSEngine *)
 {
     return fromProgram(UiEngine::contextOf(engine).inserter);

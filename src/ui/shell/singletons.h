@@ -5,6 +5,7 @@
 #include "platform/appearance.h"
 #include "platform/location.h"
 #include "state/app_state.h"
+#include "state/notifications.h"
 #include "state/prefs.h"
 #include "state/scope.h"
 #include "vault/vault.h"
@@ -48,6 +49,16 @@ struct VaultSingleton
     QML_SINGLETON
 public:
     static Vault *create(QQmlEngine *engine, QJSEngine *);
+};
+
+struct NotificationsSingleton
+{
+    Q_GADGET
+    QML_FOREIGN(cratewell::Notifications)
+    QML_NAMED_ELEMENT(Notifications)
+    QML_SINGLETON
+public:
+    static Notifications *create(QQmlEngine *engine, QJSEngine *);
 };
 
 struct InserterSingleton

@@ -4,9 +4,11 @@ namespace cratewell {
 
 class Appearance;
 class AppState;
+class AssetActions;
 class Defaults;
 class Inserter;
 class Media;
+class Notifications;
 class Prefs;
 class Vault;
 class Workspace;
@@ -17,11 +19,13 @@ struct UiContext
     Prefs &prefs;
     AppState &state;
     Vault &vault;
+    Notifications &notifications;
     Inserter &inserter;
     Media &media;
     Appearance &appearance;
     Defaults &defaults;
     Workspace &workspace;
+    AssetActions &actions;
 };
 
 } // namespace cratewell

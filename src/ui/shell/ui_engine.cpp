@@ -37,9 +37,4 @@ const UiContext &UiEngine::contextOf(const QQmlEngine *engine)
     return own->context();
 }
 
-const UiContext &uiContext(const QObject &qmlObject)
-{
-    return UiEngine::contextOf(qmlEngine(&qmlObject));
-}
-
 } // namespace cratewell

@@ -22,7 +22,4 @@ private:
     const UiContext m_context;
 };
 
-// The same for an object that QML made.
-const UiContext &uiContext(const QObject &qmlObject);
-
 } // namespace cratewell

@@ -4,17 +4,16 @@ import QtQuick
 import Cratewell
 
 // What can be done with a folder of the sidebar. A category's own folder stays where and what it is.
-Item {
-    id: place
+GlassMenu {
+    id: menu
 
     required property location folder
     required property bool root
-    required property point at
     required property Commands commands
 
     readonly property color current: Prefs.color(folder)
     // Names are for those who do not see the colors.
-    readonly property var palette: [
+    readonly property var choices: [
         { name: qsTr("Red"), hex: "#FF6B6B" },
         { name: qsTr("Orange"), hex: "#FF9F43" },
         { name: qsTr("Yellow"), hex: "#FFD93D" },
@@ -26,84 +25,76 @@ Item {
         { name: qsTr("Gray"), hex: "#8E8E96" }
     ]
 
+    title: menu.folder.name
+    visible: true
+
+    GlassMenuItem {
+        text: qsTr("New Folder Inside…")
+
+        onTriggered: AppState.newFolderInside(menu.folder)
+    }
+    GlassMenuItem {
+        id: rename
+
+        text: qsTr("Rename…")
+
+        onTriggered: AssetActions.rename(menu.folder)
+    }
     GlassMenu {
-        id: menu
+        id: colors
 
-        title: place.folder.name
-        visible: true
-        x: place.at.x
-        y: place.at.y
+        implicitWidth: 160
+        title: qsTr("Color")
 
-        onClosed: (place.parent as PopupLoader)?.release()
+        Repeater {
+            model: menu.choices
 
-        GlassMenuItem {
-            text: qsTr("New Folder Inside…")
-
-            onTriggered: Requests.newFolderInside(place.folder)
-        }
-        GlassMenuItem {
-            id: rename
-
-            text: qsTr("Rename…")
-
-            onTriggered: Requests.rename(place.folder)
-        }
-        GlassMenu {
-            id: colors
-
-            implicitWidth: 160
-            title: qsTr("Color")
-
-            Repeater {
-                model: place.palette
-
-                SwatchItem {
-                    required property var modelData
-
-                    checked: Qt.colorEqual(place.current, modelData.hex)
-                    swatch: modelData.hex
-                    text: modelData.name
-
-                    onTriggered: Prefs.setFolderColor(place.folder, modelData.hex)
-                }
-            }
             SwatchItem {
-                checked: !place.palette.some(color => Qt.colorEqual(place.current, color.hex))
-                swatch: "transparent"
-                text: qsTr("Default")
+                required property var modelData
 
-                onTriggered: Prefs.setFolderColor(place.folder, "")
+                checked: Qt.colorEqual(menu.current, modelData.hex)
+                swatch: modelData.hex
+                text: modelData.name
+
+                onTriggered: Prefs.setFolderColor(menu.folder, modelData.hex)
             }
         }
-        GlassMenuItem {
-            text: qsTr("Import Into This Folder…")
+        SwatchItem {
+            checked: !menu.choices.some(color => Qt.colorEqual(menu.current, color.hex))
+            swatch: "transparent"
+            text: qsTr("Default")
 
-            onTriggered: {
-                Navigator.showFolder(place.folder);
-                place.commands.importAssets.triggered();
-            }
+            onTriggered: Prefs.setFolderColor(menu.folder, "")
         }
-        GlassMenuItem {
-            text: qsTr("Reveal in Finder")
+    }
+    GlassMenuItem {
+        text: qsTr("Import Into This Folder…")
 
-            onTriggered: Requests.revealInFileManager(place.folder)
+        onTriggered: {
+            Navigator.showFolder(menu.folder);
+            menu.commands.importAssets.triggered();
         }
-        MenuDivider { id: divider }
-        GlassMenuItem {
-            id: trash
+    }
+    GlassMenuItem {
+        text: qsTr("Reveal in Finder")
 
-            destructive: true
-            text: qsTr("Move to Trash")
+        onTriggered: AssetActions.reveal(menu.folder)
+    }
+    MenuDivider { id: divider }
+    GlassMenuItem {
+        id: trash
 
-            onTriggered: Requests.moveToTrash(place.folder)
-        }
+        destructive: true
+        text: qsTr("Move to Trash")
 
-        Component.onCompleted: {
-            if (!place.root)
-                return;
-            removeMenu(colors);
-            for (const item of [rename, divider, trash])
-                removeItem(item);
-        }
+        onTriggered: AssetActions.moveToTrash(menu.folder)
+    }
+
+    Component.onCompleted: {
+        if (!menu.root)
+            return;
+        removeMenu(colors);
+        for (const item of [rename, divider, trash])
+            removeItem(item);
     }
 }

@@ -147,7 +147,8 @@ Item {
             font.pixelSize: Theme.secondarySize
             font.weight: Font.DemiBold
             text: row.drop === DropController.Move ? qsTr("Move") : row.drop === DropController.Copy ? qsTr("Copy")
-                : row.drop === DropController.Sort ? qsTr("Copy, sorted by type") : qsTr("Move and copy")
+                : row.drop === DropController.Sort ? qsTr("Copy, sorted by type")
+                : row.drop === DropController.MoveAndCopy ? qsTr("Move and copy") : qsTr("Checking…")
         }
     }
 }

@@ -13,16 +13,12 @@ GlassPanel {
 
     // `at` is where in the sidebar.
     function showMenu(row: int, at: point): void {
-        folderMenu.reopen({
-            at: at,
-            commands: sidebar.commands,
-            folder: tree.folderAt(row),
-            root: tree.parentOf(row) < 0
-        });
+        folderMenu.folder = FolderTreeModel.folderAt(row);
+        folderMenu.root = FolderTreeModel.parentOf(row) < 0;
+        folderMenu.x = at.x;
+        folderMenu.y = at.y;
+        folderMenu.reopen();
     }
-
-    LibraryCounts { id: libraryCounts }
-    FolderTreeModel { id: tree }
 
     SidebarHeader {
         id: header
@@ -49,7 +45,7 @@ GlassPanel {
         currentIndex: -1
         highlightFollowsCurrentItem: false
         keyNavigationEnabled: false
-        model: tree
+        model: FolderTreeModel
         reuseItems: true
         topMargin: smartRows.height
 
@@ -80,16 +76,16 @@ GlassPanel {
         onTopMarginChanged: contentY = originY - topMargin
         onActiveFocusChanged: {
             if (activeFocus && currentIndex < 0)
-                moveTo(Math.max(0, tree.rowOf(Navigator.folder)));
+                moveTo(Math.max(0, FolderTreeModel.rowOf(Navigator.folder)));
         }
 
         Keys.onDownPressed: moveTo(currentIndex + 1)
-        Keys.onEnterPressed: Navigator.showFolder(tree.folderAt(currentIndex))
+        Keys.onEnterPressed: Navigator.showFolder(FolderTreeModel.folderAt(currentIndex))
         Keys.onLeftPressed: {
-            if (tree.expandedAt(currentIndex))
-                tree.setExpanded(currentIndex, false);
+            if (FolderTreeModel.expandedAt(currentIndex))
+                FolderTreeModel.setExpanded(currentIndex, false);
             else
-                moveTo(tree.parentOf(currentIndex));
+                moveTo(FolderTreeModel.parentOf(currentIndex));
         }
         Keys.onMenuPressed: showMenu()
         Keys.onPressed: event => {
@@ -98,14 +94,14 @@ GlassPanel {
             showMenu();
             event.accepted = true;
         }
-        Keys.onReturnPressed: Navigator.showFolder(tree.folderAt(currentIndex))
+        Keys.onReturnPressed: Navigator.showFolder(FolderTreeModel.folderAt(currentIndex))
         Keys.onRightPressed: {
-            if (tree.expandableAt(currentIndex) && !tree.expandedAt(currentIndex))
-                tree.setExpanded(currentIndex, true);
-            else if (tree.expandableAt(currentIndex))
+            if (FolderTreeModel.expandableAt(currentIndex) && !FolderTreeModel.expandedAt(currentIndex))
+                FolderTreeModel.setExpanded(currentIndex, true);
+            else if (FolderTreeModel.expandableAt(currentIndex))
                 moveTo(currentIndex + 1);
         }
-        Keys.onSpacePressed: Navigator.showFolder(tree.folderAt(currentIndex))
+        Keys.onSpacePressed: Navigator.showFolder(FolderTreeModel.folderAt(currentIndex))
         Keys.onUpPressed: moveTo(currentIndex - 1)
 
         delegate: FolderEntry {
@@ -118,13 +114,13 @@ GlassPanel {
             showCount: Prefs.showCounts
             width: ListView.view.width
 
-            onAddWanted: Requests.newFolderInside(folder)
+            onAddWanted: AppState.newFolderInside(folder)
             onActivated: {
                 list.currentIndex = index;
                 Navigator.showFolder(folder);
             }
             onMenuAsked: at => sidebar.showMenu(index, sidebar.mapFromItem(this, at))
-            onToggled: tree.setExpanded(index, !expanded)
+            onToggled: FolderTreeModel.setExpanded(index, !expanded)
         }
 
         // Rolls with the trees; bound components cannot be a view's header on Qt 6.4.
@@ -133,7 +129,6 @@ GlassPanel {
 
             parent: list.contentItem
 
-            counts: libraryCounts
             width: list.width
             y: list.originY - height
         }
@@ -144,12 +139,18 @@ GlassPanel {
 
         anchors.fill: list
         list: list
-        tree: tree
     }
-    PopupLoader {
+    PopupHost {
         id: folderMenu
 
-        file: "FolderMenu.qml"
+        property location folder
+        property bool root: false
+
+        popup: FolderMenu {
+            commands: sidebar.commands
+            folder: folderMenu.folder
+            root: folderMenu.root
+        }
     }
 
     SidebarFooter {
@@ -163,10 +164,10 @@ GlassPanel {
         pinned: Prefs.pinned
         premiereRunning: Inserter.premiereRunning
         resolveRunning: Inserter.resolveRunning
-        vaultSize: libraryCounts.size
+        vaultSize: LibraryCounts.size
 
         onPinToggled: Prefs.pinned = !Prefs.pinned
         onSettingsWanted: sidebar.commands.settings.triggered()
-        onVaultOpened: Requests.openInFileManager(Vault.root)
+        onVaultOpened: AssetActions.openFolder(Vault.root)
     }
 }

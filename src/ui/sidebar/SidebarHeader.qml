@@ -52,13 +52,14 @@ Item {
         symbol: "menu"
         text: qsTr("Menu")
 
-        onClicked: menu.open({ commands: header.commands })
+        onClicked: menu.open()
 
-        PopupLoader {
+        PopupHost {
             id: menu
 
-            file: "CommandMenu.qml"
             y: menuButton.height + 4
+
+            popup: CommandMenu { commands: header.commands }
         }
     }
 }

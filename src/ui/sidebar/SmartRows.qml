@@ -7,8 +7,6 @@ import Cratewell
 Column {
     id: rows
 
-    required property LibraryCounts counts
-
     component SmartRow: SidebarRow {
         gradient: Prefs.gradientTiles
     }
@@ -29,7 +27,7 @@ Column {
     }
 
     ScopeRow {
-        count: Prefs.showCounts ? rows.counts.all : -1
+        count: Prefs.showCounts ? LibraryCounts.all : -1
         end: Theme.pink
         kind: Navigator.All
         start: Theme.accent
@@ -37,7 +35,7 @@ Column {
         title: qsTr("All Assets")
     }
     ScopeRow {
-        count: Prefs.showCounts ? rows.counts.favorites : -1
+        count: Prefs.showCounts ? LibraryCounts.favorites : -1
         end: Theme.orange
         kind: Navigator.Favorites
         start: Theme.amber
@@ -45,7 +43,7 @@ Column {
         title: qsTr("Favorites")
     }
     ScopeRow {
-        count: Prefs.showCounts ? rows.counts.recent : -1
+        count: Prefs.showCounts ? LibraryCounts.recent : -1
         end: "#3A3A42"
         kind: Navigator.Recent
         start: Theme.gray
@@ -60,7 +58,7 @@ Column {
         title: qsTr("Import")
     }
     ScopeRow {
-        count: Prefs.showCounts ? rows.counts.trash : -1
+        count: Prefs.showCounts ? LibraryCounts.trash : -1
         end: "#2A2A30"
         kind: Navigator.Trash
         start: "#5A5A63"

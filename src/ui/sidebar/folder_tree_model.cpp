@@ -69,17 +69,9 @@ template<typename Chosen, typename Perform> void forRunsBackward(int count, Chos
 
 } // namespace
 
-void FolderTreeModel::componentComplete()
+FolderTreeModel::FolderTreeModel(const Vault &vault, const Prefs &prefs, Defaults &defaults)
+    : m_vault(vault), m_prefs(prefs), m_defaults(defaults)
 {
-    const UiContext &objects = uiContext(*this);
-    follow(objects.vault, objects.prefs, objects.defaults);
-}
-
-void FolderTreeModel::follow(Vault &vault, Prefs &prefs, Defaults &defaults)
-{
-    m_vault = &vault;
-    m_prefs = &prefs;
-    m_defaults = &defaults;
     connect(&vault, &Vault::rescanned, this, &FolderTreeModel::refresh);
     connect(&prefs, &Prefs::folderColorsChanged, this, [this] {
         if (!m_lines.empty())
@@ -88,15 +80,21 @@ void FolderTreeModel::follow(Vault &vault, Prefs &prefs, Defaults &defaults)
     refresh();
 }
 
+FolderTreeModel *FolderTreeModel::create(QQmlEngine *engine, QJSEngine *)
+{
+    const UiContext &context = UiEngine::contextOf(engine);
+    return new FolderTreeModel(context.vault, context.prefs, context.defaults);
+}
+
 void FolderTreeModel::refresh()
 {
-    const FolderExpansion expansion(*m_defaults);
+    const FolderExpansion expansion(m_defaults);
     std::vector<FolderLine> lines;
     for (const VaultCategory category : allCategories) {
-        if (const FolderNode *tree = m_vault->snapshot()->tree(category))
+        if (const FolderNode *tree = m_vault.snapshot()->tree(category))
             appendLines(lines, *tree, category, 0, expansion);
         else
-            lines.push_back({.folder = m_vault->categoryUrl(category), .category = category});
+            lines.push_back({.folder = m_vault.categoryUrl(category), .category = category});
     }
     change(std::move(lines));
 }
@@ -176,7 +174,7 @@ QVariant FolderTreeModel::data(const QModelIndex &index, int role) const
 
 QColor FolderTreeModel::tint(const FolderLine &line) const
 {
-    const QColor own = m_prefs->color(line.folder);
+    const QColor own = m_prefs.color(line.folder);
     if (own.isValid() || line.depth > 0)
         return own;
     return QColor(gradient(line.category)[0]);
@@ -186,7 +184,7 @@ void FolderTreeModel::setExpanded(int row, bool expanded)
 {
     if (!expandableAt(row) || expandedAt(row) == expanded)
         return;
-    FolderExpansion(*m_defaults).setExpanded(m_lines[size_t(row)].folder, expanded);
+    FolderExpansion(m_defaults).setExpanded(m_lines[size_t(row)].folder, expanded);
     refresh();
 }
 

@@ -5,10 +5,12 @@
 
 #include <QAbstractListModel>
 #include <QColor>
-#include <QQmlParserStatus>
 #include <QtQml/qqml.h>
 
 #include <vector>
+
+class QJSEngine;
+class QQmlEngine;
 
 namespace cratewell {
 
@@ -31,11 +33,11 @@ struct FolderLine
 
 // The folder trees of all categories, one below the other, as far as they are expanded. A rescan or a toggle
 // changes only the rows that differ.
-class FolderTreeModel : public QAbstractListModel, public QQmlParserStatus
+class FolderTreeModel : public QAbstractListModel
 {
     Q_OBJECT
     QML_ELEMENT
-    Q_INTERFACES(QQmlParserStatus)
+    QML_SINGLETON
 public:
     enum Role {
         FolderRole = Qt::UserRole + 1, // Location
@@ -49,8 +51,8 @@ public:
         ExpandedRole,
     };
 
-    // What QML does when it has made the model. All must outlive it.
-    void follow(Vault &vault, Prefs &prefs, Defaults &defaults);
+    FolderTreeModel(const Vault &vault, const Prefs &prefs, Defaults &defaults);
+    static FolderTreeModel *create(QQmlEngine *engine, QJSEngine *);
 
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
@@ -67,17 +69,15 @@ public:
     Q_INVOKABLE int rowOf(const QString &folderText) const;
 
 private:
-    void classBegin() override {}
-    void componentComplete() override;
     int rowOf(const Location &folder) const;
     bool isRow(int row) const { return row >= 0 && size_t(row) < m_lines.size(); }
     void refresh();
     void change(std::vector<FolderLine> lines);
     QColor tint(const FolderLine &line) const;
 
-    Vault *m_vault = nullptr;
-    Prefs *m_prefs = nullptr;
-    Defaults *m_defaults = nullptr;
+    const Vault &m_vault;
+    const Prefs &m_prefs;
+    Defaults &m_defaults;
     std::vector<FolderLine> m_lines;
 };
 

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QObject>
-#include <QQmlParserStatus>
 #include <QtQml/qqml.h>
+
+class QJSEngine;
+class QQmlEngine;
 
 namespace cratewell {
 
@@ -10,19 +12,19 @@ class Prefs;
 class Vault;
 
 // How much the vault and the fixed lists of the sidebar hold, kept up to date.
-class LibraryCounts : public QObject, public QQmlParserStatus
+class LibraryCounts : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
-    Q_INTERFACES(QQmlParserStatus)
+    QML_SINGLETON
     Q_PROPERTY(int all READ all NOTIFY changed FINAL)
     Q_PROPERTY(int favorites READ favorites NOTIFY changed FINAL)
     Q_PROPERTY(int recent READ recent NOTIFY changed FINAL)
     Q_PROPERTY(int trash READ trash NOTIFY changed FINAL)
     Q_PROPERTY(QString size READ size NOTIFY changed FINAL)
 public:
-    // What QML does when it has made the object. Both must outlive it.
-    void follow(Vault &vault, Prefs &prefs);
+    LibraryCounts(const Vault &vault, const Prefs &prefs);
+    static LibraryCounts *create(QQmlEngine *engine, QJSEngine *);
 
     int all() const { return m_all; }
     // Those that exist; what a setting still names but the vault no longer holds does not count.
@@ -36,12 +38,10 @@ Q_SIGNALS:
     void changed();
 
 private:
-    void classBegin() override {}
-    void componentComplete() override;
     void count();
 
-    Vault *m_vault = nullptr;
-    Prefs *m_prefs = nullptr;
+    const Vault &m_vault;
+    const Prefs &m_prefs;
     int m_all = 0;
     int m_favorites = 0;
     int m_recent = 0;

@@ -41,7 +41,6 @@ void ThumbnailItem::setSource(ThumbnailProvider *source)
             if (url == m_url)
                 takeDuration();
         });
-        connect(source, &ThumbnailProvider::reset, this, &ThumbnailItem::forget);
     }
     forget();
     Q_EMIT sourceChanged();

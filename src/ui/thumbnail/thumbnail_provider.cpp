@@ -42,28 +42,23 @@ void ThumbnailProvider::requestNow()
         item->requestPicture();
 }
 
-void VaultThumbnails::follow(Vault &vault, Media &media)
+VaultThumbnails::VaultThumbnails(const Vault &vault, Media &media) : m_vault(vault), m_media(media)
 {
-    m_vault = &vault;
-    m_media = &media;
     connect(&media, &Media::thumbnailChanged, this, &ThumbnailProvider::changed);
     connect(&media, &Media::waveformChanged, this, &ThumbnailProvider::changed);
     connect(&media, &Media::infoChanged, this, &ThumbnailProvider::infoChanged);
     connect(&media, &Media::scrubFrameChanged, this, &ThumbnailProvider::scrubFrameChanged);
-    Q_EMIT reset();
 }
 
-void VaultThumbnails::componentComplete()
+VaultThumbnails *VaultThumbnails::create(QQmlEngine *engine, QJSEngine *)
 {
-    const UiContext &objects = uiContext(*this);
-    follow(objects.vault, objects.media);
+    const UiContext &context = UiEngine::contextOf(engine);
+    return new VaultThumbnails(context.vault, context.media);
 }
 
 const Asset *VaultThumbnails::find(const Location &url) const
 {
-    if (!m_vault)
-        return nullptr;
-    const VaultSnapshot &snapshot = *m_vault->snapshot();
+    const VaultSnapshot &snapshot = *m_vault.snapshot();
     const std::optional<AssetIndex> index = snapshot.find(url);
     return index ? &snapshot.asset(*index) : nullptr;
 }
@@ -74,8 +69,8 @@ Media::State VaultThumbnails::state(const Location &url) const
     if (!asset)
         return Media::State::Missing;
     if (asset->kind != AssetKind::Audio)
-        return m_media->thumbnailState(*asset);
-    const std::optional<WaveformPeaks> peaks = m_media->waveform(*asset);
+        return m_media.thumbnailState(*asset);
+    const std::optional<WaveformPeaks> peaks = m_media.waveform(*asset);
     if (!peaks)
         return Media::State::Missing;
     return peaks->isEmpty() ? Media::State::Failed : Media::State::Ready;
@@ -84,7 +79,7 @@ Media::State VaultThumbnails::state(const Location &url) const
 QImage VaultThumbnails::picture(const Location &url) const
 {
     const Asset *asset = find(url);
-    return asset ? m_media->thumbnail(*asset) : QImage();
+    return asset ? m_media.thumbnail(*asset) : QImage();
 }
 
 std::unique_ptr<PreviewRequest> VaultThumbnails::request(const Location &url)
@@ -92,32 +87,32 @@ std::unique_ptr<PreviewRequest> VaultThumbnails::request(const Location &url)
     const Asset *asset = find(url);
     if (!asset)
         return nullptr;
-    return asset->kind == AssetKind::Audio ? m_media->requestWaveform(*asset)
-                                           : m_media->requestThumbnail(*asset);
+    return asset->kind == AssetKind::Audio ? m_media.requestWaveform(*asset)
+                                           : m_media.requestThumbnail(*asset);
 }
 
 QImage VaultThumbnails::scrubFrame(const Location &url, int bucket) const
 {
     const Asset *asset = find(url);
-    return asset ? m_media->scrubFrame(*asset, bucket) : QImage();
+    return asset ? m_media.scrubFrame(*asset, bucket) : QImage();
 }
 
 std::unique_ptr<PreviewRequest> VaultThumbnails::requestScrubFrame(const Location &url, int bucket)
 {
     const Asset *asset = find(url);
-    return asset ? m_media->requestScrubFrame(*asset, bucket) : nullptr;
+    return asset ? m_media.requestScrubFrame(*asset, bucket) : nullptr;
 }
 
 WaveformPeaks VaultThumbnails::waveform(const Location &url) const
 {
     const Asset *asset = find(url);
-    return asset ? m_media->waveform(*asset).value_or(WaveformPeaks()) : WaveformPeaks();
+    return asset ? m_media.waveform(*asset).value_or(WaveformPeaks()) : WaveformPeaks();
 }
 
 std::optional<MediaInfo> VaultThumbnails::info(const Location &url) const
 {
     const Asset *asset = find(url);
-    return asset ? m_media->info(*asset) : std::nullopt;
+    return asset ? m_media.info(*asset) : std::nullopt;
 }
 
 } // namespace cratewell

@@ -5,9 +5,11 @@
 #include "ui/thumbnail/thumbnail_scaler.h"
 
 #include <QPointer>
-#include <QQmlParserStatus>
 #include <QtQml/qqmlregistration.h>
 #include <vector>
+
+class QJSEngine;
+class QQmlEngine;
 
 namespace cratewell {
 
@@ -19,7 +21,7 @@ class ThumbnailProvider : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
-    QML_UNCREATABLE("Use one of the kinds of picture source")
+    QML_UNCREATABLE("Use VaultThumbnails")
 public:
     using QObject::QObject;
 
@@ -52,8 +54,6 @@ Q_SIGNALS:
     void changed(const cratewell::Location &url);
     void scrubFrameChanged(const cratewell::Location &url, int bucket);
     void infoChanged(const cratewell::Location &url);
-    // Everything may have changed.
-    void reset();
 
 private:
     struct PaintedPlaceholder
@@ -71,18 +71,15 @@ private:
 };
 
 // The grid thumbnails and waveforms of the vault's assets, each looked up afresh, so that a rewritten file
-// gets the picture of its newest version. Every picture is missing until it knows its vault. (The QML tools
-// find a base by its full name only.)
-class VaultThumbnails : public cratewell::ThumbnailProvider, public QQmlParserStatus
+// gets the picture of its newest version. (The QML tools find a base by its full name only.)
+class VaultThumbnails : public cratewell::ThumbnailProvider
 {
     Q_OBJECT
-    Q_INTERFACES(QQmlParserStatus)
     QML_ELEMENT
+    QML_SINGLETON
 public:
-    explicit VaultThumbnails(QObject *parent = nullptr) : ThumbnailProvider(parent) {}
-
-    // Both must outlive this. In QML they are the program's own.
-    void follow(Vault &vault, Media &media);
+    VaultThumbnails(const Vault &vault, Media &media);
+    static VaultThumbnails *create(QQmlEngine *engine, QJSEngine *);
 
     Media::State state(const Location &url) const override;
     QImage picture(const Location &url) const override;
@@ -92,14 +89,11 @@ public:
     WaveformPeaks waveform(const Location &url) const override;
     std::optional<MediaInfo> info(const Location &url) const override;
 
-    void classBegin() override {}
-    void componentComplete() override;
-
 private:
     const Asset *find(const Location &url) const;
 
-    Vault *m_vault = nullptr;
-    Media *m_media = nullptr;
+    const Vault &m_vault;
+    Media &m_media;
 };
 
 } // namespace cratewell

@@ -19,7 +19,6 @@ void WaveformItem::setSource(ThumbnailProvider *source)
             if (url == m_url)
                 takePeaks();
         });
-        connect(source, &ThumbnailProvider::reset, this, &WaveformItem::takePeaks);
     }
     takePeaks();
     Q_EMIT sourceChanged();

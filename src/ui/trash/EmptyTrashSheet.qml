@@ -4,25 +4,22 @@ import QtQuick
 import Cratewell
 
 // Asks before everything in the trash is gone.
-Item {
-    id: place
+Sheet {
+    id: sheet
 
     required property TrashModel trash
 
-    Sheet {
-        confirmText: qsTr("Empty Trash")
-        destructive: true
-        title: qsTr("Empty the Trash?")
+    confirmText: qsTr("Empty Trash")
+    destructive: true
+    title: qsTr("Empty the Trash?")
 
-        onClosed: (place.parent as PopupLoader).release()
-        onConfirmed: place.trash.empty()
+    onConfirmed: trash.empty()
 
-        Label {
-            color: Theme.textSecondary
-            lineHeight: 1.15
-            text: qsTr("%1 items will be deleted permanently. This can't be undone.").arg(place.trash.count)
-            width: parent.width
-            wrapMode: Text.Wrap
-        }
+    Label {
+        color: Theme.textSecondary
+        lineHeight: 1.15
+        text: qsTr("%1 items will be deleted permanently. This can't be undone.").arg(sheet.trash.count)
+        width: parent.width
+        wrapMode: Text.Wrap
     }
 }

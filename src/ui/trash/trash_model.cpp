@@ -1,10 +1,8 @@
 #include "ui/trash/trash_model.h"
 
 #include "ui/controls/formats.h"
-#include "ui/shell/ui_engine.h"
 #include "ui/thumbnail/placeholder.h"
 #include "vault/asset.h"
-#include "vault/vault.h"
 
 #include <chrono>
 
@@ -33,18 +31,16 @@ QString timeLeftText(int daysLeft)
     return daysLeft == 1 ? u"1 day left"_s : u"%1 days left"_s.arg(daysLeft);
 }
 
-void TrashModel::follow(Vault &vault)
+void TrashModel::setVault(Vault *vault)
 {
-    m_vault = &vault;
-    connect(&vault, &Vault::trashItemsChanged, this, &TrashModel::refresh);
+    if (vault == m_vault || !vault)
+        return;
+    m_vault = vault;
+    connect(vault, &Vault::trashItemsChanged, this, &TrashModel::refresh);
     connect(&m_clock, &QTimer::timeout, this, [this] { notifyChanged({TimeLeftRole, UrgentRole}); });
     m_clock.start(std::chrono::minutes(10));
     refresh();
-}
-
-void TrashModel::componentComplete()
-{
-    follow(uiContext(*this).vault);
+    Q_EMIT vaultChanged();
 }
 
 void TrashModel::refresh()
@@ -170,7 +166,8 @@ void TrashModel::deletePicked()
 
 void TrashModel::empty()
 {
-    m_vault->deleteForever(m_vault->trashItems());
+    if (m_vault)
+        m_vault->deleteForever(m_vault->trashItems());
 }
 
 } // namespace cratewell

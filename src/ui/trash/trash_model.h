@@ -1,26 +1,24 @@
 #pragma once
 
 #include "ui/controls/keyed_list_model.h"
-#include "vault/trash_item.h"
+#include "vault/vault.h"
 
 #include <QHash>
-#include <QQmlParserStatus>
 #include <QSet>
 #include <QTimer>
 
 namespace cratewell {
 
-class Vault;
-
 // "1 day left", "Deletes today".
 QString timeLeftText(int daysLeft);
 
-// What lies in the trash, newest first, and which of it the user has picked.
-class TrashModel : public cratewell::KeyedListModel, public QQmlParserStatus
+// What lies in the trash, newest first, and which of it the user has picked since the model was made.
+class TrashModel : public cratewell::KeyedListModel
 {
     Q_OBJECT
     QML_ELEMENT
-    Q_INTERFACES(QQmlParserStatus)
+    Q_PROPERTY(cratewell::Vault *vault READ vault WRITE setVault NOTIFY vaultChanged REQUIRED FINAL)
+    Q_PROPERTY(int retentionDays READ retentionDays CONSTANT FINAL)
     Q_PROPERTY(int pickedCount READ pickedCount NOTIFY pickedCountChanged FINAL)
 public:
     enum Role {
@@ -33,11 +31,15 @@ public:
         PickedRole,
     };
 
-    // What QML does when it has made the model. The vault must outlive it.
-    void follow(Vault &vault);
+    using KeyedListModel::KeyedListModel;
+
+    // Set once, before anything else; outlives the model.
+    Vault *vault() const { return m_vault; }
+    void setVault(Vault *vault);
 
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
+    static int retentionDays() { return trashRetentionDays; }
     int pickedCount() const { return int(m_picked.size()); }
 
     Q_INVOKABLE void togglePick(int row);
@@ -50,11 +52,10 @@ public:
     Q_INVOKABLE void empty();
 
 Q_SIGNALS:
+    void vaultChanged();
     void pickedCountChanged();
 
 private:
-    void classBegin() override {}
-    void componentComplete() override;
     void refresh();
     void setPicked(const QSet<QByteArray> &picked);
     std::vector<TrashItem> itemAt(int row) const;

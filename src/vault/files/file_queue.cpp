@@ -38,9 +38,10 @@ FileQueue::FileQueue(FileProgress &progress) : m_progress(progress)
     connect(&progress, &FileProgress::cancelWanted, this, &FileQueue::cancel);
 }
 
+// Effects are for drain(): who owns the queue may be half gone by now.
 FileQueue::~FileQueue()
 {
-    drain();
+    stop();
 }
 
 void FileQueue::add(const QString &title, Work work, const Location &destination)
@@ -87,6 +88,12 @@ void FileQueue::cancelAll()
 
 void FileQueue::drain()
 {
+    stop();
+    deliver();
+}
+
+void FileQueue::stop()
+{
     {
         const std::scoped_lock lock(m_mutex);
         m_ending = true;
@@ -110,18 +117,27 @@ void FileQueue::run()
         job->started = Clock::now();
         lock.unlock();
         Effects effects = job->work(job->progress);
-        QMetaObject::invokeMethod(
-            this, [this, effects = std::move(effects)] { finish(effects); }, Qt::QueuedConnection);
         lock.lock();
         m_jobs.pop_front();
+        m_finished.push_back(std::move(effects));
+        QMetaObject::invokeMethod(this, &FileQueue::deliver, Qt::QueuedConnection);
     }
 }
 
-void FileQueue::finish(const Effects &effects)
+void FileQueue::deliver()
 {
+    std::vector<Effects> finished;
+    {
+        const std::scoped_lock lock(m_mutex);
+        finished = std::exchange(m_finished, {});
+    }
+    if (finished.empty())
+        return;
     show();
-    if (effects)
-        effects();
+    for (const Effects &effects : finished) {
+        if (effects)
+            effects();
+    }
 }
 
 void FileQueue::show()

@@ -13,6 +13,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 namespace cratewell {
 
@@ -30,7 +31,7 @@ public:
     explicit FileQueue(FileProgress &progress);
     ~FileQueue() override;
 
-    // `work` runs on the file thread, what it returns on the main thread; neither after drain().
+    // `work` runs on the file thread, what it returns on the main thread, no later than in drain().
     // `destination` is the folder that long work fills, if there is one.
     void add(const QString &title, Work work, const Location &destination = {});
     // Cancels what is under way.
@@ -39,7 +40,8 @@ public:
     void cancelFilling(const Location &folder);
     // Cancels what is under way and what waits; each still has its effects.
     void cancelAll();
-    // Cancels what is under way, drops what waits and returns when the file thread has ended.
+    // Cancels what is under way, drops what waits and returns when the file thread has ended and the effects
+    // of what was done have been had. Nothing is taken on afterwards.
     void drain();
 
 private:
@@ -53,7 +55,8 @@ private:
     };
 
     void run();
-    void finish(const Effects &effects);
+    void stop();
+    void deliver();
     void show();
 
     FileProgress &m_progress;
@@ -61,6 +64,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<std::shared_ptr<Job>> m_jobs; // the first is under way
+    std::vector<Effects> m_finished;
     bool m_ending = false;
     std::thread m_thread;
 };

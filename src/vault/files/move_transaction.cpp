@@ -2,6 +2,7 @@
 
 #include "vault/files/disk.h"
 #include "vault/files/operation_progress.h"
+#include "vault/files/rename.h"
 
 #include <cerrno>
 #include <utility>
@@ -9,7 +10,7 @@
 namespace cratewell {
 
 MoveTransaction::MoveTransaction(const Location &root, OperationProgress &progress)
-    : m_monitor(progress), m_temporaries(root)
+    : m_progress(progress), m_temporaries(root)
 {
 }
 
@@ -19,60 +20,83 @@ MoveTransaction::~MoveTransaction()
         disk::remove(staged.copy);
 }
 
-void MoveTransaction::add(const Location &item, const Location &folder, const QByteArray &name, Moved moved)
+void MoveTransaction::add(const Location &item, const Location &folder, const QByteArray &name, Report report)
 {
-    Location place;
-    const int error = m_names.claim(folder, name, UniqueNames::Naming::File, place, [&](const Location &to) {
-        return disk::renameWithoutReplacing(item, to);
-    });
-    if (error == EXDEV)
-        stage(item, folder, name, std::move(moved));
+    const Result<Location> place =
+        m_names.claim(folder, name, UniqueNames::Naming::File,
+                      [&](const Location &to) { return disk::renameWithoutReplacing(item, to); });
+    if (!place && place.error().is(EXDEV))
+        stage(item, folder, name, std::move(report));
     else
-        moved(error, place);
+        report(place.map([](const Location &now) { return Moved{now, {}}; }));
 }
 
-void MoveTransaction::stage(const Location &item, const Location &folder, const QByteArray &name, Moved moved)
+void MoveTransaction::stage(const Location &item, const Location &folder, const QByteArray &name,
+                            Report report)
 {
     Location copy;
-    int error = m_temporaries.name(folder, copy);
-    if (!error)
-        error = disk::copyTree(item, copy, m_monitor);
-    if (error)
-        moved(error, {});
+    Result<std::vector<CopiedEntry>> sources = m_barrier.include(folder)
+                                                   .and_then([&] { return m_temporaries.name(folder); })
+                                                   .and_then([&](const Location &hidden) {
+                                                       copy = hidden;
+                                                       return disk::copyTree(item, copy, m_progress);
+                                                   });
+    if (sources)
+        m_staged.push_back({std::move(*sources), copy, name, std::move(report), {}});
     else
-        m_staged.push_back({item, copy, folder, name, std::move(moved)});
+        report(tl::unexpected(sources.error()));
 }
 
 void MoveTransaction::finish()
 {
-    // All copies are on the disk before the first source goes; one flush serves those on one file system.
-    int error = m_monitor.canceled ? ECANCELED : 0;
-    for (size_t i = 0; i < m_staged.size() && !error; ++i) {
-        if (i == 0 || m_staged[i].folder != m_staged[i - 1].folder)
-            error = disk::flush(m_staged[i].folder);
-    }
+    if (m_staged.empty())
+        return;
+    const Result<void> complete = completeCopies();
     std::vector<Staged> staged = std::exchange(m_staged, {});
-    for (Staged &one : staged) {
-        if (!error) {
-            unpack(one);
+    if (!complete) {
+        for (const Staged &one : staged) {
+            disk::remove(one.copy);
+            one.report(tl::unexpected(complete.error()));
+        }
+        return;
+    }
+    std::erase_if(staged, [this](Staged &one) { return !nameCopy(one); });
+    const Result<void> named = m_barrier.flush();
+    for (const Staged &one : staged) {
+        if (!named) {
+            one.report(tl::unexpected(named.error()));
             continue;
         }
-        disk::remove(one.copy);
-        one.moved(error, {});
+        Moved moved{one.place, {}};
+        if (const Result<void> removed = disk::removeCopied(one.sources); !removed)
+            moved.leftBehind = removed.error();
+        one.report(moved);
     }
 }
 
-void MoveTransaction::unpack(Staged &staged)
+// What the copies are is on the disk, and that they are complete.
+Result<void> MoveTransaction::completeCopies()
 {
-    Location place;
-    const int error =
-        m_names.claim(staged.folder, staged.name, UniqueNames::Naming::File, place,
+    if (m_progress.canceled)
+        return systemFailure(ECANCELED);
+    std::vector<Temporaries::Completed> copies;
+    for (const Staged &one : m_staged)
+        copies.push_back({one.copy, one.name});
+    return m_barrier.flush().and_then([&] { return m_temporaries.markComplete(copies); });
+}
+
+bool MoveTransaction::nameCopy(Staged &staged)
+{
+    const Result<Location> place =
+        m_names.claim(staged.copy.parent(), staged.name, UniqueNames::Naming::File,
                       [&](const Location &to) { return disk::renameWithoutReplacing(staged.copy, to); });
-    if (error)
-        disk::remove(staged.copy);
-    else
-        disk::remove(staged.item);
-    staged.moved(error, place);
+    if (place) {
+        staged.place = *place;
+        return true;
+    }
+    disk::remove(staged.copy);
+    staged.report(tl::unexpected(place.error()));
+    return false;
 }
 
 } // namespace cratewell

@@ -1,28 +1,41 @@
 #include "vault/files/temporaries.h"
 
+#include "platform/posix/file_content.h"
 #include "vault/files/disk.h"
+#include "vault/files/rename.h"
 #include "vault/files/trash_index.h"
+#include "vault/files/unique_names.h"
+#include "vault/item_name.h"
 
-#include <QFile>
 #include <QUuid>
 
+#include <algorithm>
 #include <cerrno>
+
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 namespace cratewell {
 
 namespace {
 
+// A journal is a list of entries that each end with a 0: the path of a copy, from the root when it lies in
+// the vault; once that is complete, its path again and "=" with the name it is to get.
+constexpr char completeMark = '=';
+constexpr QByteArrayView journalPrefix = "journal";
+constexpr qint64 longestJournal = qint64{256} << 20; // bytes; more is no journal of ours
+
 constexpr QByteArrayView prefix = ".cratewell-";
 constexpr QByteArrayView suffix = ".part";
 constexpr qsizetype idSize = 32;
 
-Location journalOf(const Location &root)
+QByteArray freshId()
 {
-    return trashFolder(root).child("journal");
+    return QUuid::createUuid().toByteArray(QUuid::Id128);
 }
 
+// A journal may come from anywhere, but nobody can guess such a name of another vault's copy.
 bool isTemporaryName(QByteArrayView name)
 {
     if (name.size() != prefix.size() + idSize + suffix.size() || !name.startsWith(prefix) ||
@@ -34,58 +47,139 @@ bool isTemporaryName(QByteArrayView name)
     });
 }
 
-} // namespace
+QByteArray entryOf(const Location &root, const Location &copy)
+{
+    const QByteArray path = copy.isInside(root) ? copy.bytes().sliced(root.bytes().size() + 1) : copy.bytes();
+    return path + '\0';
+}
 
-Temporaries::Temporaries(const Location &root) : m_root(root) {}
+Location copyOf(const Location &root, const QByteArray &entry)
+{
+    return Location::fromBytes(entry.startsWith('/') ? entry : root.bytes() + '/' + entry);
+}
+
+std::vector<Temporaries::Completed> readJournal(const Location &root, const QByteArray &bytes)
+{
+    std::vector<Temporaries::Completed> copies;
+    const QList<QByteArray> entries = bytes.split('\0');
+    // What stands behind the last 0 was never handed out.
+    for (qsizetype i = 0; i + 1 < entries.size(); ++i) {
+        if (!entries[i].startsWith(completeMark))
+            copies.push_back({copyOf(root, entries[i]), {}});
+        else if (!copies.empty() && isPlainName(QByteArrayView(entries[i]).sliced(1)))
+            copies.back().name = entries[i].sliced(1);
+    }
+    // The later entry of a copy knows more.
+    std::ranges::reverse(copies);
+    std::erase_if(copies, [](const auto &one) { return !isTemporaryName(one.copy.nameBytes()); });
+    return copies;
+}
+
+bool isSameFile(const Location &a, const Location &b)
+{
+    const Result<FileStatus> first = statusAt(AT_FDCWD, a.c_str(), Links::NoFollow);
+    const Result<FileStatus> second = statusAt(AT_FDCWD, b.c_str(), Links::NoFollow);
+    return first && second && first->device == second->device && first->inode == second->inode;
+}
+
+// True when nothing is left to be done.
+bool settle(const Temporaries::Completed &one, UniqueNames &names)
+{
+    const Location folder = one.copy.parent();
+    if (!disk::exists(one.copy))
+        return disk::exists(folder);
+    // Killed between giving the name and taking the hidden one away, it has both.
+    if (one.name.isEmpty() || isSameFile(one.copy, folder.child(one.name)))
+        return disk::remove(one.copy).has_value();
+    return names
+        .claim(folder, one.name, UniqueNames::Naming::File,
+               [&](const Location &to) { return disk::renameWithoutReplacing(one.copy, to); })
+        .has_value();
+}
+
+Result<FileDescriptor> openTrashFolder(const Location &root)
+{
+    return openFile(trashFolder(root), O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
+}
+
+} // namespace
 
 Temporaries::~Temporaries()
 {
-    if (m_journal < 0)
-        return;
-    ::close(m_journal);
-    ::unlink(journalOf(m_root).c_str());
+    if (m_journal.isOpen() && std::ranges::none_of(m_copies, &disk::exists))
+        ::unlinkat(m_folder.number(), m_journalName.constData(), 0);
 }
 
-int Temporaries::open()
+Result<void> Temporaries::open()
 {
-    const int error = disk::makeFolder(trashFolder(m_root));
-    if (error && error != EEXIST)
-        return error;
-    m_journal =
-        ::open(journalOf(m_root).c_str(), O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC, 0600);
-    return m_journal < 0 ? errno : 0;
+    if (const Result<void> made = disk::makeFolder(trashFolder(m_root)); !made && !made.error().is(EEXIST))
+        return made;
+    Result<FileDescriptor> folder = openTrashFolder(m_root);
+    if (!folder)
+        return tl::unexpected(folder.error());
+    const QByteArray name = journalPrefix.toByteArray() + '-' + freshId();
+    Result<FileDescriptor> journal =
+        openAt(folder->number(), name, O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_NOFOLLOW);
+    if (!journal)
+        return tl::unexpected(journal.error());
+    // Where there are no locks, no clean-up takes a journal either.
+    struct stat facts = {};
+    if ((::flock(journal->number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) ||
+        ::fstat(journal->number(), &facts) != 0 || facts.st_nlink == 0)
+        return open(); // a clean-up was quicker
+    m_folder = std::move(*folder);
+    m_journal = std::move(*journal);
+    m_journalName = name;
+    return {};
 }
 
-int Temporaries::name(const Location &folder, Location &result)
+Result<Location> Temporaries::name(const Location &folder)
 {
-    if (m_journal < 0) {
-        if (const int error = open())
-            return error;
+    if (!m_journal.isOpen()) {
+        if (const Result<void> opened = open(); !opened)
+            return tl::unexpected(opened.error());
     }
-    const QByteArray id = QUuid::createUuid().toByteArray(QUuid::Id128);
-    result = folder.child(QByteArray(prefix.toByteArray() + id + suffix.toByteArray()));
-    // The closing 0 goes with it: a torn entry has none.
-    const QByteArray entry = result.bytes() + '\0';
-    return ::write(m_journal, entry.constData(), size_t(entry.size())) == entry.size() ? 0
-           : errno                                                                     ? errno
-                                                                                       : EIO;
+    const Location copy = folder.child(QByteArray(prefix.toByteArray() + freshId() + suffix.toByteArray()));
+    if (const Result<void> written = writeAll(m_journal.number(), entryOf(m_root, copy)); !written)
+        return tl::unexpected(written.error());
+    m_copies.push_back(copy);
+    return copy;
+}
+
+Result<void> Temporaries::markComplete(const std::vector<Completed> &copies)
+{
+    QByteArray entries;
+    for (const Completed &one : copies)
+        entries += entryOf(m_root, one.copy) + completeMark + one.name + '\0';
+    return writeAll(m_journal.number(), entries)
+        .and_then([this] { return flush(m_journal.number()); })
+        .and_then([this] { return flush(m_folder.number()); });
 }
 
 void Temporaries::cleanUp(const Location &root)
 {
-    const Location journal = journalOf(root);
-    QFile file;
-    const int descriptor = ::open(journal.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0 || !file.open(descriptor, QFile::ReadOnly, QFile::AutoCloseHandle))
+    const Result<FileDescriptor> folder = openTrashFolder(root);
+    const Result<std::vector<QByteArray>> names = disk::names(trashFolder(root));
+    if (!folder || !names)
         return;
-    const QList<QByteArray> entries = file.readAll().split('\0');
-    // What stands behind the last 0 was never handed out.
-    for (qsizetype i = 0; i + 1 < entries.size(); ++i) {
-        const Location left = Location::fromBytes(entries[i]);
-        if (left.isInside(root) && isTemporaryName(left.nameBytes()))
-            disk::remove(left);
+    UniqueNames unique;
+    for (const QByteArray &name : *names) {
+        if (!name.startsWith(journalPrefix))
+            continue;
+        const Result<FileDescriptor> journal =
+            openAt(folder->number(), name, O_RDWR | O_NOFOLLOW | O_NONBLOCK);
+        if (!journal || !statusOf(journal->number()).map(&FileStatus::isRegularFile).value_or(false) ||
+            ::flock(journal->number(), LOCK_EX | LOCK_NB) != 0)
+            continue;
+        const Result<QByteArray> bytes = readBounded(journal->number(), longestJournal);
+        if (!bytes)
+            continue;
+        bool settled = true;
+        for (const Completed &one : readJournal(root, *bytes))
+            settled = settle(one, unique) && settled;
+        if (settled)
+            ::unlinkat(folder->number(), name.constData(), 0);
     }
-    ::unlink(journal.c_str());
 }
 
 } // namespace cratewell

@@ -1,31 +1,48 @@
 #pragma once
 
 #include "platform/location.h"
+#include "platform/posix/file_descriptor.h"
+
+#include <vector>
 
 namespace cratewell {
 
 // Hidden names for copies that are not complete yet, beside their targets. Each is written to a journal in
-// the vault's trash folder before it is handed out, so that the next start finds what a killed program left
-// behind; nothing else is ever removed. File thread.
+// the vault's trash folder before it is handed out, so that a later start finds what a killed program left
+// behind; nothing else is ever touched. The journal is this object's own and locked while it lives: programs
+// that share a vault leave each other's copies alone. File thread.
 class Temporaries
 {
 public:
-    explicit Temporaries(const Location &root);
-    // Every copy has been given its name or removed.
+    explicit Temporaries(Location root) : m_root(std::move(root)) {}
+    // The journal goes unless a copy still has its hidden name.
     ~Temporaries();
     Q_DISABLE_COPY_MOVE(Temporaries)
 
-    // A free name in `folder`; 0 or an errno value.
-    int name(const Location &folder, Location &result);
+    // A free name in `folder`.
+    [[nodiscard]] Result<Location> name(const Location &folder);
 
-    // Removes what an earlier program left half copied in the vault at `root`.
+    struct Completed
+    {
+        Location copy;
+        QByteArray name;
+    };
+    // From now on a clean-up gives these copies their names, or the next free ones, instead of removing them.
+    // That has reached the disk when it returns.
+    [[nodiscard]] Result<void> markComplete(const std::vector<Completed> &copies);
+
+    // Finishes or removes what programs that have ended left in the vault at `root`. A journal stays when a
+    // folder it names cannot be reached, as on a disk that is not mounted.
     static void cleanUp(const Location &root);
 
 private:
-    int open();
+    Result<void> open();
 
     const Location m_root;
-    int m_journal = -1;
+    FileDescriptor m_folder;
+    FileDescriptor m_journal;
+    QByteArray m_journalName;
+    std::vector<Location> m_copies;
 };
 
 } // namespace cratewell

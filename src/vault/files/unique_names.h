@@ -1,8 +1,11 @@
 #pragma once
 
+#include "platform/error.h"
 #include "platform/location.h"
 
 #include <QHash>
+
+#include <cerrno>
 
 namespace cratewell {
 
@@ -14,26 +17,28 @@ class UniqueNames
 public:
     enum class Naming { File, Folder }; // a folder's name has no extension
 
-    // Calls attempt(place), which gives 0 or an errno value, until it gives something other than EEXIST.
-    // `result` is the place of the last attempt.
+    // Calls attempt(place), which gives a Result<void>, until it gives something other than EEXIST; returns
+    // the place where it succeeded.
     template<typename Attempt>
-    int claim(const Location &folder, const QByteArray &name, Naming naming, Location &result,
-              const Attempt &attempt)
+    Result<Location> claim(const Location &folder, const QByteArray &name, Naming naming,
+                           const Attempt &attempt)
     {
-        int &number =
-            m_next.insert(folder.child(name).bytes(), m_next.value(folder.child(name).bytes(), 1)).value();
+        const QByteArray first = folder.child(name).bytes();
+        int &number = m_next.insert(first, m_next.value(first, 1)).value();
         for (;; ++number) {
-            result = folder.child(numbered(name, number, naming));
-            if (const int error = attempt(result); error != alreadyThere)
-                return error;
+            const Location place = folder.child(numbered(name, number, naming));
+            const Result<void> attempted = attempt(place);
+            if (attempted)
+                return place;
+            if (!attempted.error().is(EEXIST))
+                return tl::unexpected(attempted.error());
         }
     }
 
+    // At most 255 bytes: a long base loses whole characters at its end.
     static QByteArray numbered(const QByteArray &name, int number, Naming naming);
 
 private:
-    static const int alreadyThere;
-
     QHash<QByteArray, int> m_next;
 };
 

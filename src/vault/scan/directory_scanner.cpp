@@ -39,7 +39,7 @@ bool sameInfo(const Asset &asset, const ListedEntry &entry)
     return asset.added == entry.added && asset.version == entry.version && asset.kind == entry.kind;
 }
 
-// Whether a contents would come out exactly like `contents`.
+// Whether the contents would come out exactly like `contents`.
 bool holdsSame(const FolderReader &reader, const FolderContents &contents)
 {
     size_t position = 0;
@@ -153,25 +153,20 @@ void DirectoryScanner::perform(const Job &job)
 
 void DirectoryScanner::list(ScannedFolder &folder)
 {
-    using LinkedFolder = FolderReader::LinkedFolder;
     // A category may be kept on another disk through a link; below it links to folders are not followed.
-    const LinkedFolder linked = folder.parent ? LinkedFolder::Refuse : LinkedFolder::Follow;
-    folder.reader = std::make_unique<FolderReader>(folder.url, folder.category, linked);
+    const Links links = folder.parent ? Links::NoFollow : Links::Follow;
+    Result<std::unique_ptr<FolderReader>> reader = FolderReader::open(folder.url, folder.category, links);
+    if (!reader)
+        return keepEarlier(folder);
+    folder.reader = *std::move(reader);
     folder.identity = folder.reader->identity();
     if (folder.depth > deepestFolder || liesInItself(folder))
         folder.reader->clear();
 
     std::vector<Job> jobs;
     for (const ListedEntry &entry : folder.reader->entries()) {
-        if (entry.type != ListedEntry::Type::Folder)
-            continue;
-        auto child = std::make_unique<ScannedFolder>();
-        child->parent = &folder;
-        child->url = childUrl(folder.url, folder.reader->name(entry));
-        child->category = folder.category;
-        child->depth = folder.depth + 1;
-        jobs.push_back({child.get()});
-        folder.children.push_back(std::move(child));
+        if (entry.type == ListedEntry::Type::Folder)
+            addChild(folder, childUrl(folder.url, folder.reader->name(entry)), jobs);
     }
     const size_t entries = folder.reader->entries().size();
     const size_t parts = std::max<size_t>(1, entries / filesPerPart);
@@ -182,9 +177,41 @@ void DirectoryScanner::list(ScannedFolder &folder)
     readPart(folder, 0, entries / parts);
 }
 
+void DirectoryScanner::addChild(ScannedFolder &folder, Location url, std::vector<Job> &jobs)
+{
+    auto child = std::make_unique<ScannedFolder>();
+    child->parent = &folder;
+    child->url = std::move(url);
+    child->category = folder.category;
+    child->depth = folder.depth + 1;
+    jobs.push_back({child.get()});
+    folder.children.push_back(std::move(child));
+}
+
+// What could not be listed shows what it held before; its subfolders may still be readable.
+void DirectoryScanner::keepEarlier(ScannedFolder &folder)
+{
+    m_complete = false;
+    ++m_folders;
+    if (const SnapshotFolder *earlier = m_before ? m_before->folder(folder.url) : nullptr) {
+        ++m_keptFolders;
+        folder.contents = earlier->contents;
+    } else {
+        folder.contents = std::make_shared<const FolderContents>(folder.url, std::vector<Asset>(),
+                                                                 std::vector<ChildFolder>());
+    }
+    m_assets += folder.contents->assets.size();
+    std::vector<Job> jobs;
+    for (const ChildFolder &child : folder.contents->children)
+        addChild(folder, child.url, jobs);
+    addJobs(jobs);
+}
+
 void DirectoryScanner::readPart(ScannedFolder &folder, size_t first, size_t last)
 {
-    folder.reader->readDetails(first, last);
+    const SnapshotFolder *earlier = m_before ? m_before->folder(folder.url) : nullptr;
+    if (!folder.reader->readDetails(first, last, earlier ? earlier->contents.get() : nullptr))
+        m_complete = false;
     if (--folder.unreadParts == 0)
         makeContents(folder);
 }

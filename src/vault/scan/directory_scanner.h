@@ -10,8 +10,8 @@
 
 namespace cratewell {
 
-// One folder of a scanner. Its contents is that of the snapshot before when nothing in the folder itself
-// changed.
+// One folder of a scan. Its contents are those of the snapshot before when nothing in the folder itself
+// changed, or when it could not be read.
 struct ScannedFolder
 {
     const ScannedFolder *parent = nullptr;
@@ -20,9 +20,9 @@ struct ScannedFolder
     int depth = 0;
     FolderReader::Identity identity;
     std::shared_ptr<const FolderContents> contents;
-    std::vector<std::unique_ptr<ScannedFolder>> children; // in listing order, one for each of the contents's
+    std::vector<std::unique_ptr<ScannedFolder>> children; // in listing order, one for each of the contents'
 
-    std::unique_ptr<FolderReader> reader; // until the contents is made
+    std::unique_ptr<FolderReader> reader; // until the contents are made
     std::atomic<size_t> unreadParts = 0;
 };
 
@@ -42,6 +42,8 @@ public:
     size_t assetCount() const { return m_assets; }
     // No folder has come, gone or changed since the snapshot before.
     bool changedNothing() const;
+    // Everything that is there could be read; if not, a later scan may see more.
+    bool isComplete() const { return m_complete; }
 
 private:
     struct Job
@@ -58,6 +60,8 @@ private:
     void finishJob();
     void perform(const Job &job);
     void list(ScannedFolder &folder);
+    static void addChild(ScannedFolder &folder, Location url, std::vector<Job> &jobs);
+    void keepEarlier(ScannedFolder &folder);
     void readPart(ScannedFolder &folder, size_t first, size_t last);
     void makeContents(ScannedFolder &folder);
 
@@ -67,6 +71,7 @@ private:
     std::atomic<size_t> m_folders = 0;
     std::atomic<size_t> m_assets = 0;
     std::atomic<size_t> m_keptFolders = 0;
+    std::atomic<bool> m_complete = true;
 
     std::mutex m_mutex;
     std::condition_variable m_changed;

@@ -4,57 +4,43 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <optional>
 
-#include <dirent.h>
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace cratewell {
 
 namespace {
 
-constexpr qint64 referenceDate = 978307200; // 2001-01-01 UTC in seconds since 1970
+constexpr std::chrono::seconds referenceDate{978307200}; // 2001-01-01 UTC since 1970
 
-double addedFrom(const struct statx &facts)
+double addedFrom(const FileStatus &status)
 {
-    if (!(facts.stx_mask & STATX_BTIME))
+    if (!status.created)
         return distantPast;
-    return double(facts.stx_btime.tv_sec - referenceDate) + double(facts.stx_btime.tv_nsec) * 1e-9;
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(*status.created);
+    return double((seconds - referenceDate).count()) + double((*status.created - seconds).count()) * 1e-9;
 }
 
-// 0 or the error number.
-int readInfo(int folder, const char *name, int linkFlag, struct statx &facts)
+// Whether the error says what is at the place, rather than that the system could not look.
+bool isAnswer(const Error &error)
 {
-    constexpr unsigned wanted = STATX_TYPE | STATX_SIZE | STATX_INO | STATX_MTIME | STATX_CTIME | STATX_BTIME;
-    const int flags = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT | linkFlag;
-    return statx(folder, name, flags, wanted, &facts) == 0 ? 0 : errno;
+    constexpr std::array answers{ENOENT, ENOTDIR, EACCES, EPERM, ELOOP, ENAMETOOLONG};
+    return std::ranges::find(answers, error.code) != answers.end();
 }
 
 } // namespace
 
-FolderReader::FolderReader(const Location &folder, VaultCategory category, LinkedFolder linkedFolder)
+Result<std::unique_ptr<FolderReader>> FolderReader::open(const Location &folder, VaultCategory category,
+                                                         Links links)
 {
-    const int linkFlag = linkedFolder == LinkedFolder::Refuse ? O_NOFOLLOW : 0;
-    m_descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOCTTY | linkFlag);
-    struct stat facts
-    {
-    };
-    if (m_descriptor < 0 || fstat(m_descriptor, &facts) != 0)
-        return;
-    m_identity = {quint64(facts.st_dev), quint64(facts.st_ino)};
-    // On most file systems a folder's size grows with its names; a wrong guess costs nothing.
-    const size_t names = std::clamp<size_t>(size_t(facts.st_size) / 32, 16, 4096);
-    m_entries.reserve(names);
-    m_names.reserve(names * 32);
-    readNames(category);
-}
-
-FolderReader::~FolderReader()
-{
-    if (m_descriptor >= 0)
-        close(m_descriptor);
+    std::unique_ptr<FolderReader> reader(new FolderReader(category));
+    const int linkFlag = links == Links::NoFollow ? O_NOFOLLOW : 0;
+    Result<FileDescriptor> descriptor = openFile(folder, O_RDONLY | O_DIRECTORY | linkFlag);
+    const Result<void> read = descriptor ? reader->readNames(std::move(*descriptor))
+                                         : tl::make_unexpected(std::move(descriptor).error());
+    if (!read && !isAnswer(read.error()))
+        return tl::unexpected(read.error());
+    return reader;
 }
 
 QByteArrayView FolderReader::name(const ListedEntry &entry) const
@@ -62,84 +48,100 @@ QByteArrayView FolderReader::name(const ListedEntry &entry) const
     return {m_names.data() + entry.nameStart, qsizetype(entry.nameSize)};
 }
 
-void FolderReader::readNames(VaultCategory category)
+Result<void> FolderReader::readNames(FileDescriptor descriptor)
 {
-    alignas(dirent64) std::array<char, 32768> buffer;
-    for (;;) {
-        const ssize_t filled = getdents64(m_descriptor, buffer.data(), buffer.size());
-        if (filled <= 0)
-            return;
-        for (ssize_t at = 0; at < filled;) {
-            const auto *entry = reinterpret_cast<const dirent64 *>(buffer.data() + at);
-            at += entry->d_reclen;
-            addEntry(QByteArrayView(entry->d_name, qsizetype(strlen(entry->d_name))), entry->d_type,
-                     category);
-        }
+    const Result<FileStatus> status = statusOf(descriptor.number());
+    if (!status)
+        return tl::unexpected(status.error());
+    m_identity = {status->device, status->inode};
+    // On most file systems a folder's size grows with its names; a wrong guess costs nothing.
+    const size_t names = std::clamp<size_t>(size_t(status->size) / 32, 16, 4096);
+    m_entries.reserve(names);
+    m_names.reserve(names * 32);
+
+    m_folder.reset(::fdopendir(descriptor.number()));
+    if (!m_folder)
+        return systemFailure(errno);
+    descriptor.release();
+    errno = 0;
+    while (const dirent *entry = ::readdir(m_folder.get())) {
+        const QByteArrayView name(entry->d_name, qsizetype(strlen(entry->d_name)));
+        if (Result<void> added = addEntry(name, entry->d_type); !added)
+            return added;
+        errno = 0;
     }
+    return errno == 0 ? Result<void>() : systemFailure(errno);
 }
 
-void FolderReader::addEntry(QByteArrayView name, uchar directoryType, VaultCategory category)
+Result<void> FolderReader::addEntry(QByteArrayView name, uchar directoryType)
 {
     if (isHiddenName(name))
-        return;
+        return {};
     if (directoryType == DT_UNKNOWN) {
-        struct statx facts;
-        if (readInfo(m_descriptor, name.data(), AT_SYMLINK_NOFOLLOW, facts) != 0)
-            return;
-        directoryType = uchar(IFTODT(facts.stx_mode));
+        const auto status =
+            statusAt(::dirfd(m_folder.get()), name.data(), Links::NoFollow, Freshness::Cached);
+        if (!status)
+            return isAnswer(status.error()) ? Result<void>() : tl::unexpected(status.error());
+        directoryType = uchar(IFTODT(status->mode));
     }
     ListedEntry entry;
     if (directoryType == DT_DIR) {
         entry.type = ListedEntry::Type::Folder;
     } else if (directoryType == DT_REG || directoryType == DT_LNK) {
         const std::optional<AssetKind> kind = kindOf(name);
-        if (!kind || !accepts(category, *kind))
-            return;
+        if (!kind || !accepts(m_category, *kind))
+            return {};
         entry.type = ListedEntry::Type::File;
         entry.kind = *kind;
     } else {
-        return;
+        return {};
     }
     entry.nameStart = quint32(m_names.size());
     entry.nameSize = quint16(name.size());
     m_names.insert(m_names.end(), name.data(), name.data() + name.size() + 1);
     m_entries.push_back(entry);
+    return {};
 }
 
-void FolderReader::readDetails(size_t first, size_t last)
+Result<void> FolderReader::readDetails(size_t first, size_t last, const FolderContents *earlier)
 {
+    Result<void> result;
     for (size_t i = first; i < last; ++i) {
-        if (m_entries[i].type == ListedEntry::Type::File)
-            readDetails(m_entries[i]);
+        ListedEntry &entry = m_entries[i];
+        if (entry.type != ListedEntry::Type::File)
+            continue;
+        Result<void> read = readDetails(entry);
+        if (read || isAnswer(read.error()))
+            continue;
+        result = std::move(read);
+        if (const auto known = earlier ? earlier->find(name(entry)) : std::nullopt) {
+            entry.added = earlier->assets[*known].added;
+            entry.version = earlier->assets[*known].version;
+        }
     }
+    return result;
 }
 
 // A link counts as added when the link was made; its size and version are the target's. A link that leads
-// nowhere and a file that may not be looked at are listed without facts.
-void FolderReader::readDetails(ListedEntry &entry) const
+// nowhere and a file that may not be looked at are listed without details.
+Result<void> FolderReader::readDetails(ListedEntry &entry) const
 {
+    const int folder = ::dirfd(m_folder.get());
     const char *name = m_names.data() + entry.nameStart;
-    struct statx facts;
-    int error = readInfo(m_descriptor, name, AT_SYMLINK_NOFOLLOW, facts);
-    if (error == ENOENT) {
+    Result<FileStatus> status = statusAt(folder, name, Links::NoFollow, Freshness::Cached);
+    if (status)
+        entry.added = addedFrom(*status);
+    else if (status.error().is(ENOENT))
         entry.type = ListedEntry::Type::Unlisted;
-        return;
-    }
-    if (error != 0)
-        return;
-    entry.added = addedFrom(facts);
-    if (S_ISLNK(facts.stx_mode)) {
-        error = readInfo(m_descriptor, name, 0, facts);
-        if (error != 0)
-            return;
-    }
-    if (!S_ISREG(facts.stx_mode)) {
+    if (status && status->isLink())
+        status = statusAt(folder, name, Links::Follow, Freshness::Cached);
+    if (!status)
+        return tl::unexpected(status.error());
+    if (status->isRegularFile())
+        entry.version = {status->inode, status->size, status->modified.count(), status->changed.count()};
+    else
         entry.type = ListedEntry::Type::Unlisted;
-        return;
-    }
-    entry.version = {facts.stx_ino, qint64(facts.stx_size),
-                     facts.stx_mtime.tv_sec * 1'000'000'000 + facts.stx_mtime.tv_nsec,
-                     facts.stx_ctime.tv_sec * 1'000'000'000 + facts.stx_ctime.tv_nsec};
+    return {};
 }
 
 } // namespace cratewell

@@ -1,8 +1,14 @@
 #pragma once
 
+#include "platform/posix/file_descriptor.h"
+#include "platform/posix/file_status.h"
 #include "vault/category.h"
+#include "vault/scan/folder_contents.h"
 
+#include <memory>
 #include <vector>
+
+#include <dirent.h>
 
 namespace cratewell {
 
@@ -21,19 +27,16 @@ struct ListedEntry
 
 // The direct entries of one folder in the order the system lists them: subfolders and the files its category
 // accepts, nothing hidden. Reading names and reading details are two steps, since the second may be spread
-// over threads.
+// over threads. Both fail only when a later try may succeed (too many open files, a failing disk, a lost
+// server); a folder that is missing or may not be read is empty.
 class FolderReader
 {
 public:
-    enum class LinkedFolder { Follow, Refuse };
+    // Reads the names.
+    static Result<std::unique_ptr<FolderReader>> open(const Location &folder, VaultCategory category,
+                                                      Links links);
 
-    // Reads the names; a folder that cannot be read is empty.
-    FolderReader(const Location &folder, VaultCategory category, LinkedFolder linkedFolder);
-    ~FolderReader();
-    FolderReader(const FolderReader &) = delete;
-    FolderReader &operator=(const FolderReader &) = delete;
-
-    // What tells this folder from all others, whatever path led to it.
+    // The same whatever path leads to the folder.
     struct Identity
     {
         quint64 device = 0;
@@ -49,15 +52,19 @@ public:
     void clear() { m_entries.clear(); }
 
     // Reads size, dates and version of the files among the entries [first, last). What turns out to be no
-    // file becomes Unlisted. Threads may read different ranges at a time.
-    void readDetails(size_t first, size_t last);
+    // file becomes Unlisted; a file whose details could not be read has those of `earlier`, which may be
+    // null. The error is the last one. Threads may read different ranges at a time.
+    Result<void> readDetails(size_t first, size_t last, const FolderContents *earlier);
 
 private:
-    void readNames(VaultCategory category);
-    void addEntry(QByteArrayView name, uchar directoryType, VaultCategory category);
-    void readDetails(ListedEntry &entry) const;
+    explicit FolderReader(VaultCategory category) : m_category(category) {}
 
-    int m_descriptor = -1;
+    Result<void> readNames(FileDescriptor descriptor);
+    Result<void> addEntry(QByteArrayView name, uchar directoryType);
+    Result<void> readDetails(ListedEntry &entry) const;
+
+    const VaultCategory m_category;
+    std::unique_ptr<DIR, int (*)(DIR *)> m_folder{nullptr, ::closedir};
     Identity m_identity;
     std::vector<ListedEntry> m_entries;
     std::vector<char> m_names; // each closed by 0

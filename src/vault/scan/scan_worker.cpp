@@ -50,7 +50,7 @@ void ScanWorker::cancel()
     m_canceled = true;
 }
 
-std::optional<SnapshotDiff> ScanWorker::takeResult()
+std::optional<ScanWorker::Result> ScanWorker::takeResult()
 {
     const std::scoped_lock lock(m_mutex);
     return std::exchange(m_result, std::nullopt);
@@ -90,9 +90,10 @@ void ScanWorker::work()
 void ScanWorker::scan(Request request)
 {
     const auto canceled = [this] { return m_canceled || m_ending; };
-    std::optional<SnapshotDiff> result;
-    if (auto snapshot = VaultScan::run(request.root, request.before, canceled))
-        result = VaultScan::compare(std::move(request.before), std::move(snapshot));
+    std::optional<Result> result;
+    ScanResult found = VaultScan::run(request.root, request.before, canceled);
+    if (found.snapshot)
+        result = {VaultScan::compare(std::move(request.before), std::move(found.snapshot)), found.complete};
     {
         const std::scoped_lock lock(m_mutex);
         m_result = std::move(result);

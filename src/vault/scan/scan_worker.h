@@ -15,7 +15,7 @@ namespace cratewell {
 class ScanWorker
 {
 public:
-    // `finished` is called on the worker's thread when a result lies ready.
+    // `finished` is called on the worker's thread when a result is ready.
     explicit ScanWorker(std::function<void()> finished);
     // Breaks off a scan under way and waits for the thread.
     ~ScanWorker();
@@ -23,10 +23,14 @@ public:
     void start(const Location &root, std::shared_ptr<const VaultSnapshot> before);
     // The scan under way ends soon, with no result.
     void cancel();
-    // What led from the snapshot before to the new one; nothing when the scan was canceled. Called once for
-    // each start, after `finished`.
-    std::optional<SnapshotDiff> takeResult();
-    // Lets go of snapshots on the worker's thread: the last owner of a hundred thousand assets takes a while.
+    struct Result
+    {
+        SnapshotDiff diff;
+        bool complete = true; // as in ScanResult
+    };
+    // Nothing when the scan was canceled. Called once for each start, after `finished`.
+    std::optional<Result> takeResult();
+    // Frees snapshots on the worker's thread: the last owner of a hundred thousand assets takes a while.
     void release(SnapshotDiff diff);
 
 private:
@@ -43,7 +47,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_wanted;
     std::optional<Request> m_request;
-    std::optional<SnapshotDiff> m_result;
+    std::optional<Result> m_result;
     std::vector<SnapshotDiff> m_released;
     std::atomic<bool> m_canceled = false;
     std::atomic<bool> m_ending = false;

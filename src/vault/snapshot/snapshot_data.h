@@ -40,12 +40,12 @@ struct SnapshotData
     Location root;
     bool scanned = false;
     std::vector<SnapshotFolder> folders; // depth first in listing order, category after category
-    std::vector<const Asset *> assets;   // the flat list; they live in the allContents
+    std::vector<const Asset *> assets;   // the flat list; they live in the folders' contents
     std::vector<FlatRun> runs;           // ascending; all assets
     size_t nameBytes = 0;                // of all assets' names together
     QHash<Location, quint32> folderIndex;
     std::array<FolderNode, allCategories.size()> trees;
-    std::array<std::vector<AssetIndex>, assetOrderCount> orders;
+    std::array<std::vector<AssetIndex>, assetOrders.size()> orders;
     qint64 totalSize = 0;
 
     const SnapshotFolder *folder(const Location &url) const;

@@ -55,46 +55,45 @@ int labelRank(AssetKind kind)
     return 5;
 }
 
-// How two assets stand in an order, -1, 0 or 1; equal ones keep the order of the flat list.
-class Comparison
+// Made when first asked for: not every order needs it, and it takes a while. One for each thread.
+class LazyCollation
 {
 public:
-    explicit Comparison(const SnapshotData &data) : m_data(data) {}
-
-    bool before(AssetOrder order, AssetIndex a, AssetIndex b) const
-    {
-        const int compared = compare(order, m_data.asset(a), m_data.asset(b));
-        return compared != 0 ? compared < 0 : a < b;
-    }
-    // Made when first asked for: not every order needs it, and it takes a while.
-    const NameCollation &names() const
+    const NameCollation &operator*() const
     {
         if (!m_names)
             m_names.emplace();
         return *m_names;
     }
+    const NameCollation *operator->() const { return &**this; }
 
 private:
-    int compare(AssetOrder order, const Asset &a, const Asset &b) const
-    {
-        switch (order) {
-        case AssetOrder::Name:
-            return names().compare(baseNameOf(a), baseNameOf(b));
-        case AssetOrder::Added:
-            return int(a.added < b.added) - int(a.added > b.added);
-        case AssetOrder::Kind:
-            if (const int byLabel = labelRank(a.kind) - labelRank(b.kind))
-                return byLabel;
-            return compareCodePoints(baseNameOf(a), baseNameOf(b));
-        case AssetOrder::Size:
-            return int(a.size < b.size) - int(a.size > b.size);
-        }
-        return 0;
-    }
-
-    const SnapshotData &m_data;
     mutable std::optional<NameCollation> m_names;
 };
+
+// What a thread sorts with.
+struct Sorting
+{
+    explicit Sorting(const SnapshotData &snapshot) : data(snapshot) {}
+
+    const SnapshotData &data;
+    LazyCollation names;
+    KeySorter sorter;
+};
+
+// An order: how two assets compare (below 0, 0 or above), and how all are sorted at once, equal ones by
+// index.
+template<AssetOrder> struct OrderRule;
+using Comparison = int (*)(const Sorting &, const Asset &, const Asset &);
+
+// By a comparison, equal ones by index.
+auto ordering(const Sorting &with, Comparison compare)
+{
+    return [&with, compare](AssetIndex a, AssetIndex b) {
+        const int compared = compare(with, with.data.asset(a), with.data.asset(b));
+        return compared != 0 ? compared < 0 : a < b;
+    };
+}
 
 // Calls visit(index, base name) for all assets, in flat-list order.
 template<typename Visit> void forEachName(const SnapshotData &data, const Visit &visit)
@@ -122,12 +121,12 @@ template<typename Before> Order insertInto(const Order &kept, const Order &fresh
 }
 
 // Names without a key of weights, in the collator's order.
-Order byCollator(const SnapshotData &data, const Comparison &comparison, const Order &indices)
+Order byCollator(const Sorting &with, const Order &indices)
 {
     std::vector<std::pair<QCollatorSortKey, AssetIndex>> collated;
     collated.reserve(indices.size());
     for (const AssetIndex index : indices)
-        collated.emplace_back(comparison.names().collatorKey(baseNameOf(data.asset(index))), index);
+        collated.emplace_back(with.names->collatorKey(baseNameOf(with.data.asset(index))), index);
     std::ranges::sort(collated, [](const auto &a, const auto &b) {
         const int compared = a.first.compare(b.first);
         return compared != 0 ? compared < 0 : a.second < b.second;
@@ -137,45 +136,61 @@ Order byCollator(const SnapshotData &data, const Comparison &comparison, const O
     return order;
 }
 
-Order byName(const SnapshotData &data, const Comparison &comparison, KeySorter &sorter)
+template<> struct OrderRule<AssetOrder::Name>
 {
-    constexpr size_t mostPerByte = 4;
-    static_assert(NameCollation::keySize(1) <= mostPerByte);
-    sorter.begin(data.assets.size(), mostPerByte * data.nameBytes);
-    Order unkeyed;
-    forEachName(data, [&](AssetIndex index, QByteArrayView name) {
-        if (const uchar *end = comparison.names().writeKey(name, sorter.keyEnd()))
-            sorter.addKey(end, index);
-        else
-            unkeyed.push_back(index);
-    });
-    const Order plain = sorter.sorted();
-    if (unkeyed.empty())
-        return plain;
-    const Order others = byCollator(data, comparison, unkeyed);
-    const auto before = [&](AssetIndex a, AssetIndex b) { return comparison.before(AssetOrder::Name, a, b); };
-    if (others.size() < plain.size() / 16)
-        return insertInto(plain, others, before);
-    Order result(data.assets.size());
-    std::ranges::merge(plain, others, result.begin(), before);
-    return result;
-}
+    static int compare(const Sorting &with, const Asset &a, const Asset &b)
+    {
+        return with.names->compare(baseNameOf(a), baseNameOf(b));
+    }
+    static Order sortAll(Sorting &with)
+    {
+        constexpr size_t mostPerByte = 4;
+        static_assert(NameCollation::keySize(1) <= mostPerByte);
+        with.sorter.begin(with.data.assets.size(), mostPerByte * with.data.nameBytes);
+        Order unkeyed;
+        forEachName(with.data, [&](AssetIndex index, QByteArrayView name) {
+            if (const uchar *end = with.names->writeKey(name, with.sorter.keyEnd()))
+                with.sorter.addKey(end, index);
+            else
+                unkeyed.push_back(index);
+        });
+        const Order plain = with.sorter.sorted();
+        if (unkeyed.empty())
+            return plain;
+        const Order others = byCollator(with, unkeyed);
+        const auto before = ordering(with, &compare);
+        if (others.size() < plain.size() / 16)
+            return insertInto(plain, others, before);
+        Order result(with.data.assets.size());
+        std::ranges::merge(plain, others, result.begin(), before);
+        return result;
+    }
+};
 
-Order byKind(const SnapshotData &data, KeySorter &sorter)
+template<> struct OrderRule<AssetOrder::Kind>
 {
-    constexpr size_t mostPerByte = 3; // a stray byte is written as three
-    sorter.begin(data.assets.size(), mostPerByte * data.nameBytes);
-    forEachName(data, [&](AssetIndex index, QByteArrayView name) {
-        const QByteArray rewritten = name.isValidUtf8() ? QByteArray() : codePointBytes(name);
-        const QByteArrayView bytes = rewritten.isEmpty() ? name : QByteArrayView(rewritten);
-        uchar *end = sorter.keyEnd();
-        *end++ = uchar(labelRank(data.asset(index).kind));
-        end = std::ranges::copy(bytes, end).out;
-        *end++ = 0;
-        sorter.addKey(end, index);
-    });
-    return sorter.sorted();
-}
+    static int compare(const Sorting &, const Asset &a, const Asset &b)
+    {
+        if (const int byLabel = labelRank(a.kind) - labelRank(b.kind))
+            return byLabel;
+        return compareCodePoints(baseNameOf(a), baseNameOf(b));
+    }
+    static Order sortAll(Sorting &with)
+    {
+        constexpr size_t mostPerByte = 3; // a stray byte is written as three
+        with.sorter.begin(with.data.assets.size(), mostPerByte * with.data.nameBytes);
+        forEachName(with.data, [&](AssetIndex index, QByteArrayView name) {
+            const QByteArray rewritten = name.isValidUtf8() ? QByteArray() : codePointBytes(name);
+            const QByteArrayView bytes = rewritten.isEmpty() ? name : QByteArrayView(rewritten);
+            uchar *end = with.sorter.keyEnd();
+            *end++ = uchar(labelRank(with.data.asset(index).kind));
+            end = std::ranges::copy(bytes, end).out;
+            *end++ = 0;
+            with.sorter.addKey(end, index);
+        });
+        return with.sorter.sorted();
+    }
+};
 
 // Orders like the number, as an unsigned one.
 quint64 ascending(qint64 number)
@@ -189,29 +204,43 @@ quint64 ascending(double number)
     return bits >> 63 ? ~bits : bits | quint64(1) << 63;
 }
 
-template<typename Number>
-Order largestFirst(const SnapshotData &data, Number Asset::*field, KeySorter &sorter)
+template<auto field> struct LargestFirst
 {
-    sorter.begin(data.assets.size(), 0);
-    for (AssetIndex i = 0; i < data.assets.size(); ++i)
-        sorter.addNumber(~ascending(data.asset(i).*field), i);
-    return sorter.sorted();
-}
-
-Order fromScratch(const SnapshotData &data, const Comparison &comparison, AssetOrder order, KeySorter &sorter)
-{
-    switch (order) {
-    case AssetOrder::Name:
-        return byName(data, comparison, sorter);
-    case AssetOrder::Added:
-        return largestFirst(data, &Asset::added, sorter);
-    case AssetOrder::Kind:
-        return byKind(data, sorter);
-    case AssetOrder::Size:
-        return largestFirst(data, &Asset::size, sorter);
+    static int compare(const Sorting &, const Asset &a, const Asset &b)
+    {
+        return int(a.*field < b.*field) - int(a.*field > b.*field);
     }
-    return {};
+    static Order sortAll(Sorting &with)
+    {
+        with.sorter.begin(with.data.assets.size(), 0);
+        for (AssetIndex i = 0; i < with.data.assets.size(); ++i)
+            with.sorter.addNumber(~ascending(with.data.asset(i).*field), i);
+        return with.sorter.sorted();
+    }
+};
+
+template<> struct OrderRule<AssetOrder::Added> : LargestFirst<&Asset::added>
+{
+};
+
+template<> struct OrderRule<AssetOrder::Size> : LargestFirst<&Asset::size>
+{
+};
+
+struct RuleOf
+{
+    AssetOrder order;
+    Comparison compare;
+    Order (*sortAll)(Sorting &);
+};
+
+// In the order of assetOrders.
+constexpr auto rules = []<size_t... i>(std::index_sequence<i...>)
+{
+    return std::array{RuleOf{assetOrders[i].order, &OrderRule<assetOrders[i].order>::compare,
+                             &OrderRule<assetOrders[i].order>::sortAll}...};
 }
+(std::make_index_sequence<assetOrders.size()>());
 
 // What can be taken over from the orders of an earlier snapshot.
 struct Carried
@@ -244,9 +273,9 @@ std::optional<Carried> carriedOver(const SnapshotData &before, const SnapshotDat
     return carried;
 }
 
-Order carryOver(const Order &earlier, const Carried &carried, const Comparison &comparison, AssetOrder order)
+Order carryOver(const Order &earlier, const Carried &carried, const Sorting &with, const RuleOf &rule)
 {
-    const auto before = [&](AssetIndex a, AssetIndex b) { return comparison.before(order, a, b); };
+    const auto before = ordering(with, rule.compare);
     Order kept;
     kept.reserve(earlier.size());
     for (const AssetIndex index : earlier) {
@@ -264,22 +293,20 @@ bool makeOrders(SnapshotData &data, const SnapshotData *before, const std::funct
 {
     const std::optional<Carried> carried =
         before && before->scanned ? carriedOver(*before, data) : std::optional<Carried>();
-    const auto make = [&](const Comparison &comparison, AssetOrder order, KeySorter &sorter) {
-        Order &result = data.orders[size_t(order)];
-        if (carried)
-            result = carryOver(before->orders[size_t(order)], *carried, comparison, order);
-        else
-            result = fromScratch(data, comparison, order, sorter);
+    const auto make = [&](const RuleOf &rule, Sorting &with) {
+        const size_t order = size_t(rule.order);
+        data.orders[order] =
+            carried ? carryOver(before->orders[order], *carried, with, rule) : rule.sortAll(with);
     };
+    // By name takes as long as all others.
     std::jthread other([&] {
-        const Comparison comparison(data);
-        KeySorter sorter;
-        make(comparison, AssetOrder::Name, sorter);
+        Sorting with(data);
+        make(rules[size_t(AssetOrder::Name)], with);
     });
-    const Comparison comparison(data);
-    KeySorter sorter;
-    for (const AssetOrder order : {AssetOrder::Kind, AssetOrder::Added, AssetOrder::Size}) {
-        make(comparison, order, sorter);
+    Sorting with(data);
+    for (const RuleOf &rule : rules) {
+        if (rule.order != AssetOrder::Name)
+            make(rule, with);
         if (canceled && canceled())
             return false;
     }

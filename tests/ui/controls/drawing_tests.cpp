@@ -7,7 +7,6 @@
 #include <QLocale>
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
 
 namespace cratewell {
@@ -24,25 +23,15 @@ BackdropLook look(const QString &style, double intensity, bool dark)
     return {style, intensity, QColor(0x7b, 0x5c, 0xff), dark ? darkBase : lightBase, dark};
 }
 
-std::array<int, 3> channels(QRgb color)
-{
-    return {qRed(color), qGreen(color), qBlue(color)};
-}
-
-int difference(QRgb a, QRgb b)
-{
-    int most = 0;
-    for (size_t i = 0; i < 3; ++i)
-        most = std::max(most, std::abs(channels(a)[i] - channels(b)[i]));
-    return most;
-}
-
 int strongestDifference(const QImage &image, const QColor &color)
 {
     int most = 0;
     for (int y = 0; y < image.height(); y += 3) {
-        for (int x = 0; x < image.width(); x += 3)
-            most = std::max(most, difference(image.pixel(x, y), color.rgb()));
+        for (int x = 0; x < image.width(); x += 3) {
+            const QColor found = image.pixelColor(x, y);
+            most = std::max({most, std::abs(found.red() - color.red()),
+                             std::abs(found.green() - color.green()), std::abs(found.blue() - color.blue())});
+        }
     }
     return most;
 }
@@ -85,7 +74,7 @@ TEST(BackdropDrawing, FollowsStyleIntensityAndScheme)
     }
 }
 
-// Where a shade changes by far less than a step from pixel to pixel, rounding alone would leave flat bands.
+// Where a shade differs by far less than a step from pixel to pixel, rounding alone would leave flat bands.
 TEST(BackdropDrawing, HasNoBands)
 {
     for (const QString &style : {u"aurora"_s, u"chrome"_s, u"midnight"_s}) {
@@ -181,27 +170,21 @@ TEST(WaveformDrawing, DrawsTheStylesToTheirShape)
 
 TEST(ByteText, IsDecimalAndRoundsIntoTheNextUnit)
 {
-    const struct
-    {
-        qint64 bytes;
-        QLatin1StringView text;
-    } cases[] = {
-        {-5, "0 bytes"_L1},
-        {0, "0 bytes"_L1},
-        {1, "1 byte"_L1},
-        {999, "999 bytes"_L1},
-        {1000, "1 KB"_L1},
-        {987'600, "988 KB"_L1},
-        {999'499, "999 KB"_L1},
-        {999'500, "1 MB"_L1},
-        {48'200'000, "48.2 MB"_L1},
-        {1'280'000'000, "1.28 GB"_L1},
-        {2'500'000'000'000, "2.5 TB"_L1},
-        {5'000'000'000'000'000, "5000 TB"_L1},
-    };
+    const std::pair<qint64, QLatin1StringView> cases[]{{-5, "0 bytes"_L1},
+                                                       {0, "0 bytes"_L1},
+                                                       {1, "1 byte"_L1},
+                                                       {999, "999 bytes"_L1},
+                                                       {1000, "1 KB"_L1},
+                                                       {987'600, "988 KB"_L1},
+                                                       {999'499, "999 KB"_L1},
+                                                       {999'500, "1 MB"_L1},
+                                                       {48'200'000, "48.2 MB"_L1},
+                                                       {1'280'000'000, "1.28 GB"_L1},
+                                                       {2'500'000'000'000, "2.5 TB"_L1},
+                                                       {5'000'000'000'000'000, "5000 TB"_L1}};
     QLocale::setDefault(QLocale::c());
-    for (const auto &expected : cases)
-        EXPECT_EQ(byteText(expected.bytes), expected.text) << expected.bytes;
+    for (const auto &[bytes, text] : cases)
+        EXPECT_EQ(byteText(bytes), text) << bytes;
 }
 
 } // namespace cratewell

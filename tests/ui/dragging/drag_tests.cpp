@@ -1,12 +1,7 @@
 #include "ui/dragging/drag_data.h"
 #include "ui/dragging/drag_picture.h"
-#include "ui/dragging/dropped_items.h"
-
-#include "support/small_library.h"
-#include "ui/grid/folder_choice_model.h"
 
 #include <QMimeData>
-#include <QTemporaryDir>
 #include <gmock/gmock.h>
 
 namespace cratewell {
@@ -14,104 +9,8 @@ namespace cratewell {
 namespace {
 
 using namespace Qt::StringLiterals;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
-// A vault and a desktop beside it.
-class Dropped : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        std::filesystem::create_directories(named("desktop").c_str());
-        for (const char *file : {"vault/SFX/Hits/a.wav", "vault/SFX/b.wav", "vault 2/c.wav"})
-            make(file);
-        std::filesystem::create_directories(named("vault/Overlays").c_str());
-        make("desktop/d.wav");
-        link("vault", "link to vault");
-        link("vault/SFX/b.wav", "desktop/link to b.wav");
-        link("desktop/d.wav", "vault/SFX/link to d.wav");
-        link("vault/SFX/b.wav", "vault/SFX/Hits/link to b.wav");
-    }
-
-    Location named(const char *name) const
-    {
-        const Location folder = Location::fromText(m_folder.path()).resolved();
-        return Location::fromText(folder.text() + u'/' + QString::fromUtf8(name));
-    }
-
-private:
-    void make(const char *name) const
-    {
-        const std::filesystem::path path(named(name).c_str());
-        std::filesystem::create_directories(path.parent_path());
-        std::ofstream(path) << "x";
-    }
-    void link(const char *target, const char *name) const
-    {
-        std::filesystem::create_symlink(named(target).c_str(), named(name).c_str());
-    }
-
-    QTemporaryDir m_folder;
-};
 
 } // namespace
-
-TEST_F(Dropped, WhatLiesInTheVaultIsTakenFromTheRestThroughEveryLink)
-{
-    const struct
-    {
-        const char *what;
-        Location item;
-        std::optional<Location> inside; // nothing: outside
-    } cases[] = {
-        {"a file", named("vault/SFX/Hits/a.wav"), named("vault/SFX/Hits/a.wav")},
-        {"a folder", named("vault/SFX/Hits"), named("vault/SFX/Hits")},
-        {"a file that is gone", named("vault/SFX/gone.wav"), named("vault/SFX/gone.wav")},
-        {"by another way to the vault", named("link to vault/SFX/b.wav"), named("link to vault/SFX/b.wav")},
-        {"a link in the vault to a file of it", named("vault/SFX/Hits/link to b.wav"),
-         named("vault/SFX/Hits/link to b.wav")},
-        {"a link from outside", named("desktop/link to b.wav"), named("vault/SFX/b.wav")},
-        {"a link in the vault to a file outside", named("vault/SFX/link to d.wav"), {}},
-        {"a file outside", named("desktop/d.wav"), {}},
-        {"beside the vault, with its name to begin with", named("vault 2/c.wav"), {}},
-        {"the vault itself", named("vault"), {}},
-    };
-    for (const Location &root : {named("vault"), named("link to vault")}) {
-        for (const auto &row : cases) {
-            const DroppedItems dropped = splitDropped({row.item, Location()}, root);
-            if (row.inside)
-                EXPECT_EQ(dropped, (DroppedItems{{*row.inside}, {}})) << row.what;
-            else
-                EXPECT_EQ(dropped, (DroppedItems{{}, {row.item}})) << row.what;
-        }
-    }
-    EXPECT_EQ(
-        splitDropped({named("desktop/d.wav"), named("vault/SFX/b.wav")}, named("vault"), 1).inside.size(),
-        0U);
-}
-
-TEST_F(Dropped, MovesAndImportsThatTakeNothingAreKnown)
-{
-    const Location root = named("vault");
-    const struct
-    {
-        const char *item;
-        const char *folder;
-        bool moves;
-    } cases[] = {
-        {"vault/SFX/Hits/a.wav", "vault/SFX", true},     {"vault/SFX/b.wav", "vault/SFX", false},
-        {"vault/SFX/b.wav", "vault/Overlays", false},    {"vault/SFX/Hits", "vault/Overlays", true},
-        {"vault/SFX/Hits", "vault/SFX/Hits", false},     {"vault/SFX", "vault/SFX/Hits", false},
-        {"link to vault/SFX/b.wav", "vault/SFX", false},
-    };
-    for (const auto &row : cases)
-        EXPECT_EQ(movesAny({named(row.item)}, named(row.folder), root), row.moves)
-            << row.item << " to " << row.folder;
-    EXPECT_TRUE(importsAny({named("a.txt"), named("desktop/d.wav")}));
-    EXPECT_TRUE(importsAny({named("desktop")}));
-    EXPECT_FALSE(importsAny({named("a.txt"), named("nowhere")}));
-}
 
 TEST(DragData, CarriesEveryNameToOthersAndBack)
 {
@@ -157,33 +56,6 @@ TEST(DragPicture, ShowsThePressedCardInFrontAndHowManyThereAre)
         EXPECT_FALSE(many.hasAlphaChannel());
     }
     EXPECT_FALSE(dragPicture({}, 0, Qt::magenta, 1).isNull());
-}
-
-TEST(MoveTargetsModel, OffersTheFoldersThatTakeEveryKindOfTheSelection)
-{
-    test::SmallLibrary library;
-    for (const auto file :
-         {"Overlays/Flashes/White.mov"_L1, "Overlays/Still.png"_L1, "SFX/Hits/Deep/Boom.wav"_L1})
-        library.write(file);
-    ASSERT_TRUE(library.scan());
-    const auto offered = [&](const QStringList &files) {
-        QSet<Location> selected;
-        for (const QString &file : files)
-            selected.insert(library.path(file));
-        library.state.setSelected(selected);
-        FolderChoiceModel targets;
-        targets.fill(library.vault, library.state);
-        std::vector<std::string> lines;
-        for (int row = 0; row < targets.rowCount(); ++row)
-            lines.push_back(
-                std::string(targets.data(targets.index(row), FolderChoiceModel::DepthRole).toUInt(), ' ') +
-                targets.data(targets.index(row), FolderChoiceModel::NameRole).toString().toStdString());
-        return lines;
-    };
-    EXPECT_THAT(offered({u"SFX/Hits/Deep/Boom.wav"_s}), ElementsAre("SFX", " Hits", "  Deep"));
-    EXPECT_THAT(offered({u"Overlays/Flashes/White.mov"_s, u"Overlays/Still.png"_s}),
-                ElementsAre("Overlays", " Flashes"));
-    EXPECT_THAT(offered({u"Overlays/Still.png"_s, u"SFX/Hits/Deep/Boom.wav"_s}), IsEmpty());
 }
 
 } // namespace cratewell

@@ -2,8 +2,11 @@
 #include "media/media.h"
 #include "platform/fakes/fake_appearance.h"
 #include "platform/fakes/fake_applications.h"
+#include "platform/fakes/fake_file_chooser.h"
+#include "state/notifications.h"
 #include "support/small_library.h"
 #include "ui/grid/selectable_item.h"
+#include "ui/shell/asset_actions.h"
 #include "ui/shell/ui_engine.h"
 
 #include <QAccessible>
@@ -70,7 +73,8 @@ protected:
     static QString soundName(int number) { return u"Sound %1"_s.arg(number, 2, 10, QChar(u'0')); }
     int focusedRow() const
     {
-        return library.state.selection() ? library.state.visibleRow(library.state.selection()->url) : -1;
+        return library.state.selection() ? library.state.visibleAssets().row(library.state.selection()->url)
+                                         : -1;
     }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
     {
@@ -98,10 +102,13 @@ protected:
     FakeApplications applications;
     RecordingBridge bridge;
     Media media{library.vault, library.prefs, SystemPaths::below(library.path(u"nowhere"_s))};
-    Inserter inserter{library.prefs, library.state, applications, bridge, bridge};
+    Notifications notifications;
+    Inserter inserter{library.prefs, library.state, applications, notifications, bridge, bridge};
+    FakeFileChooser chooser;
+    AssetActions actions{library.vault, library.prefs, library.state, inserter, library.workspace, chooser};
     QList<QQmlError> qmlWarnings;
-    UiEngine engine{{library.prefs, library.state, library.vault, inserter, media, appearance,
-                     library.defaults, library.workspace}};
+    UiEngine engine{{library.prefs, library.state, library.vault, notifications, inserter, media, appearance,
+                     library.defaults, library.workspace, actions}};
     QQuickWindow window;
     std::unique_ptr<QQuickItem> grid;
     QQuickItem *view = nullptr;
@@ -111,33 +118,23 @@ protected:
 TEST_F(AssetGridTest, KeysMoveByRowsAndColumnsAndNeverSideways)
 {
     const int page = std::max(1, int(view->height() / view->property("cellHeight").toDouble()));
-    const struct
-    {
-        const char *what;
-        int from;
-        Qt::Key key;
-        int to;
-    } cases[] = {{"right", 0, Qt::Key_Right, 1},
-                 {"over the line's end", 2, Qt::Key_Right, 3},
-                 {"at the end", 59, Qt::Key_Right, 59},
-                 {"left over the line's beginning", 3, Qt::Key_Left, 2},
-                 {"at the beginning", 0, Qt::Key_Left, 0},
-                 {"down", 1, Qt::Key_Down, 4},
-                 {"in the last line", 58, Qt::Key_Down, 58},
-                 {"up", 4, Qt::Key_Up, 1},
-                 {"in the first line", 2, Qt::Key_Up, 2},
-                 {"a page down", 1, Qt::Key_PageDown, 1 + 3 * page},
-                 {"less than a page down", 55, Qt::Key_PageDown, 58},
-                 {"a page up", 31, Qt::Key_PageUp, 31 - 3 * page},
-                 {"less than a page up", 4, Qt::Key_PageUp, 1},
-                 {"to the beginning", 37, Qt::Key_Home, 0},
-                 {"to the end", 37, Qt::Key_End, 59}};
-    for (const auto &[what, from, key, to] : cases) {
+    // From, key, to: within a line and over its ends, at the ends of the list, by lines and by pages.
+    const std::tuple<int, Qt::Key, int> cases[]{
+        {0, Qt::Key_Right, 1},      {2, Qt::Key_Right, 3},
+        {59, Qt::Key_Right, 59},    {3, Qt::Key_Left, 2},
+        {0, Qt::Key_Left, 0},       {1, Qt::Key_Down, 4},
+        {58, Qt::Key_Down, 58},     {4, Qt::Key_Up, 1},
+        {2, Qt::Key_Up, 2},         {1, Qt::Key_PageDown, 1 + 3 * page},
+        {55, Qt::Key_PageDown, 58}, {31, Qt::Key_PageUp, 31 - 3 * page},
+        {4, Qt::Key_PageUp, 1},     {37, Qt::Key_Home, 0},
+        {37, Qt::Key_End, 59}};
+    for (const auto &[from, key, to] : cases) {
+        SCOPED_TRACE(testing::Message() << key << " from " << from);
         focusRow(from);
         press(key);
-        EXPECT_EQ(focusedRow(), to) << what;
-        EXPECT_EQ(library.state.selectedCount(), 1) << what;
-        EXPECT_TRUE(waitUntil([&, row = to] { return sees(row); })) << what;
+        EXPECT_EQ(focusedRow(), to);
+        EXPECT_EQ(library.state.selectedCount(), 1);
+        EXPECT_TRUE(waitUntil([&, row = to] { return sees(row); }));
     }
 }
 
@@ -275,11 +272,8 @@ TEST_F(AssetGridTest, SelectionIsToldToAssistivePrograms)
 
 TEST_F(AssetGridTest, ColumnsFollowTheCardSizeAndFillTheWidth)
 {
-    const struct
-    {
-        double cardSize;
-        int width;
-    } cases[] = {{140, 640}, {200, 640}, {340, 640}, {340, 200}, {200, 1900}, {200, 817}};
+    const std::pair<double, int> cases[]{{140, 640}, {200, 640},  {340, 640},
+                                         {340, 200}, {200, 1900}, {200, 817}};
     for (const auto &[cardSize, width] : cases) {
         SCOPED_TRACE(testing::Message() << cardSize << " in " << width);
         library.prefs.setCardSize(cardSize);

@@ -1,9 +1,9 @@
 #include "platform/defaults.h"
-#include "platform/fakes/fake_file_chooser.h"
-#include "support/small_library.h"
+#include "ui/actions_library.h"
 #include "ui/controls/formats.h"
 #include "ui/importing/import_controller.h"
 #include "ui/importing/recent_imports_model.h"
+#include "ui/row_view.h"
 #include "ui/trash/trash_model.h"
 
 #include <QAbstractItemModelTester>
@@ -38,21 +38,17 @@ TEST(KeyedList, ChangesOnlyTheRowsThatDiffer)
 {
     PlainKeys model;
     const QAbstractItemModelTester tester(&model);
-    QStringList steps;
-    const auto note = [&steps](const char *what) {
-        return [&steps, what](const QModelIndex &, int first, int last) {
-            steps.append(u"%1 %2-%3"_s.arg(QLatin1StringView(what)).arg(first).arg(last));
-        };
+    test::RowView<QString> view(model, [&](int row) { return model.index(row, 0).data().toString(); });
+    const auto show = [&](const std::vector<QByteArray> &keys) {
+        view.forgetCounts();
+        model.showKeys(keys);
+        EXPECT_TRUE(view.agrees());
+        return std::array{view.inserted, view.removed, view.runs};
     };
-    QObject::connect(&model, &PlainKeys::rowsInserted, note("in"));
-    QObject::connect(&model, &PlainKeys::rowsRemoved, note("out"));
-    model.showKeys({"a", "b", "c", "d", "e"});
-    EXPECT_EQ(std::exchange(steps, {}), QStringList{u"in 0-4"_s});
-    model.showKeys({"x", "y", "a", "c", "e", "a"});
-    EXPECT_EQ(std::exchange(steps, {}), (QStringList{u"out 3-3"_s, u"out 1-1"_s, u"in 0-1"_s}));
+    EXPECT_THAT(show({"a", "b", "c", "d", "e"}), ElementsAre(5, 0, 1));
+    EXPECT_THAT(show({"x", "y", "a", "c", "e", "a"}), ElementsAre(2, 2, 3));
     EXPECT_THAT(model.keys(), ElementsAre("x", "y", "a", "c", "e"));
-    model.showKeys({"x", "y", "a", "c", "e"});
-    EXPECT_EQ(steps, QStringList());
+    EXPECT_THAT(show({"x", "y", "a", "c", "e"}), ElementsAre(0, 0, 0));
 
     std::mt19937 random(7);
     for (int round = 0; round < 200; ++round) {
@@ -93,7 +89,7 @@ protected:
         const auto count = size_t(m_records.size());
         library.vault.start();
         ASSERT_TRUE(waitUntil([&] { return library.vault.trashItems().size() == count; }));
-        model.follow(library.vault);
+        model.setVault(&library.vault);
     }
     std::vector<std::string> texts(TrashModel::Role role) const
     {
@@ -169,7 +165,7 @@ TEST_F(TrashModelTest, PicksFollowWhatIsThere)
     EXPECT_FALSE(exists(u".Cratewell Trash/"_s + idB));
 }
 
-class ImportDeskTest : public testing::Test
+class ImportControllerTest : public testing::Test
 {
 protected:
     void SetUp() override
@@ -178,67 +174,64 @@ protected:
         library.write(u"SFX/b.wav"_s);
         library.write(u"../outside/Whoosh.wav"_s);
         ASSERT_TRUE(library.start());
-        desk.follow(library.vault, state, library.prefs, library.defaults);
-        recent.follow(library.vault, state);
     }
     QUrl url(const QString &relative) const { return QUrl::fromLocalFile(library.path(relative).text()); }
     QString outside() const { return library.path(u"../outside/Whoosh.wav"_s).text(); }
     bool exists(const QString &relative) const { return QFile::exists(library.path(relative).text()); }
 
-    test::SmallLibrary library;
-    FakeFileChooser chooser;
-    AppState state{library.vault, library.prefs, library.workspace, &chooser};
-    ImportController desk;
-    RecentImportsModel recent;
+    test::ActionsLibrary library;
+    FakeFileChooser &chooser = library.chooser;
+    AppState &state = library.state;
+    ImportController imports{library.vault, library.defaults, library.actions};
+    RecentImportsModel recent{library.vault, state};
     QAbstractItemModelTester tester{&recent};
 };
 
-TEST_F(ImportDeskTest, KeepsItsDestination)
+TEST_F(ImportControllerTest, KeepsItsDestination)
 {
-    EXPECT_EQ(desk.choices(), (QStringList{u"Sort by type automatically"_s, u"Overlays"_s, u"    Leaks"_s,
-                                           u"        Warm"_s, u"LUTs"_s, u"SFX"_s}));
-    EXPECT_EQ(desk.label(), u"Sort by type automatically"_s);
-    desk.choose(3);
-    desk.choose(-1);
-    desk.choose(99);
-    EXPECT_EQ(desk.label(), u"Warm"_s);
-    EXPECT_EQ(library.defaults.value(u"importDestination"_s).toString(),
-              library.path(u"Overlays/Leaks/Warm"_s).text());
+    const QString byType = u"Sort by type automatically"_s;
+    const Location warm = library.path(u"Overlays/Leaks/Warm"_s);
+    EXPECT_EQ(imports.label(), byType);
+    imports.choose(warm);
+    EXPECT_EQ(imports.label(), u"Warm"_s);
+    EXPECT_EQ(library.defaults.value(u"importDestination"_s).toString(), warm.text());
+    EXPECT_EQ(ImportController(library.vault, state, library.prefs, library.defaults).destination(), warm);
 
     library.remove(u"Overlays/Leaks/Warm"_s);
     ASSERT_TRUE(library.scan());
-    EXPECT_EQ(desk.label(), u"Sort by type automatically"_s) << "nothing is filed into a folder that is gone";
+    EXPECT_EQ(imports.label(), byType) << "nothing is filed into a folder that is gone";
     library.write(u"Overlays/Leaks/Warm/a.mov"_s);
     ASSERT_TRUE(library.scan());
-    EXPECT_EQ(desk.label(), u"Warm"_s);
-    desk.choose(0);
+    EXPECT_EQ(imports.label(), u"Warm"_s);
+    imports.choose({});
     EXPECT_EQ(library.defaults.value(u"importDestination"_s), QJsonValue(QString()));
+    EXPECT_EQ(imports.label(), byType);
 }
 
-TEST_F(ImportDeskTest, TakesOnlyWhatLiesOutside)
+TEST_F(ImportControllerTest, TakesOnlyWhatLiesOutside)
 {
     const QUrl whoosh = QUrl::fromLocalFile(outside());
-    EXPECT_FALSE(desk.takes({}));
-    EXPECT_FALSE(desk.takes({url(u"SFX/b.wav"_s), QUrl(u"https://example.org/a.wav"_s)}));
-    EXPECT_TRUE(desk.takes({url(u"SFX/b.wav"_s), whoosh}));
+    EXPECT_FALSE(imports.takes({}));
+    EXPECT_FALSE(imports.takes({url(u"SFX/b.wav"_s), QUrl(u"https://example.org/a.wav"_s)}));
+    EXPECT_TRUE(imports.takes({url(u"SFX/b.wav"_s), whoosh}));
 
     library.prefs.setImportMove(true);
-    desk.choose(5);
-    desk.take({url(u"Overlays/Leaks/Warm/a.mov"_s), whoosh});
+    imports.choose(library.path(u"SFX"_s));
+    imports.take({url(u"Overlays/Leaks/Warm/a.mov"_s), whoosh});
     ASSERT_TRUE(waitUntil([&] { return recent.count() == 1; }));
     EXPECT_TRUE(exists(u"SFX/Whoosh.wav"_s) && exists(u"Overlays/Leaks/Warm/a.mov"_s));
     EXPECT_FALSE(QFile::exists(outside()));
 
-    desk.chooseFolder();
-    desk.chooseFiles();
+    imports.chooseFolder();
+    imports.chooseFiles();
     ASSERT_EQ(chooser.requests().size(), 2);
     EXPECT_EQ(chooser.requests()[0].what, ChooseRequest::What::Folders);
 }
 
-TEST_F(ImportDeskTest, ShowsWhatCameInAndFocusesIt)
+TEST_F(ImportControllerTest, ShowsWhatCameInAndFocusesIt)
 {
     QSignalSpy changed(&recent, &RecentImportsModel::dataChanged);
-    desk.take({QUrl::fromLocalFile(outside())});
+    imports.take({QUrl::fromLocalFile(outside())});
     ASSERT_TRUE(waitUntil([&] { return recent.count() == 1 && changed.count() > 0; }));
     const auto value = [&](RecentImportsModel::Role role) { return recent.data(recent.index(0), role); };
     EXPECT_EQ(value(RecentImportsModel::NameRole).toString(), u"Whoosh"_s);
@@ -253,20 +246,16 @@ TEST_F(ImportDeskTest, ShowsWhatCameInAndFocusesIt)
 
 TEST(ProgressTexts, AreCalmAndInWords)
 {
-    struct Remaining
-    {
-        int seconds;
-        QString text;
-    };
-    for (const auto &[seconds, text] : {Remaining{-1, u""_s},
-                                        {0, u"A few seconds left"_s},
-                                        {7, u"About 10 seconds left"_s},
-                                        {54, u"About 55 seconds left"_s},
-                                        {55, u"About 1 minute left"_s},
-                                        {89, u"About 1 minute left"_s},
-                                        {90, u"About 2 minutes left"_s},
-                                        {3600, u"About 1 hour left"_s},
-                                        {9000, u"About 3 hours left"_s}})
+    const std::pair<int, QString> cases[]{{-1, u""_s},
+                                          {0, u"A few seconds left"_s},
+                                          {7, u"About 10 seconds left"_s},
+                                          {54, u"About 55 seconds left"_s},
+                                          {55, u"About 1 minute left"_s},
+                                          {89, u"About 1 minute left"_s},
+                                          {90, u"About 2 minutes left"_s},
+                                          {3600, u"About 1 hour left"_s},
+                                          {9000, u"About 3 hours left"_s}};
+    for (const auto &[seconds, text] : cases)
         EXPECT_EQ(remainingText(seconds), text) << seconds;
     EXPECT_EQ(progressText(0, 0, 0, 0), u"Counting files…"_s);
     EXPECT_EQ(progressText(0, 1, 0, 0), u"0 of 1 file"_s);

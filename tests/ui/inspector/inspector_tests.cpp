@@ -1,5 +1,6 @@
 #include "integrations/inserter.h"
 #include "platform/fakes/fake_applications.h"
+#include "state/notifications.h"
 #include "support/small_library.h"
 #include "ui/controls/formats.h"
 #include "ui/grid/empty_state_model.h"
@@ -106,14 +107,14 @@ protected:
         library.write(u"Overlays/Flashes/White.mov"_s);
         library.write(u"LUTs/Noir.cube"_s);
         ASSERT_TRUE(library.scan());
-        info.follow(library.state, library.vault, library.prefs, inserter);
     }
 
     test::SmallLibrary library;
     FakeApplications applications;
     NoBridge bridge;
-    Inserter inserter{library.prefs, library.state, applications, bridge, bridge};
-    SelectionInfo info;
+    Notifications notifications;
+    Inserter inserter{library.prefs, library.state, applications, notifications, bridge, bridge};
+    SelectionInfo info{library.state, library.vault, library.prefs, inserter};
 };
 
 TEST_F(SelectionInfoTest, SaysWhatIsFocused)
@@ -187,8 +188,7 @@ TEST(Notice, OffersWhatHelpsInEachView)
 TEST(EmptyStateModel, DoesWhatItOffers)
 {
     test::SmallLibrary library;
-    EmptyStateModel notice;
-    notice.follow(library.state, library.vault, library.workspace);
+    EmptyStateModel notice(library.state, library.vault, library.workspace);
 
     const Location hits = library.path(u"SFX/Hits"_s);
     library.state.setScope(Scope::inFolder(hits));

@@ -1,7 +1,7 @@
 #include "ui/sheets/name_check.h"
 
 #include "support/small_library.h"
-#include "ui/sheets/folder_forms.h"
+#include "ui/sheets/name_forms.h"
 
 #include <gtest/gtest.h>
 
@@ -23,13 +23,8 @@ TEST(NameProblem, IsSaidForWhatNoFileCanBeCalled)
 TEST(ExtensionWarning, IsGivenOnlyForAnotherExtension)
 {
     const Location clip = Location::fromText(u"/v/Overlays/clip.final.mov"_s);
-    struct Case
-    {
-        QString typed;
-        QString warning;
-    };
     for (const auto &[typed, warning] :
-         {Case{u"shot.mov"_s, {}},
+         {std::pair<QString, QString>{u"shot.mov"_s, {}},
           {u" shot.MOV "_s, {}},
           {u"shot.mp4"_s, u"The extension changes from “.mov” to “.mp4”."_s},
           {u"shot"_s, u"Without “.mov” the file no longer shows up in your vault."_s},
@@ -39,32 +34,27 @@ TEST(ExtensionWarning, IsGivenOnlyForAnotherExtension)
         EXPECT_EQ(extensionWarning(clip, typed), warning) << typed.toStdString();
 }
 
-TEST(FolderForms, SayWhereAFolderGoesAndWhatIsRenamed)
+TEST(NameForms, SayWhereAFolderGoesAndWhatIsRenamed)
 {
     test::SmallLibrary library;
     library.write(u"SFX/Hits v1.2/boom.wav"_s);
     ASSERT_TRUE(library.scan());
-    const auto explanation = [&] {
-        NewFolderForm form;
-        form.follow(library.state);
-        return form.explanation();
-    };
-    EXPECT_EQ(explanation(), u"Inside the vault"_s);
+    const NameForms forms(library.state, library.vault);
+    EXPECT_EQ(forms.newFolderExplanation(), u"Inside the vault"_s);
     library.state.requestNewFolder(library.path(u"SFX"_s));
-    EXPECT_EQ(explanation(), u"Inside SFX"_s);
+    EXPECT_EQ(forms.newFolderExplanation(), u"Inside SFX"_s);
     library.state.selectAll();
     library.state.newFolderFromSelection();
-    EXPECT_EQ(explanation(), u"1 items will move into it, inside Hits v1.2"_s);
+    EXPECT_EQ(forms.newFolderExplanation(), u"1 items will move into it, inside Hits v1.2"_s);
 
-    const auto form = [&](const QString &place) {
+    const auto question = [&](const QString &place) {
         library.state.setRenameTarget(library.path(place));
-        RenameForm rename;
-        rename.follow(library.state, library.vault);
+        const RenameQuestion rename = forms.renameQuestion();
         return rename.title() + u'|' + rename.name().left(rename.selectionLength()) + u'|' +
                rename.warning(u"other"_s);
     };
-    EXPECT_EQ(form(u"SFX/Hits v1.2"_s), u"Rename Folder|Hits v1.2|"_s);
-    EXPECT_EQ(form(u"SFX/Hits v1.2/boom.wav"_s),
+    EXPECT_EQ(question(u"SFX/Hits v1.2"_s), u"Rename Folder|Hits v1.2|"_s);
+    EXPECT_EQ(question(u"SFX/Hits v1.2/boom.wav"_s),
               u"Rename File|boom|Without “.wav” the file no longer shows up in your vault."_s);
 }
 

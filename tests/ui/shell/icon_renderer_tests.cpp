@@ -1,6 +1,10 @@
 #include "ui/shell/icon_renderer.h"
 
+#include "support/wait.h"
+#include "ui/shell/icon_loader.h"
+
 #include <QColor>
+#include <QSemaphore>
 #include <cmath>
 #include <gtest/gtest.h>
 
@@ -65,16 +69,9 @@ TEST(IconRenderer, SizesThatMakeNoBitmapGiveNone)
 // the star's upper point lies at 0.25 of the diagonal, its lower one at 0.75.
 TEST(IconRenderer, StarCarriesTheMetalOfItsStyle)
 {
-    const struct
-    {
-        IconStyle style;
-        QColor centre;
-    } cases[] = {{IconStyle::Chrome, QColor(0x6e717c)},
-                 {IconStyle::Holo, QColor(0x7b5cff)},
-                 {IconStyle::Midnight, QColor(0x6e717c)},
-                 {IconStyle::Gold, QColor(0x9a6a1e)},
-                 {IconStyle::Light, QColor(0x6e717c)}};
-    for (const auto &[style, centre] : cases) {
+    const QColor centres[]{0x6e717c, 0x7b5cff, 0x6e717c, 0x9a6a1e, 0x6e717c};
+    for (const IconStyle style : allIconStyles) {
+        const QColor centre = centres[size_t(style)];
         SCOPED_TRACE(qPrintable(rawValue(style)));
         expectPlaces(renderIcon(style, size), {{"centre", 0.5, 0.5, centre, 4}});
         expectPlaces(renderStar(style, {size, size}),
@@ -112,21 +109,44 @@ TEST(IconRenderer, GridLinesLieEveryEighthButNotOnTheFarEdges)
 
 TEST(IconRenderer, GlowSurroundsTheStarInItsColor)
 {
-    const struct
-    {
-        IconStyle style;
-        int red, green, blue; // which channel leads
-    } cases[] = {{IconStyle::Holo, 2, 0, 1}, {IconStyle::Gold, 2, 1, 0}};
-    for (const auto &[style, red, green, blue] : cases) {
-        const QColor beside = renderIcon(style, size).pixelColor(int(0.56 * size), int(0.68 * size));
-        if (red > blue) {
-            EXPECT_GT(beside.red(), beside.green());
-        }
-        if (green > blue) {
-            EXPECT_GT(beside.green(), beside.blue());
-        }
-        EXPECT_GT(beside.lightness(), 40);
-    }
+    const auto beside = [](IconStyle style) {
+        return renderIcon(style, size).pixelColor(int(0.56 * size), int(0.68 * size));
+    };
+    const QColor holo = beside(IconStyle::Holo);
+    const QColor gold = beside(IconStyle::Gold);
+    EXPECT_GT(holo.red(), holo.green());
+    EXPECT_TRUE(gold.red() > gold.green() && gold.green() > gold.blue());
+    EXPECT_GT(std::min(holo.lightness(), gold.lightness()), 40);
+}
+
+TEST(IconLoader, AnOlderIconThatIsReadyLaterDoesNotWin)
+{
+    QSemaphore begun;
+    std::array<QSemaphore, allIconStyles.size()> mayEnd;
+    IconLoader loader([&](IconStyle style) {
+        begun.release();
+        mayEnd[size_t(style)].acquire();
+        return QImage(1 + int(style), 1, QImage::Format_RGB32);
+    });
+    std::vector<IconStyle> shown;
+    QObject::connect(&loader, &IconLoader::ready,
+                     [&](const QImage &icon) { shown.push_back(IconStyle(icon.width() - 1)); });
+    const auto begin = [&](IconStyle style) {
+        loader.request(style);
+        return begun.tryAcquire(1, 10'000);
+    };
+    const auto end = [&](IconStyle style) { mayEnd[size_t(style)].release(); };
+
+    EXPECT_TRUE(begin(IconStyle::Gold) && begin(IconStyle::Holo));
+    end(IconStyle::Holo);
+    EXPECT_TRUE(test::waitUntil([&] { return shown == std::vector{IconStyle::Holo}; }));
+    EXPECT_TRUE(begin(IconStyle::Light));
+    end(IconStyle::Gold);
+    EXPECT_TRUE(begin(IconStyle::Midnight)) << "on the thread that had Gold, whose answer is on its way now";
+    end(IconStyle::Light);
+    end(IconStyle::Midnight);
+    EXPECT_TRUE(test::waitUntil([&] { return shown.size() >= 2; }));
+    EXPECT_EQ(shown, (std::vector{IconStyle::Holo, IconStyle::Midnight}));
 }
 
 } // namespace

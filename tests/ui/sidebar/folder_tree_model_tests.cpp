@@ -1,6 +1,7 @@
 #include "ui/sidebar/folder_tree_model.h"
 
 #include "support/small_library.h"
+#include "ui/row_view.h"
 #include "ui/sidebar/library_counts.h"
 
 #include <QAbstractItemModelTester>
@@ -45,7 +46,6 @@ protected:
         library.write(u"SFX/Hits/e.wav"_s);
         library.write(u"LUTs/f.cube"_s);
         ASSERT_TRUE(library.scan());
-        model.follow(library.vault, library.prefs, library.defaults);
     }
 
     void setExpanded(const QString &folder, bool expanded)
@@ -54,7 +54,7 @@ protected:
     }
 
     test::SmallLibrary library;
-    FolderTreeModel model;
+    FolderTreeModel model{library.vault, library.prefs, library.defaults};
     QAbstractItemModelTester tester{&model};
 };
 
@@ -71,8 +71,7 @@ TEST_F(FolderTree, ShowsCategoriesOpenAndDeeperFoldersClosedAndRemembersWhatWasC
                                            "    Warm 1",  "LUTs 1",     "+SFX 1"};
     EXPECT_EQ(linesOf(model), changed);
 
-    FolderTreeModel afterRestart;
-    afterRestart.follow(library.vault, library.prefs, library.defaults);
+    const FolderTreeModel afterRestart(library.vault, library.prefs, library.defaults);
     EXPECT_EQ(linesOf(afterRestart), changed);
 }
 
@@ -107,32 +106,13 @@ TEST_F(FolderTree, TintsAFolderWithItsOwnColorElseACategoryWithItsOwn)
     EXPECT_EQ(tint(u"SFX/Hits"_s), u"#ffd93d");
 }
 
-// A view that asks only about the rows it was told of must see the model's rows, whatever happened.
 TEST_F(FolderTree, TellsOfExactlyTheRowsThatCameLeftOrChanged)
 {
-    std::vector<std::string> seen = linesOf(model);
-    int rowsReported = 0;
-    QObject::connect(&model, &FolderTreeModel::rowsInserted, [&](const QModelIndex &, int first, int last) {
-        for (int row = first; row <= last; ++row)
-            seen.insert(seen.begin() + row, lineAt(model, row));
-        rowsReported += last - first + 1;
-    });
-    QObject::connect(&model, &FolderTreeModel::rowsRemoved, [&](const QModelIndex &, int first, int last) {
-        seen.erase(seen.begin() + first, seen.begin() + last + 1);
-        rowsReported += last - first + 1;
-    });
-    QObject::connect(&model, &FolderTreeModel::dataChanged,
-                     [&](const QModelIndex &first, const QModelIndex &last) {
-                         for (int row = first.row(); row <= last.row(); ++row)
-                             seen[size_t(row)] = lineAt(model, row);
-                         rowsReported += last.row() - first.row() + 1;
-                     });
-    QObject::connect(&model, &FolderTreeModel::modelReset, [] { ADD_FAILURE() << "the model was reset"; });
-
+    test::RowView<std::string> view(model, [this](int row) { return lineAt(model, row); });
     library.write(u"SFX/Hits/Deep/g.wav"_s);
     ASSERT_TRUE(library.scan());
-    EXPECT_EQ(rowsReported, 2) << "SFX and Hits hold one more, and Deep is not in view";
-    EXPECT_EQ(seen, linesOf(model));
+    EXPECT_EQ(view.inserted + view.removed + view.changed, 2) << "SFX and Hits hold one more";
+    EXPECT_TRUE(view.agrees()) << "and Deep is not in view";
 
     std::mt19937 random(7);
     const auto folder = [&random] {
@@ -153,14 +133,14 @@ TEST_F(FolderTree, TellsOfExactlyTheRowsThatCameLeftOrChanged)
             library.write(folder() + u"/%1.mov"_s.arg(round));
             ASSERT_TRUE(library.scan());
         }
-        ASSERT_EQ(seen, linesOf(model)) << "after round " << round;
+        ASSERT_TRUE(view.agrees()) << "after round " << round;
     }
+    EXPECT_EQ(view.resets, 0);
 }
 
 TEST_F(FolderTree, CountsInEachListWhatStillExists)
 {
-    LibraryCounts counts;
-    counts.follow(library.vault, library.prefs);
+    const LibraryCounts counts(library.vault, library.prefs);
     EXPECT_EQ(counts.all(), 6);
     EXPECT_EQ(counts.size(), u"6 bytes");
 

@@ -75,37 +75,37 @@ TEST(ScaledThumbnail, NothingComesFromNothing)
 
 TEST(ThumbnailScaler, AnswersOnceAndRemembers)
 {
-    ThumbnailScaler cutter;
+    ThumbnailScaler scaler;
     const QImage picture = stripes({300, 100}, Qt::Horizontal);
     const ThumbnailShape shape{{40, 25}, 4};
-    EXPECT_TRUE(cutter.ready(picture, shape).isNull());
+    EXPECT_TRUE(scaler.ready(picture, shape).isNull());
 
     int answers = 0;
-    const auto ticket = cutter.cut(picture, shape, [&](const QImage &cut) {
+    const auto ticket = scaler.cut(picture, shape, [&](const QImage &cut) {
         ++answers;
         EXPECT_EQ(cut.size(), shape.size);
     });
     ASSERT_TRUE(test::waitUntil([&] { return answers == 1; }));
-    EXPECT_FALSE(cutter.ready(picture, shape).isNull());
-    EXPECT_TRUE(cutter.ready(picture, {{40, 25}, 5}).isNull());
-    EXPECT_TRUE(cutter.ready(stripes({300, 100}, Qt::Horizontal), shape).isNull()) << "another picture";
+    EXPECT_FALSE(scaler.ready(picture, shape).isNull());
+    EXPECT_TRUE(scaler.ready(picture, {{40, 25}, 5}).isNull());
+    EXPECT_TRUE(scaler.ready(stripes({300, 100}, Qt::Horizontal), shape).isNull()) << "another picture";
 }
 
 TEST(ThumbnailScaler, DroppedTicketIsNeverAnswered)
 {
-    ThumbnailScaler cutter;
+    ThumbnailScaler scaler;
     const QImage picture = stripes({600, 400}, Qt::Horizontal);
     bool dropped = false;
     bool last = false;
-    auto first = cutter.cut(picture, {{64, 40}}, [&](const QImage &) { dropped = true; });
+    auto first = scaler.cut(picture, {{64, 40}}, [&](const QImage &) { dropped = true; });
     first.reset();
-    const auto second = cutter.cut(picture, {{32, 20}}, [&](const QImage &) { last = true; });
+    const auto second = scaler.cut(picture, {{32, 20}}, [&](const QImage &) { last = true; });
     ASSERT_TRUE(test::waitUntil([&] { return last; }));
     EXPECT_FALSE(dropped);
     // One that drops itself while it is being answered.
     ThumbnailScaler::Ticket own;
     bool answered = false;
-    own = cutter.cut(picture, {{16, 10}}, [&](const QImage &) {
+    own = scaler.cut(picture, {{16, 10}}, [&](const QImage &) {
         own.reset();
         answered = true;
     });

@@ -1,27 +1,22 @@
 // A program that changes files in a vault is killed at random instants; after each time the vault must hold
 // every file, complete, and a trash without gaps.
 
+#include "support/child.h"
 #include "vault/files/disk.h"
 #include "vault/files/file_operations.h"
+#include "vault/files/trash_index.h"
 #include "vault/temporary_vault.h"
-
-#include <QCoreApplication>
-#include <QProcess>
 
 #include <gtest/gtest.h>
 
 #include <map>
 #include <random>
-#include <thread>
-
-#include <csignal>
 
 namespace cratewell {
 namespace {
 
 using namespace Qt::StringLiterals;
 using namespace test;
-using namespace std::chrono_literals;
 namespace fs = std::filesystem;
 
 constexpr int assets = 24;
@@ -77,8 +72,7 @@ TEST(FileKillChild, DISABLED_ChangesFilesForEver)
     std::mt19937 random(std::random_device{}());
     FileOperations work(root);
     work.open();
-    std::puts("ready");
-    std::fflush(stdout);
+    report("ready");
     for (;;) {
         OperationProgress progress;
         const std::vector<Location> files = filesBelow(root, "Overlays");
@@ -111,39 +105,7 @@ TEST(FileKillChild, DISABLED_ChangesFilesForEver)
     }
 }
 
-class Victim
-{
-public:
-    explicit Victim(const Location &root)
-    {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QLatin1StringView(rootVariable), root.text());
-        m_process.setProcessEnvironment(environment);
-        m_process.setProcessChannelMode(QProcess::MergedChannels);
-        m_process.start(QCoreApplication::applicationFilePath(),
-                        {u"--gtest_filter=FileKillChild.*"_s, u"--gtest_also_run_disabled_tests"_s});
-    }
-    // False when it had ended by itself.
-    bool killAfter(std::chrono::milliseconds time)
-    {
-        while (!m_output.contains("ready")) {
-            if (!m_process.waitForReadyRead())
-                return false;
-            m_output += m_process.readAll();
-        }
-        if (m_process.waitForFinished(int(time.count())))
-            return false;
-        m_process.kill();
-        return m_process.waitForFinished();
-    }
-    QByteArray output() { return m_output + m_process.readAll(); }
-
-private:
-    QProcess m_process;
-    QByteArray m_output;
-};
-
-// Every asset that is somewhere in the vault or in front of it, by its content; anything else is told.
+// Every asset that is somewhere in the vault or in front of it, by its content; anything else is a failure.
 std::map<int, int> completeAssets(const Location &root)
 {
     std::map<int, int> found;
@@ -167,10 +129,10 @@ void expectTidyTrash(const Location &root, const FileOperations &work)
         listed.insert(item.id.toStdString());
         EXPECT_TRUE(disk::exists(trashedItem(root, item))) << item.original.toStdString();
     }
-    for (const QByteArray &name : disk::names(trashFolder(root))) {
+    for (const QByteArray &name : disk::names(trashFolder(root)).value_or(std::vector<QByteArray>())) {
         const bool slot = disk::isFolder(trashFolder(root).child(name));
         EXPECT_TRUE(!slot || listed.contains(name.toStdString()) ||
-                    disk::names(trashFolder(root).child(name)).empty())
+                    disk::names(trashFolder(root).child(name))->empty())
             << "no record of " << name.toStdString();
     }
 }
@@ -209,9 +171,11 @@ TEST_P(FileKill, LosesNothingAtAnyInstant)
     int caughtTrashing = 0;
     std::mt19937 random(7);
     for (int i = 0; i < kills / 2 && !HasFailure(); ++i) {
-        Victim victim(root);
-        ASSERT_TRUE(victim.killAfter(std::chrono::milliseconds(random() % 60)))
+        Child victim(u"FileKillChild.*"_s, {.environment = {{QLatin1StringView(rootVariable), root.text()}}});
+        ASSERT_TRUE(victim.prints("ready")) << victim.output().constData();
+        ASSERT_FALSE(victim.endsWithin(std::chrono::milliseconds(random() % 60)))
             << victim.output().constData();
+        victim.kill();
         caughtCopying += unfinished() > 0 ? 1 : 0;
         FileOperations work(root);
         work.open();

@@ -5,6 +5,7 @@
 #include "vault/temporary_vault.h"
 #include "vault/vault.h"
 
+#include <future>
 #include <gmock/gmock.h>
 #include <thread>
 
@@ -141,15 +142,15 @@ TEST(FileQueue, ShowsLongWorkAndCancelsIt)
     FileProgress progress;
     FileQueue queue(progress);
     std::vector<QString> done;
-    queue.add(u"Importing"_s, [&](OperationProgress &progress) -> FileQueue::Effects {
-        progress.filesTotal = 60;
-        progress.filesDone = 15;
-        while (!progress.canceled)
+    queue.add(u"Importing"_s, [&](OperationProgress &monitor) -> FileQueue::Effects {
+        monitor.filesTotal = 60;
+        monitor.filesDone = 15;
+        while (!monitor.canceled)
             std::this_thread::yield();
         return [&] { done.push_back(u"first"_s); };
     });
-    queue.add(u"Moving"_s, [&](OperationProgress &progress) -> FileQueue::Effects {
-        return [&, canceled = progress.canceled.load()] {
+    queue.add(u"Moving"_s, [&](OperationProgress &monitor) -> FileQueue::Effects {
+        return [&, canceled = monitor.canceled.load()] {
             done.push_back(canceled ? u"canceled"_s : u"second"_s);
         };
     });
@@ -164,6 +165,27 @@ TEST(FileQueue, ShowsLongWorkAndCancelsIt)
     EXPECT_FALSE(progress.isActive());
 }
 
+TEST(FileQueue, TheEffectsOfWhatWasDoneAreHadAtTheEnd)
+{
+    FileProgress progress;
+    FileQueue queue(progress);
+    std::vector<QString> done;
+    std::promise<void> underWay;
+    for (const QString &name : {u"first"_s, u"second"_s, u"third"_s}) {
+        queue.add(name, [&, name](OperationProgress &monitor) -> FileQueue::Effects {
+            if (name == u"second"_s) {
+                underWay.set_value();
+                while (!monitor.canceled)
+                    std::this_thread::yield();
+            }
+            return [&, name] { done.push_back(name); };
+        });
+    }
+    underWay.get_future().wait();
+    queue.drain();
+    EXPECT_THAT(done, ElementsAre(u"first"_s, u"second"_s)) << "what waits is dropped";
+}
+
 TEST(FileQueue, EndsWhatFillsAFolderThatGoes)
 {
     FileProgress progress;
@@ -172,10 +194,10 @@ TEST(FileQueue, EndsWhatFillsAFolderThatGoes)
     const auto fill = [&](const char *folder, bool waits) {
         queue.add(
             u"Importing"_s,
-            [&, waits](OperationProgress &progress) -> FileQueue::Effects {
-                while (waits && !progress.canceled)
+            [&, waits](OperationProgress &monitor) -> FileQueue::Effects {
+                while (waits && !monitor.canceled)
                     std::this_thread::yield();
-                return [&, was = progress.canceled.load()] { canceled.push_back(was); };
+                return [&, was = monitor.canceled.load()] { canceled.push_back(was); };
             },
             Location::fromText(QString::fromLatin1(folder)));
     };

@@ -1,10 +1,18 @@
+#include "platform/posix/file_status.h"
 #include "vault/snapshot/snapshot_reference.h"
 #include "vault/temporary_vault.h"
 
 #include <gmock/gmock.h>
 
+#include <cstddef>
+#include <thread>
+
 #include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace cratewell {
@@ -43,26 +51,13 @@ TEST(VaultScan, ListsWhatEachCategoryAccepts)
 TEST(VaultScan, NamesOfEveryKindSurvive)
 {
     const TemporaryVault vault;
-    const std::vector<std::string> paths{
-        "SFX/Hit.final v2.wav",
-        "SFX/  spaces .wav",
-        "SFX/\xf0\x9f\x92\xa5 boom.wav",
-        "SFX/hit.wav",
-        "SFX/HIT.wav",
-        "SFX/Hit.WAV",
-        "SFX/" + std::string(251, 'n') + ".wav",
-        "SFX/stray \xff\xc3.wav",
-        "SFX/\xed\xb2\x80.wav",
-        "SFX/new\nline.wav",
-        "SFX/na\xc3\xafve.wav",
-        "SFX/nai\xcc\x88ve.wav",
-        "SFX/100% %20#?;.wav",
-        "SFX/\xff\xfe folder/\xe2\x82.wav",
-        "SFX/\xe6\x97\xa5\xe6\x9c\xac/\xe9\x9f\xb3 10.wav",
-        "SFX/\xe6\x97\xa5\xe6\x9c\xac/\xe9\x9f\xb3 9.wav",
-        "SFX/\xc3\x89T\xc3\x89.wav",
-        "SFX/\xef\xbf\xbd.wav",
-    };
+    std::vector<std::string> paths{"SFX/" + std::string(251, 'n') + ".wav"};
+    for (const char *name :
+         {"Hit.final v2.wav", "  spaces .wav", "\xf0\x9f\x92\xa5 boom.wav", "hit.wav", "HIT.wav", "Hit.WAV",
+          "stray \xff\xc3.wav", "\xed\xb2\x80.wav", "new\nline.wav", "na\xc3\xafve.wav", "nai\xcc\x88ve.wav",
+          "100% %20#?;.wav", "\xff\xfe folder/\xe2\x82.wav", "\xe6\x97\xa5\xe6\x9c\xac/\xe9\x9f\xb3 10.wav",
+          "\xe6\x97\xa5\xe6\x9c\xac/\xe9\x9f\xb3 9.wav", "\xc3\x89T\xc3\x89.wav", "\xef\xbf\xbd.wav"})
+        paths.push_back(std::string("SFX/") + name);
     for (const std::string &path : paths)
         vault.write(path);
     const auto snapshot = vault.scan();
@@ -71,7 +66,7 @@ TEST(VaultScan, NamesOfEveryKindSurvive)
     EXPECT_EQ(std::ranges::count(snapshot->matching(u"\u00e9t\u00e9"_s), true), 1);
 }
 
-TEST(VaultScan, LinksLeadToFilesOnly)
+TEST(VaultScan, LinksLeadToFilesOnlyExceptInPlaceOfACategory)
 {
     const TemporaryVault vault;
     vault.write("outside/sound.bin", 7);
@@ -82,43 +77,19 @@ TEST(VaultScan, LinksLeadToFilesOnly)
     vault.link("SFX/Folder.wav", "../outside/folder");
     vault.link("SFX/Up", "..");
     vault.link("SFX/gone.wav", "nowhere");
+    vault.link("LUTs", "elsewhere");
+    vault.write("elsewhere/Film/a.cube");
     ASSERT_EQ(mkfifo(vault.native("SFX/pipe.wav").c_str(), 0600), 0);
     const auto snapshot = vault.scan();
-    EXPECT_THAT(pathsIn(vault, *snapshot), UnorderedElementsAre("SFX/linked.wav", "SFX/gone.wav"));
+    EXPECT_THAT(pathsIn(vault, *snapshot),
+                UnorderedElementsAre("LUTs/Film/a.cube", "SFX/linked.wav", "SFX/gone.wav"));
     EXPECT_TRUE(snapshot->tree(VaultCategory::Sfx)->children.empty());
+    EXPECT_EQ(snapshot->under(vault.at("SFX/Folder")).count(), 0u);
+    EXPECT_EQ(snapshot->find(vault.at("SFX/Folder/x.wav")), std::nullopt);
     const Asset &linked = snapshot->asset(*snapshot->find(vault.at("SFX/linked.wav")));
     EXPECT_EQ(linked.size, 7);
     EXPECT_NE(linked.added, distantPast);
     EXPECT_EQ(snapshot->asset(*snapshot->find(vault.at("SFX/gone.wav"))).version, FileVersion());
-}
-
-TEST(VaultScan, ACategoryMayItselfBeALink)
-{
-    const TemporaryVault vault;
-    vault.write("elsewhere/Hits/a.wav");
-    vault.link("SFX", "elsewhere");
-    EXPECT_THAT(pathsIn(vault, *vault.scan()), ElementsAre("SFX/Hits/a.wav"));
-}
-
-TEST(VaultScan, FoldersStandInFileManagerOrderWithTheirCounts)
-{
-    const TemporaryVault vault;
-    for (const char *path :
-         {"SFX/Clip 10/a.wav", "SFX/clip 2/a.wav", "SFX/clip 2/deep/b.wav", "SFX/Alpha/x.txt"})
-        vault.write(path);
-    const auto snapshot = vault.scan();
-    const FolderNode &tree = *snapshot->tree(VaultCategory::Sfx);
-    std::vector<std::pair<QString, int>> children;
-    for (const FolderNode &child : tree.children)
-        children.emplace_back(child.url.name(), child.count);
-    EXPECT_THAT(children,
-                ElementsAre(std::pair(u"Alpha"_s, 0), std::pair(u"clip 2"_s, 2), std::pair(u"Clip 10"_s, 1)));
-    EXPECT_EQ(tree.count, 3);
-    EXPECT_EQ(snapshot->node(vault.at("SFX/clip 2/deep"))->count, 1);
-    EXPECT_EQ(snapshot->node(vault.at("SFX/nowhere")), nullptr);
-    EXPECT_EQ(snapshot->under(vault.at("SFX/nowhere")).count(), 0u);
-    EXPECT_EQ(snapshot->find(vault.at("SFX/clip 2/none.wav")), std::nullopt);
-    EXPECT_TRUE(keepsItsPromises(*snapshot));
 }
 
 TEST(VaultScan, WhatCannotBeReadIsEmpty)
@@ -129,9 +100,10 @@ TEST(VaultScan, WhatCannotBeReadIsEmpty)
     EXPECT_EQ(missing->tree(VaultCategory::Luts)->count, 0);
     EXPECT_EQ(missing->tree(VaultCategory::Luts)->url, vault.at("LUTs"));
     EXPECT_EQ(VaultSnapshot().tree(VaultCategory::Luts), nullptr);
-    const auto nowhere = VaultScan::run({}, {});
-    EXPECT_EQ(nowhere->size(), 0u);
-    EXPECT_EQ(nowhere->node({}), nullptr);
+    const ScanResult nowhere = VaultScan::run({}, {});
+    EXPECT_EQ(nowhere.snapshot->size(), 0u);
+    EXPECT_EQ(nowhere.snapshot->node({}), nullptr);
+    EXPECT_TRUE(nowhere.complete) << "there is nothing to wait for";
 
     vault.write("SFX/a.wav");
     vault.write("LUTs", 5);
@@ -145,27 +117,75 @@ TEST(VaultScan, WhatCannotBeReadIsEmpty)
     std::filesystem::permissions(vault.native("SFX/Locked"), std::filesystem::perms::owner_all);
 }
 
-TEST(VaultScan, InfoIsThoseOfTheFile)
+// Does the work on a thread where a system call fails whenever its third argument has one of `bits`; threads
+// that the work starts inherit that.
+void withFailingCall(long call, unsigned bits, int error, const std::function<void()> &work)
+{
+    std::jthread([&] {
+        const quint32 third = offsetof(seccomp_data, args) + 2 * sizeof(quint64);
+        sock_filter filter[] = {
+            BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+            BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, quint32(call), 0, 3),
+            BPF_STMT(BPF_LD | BPF_W | BPF_ABS, third),
+            BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, bits, 0, 1),
+            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | quint32(error)),
+            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+        };
+        const sock_fprog program{std::size(filter), filter};
+        ASSERT_EQ(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
+        ASSERT_EQ(prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program), 0);
+        work();
+    });
+}
+
+TEST(VaultScan, KeepsWhatItCannotReadForTheMoment)
+{
+    const TemporaryVault vault;
+    for (const char *path : {"SFX/Hits/a.wav", "SFX/Hits/Deep/b.wav", "LUTs/c.cube"})
+        vault.write(path, 2);
+    std::shared_ptr<const VaultSnapshot> before = vault.scan();
+    struct Failure
+    {
+        long call;
+        unsigned bits;
+        int error;
+    };
+    size_t size = 2;
+    for (const auto &[call, bits, error] :
+         {Failure{SYS_openat, O_DIRECTORY, EMFILE}, Failure{SYS_openat, O_NOFOLLOW, EIO},
+          Failure{SYS_getdents64, ~0u, EIO}, Failure{SYS_statx, AT_EMPTY_PATH, ESTALE},
+          Failure{SYS_statx, AT_SYMLINK_NOFOLLOW, EIO}}) {
+        vault.write("SFX/Hits/a.wav", ++size);
+        ScanResult now;
+        withFailingCall(call, bits, error, [&] { now = VaultScan::run(vault.root(), before); });
+        EXPECT_FALSE(now.complete) << call << " " << error;
+        EXPECT_TRUE(areEqual(*before, *now.snapshot)) << call << " " << error;
+        const ScanResult later = VaultScan::run(vault.root(), now.snapshot);
+        EXPECT_TRUE(later.complete);
+        EXPECT_TRUE(areEqual(*vault.scan(), *later.snapshot)) << call << " " << error;
+        before = later.snapshot;
+    }
+}
+
+TEST(VaultScan, DetailsAreThoseOfTheFile)
 {
     const TemporaryVault vault;
     vault.write("SFX/a.wav", 12);
-    struct statx info;
-    ASSERT_EQ(statx(AT_FDCWD, vault.native("SFX/a.wav").c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &info),
-              0);
+    const auto status = statusAt(AT_FDCWD, vault.native("SFX/a.wav").c_str(), Links::Follow);
+    ASSERT_TRUE(status);
     const auto snapshot = vault.scan();
     const Asset &asset = snapshot->asset(0);
     EXPECT_EQ(asset.kind, AssetKind::Audio);
     EXPECT_EQ(asset.size, 12);
     EXPECT_EQ(asset.version,
-              (FileVersion{info.stx_ino, 12, info.stx_mtime.tv_sec * 1'000'000'000 + info.stx_mtime.tv_nsec,
-                           info.stx_ctime.tv_sec * 1'000'000'000 + info.stx_ctime.tv_nsec}));
-    if (info.stx_mask & STATX_BTIME)
-        EXPECT_NEAR(asset.added + 978307200.0, double(info.stx_btime.tv_sec), 1.0);
+              (FileVersion{status->inode, 12, status->modified.count(), status->changed.count()}));
+    if (status->created)
+        EXPECT_NEAR((asset.added + 978307200.0) * 1e9, double(status->created->count()), 1e6);
     else
         EXPECT_EQ(asset.added, distantPast);
 }
 
-TEST(VaultScan, BoundsDepthAndTellsWhenCanceled)
+TEST(VaultScan, BoundsDepthAndCanBeCanceled)
 {
     const TemporaryVault vault;
     std::string path = "SFX";
@@ -174,9 +194,9 @@ TEST(VaultScan, BoundsDepthAndTellsWhenCanceled)
     vault.write(path + "/deepest.wav");
     vault.write("SFX/a.wav");
     EXPECT_THAT(pathsIn(vault, *vault.scan()), ElementsAre("SFX/a.wav"));
-    EXPECT_EQ(VaultScan::run(vault.root(), {}, [] { return true; }), nullptr);
+    EXPECT_EQ(VaultScan::run(vault.root(), {}, [] { return true; }).snapshot, nullptr);
     int asked = 0;
-    EXPECT_NE(VaultScan::run(vault.root(), {}, [&] { return ++asked < 0; }), nullptr);
+    EXPECT_NE(VaultScan::run(vault.root(), {}, [&] { return ++asked < 0; }).snapshot, nullptr);
     EXPECT_GT(asked, 1);
 }
 
@@ -197,9 +217,6 @@ TEST(VaultScan, AFolderOfThousandsOfFilesIsReadWhole)
         ASSERT_TRUE(found);
         EXPECT_EQ(snapshot->asset(*found).size, i);
     }
-    EXPECT_EQ(
-        namesIn(*snapshot, snapshot->order(AssetOrder::Name).subspan(7, 5)),
-        (std::vector{u"hit 7.wav"_s, u"h\u00eft 7.wav"_s, u"hit 8.wav"_s, u"hit 9.wav"_s, u"hit 10.wav"_s}));
     EXPECT_TRUE(keepsItsPromises(*snapshot));
 }
 

@@ -34,20 +34,26 @@ bool comesBefore(const QCollator &collator, AssetOrder order, const Asset &a, co
     return false;
 }
 
-AssertionResult checkOrders(const VaultSnapshot &snapshot)
+QCollator fileManagerOrder()
 {
     const QLocale user = QLocale().collation();
     QCollator collator(user == QLocale::c() ? QLocale(QLocale::English, QLocale::UnitedStates) : user);
     collator.setNumericMode(true);
     collator.setCaseSensitivity(Qt::CaseInsensitive);
-    for (const AssetOrder order : {AssetOrder::Name, AssetOrder::Added, AssetOrder::Kind, AssetOrder::Size}) {
+    return collator;
+}
+
+AssertionResult checkOrders(const VaultSnapshot &snapshot)
+{
+    const QCollator collator = fileManagerOrder();
+    for (const auto &[order, label] : assetOrders) {
         std::vector<AssetIndex> expected(snapshot.size());
         std::iota(expected.begin(), expected.end(), AssetIndex{0});
         std::ranges::stable_sort(expected, [&](AssetIndex a, AssetIndex b) {
             return comesBefore(collator, order, snapshot.asset(a), snapshot.asset(b));
         });
         if (!std::ranges::equal(expected, snapshot.order(order)))
-            return AssertionFailure() << "order " << int(order);
+            return AssertionFailure() << "order " << label;
     }
     return AssertionSuccess();
 }
@@ -65,7 +71,7 @@ AssertionResult checkPlaces(const VaultSnapshot &snapshot)
     return AssertionSuccess();
 }
 
-AssertionResult checkNode(const VaultSnapshot &snapshot, const FolderNode &node)
+AssertionResult checkNode(const VaultSnapshot &snapshot, const FolderNode &node, const QCollator &collator)
 {
     for (AssetIndex i = 0; i < snapshot.size(); ++i) {
         if (snapshot.asset(i).url.isInside(node.url) != node.assets.contains(i))
@@ -74,8 +80,13 @@ AssertionResult checkNode(const VaultSnapshot &snapshot, const FolderNode &node)
     if (node.count != int(node.assets.count()) || snapshot.node(node.url) != &node ||
         !(snapshot.under(node.url) == node.assets))
         return AssertionFailure() << "node of " << node.url.bytes().toStdString();
+    if (!std::ranges::is_sorted(
+            node.children,
+            [&collator](const QString &a, const QString &b) { return collator.compare(a, b) < 0; },
+            [](const FolderNode &child) { return child.url.name(); }))
+        return AssertionFailure() << "children of " << node.url.bytes().toStdString();
     for (const FolderNode &child : node.children) {
-        if (const AssertionResult result = checkNode(snapshot, child); !result)
+        if (const AssertionResult result = checkNode(snapshot, child, collator); !result)
             return result;
     }
     return AssertionSuccess();
@@ -116,7 +127,8 @@ AssertionResult keepsItsPromises(const VaultSnapshot &snapshot)
             return result;
     }
     for (const VaultCategory category : allCategories) {
-        if (const AssertionResult result = checkNode(snapshot, *snapshot.tree(category)); !result)
+        if (const AssertionResult result = checkNode(snapshot, *snapshot.tree(category), fileManagerOrder());
+            !result)
             return result;
     }
     return AssertionSuccess();
@@ -134,19 +146,11 @@ AssertionResult areEqual(const VaultSnapshot &a, const VaultSnapshot &b)
         if (!(*a.tree(category) == *b.tree(category)))
             return AssertionFailure() << "tree " << int(category);
     }
-    for (int order = 0; order < assetOrderCount; ++order) {
-        if (!std::ranges::equal(a.order(AssetOrder(order)), b.order(AssetOrder(order))))
-            return AssertionFailure() << "order " << order;
+    for (const auto &[order, label] : assetOrders) {
+        if (!std::ranges::equal(a.order(order), b.order(order)))
+            return AssertionFailure() << "order " << label;
     }
     return AssertionSuccess();
-}
-
-std::vector<QString> namesIn(const VaultSnapshot &snapshot, std::span<const AssetIndex> indices)
-{
-    std::vector<QString> names;
-    for (const AssetIndex index : indices)
-        names.push_back(snapshot.asset(index).url.name());
-    return names;
 }
 
 } // namespace cratewell::test

@@ -13,6 +13,4 @@ namespace cratewell::test {
 // Whether two snapshots show the same, whatever led to them.
 [[nodiscard]] testing::AssertionResult areEqual(const VaultSnapshot &a, const VaultSnapshot &b);
 
-std::vector<QString> namesIn(const VaultSnapshot &snapshot, std::span<const AssetIndex> indices);
-
 } // namespace cratewell::test

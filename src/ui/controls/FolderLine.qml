@@ -9,11 +9,18 @@ Item {
 
     required property string name
     required property int depth
+    // What stands for no folder has none.
+    required property string symbol
     required property bool current
+    required property bool checkable
+    required property bool checked
+    readonly property color foreground: current ? Theme.accentForeground : Theme.text
 
     signal chosen
     signal hovered
 
+    Accessible.checkable: checkable
+    Accessible.checked: checked
     Accessible.focusable: true
     Accessible.focused: current
     Accessible.name: name
@@ -36,17 +43,25 @@ Item {
         color: line.current ? Theme.accent : "transparent"
         radius: 7
     }
+    Icon {
+        anchors.verticalCenter: parent.verticalCenter
+        color: line.foreground
+        size: 14
+        text: "check"
+        visible: line.checked
+        x: 7
+    }
     MenuLine {
         anchors.left: parent.left
-        anchors.leftMargin: 10
+        anchors.leftMargin: line.checkable ? 26 : 10
         anchors.right: parent.right
         anchors.rightMargin: 10
         anchors.verticalCenter: parent.verticalCenter
         indent: 14 * line.depth
-        foreground: line.current ? Theme.accentForeground : Theme.text
+        foreground: line.foreground
         keys: ""
         keysForeground: foreground
-        symbol: "folder"
+        symbol: line.symbol
         text: line.name
     }
 }

@@ -4,16 +4,16 @@ import QtQuick
 import Cratewell
 
 // Shows a sheet whenever it is wanted, also when that is while the last one is still leaving.
-PopupLoader {
-    id: loader
+PopupHost {
+    id: host
 
     required property bool wanted
-    readonly property bool due: wanted && status === Loader.Null
 
+    // A menu that asks for the sheet has closed by then, and the sheet keeps the keyboard.
     Timer {
         interval: 0
-        running: loader.due
+        running: host.wanted && host.shown === null
 
-        onTriggered: loader.open({})
+        onTriggered: host.open()
     }
 }
