@@ -5,7 +5,7 @@ import Cratewell
 
 // Where to move the selected assets; stands on the upper edge of what opens it.
 GlassMenu {
-    id: menu
+    id: moveMenu
 
     implicitWidth: 240
     title: qsTr("Move to")
@@ -20,7 +20,7 @@ GlassMenu {
     MoveList {
         id: folders
 
-        onChosen: menu.dismiss()
+        onChosen: moveMenu.dismiss()
     }
     GlassMenuItem {
         id: none

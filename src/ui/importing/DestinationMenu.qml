@@ -5,7 +5,7 @@ import Cratewell
 
 // The places that an import can go to.
 GlassMenu {
-    id: menu
+    id: destinationMenu
 
     title: qsTr("Destination")
     visible: true
@@ -28,7 +28,7 @@ GlassMenu {
 
         onChosen: folder => {
             ImportController.choose(folder);
-            menu.dismiss();
+            destinationMenu.dismiss();
         }
     }
 }

@@ -8,7 +8,7 @@ import Cratewell
 Page {
     id: page
 
-    subtitle: qsTr("Deleted items stay here for %1 days, then they're removed for good.").arg(trash.retentionDays)
+    subtitle: qsTr("Deleted items stay here for %1 days, then they're removed for good.").arg(trashModel.retentionDays)
     title: qsTr("Trash")
 
     TrashModel {

@@ -43,7 +43,6 @@ public:
     int pickedCount() const { return int(m_picked.size()); }
 
     Q_INVOKABLE void togglePick(int row);
-    Q_INVOKABLE void pickAll();
     Q_INVOKABLE void clearPicks();
     Q_INVOKABLE void restore(int row);
     Q_INVOKABLE void deleteNow(int row);
