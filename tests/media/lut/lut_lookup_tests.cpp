@@ -26,7 +26,7 @@ Lut3DGrid gridOf(const Points &points)
     return {.points = points.data(), .size = int(std::lround(std::cbrt(double(points.size()) / 4)))};
 }
 
-// Random, but smooth enough to be a look: neighbours lie near each other, values stray below 0 and above 1.
+// Random, but smooth enough to be a look: neighbors lie near each other, values stray below 0 and above 1.
 Points gradedPoints(int size, unsigned seed)
 {
     std::mt19937 random(seed);
