@@ -235,6 +235,31 @@ TEST_F(MediaTest, ASecondStartFindsPicturesAndPeaksWithoutDecoding)
     EXPECT_EQ(settled(rewritten), Media::State::Failed) << "another version has its own";
 }
 
+TEST_F(MediaTest, DecodesAPageFromItsBeginning)
+{
+    qputenv("CRATEWELL_STAND_IN_LOG", m_files.path(u"log"_s).toUtf8());
+    SystemPaths paths = m_paths;
+    paths.workerProgram = Location::fromText(QStringLiteral(CRATEWELL_STAND_IN_WORKER));
+    Media media(m_vault, m_prefs, paths);
+    QList<Location> page;
+    for (int i = 0; i < 40; ++i) {
+        const QByteArray name = QByteArray::number(i);
+        page << add(m_files.bytes(u"still"_s, name), QString::fromLatin1(name) + u".png"_s);
+    }
+    scan();
+    std::vector<std::unique_ptr<PreviewRequest>> requests;
+    for (const Location &url : page)
+        requests.push_back(media.requestThumbnail(asset(url)));
+    ASSERT_TRUE(waitUntil([&] {
+        return std::ranges::all_of(page, [&](const Location &url) {
+            return media.thumbnailState(asset(url)) == Media::State::Ready;
+        });
+    }));
+    const QByteArrayList started = MadeMedia::content(m_files.path(u"log"_s)).split('\n');
+    EXPECT_LT(started.indexOf("0"), 20);
+    EXPECT_GT(started.indexOf("39"), 20);
+}
+
 TEST_F(MediaTest, EndsWithWorkUnderWay)
 {
     const Asset film = scanned(add(m_files.grayRamp(u"film.mp4"_s), u"film.mp4"_s));

@@ -41,7 +41,11 @@ protected:
 
 TEST_F(NotificationsTest, EachMessageStaysForItsOwnFullTime)
 {
-    const std::pair<Notification, std::chrono::milliseconds> cases[] = {
+    const struct
+    {
+        Notification message;
+        std::chrono::milliseconds lifetime;
+    } cases[] = {
         {{u"Moved"_s, Success}, 3500ms},
         {{u"Moved to Trash"_s, Success, u"Undo"_s, [] {}}, 7000ms},
         {{u"No panel"_s, Warning}, 7000ms},

@@ -22,7 +22,7 @@ struct DecodeJob
 {
     QByteArray key;
     DecodeRequest request;
-    RequestPlace place;
+    RequestPlace place; // no two jobs have the same
     std::function<void(const DecodeResult &)> finished;
 };
 

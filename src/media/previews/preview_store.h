@@ -75,7 +75,12 @@ public:
     bool forgetOutdated(const Location &url, const FileVersion &version)
     {
         const auto found = m_files.find(url);
-        return found != m_files.end() && found->version != version && removeOutdated(*found, version);
+        if (found == m_files.end() || found->version == version)
+            return false;
+        const bool removed = removeOutdated(*found, version);
+        if (found->parts.isEmpty())
+            m_files.erase(found);
+        return removed;
     }
     bool forget(const Location &url)
     {

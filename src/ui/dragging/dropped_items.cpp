@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <set>
 
 namespace cratewell {
 
@@ -38,8 +39,8 @@ struct DropJudge
     Location realFolder(const Location &folder);
 
     const Location realRoot;
-    QHash<Location, Location> realFolders;     // the many items of a drag have few folders
-    QSet<std::pair<AssetKind, Location>> seen; // kind and folder of files to move
+    QHash<Location, Location> realFolders;         // the many items of a drag have few folders
+    std::set<std::pair<AssetKind, Location>> seen; // kind and folder of files to move
     JudgedDrop drop;
 };
 
@@ -76,10 +77,8 @@ void DropJudge::addInside(const Location &place, const Location &resolved, file_
 {
     const std::optional<AssetKind> kind = kindOf(place);
     if (kind && type != file_type::directory) {
-        const std::pair group(*kind, resolved.parent());
-        if (seen.contains(group))
+        if (!seen.emplace(*kind, resolved.parent()).second)
             return;
-        seen.insert(group);
     }
     drop.effects.m_moved.push_back({kind, resolved});
 }

@@ -158,7 +158,12 @@ Result<void> TrashStore::add(const std::vector<TrashItem> &records)
 
 Result<void> TrashStore::remove(const QSet<QString> &ids)
 {
-    return change({}, ids);
+    const Result<void> changed = change({}, ids);
+    if (!changed) {
+        std::erase_if(m_items, [&](const TrashItem &item) { return ids.contains(item.id); });
+        m_unsaved = true;
+    }
+    return changed;
 }
 
 Result<void> TrashStore::change(const std::vector<TrashItem> &added, const QSet<QString> &removed)

@@ -28,6 +28,7 @@ public:
     [[nodiscard]] Result<void> repair();
     // Makes the trash where there is none. Afterwards all records are in the index, or none.
     [[nodiscard]] Result<void> add(const std::vector<TrashItem> &records);
+    // On failure they are gone from the items only, until the index can be written.
     [[nodiscard]] Result<void> remove(const QSet<QString> &ids);
 
     // An item's own folder in the trash.

@@ -272,7 +272,7 @@ TEST(KeyedJobQueue, JoinsOneKeyServesByPlaceAndEndsEachOnce)
             };
         };
     };
-    const auto at = [number = quint64(0)](quint64 burst) mutable {
+    auto at = [number = quint64(0)](quint64 burst) mutable {
         return RequestPlace{RequestPlace::Rank::Usual, burst, ++number};
     };
     auto first = jobs.submit("a", at(1), work(u"a"_s, true));
