@@ -195,7 +195,7 @@ TEST_F(ImportControllerTest, KeepsItsDestination)
     imports.choose(warm);
     EXPECT_EQ(imports.label(), u"Warm"_s);
     EXPECT_EQ(library.defaults.value(u"importDestination"_s).toString(), warm.text());
-    EXPECT_EQ(ImportController(library.vault, state, library.prefs, library.defaults).destination(), warm);
+    EXPECT_EQ(ImportController(library.vault, library.defaults, library.actions).destination(), warm);
 
     library.remove(u"Overlays/Leaks/Warm"_s);
     ASSERT_TRUE(library.scan());
