@@ -3,6 +3,7 @@
 // named. Prints a JSON list of rows {name, ours, peer, unit}, medians.
 
 #include "media/decoding/decode_pool.h"
+#include "media/previews/preview_formats.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -25,7 +26,6 @@ namespace {
 
 constexpr int usualRounds = 7;
 constexpr int pageRounds = 3; // of half a minute each
-constexpr int thumbnailSide = 640;
 constexpr double cardFraction = 0.35;
 constexpr double h264Seconds = 12; // cardFraction is 105 frames after the key frame, of 25 a second
 constexpr double proresSeconds = 2;
@@ -66,18 +66,19 @@ void run(const QString &program, const QStringList &arguments)
 void decode(DecodePool &pool, const std::vector<DecodeRequest> &requests)
 {
     QEventLoop loop;
+    RequestOrder order;
     size_t left = requests.size();
-    std::vector<std::unique_ptr<PreviewRequest>> requests;
-    requests.reserve(requests.size());
-    for (const DecodeRequest &request : requests) {
-        requests.push_back(pool.submit(
-            {.key = request.file.bytes(), .request = request, .finished = [&](const DecodeResult &result) {
-                 if (!result)
-                     fail(result.error().message);
-                 if (--left == 0)
-                     loop.quit();
-             }}));
-    }
+    std::vector<std::unique_ptr<PreviewRequest>> submitted;
+    submitted.reserve(requests.size());
+    const auto finished = [&](const DecodeResult &result) {
+        if (!result)
+            fail(result.error().message);
+        if (--left == 0)
+            loop.quit();
+    };
+    for (const DecodeRequest &request : requests)
+        submitted.push_back(pool.submit(
+            {.key = request.file.bytes(), .request = request, .place = order.next(), .finished = finished}));
     loop.exec();
 }
 
@@ -125,14 +126,6 @@ private:
     QJsonArray m_rows;
 };
 
-DecodeRequest frame(const Location &file)
-{
-    return {.file = file,
-            .kind = worker::JobKind::VideoFrame,
-            .maxSide = thumbnailSide,
-            .fraction = cardFraction};
-}
-
 QStringList ffmpegFrame(const QString &file, double time)
 {
     return {u"-v"_s,
@@ -162,8 +155,7 @@ void addStills(Bench &bench)
     requests.reserve(size_t(names.size()));
     for (const QString &name : names) {
         arguments.append(bench.path(name));
-        requests.push_back(
-            {.file = bench.file(name), .kind = worker::JobKind::StillImage, .maxSide = thumbnailSide});
+        requests.push_back(stillThumbnail(bench.file(name)));
     }
     bench.add(u"60 photographs"_s, requests, [&] { run(u"vipsthumbnail"_s, arguments); });
 }
@@ -171,7 +163,7 @@ void addStills(Bench &bench)
 void addFrames(Bench &bench)
 {
     const auto row = [&](const QString &name, const QString &file, double seconds) {
-        bench.add(name, {frame(bench.file(file))},
+        bench.add(name, {videoThumbnail(bench.file(file))},
                   [&] { run(u"ffmpeg"_s, ffmpegFrame(bench.path(file), cardFraction * seconds)); });
     };
     row(u"H.264 frame"_s, u"h264.mp4"_s, h264Seconds);
@@ -181,11 +173,10 @@ void addFrames(Bench &bench)
 void addPeaks(Bench &bench)
 {
     for (const QString &name : {u"sound.wav"_s, u"sound.flac"_s, u"sound.mp3"_s, u"sound.m4a"_s}) {
-        bench.add(u"peaks of "_s + name, {{.file = bench.file(name), .kind = worker::JobKind::AudioPeaks}},
-                  [&] {
-                      run(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-nostdin"_s, u"-i"_s, bench.path(name),
-                                        u"-f"_s, u"null"_s, u"-"_s});
-                  });
+        bench.add(u"peaks of "_s + name, {waveformPeaks(bench.file(name))}, [&] {
+            run(u"ffmpeg"_s,
+                {u"-v"_s, u"error"_s, u"-nostdin"_s, u"-i"_s, bench.path(name), u"-f"_s, u"null"_s, u"-"_s});
+        });
     }
 }
 
@@ -195,7 +186,7 @@ void addPage(Bench &bench)
     std::vector<DecodeRequest> requests;
     QStringList commands;
     for (const QString &name : bench.names(u"film *"_s)) {
-        requests.push_back(frame(bench.file(name)));
+        requests.push_back(videoThumbnail(bench.file(name)));
         const double duration = name.endsWith(u".mov"_s) ? proresSeconds : h264Seconds;
         const QStringList arguments = ffmpegFrame(bench.path(name), cardFraction * duration);
         commands.append(u"ffmpeg '"_s + arguments.join(u"' '"_s) + u"'"_s);

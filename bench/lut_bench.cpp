@@ -2,8 +2,8 @@
 // OpenColorIO and FFmpeg doing the same; one thread each. Its files lie in FOLDER while it runs. Prints a
 // JSON list of rows {name, ours, peer, unit}, medians.
 
-#include "media/previews/sunset_still.h"
 #include "media/lut.h"
+#include "media/previews/sunset_still.h"
 
 #include <OpenColorIO/OpenColorIO.h>
 #include <QElapsedTimer>
@@ -238,7 +238,7 @@ void checkEqual(const QImage &ours, const QImage &theirs)
 
 void measureApply(QJsonArray &rows, const fs::path &cube)
 {
-    const std::optional<LUT> lut = LUT::read(Location::fromBytes(cube.c_str()));
+    const Result<LUT> lut = LUT::read(Location::fromBytes(cube.c_str()));
     if (!lut)
         fail("the table could not be read");
     const auto processor = OpenColorIO::processor(OpenColorIO(cube).load());

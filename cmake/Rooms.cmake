@@ -2,8 +2,16 @@
 # room's headers are reached through an include folder of its own, as "room/header.h".
 
 add_library(cratewell_build_flags INTERFACE)
-target_compile_options(cratewell_build_flags INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough -Werror)
+if(CRATEWELL_WARNINGS)
+  target_compile_options(cratewell_build_flags INTERFACE
+      -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough -Werror)
+  if(CMAKE_UNITY_BUILD)
+    # What two sources call alike would shadow or lack linkage only in a file that joins them.
+    target_compile_options(cratewell_build_flags INTERFACE -Wno-shadow -Wno-subobject-linkage)
+  endif()
+else()
+  target_compile_options(cratewell_build_flags INTERFACE -w)
+endif()
 target_compile_definitions(cratewell_build_flags INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH
     CRATEWELL_VERSION="${PROJECT_VERSION}")

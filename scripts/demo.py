@@ -22,8 +22,8 @@ from collections.abc import Iterator
 from make_demo_vault import make_vault
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-PROGRAM = ROOT / "build" / "release" / "bin" / "cratewell"
-STAND_IN = ROOT / "tests" / "fakes" / "resolve"
+PROGRAM = ROOT / "build" / "run" / "bin" / "cratewell"
+STAND_IN = ROOT / "scripts" / "standin_resolve"
 DEMO = ROOT / "build" / "demo"
 HOME = DEMO / "home"
 VAULT = HOME / "Movies" / "Cratewell Vault"

@@ -116,11 +116,14 @@ def check_cpp() -> bool:
     (CACHE / "compile_commands.json").write_text(json.dumps(list(entries.values())))
 
     version = subprocess.run(["clang-tidy", "--version"], check=True, capture_output=True).stdout
-    rules = version + (ROOT / ".clang-tidy").read_bytes() + "".join(TIDY_ARGUMENTS).encode()
+    rules = version + "".join(TIDY_ARGUMENTS).encode()
+    for name in tracked("*.clang-tidy"):
+        rules += (ROOT / name).read_bytes()
     headers = included_headers()
     verdicts = {name: CACHE / verdict_name(entry, headers.get(objects[name], []), rules)
                 for name, entry in entries.items()}
-    waiting = [name for name in entries if not verdicts[name].exists()]
+    # The largest first, so that no core is left with one of them at the end.
+    waiting = sorted((name for name in entries if not verdicts[name].exists()), key=os.path.getsize, reverse=True)
     print(f"clang-tidy: {len(waiting)} of {len(entries)} files changed since they were last found clean",
           flush=True)
 

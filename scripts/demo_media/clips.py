@@ -62,7 +62,7 @@ def soft(expression: str, strength: float = 1.6) -> str:
 
 
 def static(grid: str, rate: str, seconds: float, strength: int, seed: int) -> str:
-    """Gray noise around the middle; the filter makes it colored unless told to touch brightness alone."""
+    """Gray noise around the middle; the filter makes it colored unless it may touch brightness alone."""
     return f"color=gray:s={grid}:r={rate}:d={seconds},noise=c0s={strength}:c0f=t:c0_seed={seed},format=gray"
 
 

@@ -126,11 +126,11 @@ void Application::connectRooms()
     });
 }
 
-bool Application::launch()
+bool Application::launch(StartupMaintenance maintenance)
 {
     applyIcon();
     // The scan runs beside the loading of the window.
-    d->vault.start();
+    d->vault.start(maintenance);
     d->inserter.start();
 
     d->engine.load(QUrl(u"qrc:/qt-project.org/imports/Cratewell/Main.qml"_s));

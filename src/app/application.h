@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/system_paths.h"
+#include "vault/startup_maintenance.h"
 
 #include <QObject>
 #include <memory>
@@ -49,7 +50,7 @@ public:
 
     // Starts the vault and the inserter, then loads and shows the window. False when the window cannot be
     // loaded.
-    bool launch();
+    bool launch(StartupMaintenance maintenance = StartupMaintenance::Run);
     // Shows the window, also when it was closed, and asks for the focus.
     void bringToFront();
     // Ends the work on files. Everything that was changed is on disk when this returns.

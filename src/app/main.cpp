@@ -4,6 +4,7 @@
 #include "platform/single_instance.h"
 #include "platform/termination_signals.h"
 #include "ui/shell/icon_renderer.h"
+#include "vault/startup_maintenance.h"
 
 #include <QFile>
 #include <QGuiApplication>
@@ -69,7 +70,7 @@ int runWindow(int argc, char **argv)
     QObject::connect(&signals, &TerminationSignals::terminationRequested, &application,
                      &QGuiApplication::quit);
     QObject::connect(&instance, &SingleInstance::raiseRequested, &cratewell, &Application::bringToFront);
-    if (!cratewell.launch())
+    if (!cratewell.launch(captures ? StartupMaintenance::Skip : StartupMaintenance::Run))
         return 1;
     if (captures)
         scheduleWindowCaptures(cratewell, *captures);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "decode/media_info.h"
+
 #include <cstdint>
 #include <string>
 #include <tl/expected.hpp>
@@ -15,8 +17,8 @@ struct Picture
     int width = 0;
     int height = 0;
     bool hasAlpha = false; // some pixel is not opaque
-    double duration = 0;   // seconds of the whole file; 0 for a still or when unknown
     std::vector<uint8_t> pixels;
+    MediaInfo info = {}; // of the file it comes from
 };
 
 // Every decoding function fails with a sentence for a person, never by a signal of its own. Only where memory

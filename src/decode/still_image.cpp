@@ -213,7 +213,7 @@ Decoded<Picture> stillImage(int descriptor, int maxSide)
     if (!image)
         return failure("not a readable picture");
     if (!makeRgb(image))
-        return failure("colours of an unknown kind");
+        return failure("colors of an unknown kind");
 
     size_t size = 0;
     const std::unique_ptr<void, decltype(&g_free)> pixels(vips_image_write_to_memory(image.get(), &size),
@@ -221,8 +221,10 @@ Decoded<Picture> stillImage(int descriptor, int maxSide)
     if (!pixels)
         return failure("the picture could not be decoded");
     vips_error_clear();
-    return pictureOf(static_cast<const uint8_t *>(pixels.get()), vips_image_get_width(image.get()),
-                     vips_image_get_height(image.get()), vips_image_get_bands(image.get()));
+    Picture picture = pictureOf(static_cast<const uint8_t *>(pixels.get()), vips_image_get_width(image.get()),
+                                vips_image_get_height(image.get()), vips_image_get_bands(image.get()));
+    picture.info = {.width = header->size.width, .height = header->size.height};
+    return picture;
 }
 
 } // namespace cratewell::decode

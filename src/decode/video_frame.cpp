@@ -12,16 +12,16 @@ Decoded<Picture> videoFrame(int descriptor, double fraction, int maxSide)
     auto reader = VideoReader::open(descriptor);
     if (!reader)
         return failed(reader.error());
-    const double duration = (*reader)->duration();
+    const MediaInfo info = (*reader)->info();
     const double latest = 0.98; // decoders often have no frame at the very end
-    const double time = fraction > 0 ? std::min(fraction, latest) * duration : 0;
+    const double time = fraction > 0 ? std::min(fraction, latest) * info.duration : 0;
     const auto frame = (*reader)->frameNear(time);
     if (!frame)
         return failed(frame.error());
     auto picture =
         framePicture(**frame, (*reader)->pixelAspect(frame->get()), (*reader)->orientation(), maxSide);
     if (picture)
-        picture->duration = duration;
+        picture->info = info;
     return picture;
 }
 

@@ -2,12 +2,12 @@
 
 #include "media/lut/cube_reader.h"
 #include "media/lut/lut_lookup.h"
+#include "media/lut/memory_budget.h"
+#include "platform/posix/file_content.h"
 
 #include <cerrno>
-#include <fcntl.h>
 #include <mutex>
 #include <new>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace cratewell {
@@ -43,21 +43,17 @@ struct Bytes
     size_t size = 0;
 };
 
-std::optional<Bytes> readWhole(int descriptor)
+Result<Bytes> readWhole(int descriptor, qint64 size)
 {
-    struct stat info = {};
-    if (fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode) || size_t(info.st_size) > longestCubeText)
-        return std::nullopt;
-    const auto size = size_t(info.st_size);
-    Bytes bytes{.data = std::unique_ptr<char[]>(new (std::nothrow) char[size])};
+    Bytes bytes{.data = std::unique_ptr<char[]>(new (std::nothrow) char[size_t(size)])};
     if (!bytes.data)
-        return std::nullopt;
-    while (bytes.size < size) {
-        const ssize_t count = ::read(descriptor, bytes.data.get() + bytes.size, size - bytes.size);
+        return systemFailure(ENOMEM);
+    while (bytes.size < size_t(size)) {
+        const ssize_t count = ::read(descriptor, bytes.data.get() + bytes.size, size_t(size) - bytes.size);
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0)
-            return std::nullopt;
+            return systemFailure(errno);
         if (count == 0)
             break;
         bytes.size += size_t(count);
@@ -65,25 +61,36 @@ std::optional<Bytes> readWhole(int descriptor)
     return bytes;
 }
 
+tl::unexpected<Error> notALut(const Location &url)
+{
+    return tl::unexpected(Error{url.name() + u": not a LUT"_s});
+}
+
 } // namespace
 
 LUT::LUT(std::shared_ptr<const Private> shared) : d(std::move(shared)) {}
 
-std::optional<LUT> LUT::read(const Location &url)
+Result<LUT> LUT::read(const Location &url)
 {
     if (url.extension().compare(u"cube"_s, Qt::CaseInsensitive) != 0)
-        return std::nullopt;
-    int descriptor = -1;
-    do
-        descriptor = open(url.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    while (descriptor < 0 && errno == EINTR);
-    if (descriptor < 0)
-        return std::nullopt;
-    const std::optional<Bytes> bytes = readWhole(descriptor);
-    close(descriptor);
+        return notALut(url);
+    const auto opened = openRegularFile(url, Links::Follow);
+    if (!opened)
+        return tl::unexpected(opened.error());
+    const auto status = statusOf(opened->number());
+    if (!status)
+        return tl::unexpected(status.error());
+    if (status->size > qint64(longestCubeText))
+        return notALut(url);
+    const MemoryBudget::Share share = lutReadingBudget().take(cubeReadingCost * status->size);
+    const Result<Bytes> bytes = readWhole(opened->number(), status->size);
     if (!bytes)
-        return std::nullopt;
-    return fromText(QByteArrayView(bytes->data.get(), qsizetype(bytes->size)), url.baseName());
+        return tl::unexpected(bytes.error());
+    std::optional<LUT> lut =
+        fromText(QByteArrayView(bytes->data.get(), qsizetype(bytes->size)), url.baseName());
+    if (!lut)
+        return notALut(url);
+    return *std::move(lut);
 }
 
 std::optional<LUT> LUT::fromText(QByteArrayView text, const QString &title)

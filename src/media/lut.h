@@ -1,6 +1,7 @@
 #pragma once
 
 #include "media/pixel_rows.h"
+#include "platform/error.h"
 #include "platform/location.h"
 
 #include <QImage>
@@ -22,9 +23,9 @@ namespace cratewell {
 class LUT
 {
 public:
-    // Blocks on the disk. Nothing unless the name ends in ".cube", in any case, and the file is a regular one
-    // that holds a whole table (see internal/cube_reader.h).
-    static std::optional<LUT> read(const Location &url);
+    // Blocks on the disk, and while others read large ones. Fails unless the name ends in ".cube", in any
+    // case, and the file is a regular one that holds a whole table (see lut/cube_reader.h).
+    static Result<LUT> read(const Location &url);
     // The same for the text of such a file; `title` stands in for one that the text does not have.
     static std::optional<LUT> fromText(QByteArrayView text, const QString &title);
 

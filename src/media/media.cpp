@@ -1,6 +1,7 @@
 #include "media/media.h"
 
 #include "media/media_private.h"
+#include "media/previews/preview_formats.h"
 #include "state/prefs.h"
 #include "vault/vault.h"
 
@@ -11,26 +12,11 @@ namespace cratewell {
 
 namespace {
 
-constexpr int thumbnailSide = 640;         // pixels
-constexpr double thumbnailFraction = 0.35; // of a video's duration
-constexpr int scrubSide = 480;
-constexpr int peakCount = 240;
-
 constexpr int thumbnailPart = -1; // the others are scrub frames
 
 PreviewKey keyOf(const Asset &asset, int part = 0)
 {
     return {.url = asset.url, .version = asset.version, .part = part};
-}
-
-QByteArray markerOf(int part)
-{
-    return part == thumbnailPart ? QByteArray("t") : '#' + QByteArray::number(part);
-}
-
-DecodeRequest frameWish(const Location &url, double fraction, int maxSide)
-{
-    return {.file = url, .kind = worker::JobKind::VideoFrame, .maxSide = maxSide, .fraction = fraction};
 }
 
 // LUT thumbnails are drawn over the still at four tenths of its size, as large as other thumbnails at most.
@@ -46,7 +32,7 @@ QImage reduced(const QImage &still)
 
 Media::Private::Private(Media &media, const SystemPaths &paths)
     : q(media), pool(paths.workerProgram, DecodePool::usualLimits()),
-      loader(pool, paths.cacheHome.child("cratewell").child("previews")), still(pool),
+      loader(pool, paths.cacheHome.child("cratewell").child("previews")), still(pool, order),
       lutJobs(std::max(1, QThread::idealThreadCount()))
 {
 }
@@ -58,14 +44,14 @@ template<typename Store> QList<Location> Media::Private::forgetIn(Store &store, 
     if (store.fileCount() < qsizetype(diff.altered.size() + diff.removed.size())) {
         for (const Location &url : store.files()) {
             const auto index = diff.after->find(url);
-            if (index ? store.forgetOthers(url, diff.after->asset(*index).version) : store.forget(url))
+            if (index ? store.forgetOutdated(url, diff.after->asset(*index).version) : store.forget(url))
                 forgotten << url;
         }
         return forgotten;
     }
     for (const AssetIndex index : diff.altered) {
         const Asset &asset = diff.after->asset(index);
-        if (store.forgetOthers(asset.url, asset.version))
+        if (store.forgetOutdated(asset.url, asset.version))
             forgotten << asset.url;
     }
     for (const AssetIndex index : diff.removed) {
@@ -80,7 +66,7 @@ void Media::Private::forgetChanged(const SnapshotDiff &diff)
 {
     for (const Location &url : forgetIn(pictures, diff) + forgetIn(lutThumbnails, diff))
         Q_EMIT q.thumbnailChanged(url);
-    for (const Location &url : forgetIn(sounds, diff))
+    for (const Location &url : forgetIn(waveforms, diff))
         Q_EMIT q.waveformChanged(url);
     for (const Location &url : forgetIn(luts, diff))
         Q_EMIT q.lutChanged(url);
@@ -89,12 +75,23 @@ void Media::Private::forgetChanged(const SnapshotDiff &diff)
 }
 
 template<typename Value, typename Store>
-bool Media::Private::put(Store &store, const PreviewKey &key, quint64 asked, const DecodeResult &result)
+bool Media::Private::take(Store &store, const PreviewKey &key, quint64 turn, const DecodeResult &result,
+                          Value DecodedFile::*value)
 {
-    if (!result && result.error().fault == DecodeFailure::Fault::OfSystem)
+    if (!result && result.error().mayPass())
         return false;
-    const Value *value = result ? std::get_if<Value>(&*result) : nullptr;
-    return store.put(key, asked, value ? std::optional(*value) : std::nullopt);
+    if (result)
+        takeInfo({.url = key.url, .version = key.version}, turn, result->info);
+    return store.put(key, turn, result ? std::optional((*result).*value) : std::nullopt);
+}
+
+void Media::Private::takeInfo(const PreviewKey &key, quint64 turn, const MediaInfo &found)
+{
+    const MediaInfo *known = info.show(key);
+    if (found == MediaInfo() || (known && *known == found))
+        return;
+    if (info.put(key, turn, found))
+        Q_EMIT q.infoChanged(key.url);
 }
 
 void Media::Private::changeStill()
@@ -116,52 +113,57 @@ void Media::Private::notifyPicture(const Location &url, int part)
 
 std::unique_ptr<PreviewRequest> Media::Private::requestPicture(const Asset &asset, int part,
                                                                const DecodeRequest &request,
-                                                               DecodeJob::Rank rank)
+                                                               RequestPlace::Rank rank)
 {
     const PreviewKey key = keyOf(asset, part);
     if (pictures.state(key) != State::Missing)
         return nullptr;
-    const auto finished = [this, key, now = ++turn](const DecodeResult &result) {
-        if (put<DecodedPicture>(pictures, key, now, result))
+    const RequestPlace place = order.next(rank);
+    const auto finished = [this, key, turn = place.number](const DecodeResult &result) {
+        if (take(pictures, key, turn, result, &DecodedFile::image))
             notifyPicture(key.url, key.part);
     };
-    return loader.submit(asset.version, markerOf(part),
-                         {.key = {}, .request = request, .rank = rank, .finished = finished});
+    return loader.submit(asset.version,
+                         {.key = {}, .request = request, .place = place, .finished = finished});
 }
 
 std::unique_ptr<PreviewRequest> Media::Private::requestLut(const PreviewKey &key)
 {
-    const auto work = [this, key, now = ++turn]() -> KeyedJobQueue::Effects {
-        return [this, key, now, lut = LUT::read(key.url)](bool wanted) -> std::unique_ptr<PreviewRequest> {
-            if (luts.put(key, now, lut))
+    const RequestPlace place = order.next();
+    const auto work = [this, key, place]() -> KeyedJobQueue::Effects {
+        return [this, key, place, lut = LUT::read(key.url)](bool wanted) -> std::unique_ptr<PreviewRequest> {
+            if (!lut && DecodeFailure::ofReading(lut.error()).mayPass())
+                return nullptr;
+            if (luts.put(key, place.number, lut ? std::optional(*lut) : std::nullopt))
                 Q_EMIT q.lutChanged(key.url);
             if (lut && wanted)
-                return requestGraded(key, *lut);
+                return requestGraded(key, place, *lut);
             if (!lut)
                 Q_EMIT q.thumbnailChanged(key.url);
             return nullptr;
         };
     };
-    return lutJobs.submit(previewJobKey(key.url, key.version, "lut"), work);
+    return lutJobs.submit(previewJobKey(key.url, key.version, "lut"), place, work);
 }
 
-std::unique_ptr<PreviewRequest> Media::Private::requestGraded(const PreviewKey &key, const LUT &lut)
+std::unique_ptr<PreviewRequest> Media::Private::requestGraded(const PreviewKey &key,
+                                                              const RequestPlace &place, const LUT &lut)
 {
     if (lutThumbnails.state(key) != State::Missing)
         return nullptr;
     if (smallStill.isNull())
         smallStill = reduced(still.image());
     const auto work = [this, key, lut, over = smallStill, number = stillNumber,
-                       now = ++turn]() -> KeyedJobQueue::Effects {
+                       turn = place.number]() -> KeyedJobQueue::Effects {
         return [=, this, graded = lut.apply(over)](bool) {
-            // Over another still since: somebody will ask again.
-            if (number == stillNumber && lutThumbnails.put(key, now, graded))
+            // Over another still since: somebody will request it again.
+            if (number == stillNumber && lutThumbnails.put(key, turn, graded))
                 Q_EMIT q.thumbnailChanged(key.url);
             return nullptr;
         };
     };
-    const QByteArray marker = "l" + QByteArray::number(stillNumber);
-    return lutJobs.submit(previewJobKey(key.url, key.version, marker), work);
+    const QByteArray marker = "graded " + QByteArray::number(stillNumber);
+    return lutJobs.submit(previewJobKey(key.url, key.version, marker), place, work);
 }
 
 Media::Media(Vault &vault, Prefs &prefs, const SystemPaths &paths)
@@ -182,8 +184,8 @@ QImage Media::thumbnail(const Asset &asset) const
         const QImage *graded = d->lutThumbnails.show(keyOf(asset));
         return graded ? *graded : QImage();
     }
-    const DecodedPicture *picture = d->pictures.show(keyOf(asset, thumbnailPart));
-    return picture ? picture->image : QImage();
+    const QImage *picture = d->pictures.show(keyOf(asset, thumbnailPart));
+    return picture ? *picture : QImage();
 }
 
 Media::State Media::thumbnailState(const Asset &asset) const
@@ -202,20 +204,17 @@ Media::State Media::thumbnailState(const Asset &asset) const
 
 std::unique_ptr<PreviewRequest> Media::requestThumbnail(const Asset &asset)
 {
-    using Rank = DecodeJob::Rank;
+    using Rank = RequestPlace::Rank;
     switch (asset.kind) {
     case AssetKind::Video:
-        return d->requestPicture(asset, thumbnailPart, frameWish(asset.url, thumbnailFraction, thumbnailSide),
-                                 Rank::Usual);
+        return d->requestPicture(asset, thumbnailPart, videoThumbnail(asset.url), Rank::Usual);
     case AssetKind::Image:
-        return d->requestPicture(
-            asset, thumbnailPart,
-            {.file = asset.url, .kind = worker::JobKind::StillImage, .maxSide = thumbnailSide}, Rank::Usual);
+        return d->requestPicture(asset, thumbnailPart, stillThumbnail(asset.url), Rank::Usual);
     case AssetKind::Lut:
         if (thumbnailState(asset) != State::Missing)
             return nullptr;
         if (const LUT *known = d->luts.show(keyOf(asset)))
-            return d->requestGraded(keyOf(asset), *known);
+            return d->requestGraded(keyOf(asset), d->order.next(), *known);
         return d->requestLut(keyOf(asset));
     case AssetKind::Audio:
         break;
@@ -231,8 +230,8 @@ int Media::scrubBucket(double fraction)
 
 QImage Media::scrubFrame(const Asset &asset, int bucket) const
 {
-    const DecodedPicture *picture = d->pictures.show(keyOf(asset, bucket));
-    return picture ? picture->image : QImage();
+    const QImage *picture = d->pictures.show(keyOf(asset, bucket));
+    return picture ? *picture : QImage();
 }
 
 std::unique_ptr<PreviewRequest> Media::requestScrubFrame(const Asset &asset, int bucket)
@@ -240,40 +239,31 @@ std::unique_ptr<PreviewRequest> Media::requestScrubFrame(const Asset &asset, int
     if (asset.kind != AssetKind::Video || bucket < 0 || bucket >= scrubFrames)
         return nullptr;
     const double fraction = double(bucket) / (scrubFrames - 1);
-    return d->requestPicture(asset, bucket, frameWish(asset.url, fraction, scrubSide),
-                             DecodeJob::Rank::Interactive);
+    return d->requestPicture(asset, bucket, cratewell::scrubFrame(asset.url, fraction),
+                             RequestPlace::Rank::Interactive);
 }
 
 std::optional<WaveformPeaks> Media::waveform(const Asset &asset) const
 {
     const PreviewKey key = keyOf(asset);
-    if (const DecodedAudio *sound = d->sounds.show(key))
-        return sound->peaks;
-    return d->sounds.state(key) == State::Failed ? std::optional(WaveformPeaks()) : std::nullopt;
+    if (const WaveformPeaks *peaks = d->waveforms.show(key))
+        return *peaks;
+    return d->waveforms.state(key) == State::Failed ? std::optional(WaveformPeaks()) : std::nullopt;
 }
 
 std::unique_ptr<PreviewRequest> Media::requestWaveform(const Asset &asset)
 {
     const PreviewKey key = keyOf(asset);
-    if (asset.kind != AssetKind::Audio || d->sounds.state(key) != State::Missing)
+    if (asset.kind != AssetKind::Audio || d->waveforms.state(key) != State::Missing)
         return nullptr;
-    const auto finished = [this, key, now = ++d->turn](const DecodeResult &result) {
-        if (d->put<DecodedAudio>(d->sounds, key, now, result))
+    const RequestPlace place = d->order.next();
+    const auto finished = [this, key, turn = place.number](const DecodeResult &result) {
+        if (d->take(d->waveforms, key, turn, result, &DecodedFile::peaks))
             Q_EMIT waveformChanged(key.url);
     };
     return d->loader.submit(
-        asset.version, "w",
-        {.key = {},
-         .request = {.file = asset.url, .kind = worker::JobKind::AudioPeaks, .count = peakCount},
-         .finished = finished});
-}
-
-double Media::duration(const Asset &asset) const
-{
-    if (const DecodedPicture *picture = d->pictures.show(keyOf(asset, thumbnailPart)))
-        return picture->duration;
-    const DecodedAudio *sound = d->sounds.show(keyOf(asset));
-    return sound ? sound->duration : 0;
+        asset.version,
+        {.key = {}, .request = waveformPeaks(asset.url), .place = place, .finished = finished});
 }
 
 std::optional<LUT> Media::lut(const Asset &asset) const
@@ -307,13 +297,16 @@ std::unique_ptr<PreviewRequest> Media::requestInfo(const Asset &asset)
 {
     if (infoState(asset) != State::Missing)
         return nullptr;
-    const auto finished = [this, key = keyOf(asset), now = ++d->turn](const DecodeResult &result) {
-        if (d->put<MediaInfo>(d->info, key, now, result))
+    const RequestPlace place = d->order.next(RequestPlace::Rank::Interactive);
+    const auto finished = [this, key = keyOf(asset), turn = place.number](const DecodeResult &result) {
+        if (!result && result.error().mayPass())
+            return;
+        if (d->info.put(key, turn, result ? std::optional(result->info) : std::nullopt))
             Q_EMIT infoChanged(key.url);
     };
     return d->pool.submit({.key = previewJobKey(asset.url, asset.version, "info"),
-                           .request = {.file = asset.url, .kind = worker::JobKind::Info},
-                           .rank = DecodeJob::Rank::Interactive,
+                           .request = fileInfo(asset.url),
+                           .place = place,
                            .finished = finished});
 }
 

@@ -21,11 +21,11 @@ struct SystemPaths;
 
 // Loads and keeps everything costly that is drawn for an asset or said about it. Main thread. Accessors
 // answer at once with what is there; what is missing is made while somebody holds a request for it: media is
-// decoded in worker processes, LUTs are read on threads, newest request first, at most one job for each
-// preview. Each job ends exactly once, with a preview or with a failure that is remembered for that version
-// of the file.
+// decoded in worker processes, LUTs are read on threads, in the order of RequestPlace, at most one job for
+// each preview. Each job ends exactly once, with a preview or with a failure that is remembered for that
+// version of the file.
 //
-// Memory stays bounded: pictures over the budget are let go without a word, the one shown longest ago first
+// Memory stays bounded: pictures over the budget are let go without a signal, the one shown longest ago first
 // (a card on screen holds its own copy). They come back from a cache on disk, which the next start finds as
 // well.
 class Media : public QObject
@@ -57,14 +57,11 @@ public:
     std::optional<WaveformPeaks> waveform(const Asset &asset) const;
     [[nodiscard]] std::unique_ptr<PreviewRequest> requestWaveform(const Asset &asset);
 
-    // Seconds, as far as the thumbnail of a video or the waveform of a sound has told; 0 when unknown.
-    double duration(const Asset &asset) const;
-
     std::optional<LUT> lut(const Asset &asset) const;
     State lutState(const Asset &asset) const;
     [[nodiscard]] std::unique_ptr<PreviewRequest> requestLut(const Asset &asset);
 
-    // What the header of a video, still or sound tells.
+    // What the header of a video, still or sound says. Comes with its thumbnail or waveform, too.
     std::optional<MediaInfo> info(const Asset &asset) const;
     State infoState(const Asset &asset) const;
     [[nodiscard]] std::unique_ptr<PreviewRequest> requestInfo(const Asset &asset);

@@ -1,4 +1,5 @@
 #include "media/media_private.h"
+#include "media/previews/preview_formats.h"
 
 #include <QPromise>
 
@@ -29,17 +30,14 @@ QFuture<QImage> Media::frame(const Location &url, double fraction, int maxSide)
     const auto job = std::make_shared<Job>();
     job->promise.start();
     const auto finished = [job](const DecodeResult &result) {
-        const DecodedPicture *picture = result ? std::get_if<DecodedPicture>(&*result) : nullptr;
-        job->promise.addResult(picture ? picture->image : QImage());
+        job->promise.addResult(result ? result->image : QImage());
         job->promise.finish();
         job->request.reset();
     };
-    const QByteArray key = url.bytes() + "/frame " + QByteArray::number(++d->turn);
-    job->request = d->pool.submit({.key = key,
-                                   .request = {.file = url,
-                                               .kind = worker::JobKind::VideoFrame,
-                                               .maxSide = maxSide,
-                                               .fraction = fraction},
+    const RequestPlace place = d->order.next();
+    job->request = d->pool.submit({.key = url.bytes() + "/frame " + QByteArray::number(place.number),
+                                   .request = singleFrame(url, fraction, maxSide),
+                                   .place = place,
                                    .finished = finished});
     return job->promise.future();
 }

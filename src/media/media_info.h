@@ -1,26 +1,13 @@
 #pragma once
 
+#include "decode/media_info.h"
+
 #include <QString>
-#include <QtGlobal>
 
 namespace cratewell {
 
-// What a media file's header tells. 0 and empty stand for what is unknown or not there.
-struct MediaInfo
-{
-    double duration = 0; // seconds
-    int width = 0;       // natural, without rotation; of a still its first image in pixels
-    int height = 0;
-    double frameRate = 0; // nominal
-    // Four-character code of the first video track, trimmed; "?" when it is not printable.
-    QString codec;
-    int sampleRate = 0;
-    int channels = 0;
-    qint64 frames = 0; // length of the sound
-    bool hasVideo = false;
-    bool hasAudio = false;
-
-    friend bool operator==(const MediaInfo &, const MediaInfo &) = default;
-};
+// The codec's four characters without the blanks around them; "?" where it has no such name, empty without a
+// video.
+QString codecText(const MediaInfo &info);
 
 } // namespace cratewell

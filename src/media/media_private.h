@@ -13,8 +13,7 @@ namespace cratewell {
 struct PreviewCost
 {
     qint64 operator()(const QImage &image) const { return image.sizeInBytes(); }
-    qint64 operator()(const DecodedPicture &picture) const { return picture.image.sizeInBytes(); }
-    qint64 operator()(const DecodedAudio &sound) const { return sound.peaks.size() * qint64(sizeof(float)); }
+    qint64 operator()(const WaveformPeaks &peaks) const { return peaks.size() * qint64(sizeof(float)); }
     // With the table of whole numbers that grading makes beside it.
     qint64 operator()(const LUT &lut) const { return qint64(lut.data().size_bytes()) * 11 / 8; }
     qint64 operator()(const MediaInfo &) const { return sizeof(MediaInfo); }
@@ -29,23 +28,27 @@ struct Media::Private
     void changeStill();
 
     std::unique_ptr<PreviewRequest> requestPicture(const Asset &asset, int part, const DecodeRequest &request,
-                                                   DecodeJob::Rank rank);
+                                                   RequestPlace::Rank rank);
     // Reads the LUT, and where somebody waits grades the still with it.
     std::unique_ptr<PreviewRequest> requestLut(const PreviewKey &key);
-    std::unique_ptr<PreviewRequest> requestGraded(const PreviewKey &key, const LUT &lut);
+    std::unique_ptr<PreviewRequest> requestGraded(const PreviewKey &key, const RequestPlace &place,
+                                                  const LUT &lut);
+    // Keeps what a result says of its file, and its value or failure in the store; true when that is news.
     // A failure that is not the file's is forgotten at once: the next request tries again.
     template<typename Value, typename Store>
-    bool put(Store &store, const PreviewKey &key, quint64 asked, const DecodeResult &result);
+    bool take(Store &store, const PreviewKey &key, quint64 turn, const DecodeResult &result,
+              Value DecodedFile::*value);
+    void takeInfo(const PreviewKey &key, quint64 turn, const MediaInfo &found);
     void notifyPicture(const Location &url, int part);
 
     Media &q;
     // Budgets in bytes; those of pictures together 512 MB.
-    PreviewStore<DecodedPicture, PreviewCost> pictures{qint64{384} << 20}; // thumbnails, scrub frames
+    PreviewStore<QImage, PreviewCost> pictures{qint64{384} << 20}; // thumbnails, scrub frames
     PreviewStore<QImage, PreviewCost> lutThumbnails{qint64{128} << 20};
-    PreviewStore<DecodedAudio, PreviewCost> sounds{qint64{16} << 20};
+    PreviewStore<WaveformPeaks, PreviewCost> waveforms{qint64{16} << 20};
     PreviewStore<LUT, PreviewCost> luts{qint64{64} << 20};
     PreviewStore<MediaInfo, PreviewCost> info{qint64{4} << 20};
-    quint64 turn = 0;
+    RequestOrder order;
     DecodePool pool;
     PreviewLoader loader;
     PreviewStill still;

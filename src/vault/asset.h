@@ -25,9 +25,16 @@ struct FileVersion
     quint64 inode = 0;
     qint64 size = 0;
     qint64 modified = 0; // nanoseconds since 1970
+    qint64 changed = 0;  // the same, of anything about the file: its permissions, too
 
     friend bool operator==(const FileVersion &, const FileVersion &) = default;
 };
+
+// Whether both have the same bytes, as far as the system says.
+inline bool haveSameContent(const FileVersion &a, const FileVersion &b)
+{
+    return a.inode == b.inode && a.size == b.size && a.modified == b.modified;
+}
 
 // The `added` of a file whose file system knows no birth time: older than everything.
 inline constexpr double distantPast = -63114076800.0;

@@ -3,7 +3,6 @@
 #include <QHashFunctions>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 
 namespace cratewell {
@@ -22,6 +21,11 @@ int TrashItem::daysLeft(double now) const
     return trashRetentionDays - int(std::clamp<double>(days, 0, trashRetentionDays));
 }
 
+bool trashRetentionIsOver(double since, double now)
+{
+    return now - since > trashRetentionDays * secondsPerDay;
+}
+
 size_t qHash(const TrashItem &item, size_t seed)
 {
     return qHashMulti(seed, item.id, item.name, item.original, item.deletedAt, item.isFolder, item.size);
@@ -29,8 +33,12 @@ size_t qHash(const TrashItem &item, size_t seed)
 
 double secondsNow()
 {
-    const auto now = std::chrono::system_clock::now().time_since_epoch() - referenceDate;
-    return std::chrono::duration<double>(now).count();
+    return referenceSeconds(std::chrono::system_clock::now().time_since_epoch());
+}
+
+double referenceSeconds(std::chrono::nanoseconds since1970)
+{
+    return std::chrono::duration<double>(since1970 - referenceDate).count();
 }
 
 } // namespace cratewell

@@ -2,8 +2,9 @@
 
 #include "platform/location.h"
 
-#include <QDateTime>
 #include <QMetaType>
+
+#include <chrono>
 
 namespace cratewell {
 
@@ -25,10 +26,15 @@ struct TrashItem
     friend bool operator==(const TrashItem &, const TrashItem &) = default;
 };
 
+// Whether an item deleted at `since` has been kept long enough at `now`; both in seconds since 2001-01-01
+// UTC.
+bool trashRetentionIsOver(double since, double now);
+
 size_t qHash(const TrashItem &item, size_t seed = 0);
 
 // Seconds since 2001-01-01 UTC.
 double secondsNow();
+double referenceSeconds(std::chrono::nanoseconds since1970);
 
 } // namespace cratewell
 

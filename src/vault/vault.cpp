@@ -103,11 +103,12 @@ Vault::Vault(Location root, Defaults &defaults, std::unique_ptr<FileEvents> even
 
 Vault::~Vault() = default;
 
-void Vault::start()
+void Vault::start(StartupMaintenance maintenance)
 {
     ensureVaultStructure(d->root, d->defaults);
-    d->openTrash();
-    d->purging.start();
+    d->openTrash(maintenance);
+    if (maintenance == StartupMaintenance::Run)
+        d->purging.start();
     rescan();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vault/file_progress.h"
+#include "vault/startup_maintenance.h"
 #include "vault/trash_item.h"
 #include "vault/vault_snapshot.h"
 
@@ -43,8 +44,8 @@ public:
     ~Vault() override;
 
     // Makes the folders, opens the trash, scans and follows the disk. Called once at launch; changeRoot calls
-    // it again.
-    void start();
+    // it again. Without maintenance nothing is ever deleted that nobody asked for.
+    void start(StartupMaintenance maintenance = StartupMaintenance::Run);
     // Leaves the old root as it is. Emits rootChanged, then opened.
     void changeRoot(const Location &root);
     // Returns at once; rescanned follows if anything has changed. At most one scan runs and one waits. A

@@ -8,7 +8,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr size_t mostRecentImports = 40;
-constexpr double retention = trashRetentionDays * 86400.0; // seconds
 
 // "1 item", "2 items".
 QString counted(qsizetype count, const QString &what)
@@ -39,10 +38,15 @@ void Vault::Private::change(const QString &title, DiskPart disk, MainPart after,
     queue.add(title, work, destination);
 }
 
-void Vault::Private::openTrash()
+void Vault::Private::openTrash(StartupMaintenance maintenance)
 {
-    files = std::make_shared<FileOperations>(root);
-    q.purgeExpired();
+    files = std::make_shared<FileOperations>(root, maintenance);
+    if (maintenance == StartupMaintenance::Run)
+        q.purgeExpired();
+    else
+        change(
+            {}, [](FileOperations &, OperationProgress &) { return FileOperations::Outcome(); },
+            [](const FileOperations::Outcome &) {});
 }
 
 void Vault::Private::reportFailure(const QString &error)
@@ -177,7 +181,7 @@ void Vault::purgeExpired()
     d->change(
         tr("Deleting"),
         [](FileOperations &work, OperationProgress &monitor) {
-            work.purge(secondsNow() - retention, monitor);
+            work.purge(secondsNow(), monitor);
             return FileOperations::Outcome();
         },
         [](const FileOperations::Outcome &) {});

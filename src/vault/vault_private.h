@@ -26,7 +26,7 @@ struct Vault::Private
     // The failure is reported first, the list of the trash second, then `after` is called; none of it when
     // the root has changed meanwhile.
     void change(const QString &title, DiskPart disk, MainPart after, const Location &destination = {});
-    void openTrash();
+    void openTrash(StartupMaintenance maintenance);
     void reportFailure(const QString &error);
 
     static constexpr std::chrono::seconds firstRetry{1};

@@ -43,31 +43,16 @@ void put(const decode::Picture &picture, uint8_t *memory, Reply &reply)
     reply.height = picture.height;
     reply.hasAlpha = picture.hasAlpha ? 1 : 0;
     reply.bytes = picture.pixels.size();
-    reply.duration = picture.duration;
+    reply.info = picture.info;
 }
 
-void putSound(int file, int count, uint8_t *memory, Reply &reply)
+void putPeaks(int file, int count, uint8_t *memory, Reply &reply)
 {
     const auto decoded = decode::audioPeaks(file, count);
     const std::vector<float> &peaks = orThrow(decoded);
     reply.bytes = peaks.size() * sizeof(float);
     std::memcpy(memory, peaks.data(), reply.bytes);
-    if (const auto info = decode::fileInfo(file))
-        reply.duration = info->duration;
-}
-
-FileInfo infoToSend(const decode::FileInfo &info)
-{
-    return {.duration = info.duration,
-            .frameRate = info.frameRate,
-            .frames = info.frames,
-            .width = info.width,
-            .height = info.height,
-            .codec = info.codec,
-            .sampleRate = info.sampleRate,
-            .channels = info.channels,
-            .hasVideo = info.hasVideo ? 1U : 0U,
-            .hasAudio = info.hasAudio ? 1U : 0U};
+    reply.info = decode::fileInfo(file).value_or(MediaInfo());
 }
 
 void work(const ReceivedJob &job, uint8_t *memory, Reply &reply)
@@ -80,9 +65,9 @@ void work(const ReceivedJob &job, uint8_t *memory, Reply &reply)
     else if (job.file() >= 0 && request.kind == JobKind::StillImage && sizeIsPossible)
         put(orThrow(decode::stillImage(job.file(), request.maxSide)), memory, reply);
     else if (job.file() >= 0 && request.kind == JobKind::AudioPeaks && countIsPossible)
-        putSound(job.file(), request.count, memory, reply);
+        putPeaks(job.file(), request.count, memory, reply);
     else if (job.file() >= 0 && request.kind == JobKind::Info)
-        reply.info = infoToSend(orThrow(decode::fileInfo(job.file())));
+        reply.info = orThrow(decode::fileInfo(job.file()));
     else
         throw std::runtime_error("a request that makes no sense");
 }
@@ -111,23 +96,24 @@ int main()
         return 1;
     }
 
-    prepareGiveBackMemory();
+    prepareTrimming();
     decode::prepareStillImages();
     installSyscallFilter();
 
     const JobChannel channel(socketDescriptor);
     const std::chrono::milliseconds idle(300);
-    const std::chrono::seconds longestJob(20);
     for (;;) {
         if (!channel.wait(idle)) {
             trimMemory();
             channel.wait(std::chrono::milliseconds(-1));
         }
-        const auto job = channel.receive();
+        auto job = channel.receive();
         if (!job)
             return 0;
-        allowProcessorTime(longestJob);
-        if (!channel.send(answer(*job, memory)))
+        allowProcessorTime(std::chrono::seconds(job->request().processorSeconds));
+        const Reply reply = answer(*job, memory);
+        job.reset(); // whoever has the reply may unmount the disk
+        if (!channel.send(reply))
             return 0;
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "decode/media_info.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -25,24 +27,10 @@ struct Request
 {
     uint64_t job = 0;
     JobKind kind = JobKind::VideoFrame;
-    int32_t maxSide = 0; // pictures: 1 to maxPictureSide
-    int32_t count = 0;   // peaks: 1 to maxPeakCount
-    double fraction = 0; // of the duration, 0 to 1; video only
-};
-
-// What a header tells of a file; 0 is unknown.
-struct FileInfo
-{
-    double duration = 0; // seconds
-    double frameRate = 0;
-    int64_t frames = 0; // length of the sound
-    int32_t width = 0;  // as stored, before any turning
-    int32_t height = 0;
-    uint32_t codec = 0; // of the first video track: four characters, the first in the highest byte
-    int32_t sampleRate = 0;
-    int32_t channels = 0;
-    uint32_t hasVideo = 0; // 0 or 1
-    uint32_t hasAudio = 0;
+    int32_t maxSide = 0;           // pictures: 1 to maxPictureSide
+    int32_t count = 0;             // peaks: 1 to maxPeakCount
+    double fraction = 0;           // of the duration, 0 to 1; video only
+    int32_t processorSeconds = 20; // that it may take; the worker ends over what takes longer
 };
 
 struct Reply
@@ -55,8 +43,7 @@ struct Reply
     // In the memory. Pictures: width x height x 4, upright BGRA rows without gaps, premultiplied. Peaks:
     // count x 4, 32-bit floats from 0 to 1.
     uint64_t bytes = 0;
-    double duration = 0; // seconds, of the video or the sound; 0 for a still or when unknown
-    FileInfo info;
+    MediaInfo info;       // of the file, whatever was requested
     char error[240] = {}; // UTF-8, ended by a zero byte
 };
 

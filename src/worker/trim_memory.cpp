@@ -35,7 +35,7 @@ FILE *maps = nullptr; // stays open for the life of the process
 
 } // namespace
 
-void prepareGiveBackMemory()
+void prepareTrimming()
 {
     maps = std::fopen("/proc/self/maps", "re");
 }
@@ -56,7 +56,7 @@ void trimMemory()
 
 #else
 
-void prepareGiveBackMemory() {}
+void prepareTrimming() {}
 
 void trimMemory() {}
 

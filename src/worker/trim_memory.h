@@ -6,6 +6,6 @@ namespace cratewell::worker {
 // only the last jobs needed (they are read again from the system's file cache when they run).
 void trimMemory();
 // To be called while files can be opened; without it only freed memory is returned.
-void prepareGiveBackMemory();
+void prepareTrimming();
 
 } // namespace cratewell::worker

@@ -8,12 +8,12 @@ namespace cratewell::test {
 
 using namespace Qt::StringLiterals;
 
-decode::Decoded<decode::FileInfo> infoOf(const QString &file)
+decode::Decoded<MediaInfo> infoOf(const QString &file)
 {
     return decodeFile(file, [](int descriptor) { return decode::fileInfo(descriptor); });
 }
 
-std::string codecOf(const decode::FileInfo &info)
+std::string codecOf(const MediaInfo &info)
 {
     return {char(info.codec >> 24), char(info.codec >> 16), char(info.codec >> 8), char(info.codec)};
 }
@@ -25,7 +25,7 @@ struct FilmCase
     const char *codec;
 };
 
-TEST(FileInfo, TellWhatAFilmIs)
+TEST(FileInfo, SaysWhatAFilmIs)
 {
     MadeMedia media;
     const QString input =
@@ -42,7 +42,7 @@ TEST(FileInfo, TellWhatAFilmIs)
         const auto info = infoOf(media.ffmpeg(QString::fromLatin1(name), {},
                                               (input + u' ' + QString::fromLatin1(encoder)).split(u' ')));
         ASSERT_TRUE(info) << name << info.error();
-        EXPECT_TRUE(info->hasVideo && info->hasAudio) << name;
+        EXPECT_TRUE(info->hasVideo() && info->hasAudio()) << name;
         EXPECT_NEAR(info->duration, 1.001, 0.03) << name;
         EXPECT_EQ(QSize(info->width, info->height), QSize(320, 180)) << name;
         EXPECT_NEAR(info->frameRate, 29.97, 0.01) << name;
@@ -55,10 +55,10 @@ TEST(FileInfo, TellWhatAFilmIs)
         media.ffmpeg(u"turned.mov"_s, film, u"-i IN -c copy -an -metadata:s:v:0 rotate=90"_s.split(u' ')));
     ASSERT_TRUE(turned);
     EXPECT_EQ(QSize(turned->width, turned->height), QSize(320, 180));
-    EXPECT_FALSE(turned->hasAudio);
+    EXPECT_FALSE(turned->hasAudio());
 }
 
-TEST(FileInfo, TellWhatASoundOrAStillIs)
+TEST(FileInfo, SaysWhatASoundOrAStillIs)
 {
     MadeMedia media;
     for (const auto &[name, frames] : {std::pair{u"a.wav"_s, 33075},
@@ -69,7 +69,7 @@ TEST(FileInfo, TellWhatASoundOrAStillIs)
         const auto info =
             infoOf(media.ffmpeg(name, {}, u"-f lavfi -i sine=r=22050:d=1.5 -ac 1"_s.split(u' ')));
         ASSERT_TRUE(info) << name.toStdString() << info.error();
-        EXPECT_TRUE(info->hasAudio && !info->hasVideo) << name.toStdString();
+        EXPECT_TRUE(info->hasAudio() && !info->hasVideo()) << name.toStdString();
         EXPECT_NEAR(info->duration, 1.5, 0.06) << name.toStdString();
         EXPECT_NEAR(info->duration * 22050, double(info->frames), 1) << name.toStdString();
         if (frames >= 0) {
@@ -86,7 +86,7 @@ TEST(FileInfo, TellWhatASoundOrAStillIs)
         ASSERT_TRUE(info) << file.toStdString();
         EXPECT_EQ(info->width, 300) << file.toStdString();
         EXPECT_EQ(info->height, 200) << file.toStdString();
-        EXPECT_FALSE(info->hasVideo || info->hasAudio) << file.toStdString();
+        EXPECT_FALSE(info->hasVideo() || info->hasAudio()) << file.toStdString();
     }
     for (const QByteArray &content : {QByteArray(), QByteArray("only text"), QByteArray(5000, '\0')})
         EXPECT_FALSE(infoOf(media.bytes(u"bad.mov"_s, content)));

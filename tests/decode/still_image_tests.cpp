@@ -56,7 +56,7 @@ TEST(StillImage, KeepsColorsInEveryFormat)
         ASSERT_TRUE(picture) << file.toStdString() << ": " << picture.error();
         EXPECT_EQ(QSize(picture->width, picture->height), QSize(160, 80)) << file.toStdString();
         EXPECT_EQ(quarters(*picture, 8), "RG BY") << file.toStdString();
-        EXPECT_EQ(picture->duration, 0);
+        EXPECT_EQ(picture->info.duration, 0);
     }
 }
 
@@ -68,7 +68,7 @@ TEST(StillImage, ConvertsGreyAndPrintColors)
     const QString source = media.image(u"gray.png"_s, gray);
     const QString rich = media.image(u"rgb.png"_s, gray.convertToFormat(QImage::Format_RGB32));
     for (const QString &file :
-         {source, media.vips(u"deep.png"_s, source, {u"colourspace"_s, u"IN"_s, u"OUT"_s, u"gray16"_s}),
+         {source, media.vips(u"deep.png"_s, source, {u"colourspace"_s, u"IN"_s, u"OUT"_s, u"grey16"_s}),
           media.vips(u"print.jpg"_s, rich,
                      {u"icc_export"_s, u"IN"_s, u"OUT"_s, u"--output-profile"_s, u"cmyk"_s}),
           media.vips(u"print.tif"_s, rich,

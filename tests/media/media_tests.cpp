@@ -142,6 +142,13 @@ TEST_F(MediaTest, RemembersFailuresUntilTheFileChanges)
     EXPECT_EQ(m_media.thumbnail(asset(empty)).pixel(1, 1), qRgb(0, 0, 255));
     EXPECT_EQ(m_media.thumbnailState(asset(text)), Media::State::Failed);
 
+    // What a change of permissions may have mended is tried again; what is there stays.
+    for (const Location &url : {text, empty})
+        ASSERT_EQ(chmod(url.c_str(), 0640), 0);
+    scan();
+    EXPECT_EQ(m_media.thumbnailState(asset(text)), Media::State::Missing);
+    EXPECT_EQ(m_media.thumbnailState(asset(empty)), Media::State::Ready);
+
     const Asset gone = asset(empty);
     QFile::remove(QFile::decodeName(empty.bytes()));
     scan();
@@ -181,6 +188,20 @@ TEST_F(MediaTest, ShowsTheUsersStillOnceItIsThereAndTheBuiltInOneOtherwise)
     }
 }
 
+TEST_F(MediaTest, ComesBackToTheUsersStillAfterAFaultThatPasses)
+{
+    SystemPaths paths = m_paths;
+    paths.workerProgram = Location::fromText(m_files.path(u"worker"_s));
+    m_prefs.setPreviewStill(blue({300, 200}));
+    Media media(m_vault, m_prefs, paths);
+    EXPECT_EQ(media.still().size(), QSize(1600, 900));
+    // By then the still has had its turn, too.
+    const auto strip = media.filmstrip(Location::fromText(m_prefs.previewStill()), 2);
+    ASSERT_TRUE(waitUntil([&] { return strip.isFinished(); }));
+    ASSERT_TRUE(QFile::link(QStringLiteral(CRATEWELL_REAL_WORKER), paths.workerProgram.text()));
+    EXPECT_TRUE(waitUntil([&] { return media.still().size() == QSize(300, 200); }));
+}
+
 TEST_F(MediaTest, ASecondStartFindsPicturesAndPeaksWithoutDecoding)
 {
     const Asset film = scanned(add(m_files.grayRamp(u"film.mp4"_s), u"film.mp4"_s));
@@ -193,8 +214,11 @@ TEST_F(MediaTest, ASecondStartFindsPicturesAndPeaksWithoutDecoding)
     ASSERT_TRUE(showsFilm(*first) && peaksOf(*first, sound));
     const QImage shown = first->thumbnail(film);
     const auto peaks = first->waveform(sound);
-    EXPECT_NEAR(first->duration(film), 10, 0.1);
-    EXPECT_NEAR(first->duration(sound), 2, 0.01);
+    const auto filmInfo = first->info(film), soundInfo = first->info(sound);
+    ASSERT_TRUE(filmInfo && soundInfo) << "known with the preview";
+    EXPECT_EQ(first->requestInfo(film), nullptr);
+    EXPECT_NEAR(filmInfo->duration, 10, 0.1);
+    EXPECT_EQ(soundInfo->duration, 2);
     first.reset();
 
     SystemPaths without = m_paths;
@@ -203,11 +227,37 @@ TEST_F(MediaTest, ASecondStartFindsPicturesAndPeaksWithoutDecoding)
     ASSERT_TRUE(showsFilm(second));
     EXPECT_EQ(second.thumbnail(film).size(), shown.size());
     EXPECT_NEAR(qRed(second.thumbnail(film).pixel(20, 20)), qRed(shown.pixel(20, 20)), 3);
-    EXPECT_NEAR(second.duration(film), 10, 0.1);
     EXPECT_EQ(peaksOf(second, sound), peaks);
+    EXPECT_EQ(second.info(film), filmInfo);
+    EXPECT_EQ(second.info(sound), soundInfo);
 
     const Asset rewritten = scanned(add(m_files.bytes(u"text"_s, "only text"), u"film.mp4"_s));
     EXPECT_EQ(settled(rewritten), Media::State::Failed) << "another version has its own";
+}
+
+TEST_F(MediaTest, DecodesAPageFromItsBeginning)
+{
+    qputenv("CRATEWELL_STAND_IN_LOG", m_files.path(u"log"_s).toUtf8());
+    SystemPaths paths = m_paths;
+    paths.workerProgram = Location::fromText(QStringLiteral(CRATEWELL_STAND_IN_WORKER));
+    Media media(m_vault, m_prefs, paths);
+    QList<Location> page;
+    for (int i = 0; i < 40; ++i) {
+        const QByteArray name = QByteArray::number(i);
+        page << add(m_files.bytes(u"still"_s, name), QString::fromLatin1(name) + u".png"_s);
+    }
+    scan();
+    std::vector<std::unique_ptr<PreviewRequest>> requests;
+    for (const Location &url : page)
+        requests.push_back(media.requestThumbnail(asset(url)));
+    ASSERT_TRUE(waitUntil([&] {
+        return std::ranges::all_of(page, [&](const Location &url) {
+            return media.thumbnailState(asset(url)) == Media::State::Ready;
+        });
+    }));
+    const QByteArrayList started = MadeMedia::content(m_files.path(u"log"_s)).split('\n');
+    EXPECT_LT(started.indexOf("0"), 20);
+    EXPECT_GT(started.indexOf("39"), 20);
 }
 
 TEST_F(MediaTest, EndsWithWorkUnderWay)
@@ -291,7 +341,7 @@ TEST_F(MediaTest, ReadsPeaksFramesAndInfo)
 
     const auto request = m_media.requestInfo(film);
     ASSERT_TRUE(waitUntil([&] { return m_media.infoState(film) == Media::State::Ready; }));
-    EXPECT_EQ(m_media.info(film)->codec, u"avc1"_s);
+    EXPECT_EQ(codecText(*m_media.info(film)), u"avc1"_s);
     EXPECT_EQ(m_media.info(film)->frameRate, 25);
     const auto nothing = m_media.requestInfo(text);
     ASSERT_TRUE(waitUntil([&] { return m_media.infoState(text) == Media::State::Failed; }));

@@ -26,14 +26,10 @@ TEST(ProcApplications, KnowEditorsByTheWholeNameOfTheirProgram)
     const fs::path processes = folder.path().toStdString();
     ProcApplications applications(Location::fromBytes(processes.c_str()));
     const QStringList editors = {u"/opt/resolve/bin/resolve"_s, u"/home/me/copy/bin/resolve (deleted)"_s};
-    const QStringList others = {u"/opt/resolve/bin/resolved"_s,
-                                u"/opt/resolve/bin/Resolve"_s,
-                                u"/usr/lib/systemd/systemd-resolved"_s,
-                                u"/opt/resolve/resolve"_s,
-                                u"/usr/sbin/resolve"_s,
-                                u"bin/resolve"_s,
-                                u"/opt/resolve/bin/resolve/child"_s,
-                                u"/usr/bin/premiere"_s};
+    const QStringList others =
+        u"/opt/resolve/bin/resolved /opt/resolve/bin/Resolve /usr/lib/systemd/systemd-resolved "
+        "/opt/resolve/resolve /usr/sbin/resolve bin/resolve /opt/resolve/bin/resolve/child /usr/bin/premiere"_s
+            .split(u' ');
     for (const QString &program : editors + others) {
         fs::create_directories(processes / "17");
         fs::create_symlink(program.toStdString(), processes / "17/exe");

@@ -6,7 +6,6 @@ import unittest
 
 from program import Home, Program, made_home
 
-CATEGORIES = ("overlays", "luts", "sfx")
 BY_NAME = ("Amber", "Boom", "Click", "Noir", "Prism")
 
 
@@ -18,7 +17,8 @@ def fill(home: Home) -> None:
     home.add_sound("SFX/Hits/Boom.wav", 9600)
     home.add_sound("SFX/Hits/Click.wav", 480)
     home.settings_file.parent.mkdir(parents=True)
-    home.settings_file.write_text(json.dumps({f"seeded.{home.vault}.{name}": True for name in CATEGORIES}))
+    home.settings_file.write_text(json.dumps({f"seeded.{home.vault}.{name}": True
+                                              for name in ("overlays", "luts", "sfx")}))
 
 
 class ProgramCase(unittest.TestCase):
@@ -40,7 +40,7 @@ class ProgramCase(unittest.TestCase):
 
     def finish(self) -> None:
         code = self.program.end()
-        self.assertEqual(self.program.qmlWarnings(), [], self.program.log())
+        self.assertEqual(self.program.complaints(), [], self.program.log())
         self.assertEqual(code, 0, self.program.log())
 
     @property

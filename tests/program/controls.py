@@ -18,7 +18,7 @@ HEADING, MENU_ITEM, TAB, SLIDER, ALERT = "heading", "menu item", "page tab", "sl
 
 
 class Control:
-    """One control; what it says of itself is asked for once, when it is first wanted."""
+    """One control; each of its properties is asked for once, when it is first used."""
 
     def __init__(self, node: Atspi.Accessible):
         self.node = node

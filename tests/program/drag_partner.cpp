@@ -52,8 +52,8 @@ protected:
     void paintEvent(QPaintEvent *) override
     {
         QPainter(this).fillRect(QRect({}, size()), Qt::darkGreen);
-        if (!m_told) {
-            m_told = true;
+        if (!m_ready) {
+            m_ready = true;
             std::puts("ready");
             std::fflush(stdout);
         }
@@ -72,7 +72,7 @@ private:
     }
 
     QStringList m_files;
-    bool m_told = false;
+    bool m_ready = false;
 };
 
 } // namespace

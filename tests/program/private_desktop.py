@@ -61,8 +61,8 @@ def running(command: list[str], environment: dict[str, str], **options) -> Itera
 
 
 @contextlib.contextmanager
-def told_on_failure() -> Iterator[TextIO]:
-    """A log for what the servers say, which matters only when a desktop does not come about."""
+def shown_on_failure() -> Iterator[TextIO]:
+    """A log of the servers, printed only when the desktop does not come up."""
     with tempfile.TemporaryFile("w+", errors="replace") as log:
         try:
             yield log
@@ -73,7 +73,7 @@ def told_on_failure() -> Iterator[TextIO]:
 
 
 @contextlib.contextmanager
-def telling(command: Callable[[int], list[str]], environment: dict[str, str], log: TextIO) -> Iterator[str]:
+def ready_server(command: Callable[[int], list[str]], environment: dict[str, str], log: TextIO) -> Iterator[str]:
     """A server that writes one line to a file descriptor as soon as it is ready; yields that line."""
     ours, theirs = os.pipe()
     with (running(command(theirs), environment, pass_fds=[theirs], stdout=log,
@@ -120,15 +120,15 @@ def desktop() -> Iterator[dict[str, str]]:
         environment = {name: value for name, value in os.environ.items()
                        if name in kept or name.startswith("CRATEWELL_")}
         environment |= {"HOME": str(folder), "XDG_RUNTIME_DIR": str(folder), "GSETTINGS_BACKEND": "memory"}
-        log = stack.enter_context(told_on_failure())
+        log = stack.enter_context(shown_on_failure())
 
         screen = ["Xvfb", "-screen", "0", "1600x1000x24", "-nolisten", "tcp", "-noreset", "-displayfd"]
-        number = stack.enter_context(telling(lambda out: [*screen, str(out)], environment, log))
+        number = stack.enter_context(ready_server(lambda out: [*screen, str(out)], environment, log))
         environment["DISPLAY"] = f":{number}"
         configuration = folder / "bus.conf"
         configuration.write_text(BUS_CONFIGURATION.format(folder=folder))
         bus = ["dbus-daemon", "--nofork", f"--config-file={configuration}", "--print-address"]
-        address = stack.enter_context(telling(lambda out: [*bus[:-1], f"{bus[-1]}={out}"], environment, log))
+        address = stack.enter_context(ready_server(lambda out: [*bus[:-1], f"{bus[-1]}={out}"], environment, log))
         environment["DBUS_SESSION_BUS_ADDRESS"] = address
 
         stack.enter_context(running(["openbox", "--sm-disable"], environment, stdout=log, stderr=log))
@@ -148,7 +148,7 @@ def main() -> int:
     if len(sys.argv) < 2:
         sys.exit(__doc__)
     system.prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
-    signal.signal(signal.SIGTERM, lambda *_: sys.exit("private_desktop: told to end"))
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit("private_desktop: terminated"))
     with desktop() as environment, running(sys.argv[1:], environment) as command:
         return command.wait()
 

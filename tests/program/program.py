@@ -17,7 +17,7 @@ from collections.abc import Iterator
 from controls import Window
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-STAND_IN = ROOT / "tests" / "fakes" / "resolve"
+STAND_IN = ROOT / "scripts" / "standin_resolve"
 PYTHON = "/usr/bin/python3"
 END_SECONDS = 30
 
@@ -82,9 +82,9 @@ def made_home() -> Iterator[Home]:
 class Program:
     """One run of it."""
 
-    def __init__(self, home: Home):
+    def __init__(self, home: Home, variables: dict[str, str] | None = None):
         self._log = tempfile.TemporaryFile("w+", errors="replace")
-        self._process = subprocess.Popen([os.environ["CRATEWELL_PROGRAM"]], env=home.environment(),
+        self._process = subprocess.Popen([os.environ["CRATEWELL_PROGRAM"]], env=home.environment() | (variables or {}),
                                          stdin=subprocess.DEVNULL, stdout=self._log, stderr=self._log)
         try:
             self.window = Window(self._process.pid, lambda: self._process.poll() is None)
@@ -97,7 +97,7 @@ class Program:
         self._log.seek(0)
         return self._log.read()
 
-    def qmlWarnings(self) -> list[str]:
+    def complaints(self) -> list[str]:
         """Of the views and of the sanitizers."""
         return [line for line in self.log().splitlines() if "qrc:" in line or "ERROR:" in line
                 or "runtime error:" in line]
@@ -109,10 +109,10 @@ class Program:
             return self._process.wait(END_SECONDS)
         except subprocess.TimeoutExpired:
             self.kill()
-            raise AssertionError("the program did not end when it was told to") from None
+            raise AssertionError("the program did not end when it was asked to") from None
 
     def kill(self) -> None:
-        """Without a word: it can save nothing more."""
+        """At once: it can save nothing more."""
         self._process.kill()
         self._process.wait()
 

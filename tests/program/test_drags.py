@@ -1,4 +1,4 @@
-"""DragController with a real pointer, inside the window and out of it."""
+"""Drags with a real pointer, inside the window and out of it."""
 
 import os
 import pathlib
@@ -17,7 +17,7 @@ def pointer(*command: object) -> None:
     subprocess.run(["xdotool", *map(str, command)], check=True, timeout=20)
 
 
-class DragController(ProgramCase):
+class Drags(ProgramCase):
     def setUp(self) -> None:
         # Where the pointer rests on nothing that the next program shows.
         self.addCleanup(pointer, "mousemove", 2, 2)

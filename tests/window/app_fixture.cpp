@@ -24,31 +24,30 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QStringList &heardComplaints()
+QStringList &collectedWarnings()
 {
-    static QStringList qmlWarnings;
-    return qmlWarnings;
+    static QStringList warnings;
+    return warnings;
 }
 
-// Warnings about QML and the scene are accessibilityIssues; everything else goes on as before.
-void hear(QtMsgType type, const QMessageLogContext &context, const QString &text)
+// Collects what comes from QML, and prints everything.
+void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
     if (type != QtDebugMsg && type != QtInfoMsg && text.contains("qrc:"_L1))
-        heardComplaints().append(text);
+        collectedWarnings().append(text);
     std::fprintf(stderr, "%s: %s\n", context.category ? context.category : "default", qPrintable(text));
 }
 
 } // namespace
 
-AppFixture::AppFixture(const std::function<void(const QString &vault)> &prepare)
+AppFixture::AppFixture(const Prepare &prepare)
     : m_paths(SystemPaths::below(Location::fromText(m_home.path())))
 {
-    static const auto installed = qInstallMessageHandler(hear);
+    static const auto installed = qInstallMessageHandler(handleMessage);
     Q_UNUSED(installed)
     m_paths.workerProgram = SystemPaths::standard().workerProgram;
     m_paths.python = SystemPaths::standard().python;
-    if (prepare)
-        prepare(vaultFolder());
+    prepare(vaultFolder());
     start();
 }
 
@@ -86,9 +85,19 @@ QString AppFixture::vaultFolder() const
     return m_paths.defaultVault().text();
 }
 
+Location AppFixture::path(const QString &relative) const
+{
+    return Location::fromText(vaultFolder() + u'/' + relative);
+}
+
+bool AppFixture::exists(const QString &relative) const
+{
+    return QFile::exists(path(relative).text());
+}
+
 std::string AppFixture::qmlWarnings()
 {
-    return heardComplaints().join(u'\n').toStdString();
+    return collectedWarnings().join(u'\n').toStdString();
 }
 
 bool AppFixture::makesRoom()
@@ -120,6 +129,35 @@ void AppFixture::type(const QString &text)
 {
     for (const QChar character : text)
         QTest::keyClick(&window(), Qt::Key(character.toUpper().unicode()));
+}
+
+void WindowTest::SetUp()
+{
+    ASSERT_TRUE(app.makesRoom());
+    state.setSort(AssetOrder::Name);
+    ASSERT_TRUE(app.showsCards(cards));
+}
+
+void WindowTest::TearDown()
+{
+    EXPECT_EQ(app.controls().accessibilityIssues(), "");
+    EXPECT_EQ(AppFixture::qmlWarnings(), "");
+}
+
+bool WindowTest::arrives(const QString &relative) const
+{
+    return waitUntil([&] { return app.exists(relative); });
+}
+
+void smallVault(const QString &vault)
+{
+    for (const auto name :
+         {"SFX/Hits/Hit 1", "SFX/Hits/Hit 2", "SFX/Hits/Hit 3", "SFX/Hits/Deep/Boom", "SFX/Claps/Rush",
+          "SFX/Whooshes/Soft/Rush", "../Outside/Door", "../Outside/Low/Thud"})
+        writeSound(vault + u"/%1.wav"_s.arg(QLatin1StringView(name)));
+    writePicture(vault + u"/Overlays/Light Leaks/Warm/Amber.png"_s, Qt::red);
+    writePicture(vault + u"/Overlays/Flashes/White.png"_s, Qt::white);
+    writeFile(vault + u"/LUTs/Noir.cube"_s, "LUT_3D_SIZE 2\n");
 }
 
 void writeFile(const QString &path, const QByteArray &bytes)

@@ -1,7 +1,10 @@
 #include "window/controls.h"
 
+#include "support/wait.h"
+
 #include <QQuickWindow>
 #include <QTest>
+#include <gtest/gtest.h>
 
 #include <functional>
 
@@ -28,7 +31,7 @@ bool isPressable(QAccessible::Role role)
     }
 }
 
-// Every text that a control's own properties say it shows, or tells as help.
+// Every text that a control's own properties show, or offer as help.
 QStringList shownTexts(const QObject &control)
 {
     QStringList texts;
@@ -60,7 +63,7 @@ template<typename Visit> void Controls::visit(const Visit &visit) const
     walk(QAccessible::queryAccessibleInterface(&m_window));
 }
 
-QAccessibleInterface *Controls::find(QAccessible::Role role, const QString &name) const
+QAccessibleInterface *Controls::find(Role role, const QString &name) const
 {
     QAccessibleInterface *found = nullptr;
     visit([&](QAccessibleInterface &interface) {
@@ -71,30 +74,52 @@ QAccessibleInterface *Controls::find(QAccessible::Role role, const QString &name
     return found;
 }
 
-QPoint Controls::middle(QAccessibleInterface &control) const
+bool Controls::shows(Role role, const QString &name) const
 {
-    return m_window.mapFromGlobal(control.rect().center());
+    return waitUntil([&] { return find(role, name) != nullptr; });
 }
 
-bool Controls::click(QAccessible::Role role, const QString &name, Qt::KeyboardModifiers modifiers) const
+bool Controls::hides(Role role, const QString &name) const
 {
-    QAccessibleInterface *control = find(role, name);
-    if (!control)
+    return waitUntil([&] { return find(role, name) == nullptr; });
+}
+
+QPoint Controls::middle(Role role, const QString &name) const
+{
+    const QAccessibleInterface *control = find(role, name);
+    EXPECT_TRUE(control) << name.toStdString();
+    return control ? m_window.mapFromGlobal(control->rect().center()) : QPoint();
+}
+
+bool Controls::click(Role role, const QString &name, Qt::KeyboardModifiers modifiers,
+                     Qt::MouseButton button) const
+{
+    if (!shows(role, name))
         return false;
-    QTest::mouseClick(&m_window, Qt::LeftButton, modifiers, middle(*control));
+    QTest::mouseClick(&m_window, button, modifiers, middle(role, name));
     return true;
 }
 
-bool Controls::doubleClick(QAccessible::Role role, const QString &name) const
+bool Controls::press(Role role, const QString &name) const
 {
-    QAccessibleInterface *control = find(role, name);
-    if (!control)
+    return act(role, name, QAccessibleActionInterface::pressAction());
+}
+
+bool Controls::focus(Role role, const QString &name) const
+{
+    return act(role, name, QAccessibleActionInterface::setFocusAction());
+}
+
+bool Controls::act(Role role, const QString &name, const QString &action) const
+{
+    QAccessibleInterface *control = shows(role, name) ? find(role, name) : nullptr;
+    if (!control || !control->actionInterface())
         return false;
-    QTest::mouseDClick(&m_window, Qt::LeftButton, {}, middle(*control));
+    control->actionInterface()->doAction(action);
     return true;
 }
 
-QStringList Controls::names(QAccessible::Role role) const
+QStringList Controls::names(Role role) const
 {
     QStringList names;
     visit([&](QAccessibleInterface &interface) {
@@ -106,7 +131,7 @@ QStringList Controls::names(QAccessible::Role role) const
 
 std::string Controls::accessibilityIssues() const
 {
-    QStringList accessibilityIssues;
+    QStringList issues;
     visit([&](QAccessibleInterface &interface) {
         const QAccessible::Role role = interface.role();
         const QString name = interface.text(QAccessible::Name);
@@ -115,17 +140,17 @@ std::string Controls::accessibilityIssues() const
                                  .arg(interface.rect().x())
                                  .arg(interface.rect().y());
         if (mustHaveName(role) && name.trimmed().isEmpty())
-            accessibilityIssues.append(what + u": no name"_s);
+            issues.append(what + u": no name"_s);
         if (mustHaveName(role) && interface.object()) {
             const QStringList texts = shownTexts(*interface.object());
             if (!texts.isEmpty() && !texts.contains(name))
-                accessibilityIssues.append(what + u": shows "_s + texts.join(u" / "_s));
+                issues.append(what + u": shows "_s + texts.join(u" / "_s));
         }
         const QAccessibleActionInterface *actions = interface.actionInterface();
         if (isPressable(role) && (!actions || actions->actionNames().isEmpty()))
-            accessibilityIssues.append(what + u": no action"_s);
+            issues.append(what + u": no action"_s);
     });
-    return accessibilityIssues.join(u'\n').toStdString();
+    return issues.join(u'\n').toStdString();
 }
 
 } // namespace cratewell::test

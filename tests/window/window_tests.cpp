@@ -4,192 +4,201 @@
 #include "state/app_state.h"
 #include "state/prefs.h"
 #include "support/wait.h"
-#include "vault/vault.h"
 
-#include <QDir>
 #include <QQuickItem>
 #include <QQuickWindow>
-#include <gtest/gtest.h>
 
 namespace cratewell::test {
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-// Twelve sounds in folders two deep, three pictures, a LUT.
-void fillVault(const QString &vault)
-{
-    for (int i = 1; i <= 12; ++i)
-        writeSound(vault + u"/SFX/Hits/Hit %1.wav"_s.arg(i));
-    for (const auto name : {"Amber", "Prism", "Streak"})
-        writePicture(vault + u"/Overlays/Light Leaks/Warm/%1.png"_s.arg(QLatin1StringView(name)), Qt::red);
-    writeFile(vault + u"/LUTs/Noir.cube"_s, "LUT_3D_SIZE 2\n");
-}
-
-QStringList rows(const AppState &state)
-{
-    QStringList names;
-    for (int row = 0; row < state.visibleCount(); ++row)
-        names.append(state.visibleAssets().at(row).url.baseName());
-    return names;
-}
-
-} // namespace
-
-class Window : public testing::Test
+class Window : public WindowTest
 {
 protected:
-    AppFixture app{fillVault};
-    AppState &state = app.program().state();
-
-    void SetUp() override
-    {
-        state.setSort(AssetOrder::Name);
-        ASSERT_TRUE(waitUntil([this] { return state.visibleCount() == 16; }));
-        ASSERT_TRUE(waitUntil([this] { return app.controls().find(QAccessible::ListItem, u"Amber"_s); }));
-    }
-    void TearDown() override { EXPECT_EQ(AppFixture::qmlWarnings(), ""); }
-
-    bool clickCard(const QString &name, Qt::KeyboardModifiers modifiers = {})
-    {
-        return app.controls().click(QAccessible::ListItem, name, modifiers);
-    }
     QString focused() const { return state.selection() ? state.selection()->url.baseName() : QString(); }
-    int columns()
+    QRect place(QAccessible::Role role, const QString &name)
     {
-        return app.window().findChild<QQuickItem *>(u"assetGrid"_s)->property("columns").toInt();
+        const QAccessibleInterface *control = controls.find(role, name);
+        return control ? control->rect().translated(-window.position()) : QRect();
     }
 };
 
-TEST_F(Window, OpensAtItsSizeAndNamesEveryControl)
+TEST_F(Window, OpensAtItsSizeWithItsRowsInOrder)
 {
+    app.restart();
     EXPECT_EQ(app.window().title(), u"Cratewell");
     EXPECT_EQ(app.window().size(), QSize(1320, 840));
     EXPECT_EQ(app.window().minimumSize(), QSize(1040, 640));
-    EXPECT_EQ(app.controls().accessibilityIssues(), "");
-    for (const QString &name :
-         {u"All Assets"_s, u"Favorites"_s, u"Recently Inserted"_s, u"Import"_s, u"Trash"_s,
-          u"New folder in Overlays"_s, u"New folder in LUTs"_s, u"New folder in SFX"_s,
-          u"Keep Cratewell above your editor"_s, u"Open the vault in Finder"_s, u"Customize Cratewell"_s,
-          u"Show or hide the preview"_s})
-        EXPECT_NE(app.controls().find(QAccessible::Button, name), nullptr) << name.toStdString();
+
+    const QStringList buttons = app.controls().names(Button);
+    const QStringList rows{u"All Assets"_s, u"Favorites"_s,      u"Recently Inserted"_s, u"Import"_s,
+                           u"Trash"_s,      u"Premiere panel"_s, u"Resolve panel"_s};
+    EXPECT_EQ(buttons.sliced(buttons.indexOf(rows[0]), rows.size()), rows);
+    const QStringList headings{u"New folder in Overlays"_s, u"New folder in LUTs"_s, u"New folder in SFX"_s};
+    QStringList shown = buttons;
+    shown.removeIf([&](const QString &name) { return !headings.contains(name); });
+    EXPECT_EQ(shown, headings);
+
+    // How much the first rows hold, unless nobody wants to know.
+    const auto counts = [&] {
+        QStringList texts;
+        for (const QString &row : rows)
+            texts += app.controls().find(Button, row)->text(QAccessible::Description);
+        return texts.join(u'|');
+    };
+    ASSERT_TRUE(waitUntil([&] { return counts() == u"9|0|0||0||"; })) << counts().toStdString();
+    app.program().prefs().setShowCounts(false);
+    EXPECT_EQ(counts(), u"||||||");
 }
 
-TEST_F(Window, SelectsWithMouseAndKeyboardAsAFileManagerDoes)
+TEST_F(Window, SelectsWithMouseAndKeyboard)
 {
-    ASSERT_GE(columns(), 2);
-    const QStringList order = rows(state);
-
-    ASSERT_TRUE(clickCard(order[0]));
-    EXPECT_EQ(focused(), order[0]);
-    ASSERT_TRUE(clickCard(order[2], Qt::ShiftModifier));
+    ASSERT_TRUE(controls.click(Card, u"Amber"_s));
+    ASSERT_TRUE(controls.click(Card, u"Hit 1"_s, Qt::ShiftModifier));
     EXPECT_EQ(state.selectedCount(), 3);
-    ASSERT_TRUE(clickCard(order[1], Qt::ControlModifier));
+    ASSERT_TRUE(controls.click(Card, u"Boom"_s, Qt::ControlModifier));
     EXPECT_EQ(state.selectedCount(), 2);
-    EXPECT_EQ(focused(), order[1]);
-
-    ASSERT_TRUE(clickCard(order[0]));
     app.key(Qt::Key_Right);
-    EXPECT_EQ(focused(), order[1]);
-    app.key(Qt::Key_Down);
-    EXPECT_EQ(focused(), order[1 + columns()]);
-    app.key(Qt::Key_Up);
-    app.key(Qt::Key_Left);
-    EXPECT_EQ(focused(), order[0]);
+    EXPECT_EQ(focused(), u"Hit 1");
     app.key(Qt::Key_A, Qt::ControlModifier);
-    EXPECT_EQ(state.selectedCount(), 16);
+    EXPECT_EQ(state.selectedCount(), cards.size());
 }
 
 TEST_F(Window, SearchTakesLettersAndKeysForItself)
 {
-    ASSERT_TRUE(clickCard(rows(state).first()));
-    ASSERT_TRUE(app.controls().click(QAccessible::EditableText, u"Search the vault"_s));
+    ASSERT_TRUE(controls.click(Card, u"Hit 1"_s));
+    ASSERT_TRUE(controls.click(Field, u"Search the vault"_s));
     app.type(u"warm"_s);
-    EXPECT_EQ(state.search(), u"warm");
-    EXPECT_EQ(rows(state), (QStringList{u"Amber"_s, u"Prism"_s, u"Streak"_s}));
-    EXPECT_TRUE(app.showsCards({u"Amber"_s, u"Prism"_s, u"Streak"_s}));
-    EXPECT_NE(app.controls().find(QAccessible::StaticText, u"3 assets"_s), nullptr);
+    EXPECT_TRUE(app.showsCards({u"Amber"_s}));
+    EXPECT_TRUE(controls.shows(Text, u"1 assets"_s));
 
     const int selectedBefore = state.selectedCount();
+    app.key(Qt::Key_Delete, Qt::ControlModifier);
+    EXPECT_TRUE(app.exists(u"SFX/Hits/Hit 1.wav"_s));
     app.key(Qt::Key_A, Qt::ControlModifier);
     app.key(Qt::Key_Delete);
     EXPECT_EQ(state.search(), QString());
     EXPECT_EQ(state.selectedCount(), selectedBefore);
 }
 
-TEST_F(Window, TheSidebarLeadsThroughTheVault)
+TEST_F(Window, CommandsReachTheDesktopTheSettingsAndTheNextStart)
 {
-    ASSERT_TRUE(app.controls().click(QAccessible::TreeItem, u"SFX"_s));
-    EXPECT_EQ(state.scopeTitle(), u"SFX");
-    EXPECT_EQ(state.visibleCount(), 12);
-
-    // Category folders start expanded, deeper ones collapsed; what was expanded is so after a restart.
-    EXPECT_EQ(app.controls().find(QAccessible::TreeItem, u"Warm"_s), nullptr);
-    ASSERT_TRUE(app.controls().click(QAccessible::Button, u"Expand Light Leaks"_s));
-    ASSERT_TRUE(waitUntil([this] { return app.controls().find(QAccessible::TreeItem, u"Warm"_s); }));
-    ASSERT_TRUE(app.controls().click(QAccessible::TreeItem, u"Warm"_s));
-    EXPECT_EQ(state.visibleCount(), 3);
-
-    ASSERT_TRUE(clickCard(u"Prism"_s));
-    app.key(Qt::Key_F, Qt::ControlModifier | Qt::AltModifier);
-    ASSERT_TRUE(app.controls().click(QAccessible::Button, u"Favorites"_s));
-    EXPECT_EQ(rows(state), QStringList(u"Prism"_s));
-
-    app.restart();
-    ASSERT_TRUE(waitUntil([this] { return app.controls().find(QAccessible::TreeItem, u"Warm"_s); }));
-    EXPECT_EQ(app.program().prefs().favorites().size(), 1);
-}
-
-TEST_F(Window, CommandsReachTheDesktopAndTheSettings)
-{
-    ASSERT_TRUE(clickCard(u"Amber"_s));
+    ASSERT_TRUE(controls.click(Card, u"Amber"_s));
     app.key(Qt::Key_R, Qt::ControlModifier | Qt::ShiftModifier);
     ASSERT_EQ(app.workspace().revealed().size(), 1);
     EXPECT_EQ(app.workspace().revealed()[0][0].baseName(), u"Amber");
-    ASSERT_TRUE(app.controls().click(QAccessible::Button, u"Open the vault in Finder"_s));
+    ASSERT_TRUE(controls.click(Button, u"Open the vault in Finder"_s));
     EXPECT_EQ(app.workspace().opened().size(), 1);
-
-    ASSERT_TRUE(app.controls().click(QAccessible::Button, u"Show or hide the preview"_s));
+    ASSERT_TRUE(controls.click(Button, u"Expand Light Leaks"_s));
+    ASSERT_TRUE(controls.click(Folder, u"Warm"_s));
+    EXPECT_TRUE(app.showsCards({u"Amber"_s}));
+    app.key(Qt::Key_F, Qt::ControlModifier | Qt::AltModifier);
+    ASSERT_TRUE(controls.click(Button, u"Show or hide the preview"_s));
     EXPECT_FALSE(state.showInspector());
     app.key(Qt::Key_Comma, Qt::ControlModifier);
-    EXPECT_TRUE(waitUntil([this] { return app.controls().find(QAccessible::PageTab, u"Look"_s); }));
+    EXPECT_TRUE(controls.shows(QAccessible::PageTab, u"Look"_s));
+
+    app.restart();
+    EXPECT_TRUE(app.controls().shows(Folder, u"Warm"_s));
+    ASSERT_TRUE(app.controls().click(Button, u"Favorites"_s));
+    EXPECT_TRUE(app.showsCards({u"Amber"_s}));
 }
 
-TEST_F(Window, CardsAndInspectorTellWhatIsInTheFiles)
+TEST_F(Window, CardsAndInspectorShowWhatIsInTheFiles)
 {
     // A second and a half of a loud square wave.
     writeSound(app.vaultFolder() + u"/SFX/Hits/Square.wav"_s, QByteArray("\0\x40\0\xC0", 4).repeated(36000));
     writeFile(app.vaultFolder() + u"/LUTs/Swap.cube"_s,
               "TITLE \"Plain\"\nLUT_3D_SIZE 2\n0 0 0\n1 0 0\n0 1 0\n1 1 0\n0 0 1\n1 0 1\n0 1 1\n1 1 1\n");
-    const auto says = [this](const QString &text) {
-        return waitUntil([&] { return app.controls().find(QAccessible::StaticText, text) != nullptr; });
-    };
-    ASSERT_TRUE(app.makesRoom());
     ASSERT_TRUE(waitUntil([this] {
-        QAccessibleInterface *card = app.controls().find(QAccessible::ListItem, u"Square"_s);
+        const QAccessibleInterface *card = controls.find(Card, u"Square"_s);
         return card && card->text(QAccessible::Description) == u"Audio, 1.5s"_s;
     }));
-    ASSERT_TRUE(clickCard(u"Square"_s));
-    EXPECT_TRUE(says(u"Type: Audio · WAV"_s) && says(u"Sample rate: 48000 Hz"_s) &&
-                says(u"Channels: Mono"_s));
-    ASSERT_TRUE(clickCard(u"Swap"_s));
-    EXPECT_TRUE(says(u"Lattice: 2³"_s) && says(u"Title: Plain"_s));
-    EXPECT_EQ(app.controls().find(QAccessible::StaticText, u"Channels: Mono"_s), nullptr);
-    ASSERT_TRUE(clickCard(u"Amber"_s));
-    EXPECT_TRUE(says(u"Resolution: 64 × 36"_s));
-    ASSERT_TRUE(clickCard(u"Noir"_s));
-    EXPECT_TRUE(says(u"Type: LUT · CUBE"_s)) << "a file that cannot be read still has its usual details";
-    EXPECT_EQ(app.controls().accessibilityIssues(), "");
+    const struct
+    {
+        const char *card;
+        QStringList lines;
+    } cases[] = {
+        {"Square", {u"Type: Audio · WAV"_s, u"Sample rate: 48000 Hz"_s, u"Channels: Mono"_s}},
+        {"Swap", {u"Lattice: 2³"_s, u"Title: Plain"_s}},
+        {"Amber", {u"Resolution: 64 × 36"_s}},
+        {"Noir", {u"Type: LUT · CUBE"_s}}, // cannot be read
+    };
+    for (const auto &row : cases) {
+        ASSERT_TRUE(controls.click(Card, QString::fromLatin1(row.card)));
+        for (const QString &line : row.lines)
+            EXPECT_TRUE(controls.shows(Text, line)) << line.toStdString();
+    }
+    EXPECT_EQ(controls.find(Text, u"Channels: Mono"_s), nullptr) << "of the one before";
 }
 
 TEST_F(Window, ClosingLeavesTheProgramRunning)
 {
-    app.window().close();
-    EXPECT_FALSE(app.window().isVisible());
+    window.close();
+    EXPECT_FALSE(window.isVisible());
     app.program().bringToFront();
-    EXPECT_TRUE(app.window().isVisible());
-    EXPECT_EQ(state.visibleCount(), 16);
+    EXPECT_TRUE(window.isVisible());
+}
+
+TEST_F(Window, ToolbarStaysInOrderWithoutOverlapsAtEveryWidth)
+{
+    // The title is the only one that may lose its end, the card size the only one that may be missing.
+    const auto inOrder = [this](int rightEnd) {
+        int free = 262;
+        for (const QRect &next :
+             {place(Heading, u"All Assets"_s), place(Button, u"New Folder"_s),
+              place(Field, u"Search the vault"_s), place(Button, u"Name"_s),
+              place(QAccessible::Slider, u"Card size"_s), place(Button, u"Show or hide the preview"_s)}) {
+            if (next.isEmpty())
+                continue;
+            if (next.left() < free)
+                return false;
+            free = next.right() + 1;
+        }
+        return free <= rightEnd && place(Field, u"Search the vault"_s).width() >= 88;
+    };
+    for (const bool inspector : {true, false}) {
+        state.setShowInspector(inspector);
+        for (int width = 1040; width <= 1700; width += 33) {
+            window.resize(width, 640);
+            EXPECT_TRUE(waitUntil([&] { return inOrder(width - 12 - (inspector ? 412 : 0)); }))
+                << "width " << width << (inspector ? " with inspector" : "");
+        }
+        EXPECT_TRUE(controls.shows(QAccessible::Slider, u"Card size"_s)) << "there is room for it";
+    }
+}
+
+TEST_F(Window, EveryPageIsReachedByPressingItsRow)
+{
+    for (const auto &[row, title] : {std::pair{u"Import"_s, u"Import"_s},
+                                     {u"Trash"_s, u"Trash"_s},
+                                     {u"Resolve panel"_s, u"Plugins"_s}}) {
+        ASSERT_TRUE(controls.press(Button, row));
+        EXPECT_TRUE(controls.shows(Heading, title)) << title.toStdString();
+        EXPECT_EQ(controls.find(Field, u"Search the vault"_s), nullptr);
+    }
+    ASSERT_TRUE(controls.press(Button, u"All Assets"_s));
+    EXPECT_TRUE(controls.shows(Field, u"Search the vault"_s));
+    EXPECT_TRUE(controls.find(Button, u"All Assets"_s)->state().selected);
+    ASSERT_TRUE(controls.press(Button, u"Name"_s));
+    ASSERT_TRUE(controls.press(MenuItem, u"Size"_s));
+    EXPECT_TRUE(controls.shows(Button, u"Size"_s));
+}
+
+TEST_F(Window, FoldersAreWalkedWithTheKeyboard)
+{
+    ASSERT_TRUE(controls.focus(QAccessible::Tree, u"Folders"_s));
+    const auto walk = [this](std::initializer_list<Qt::Key> keys) {
+        for (const Qt::Key key : keys)
+            app.key(key);
+        return state.scopeTitle();
+    };
+    EXPECT_EQ(walk({Qt::Key_Return}), u"Overlays");
+    while (state.scopeTitle() != u"Hits" && !HasFailure())
+        ASSERT_NE(walk({Qt::Key_Down, Qt::Key_Space}), u"Sports") << "Hits comes before Sports";
+    EXPECT_EQ(walk({Qt::Key_Right, Qt::Key_Right, Qt::Key_Return}), u"Deep");
+    EXPECT_EQ(walk({Qt::Key_Left, Qt::Key_Left, Qt::Key_Left, Qt::Key_Return}), u"SFX");
+    EXPECT_EQ(walk({Qt::Key_Left, Qt::Key_Down, Qt::Key_Return}), u"SFX") << "closed, it is the last row";
 }
 
 } // namespace cratewell::test

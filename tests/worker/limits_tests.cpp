@@ -20,7 +20,7 @@
 
 namespace cratewell::worker {
 
-// Runs in a child process, which ends with what it gives back; the test itself keeps its freedom.
+// Runs in a child process, which ends with what it returns; the test itself keeps its rights.
 template<typename Deed> int statusOfChild(const Deed &deed)
 {
     const pid_t child = fork();
@@ -31,72 +31,62 @@ template<typename Deed> int statusOfChild(const Deed &deed)
     return status;
 }
 
+char trueName[] = "true";
+char *trueArguments[]{trueName, nullptr};
+const rlimit nothing{.rlim_cur = 0, .rlim_max = 0};
+
+bool spawns()
+{
+    pid_t child = 0;
+    errno = posix_spawn(&child, "/bin/true", nullptr, nullptr, trueArguments, environ);
+    return errno == 0;
+}
+
+// Whether it is so in another thread.
+bool inThread(bool (*deed)())
+{
+    bool done = false;
+    std::thread([&] { done = deed(); }).join();
+    return done;
+}
+
+bool setsItsOwnLimits()
+{
+    rlimit now = {};
+    return getrlimit(RLIMIT_CPU, &now) == 0 && setrlimit(RLIMIT_CPU, &now) == 0;
+}
+
 struct Attempt
 {
     const char *name;
     bool (*succeeds)();
-    int error; // 0 where it has to succeed
+    int error = EPERM; // 0 where it has to succeed
 };
 
 const Attempt attempts[]{
-    {"internet socket", [] { return socket(AF_INET, SOCK_STREAM, 0) >= 0; }, EPERM},
-    {"local socket", [] { return socket(AF_UNIX, SOCK_STREAM, 0) >= 0; }, EPERM},
-    {"new process", [] { return fork() >= 0; }, EPERM},
-    {"new program",
-     [] {
-         char name[] = "true";
-         char *arguments[]{name, nullptr};
-         return execv("/bin/true", arguments) == 0;
-     },
-     EPERM},
-    {"spawned program",
-     [] {
-         char name[] = "true";
-         char *arguments[]{name, nullptr};
-         pid_t child = 0;
-         errno = posix_spawn(&child, "/bin/true", nullptr, nullptr, arguments, environ);
-         return errno == 0;
-     },
-     EPERM},
-    {"reading a path", [] { return open("/proc/self/status", O_RDONLY) >= 0; }, EPERM},
-    {"writing a path", [] { return open("/tmp", O_TMPFILE | O_WRONLY, 0600) >= 0; }, EPERM},
-    {"removing", [] { return unlink("/no such file") == 0; }, EPERM},
-    {"signal to another", [] { return kill(getppid(), 0) == 0; }, EPERM},
-    {"limits of another",
-     [] {
-         const rlimit none{.rlim_cur = 0, .rlim_max = 0};
-         return prlimit(getppid(), RLIMIT_CORE, &none, nullptr) == 0;
-     },
-     EPERM},
-    {"priority of another", [] { return setpriority(PRIO_PROCESS, id_t(getppid()), 19) == 0; }, EPERM},
-    {"attributes of a path", [] { return removexattr("/tmp", "user.none") == 0; }, EPERM},
-    {"mode of a path", [] { return syscall(452, AT_FDCWD, "/no such file", 0600, 0) == 0; }, EPERM},
-    {"shared memory", [] { return shmget(IPC_PRIVATE, 4096, 0600) >= 0; }, EPERM},
-    {"thread",
-     [] {
-         bool ran = false;
-         std::thread([&] { ran = true; }).join();
-         return ran;
-     },
+    {"internet socket", [] { return socket(AF_INET, SOCK_STREAM, 0) >= 0; }},
+    {"local socket", [] { return socket(AF_UNIX, SOCK_STREAM, 0) >= 0; }},
+    {"new process", [] { return fork() >= 0; }},
+    {"new program", [] { return execv("/bin/true", trueArguments) == 0; }},
+    {"spawned program", spawns},
+    {"reading a path", [] { return open("/proc/self/status", O_RDONLY) >= 0; }},
+    {"writing a path", [] { return open("/tmp", O_TMPFILE | O_WRONLY, 0600) >= 0; }},
+    {"removing", [] { return unlink("/no such file") == 0; }},
+    {"signal to another", [] { return kill(getppid(), 0) == 0; }},
+    {"limits of another", [] { return prlimit(getppid(), RLIMIT_CORE, &nothing, nullptr) == 0; }},
+    {"priority of another", [] { return setpriority(PRIO_PROCESS, id_t(getppid()), 19) == 0; }},
+    {"attributes of a path", [] { return removexattr("/tmp", "user.none") == 0; }},
+    {"mode of a path", [] { return syscall(452, AT_FDCWD, "/no such file", 0600, 0) == 0; }},
+    {"shared memory", [] { return shmget(IPC_PRIVATE, 4096, 0600) >= 0; }},
+    {"thread", [] { return inThread([] { return true; }); }, 0},
+    {"filter for threads, too", [] { return inThread([] { return socket(AF_INET, SOCK_STREAM, 0) < 0; }); },
      0},
-    {"filter for threads, too",
-     [] {
-         bool denied = false;
-         std::thread([&] { denied = socket(AF_INET, SOCK_STREAM, 0) < 0; }).join();
-         return denied;
-     },
-     0},
-    {"own limits",
-     [] {
-         rlimit now = {};
-         return getrlimit(RLIMIT_CPU, &now) == 0 && setrlimit(RLIMIT_CPU, &now) == 0;
-     },
-     0},
+    {"own limits", setsItsOwnLimits, 0},
     {"memory", [] { return std::malloc(size_t{64} << 20) != nullptr; }, 0},
     {"descriptor it has", [] { return dup(STDERR_FILENO) >= 0; }, 0},
 };
 
-TEST(ClosedDoors, LeaveADecoderWhatItNeedsAndNothingElse)
+TEST(SyscallFilter, LeaveADecoderWhatItNeedsAndNothingElse)
 {
     constexpr int noFilter = 255;
     for (const Attempt &attempt : attempts) {
@@ -115,7 +105,7 @@ TEST(ClosedDoors, LeaveADecoderWhatItNeedsAndNothingElse)
 }
 
 #if !defined(CRATEWELL_SANITIZED)
-TEST(ClosedDoors, BoundTheAddressSpace)
+TEST(SyscallFilter, BoundTheAddressSpace)
 {
     const int status = statusOfChild([] {
         installSyscallFilter();

@@ -62,21 +62,18 @@ bool MediaContainer::isNamed(const char *name) const
     return av_match_name(name, m_format->iformat->name) != 0;
 }
 
-// QuickTime and Matroska headers tell everything that finding a frame needs. What a sound is like is certain
-// for PCM only: other headers may leave out the rate, or tell half of it.
+// QuickTime and Matroska headers say everything that finding a frame needs. What a sound is like is certain
+// for PCM only: other headers may leave out the rate, or give half of it.
 bool MediaContainer::headerKnows(Purpose purpose) const
 {
     const AVStream *video = firstVideo(), *audio = firstAudio();
     const bool audioKnown = audio && isPcm(audio->codecpar->codec_id) && audio->codecpar->sample_rate > 0 &&
                             audio->codecpar->ch_layout.nb_channels > 0;
-    if (purpose == Purpose::Sound || (purpose == Purpose::Info && !video))
+    if (purpose == Purpose::Sound || !video)
         return audioKnown;
-    const bool frameKnown = (isNamed("mov") || isNamed("matroska")) && video && video->codecpar->width > 0 &&
-                            video->codecpar->codec_id != AV_CODEC_ID_NONE &&
-                            m_format->duration != AV_NOPTS_VALUE;
-    if (purpose == Purpose::Frames)
-        return frameKnown;
-    return frameKnown && video->avg_frame_rate.num > 0;
+    return (isNamed("mov") || isNamed("matroska")) && video->codecpar->width > 0 &&
+           video->codecpar->codec_id != AV_CODEC_ID_NONE && m_format->duration != AV_NOPTS_VALUE &&
+           video->avg_frame_rate.num > 0;
 }
 
 AVStream *MediaContainer::firstVideo() const

@@ -5,14 +5,14 @@
 
 namespace cratewell::decode {
 
-// An open media file: its streams and what the header tells of them. One descriptor is one file: whatever
+// An open media file: its streams and what the header says of them. One descriptor is one file: whatever
 // further files or addresses a container names are refused.
 class MediaContainer
 {
 public:
-    // What must be known when open() returns. Where the header tells it nothing more is read, else the
-    // beginning of the file is probed.
-    enum class Purpose { Frames, Sound, Info };
+    // What must be known when open() returns: the video and what to say of it, or the sound. Where the header
+    // says it nothing more is read, else the beginning of the file is probed.
+    enum class Purpose { Film, Sound };
 
     // The descriptor is borrowed for the life of the container.
     static Decoded<std::unique_ptr<MediaContainer>> open(int descriptor, Purpose purpose);

@@ -30,7 +30,7 @@ const AVCodec *decoderFor(const AVStream &stream)
 
 Decoded<std::unique_ptr<VideoReader>> VideoReader::open(int descriptor)
 {
-    auto container = MediaContainer::open(descriptor, MediaContainer::Purpose::Frames);
+    auto container = MediaContainer::open(descriptor, MediaContainer::Purpose::Film);
     if (!container)
         return failed(container.error());
     std::unique_ptr<VideoReader> reader(new VideoReader);

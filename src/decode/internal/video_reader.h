@@ -1,5 +1,6 @@
 #pragma once
 
+#include "decode/internal/film_info.h"
 #include "decode/internal/media_container.h"
 #include "decode/internal/orientation.h"
 
@@ -12,8 +13,7 @@ public:
     // The descriptor is borrowed for the life of the reader.
     static Decoded<std::unique_ptr<VideoReader>> open(int descriptor);
 
-    // Of the whole file, in seconds; 0 when unknown.
-    double duration() const { return m_container->duration(); }
+    MediaInfo info() const { return filmInfo(*m_container, *m_stream); }
     Orientation orientation() const;
     // Width over height of one stored pixel of this frame.
     double pixelAspect(AVFrame *frame) const;

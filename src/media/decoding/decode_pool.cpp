@@ -16,7 +16,7 @@ struct DecodePool::Entry
     DecodeJob job;
     Phase phase = Phase::Waiting;
     int requests = 0;
-    std::pair<DecodeJob::Rank, quint64> place = {}; // among the waiting
+    bool isSecondAttempt = false;
 };
 
 class DecodePool::Request : public PreviewRequest
@@ -25,7 +25,7 @@ public:
     Request(DecodePool *pool, std::shared_ptr<Entry> entry) : m_pool(pool), m_entry(std::move(entry)) {}
     ~Request() override
     {
-        if (m_pool)
+        if (m_pool && --m_entry->requests == 0 && m_entry->phase == Entry::Phase::Waiting)
             m_pool->drop(*m_entry);
     }
 
@@ -34,10 +34,10 @@ private:
     std::shared_ptr<Entry> m_entry;
 };
 
-DecodePool::DecodePool(const Location &program, const Limits &limits)
+DecodePool::DecodePool(const Location &program, const Limits &limits) : m_limits(limits)
 {
     for (int i = 0; i < limits.slots; ++i)
-        m_slots.push_back(new WorkerSlot(program, limits.budget, this));
+        m_slots.push_back(new WorkerSlot(program, this));
 }
 
 // The slots kill their workers. A killed process is gone at once, unless it hangs in a read from a dead disk:
@@ -66,16 +66,17 @@ DecodePool::Limits DecodePool::usualLimits()
 
 std::unique_ptr<PreviewRequest> DecodePool::submit(DecodeJob job)
 {
-    const DecodeJob::Rank rank = job.rank;
+    const RequestPlace place = job.place;
     std::shared_ptr<Entry> &known = m_entries[job.key];
     if (!known)
         known = std::make_shared<Entry>(Entry{.job = std::move(job)});
     const std::shared_ptr<Entry> entry = known;
     ++entry->requests;
     if (entry->phase == Entry::Phase::Waiting) {
-        m_waiting.erase(entry->place);
-        entry->place = {std::max(entry->place.first, rank), ++m_clock};
-        m_waiting.emplace(entry->place, entry);
+        m_waiting.erase(entry->job.place);
+        if (!entry->isSecondAttempt)
+            entry->job.place.join(place);
+        m_waiting.emplace(entry->job.place, entry);
         scheduleStart();
     }
     return std::make_unique<Request>(this, entry);
@@ -93,14 +94,12 @@ std::vector<qint64> DecodePool::workerProcessIds() const
 
 void DecodePool::drop(Entry &entry)
 {
-    if (--entry.requests > 0 || entry.phase != Entry::Phase::Waiting)
-        return;
     entry.phase = Entry::Phase::Over;
-    m_waiting.erase(entry.place);
+    m_waiting.erase(entry.job.place);
     m_entries.remove(entry.job.key);
 }
 
-// From the event loop, so that of all that one pass of it asks for the newest begins.
+// From the event loop, so that of all that one pass of it requests the highest rank begins.
 void DecodePool::scheduleStart()
 {
     if (m_startScheduled || m_waiting.empty())
@@ -113,25 +112,47 @@ void DecodePool::startWaiting()
 {
     m_startScheduled = false;
     for (WorkerSlot *slot : m_slots) {
-        if (m_waiting.empty())
+        if (m_waiting.empty() || !mayStart(*m_waiting.begin()->second))
             return;
-        if (slot->isBusy())
-            continue;
-        const auto newest = std::prev(m_waiting.end());
-        const std::shared_ptr<Entry> entry = newest->second;
-        m_waiting.erase(newest);
-        entry->phase = Entry::Phase::Started;
-        slot->run(entry->job.request,
-                  [this, key = entry->job.key](const DecodeResult &result) { finish(key, result); });
+        if (!slot->isBusy())
+            start(*slot, m_waiting.extract(m_waiting.begin()).mapped());
     }
 }
 
-void DecodePool::finish(const QByteArray &key, const DecodeResult &result)
+// Second attempts leave a slot to what comes meanwhile, where there are several.
+bool DecodePool::mayStart(const Entry &entry) const
 {
-    const std::shared_ptr<Entry> entry = m_entries.take(key);
-    entry->phase = Entry::Phase::Over;
+    return !entry.isSecondAttempt || m_secondAttempts < std::max(1, m_limits.slots - 1);
+}
+
+void DecodePool::start(WorkerSlot &slot, const std::shared_ptr<Entry> &entry)
+{
+    entry->phase = Entry::Phase::Started;
+    m_secondAttempts += entry->isSecondAttempt ? 1 : 0;
+    slot.run(entry->job.request, entry->isSecondAttempt ? m_limits.longBudget : m_limits.budget,
+             [this, entry](const DecodeResult &result) { finish(entry, result); });
+}
+
+void DecodePool::finish(const std::shared_ptr<Entry> &entry, const DecodeResult &result)
+{
+    m_secondAttempts -= entry->isSecondAttempt ? 1 : 0;
     scheduleStart();
+    if (!result && result.error().fault == DecodeFailure::Fault::OutOfTime && !entry->isSecondAttempt)
+        return tryAgain(entry);
+    entry->phase = Entry::Phase::Over;
+    m_entries.remove(entry->job.key);
     entry->job.finished(result);
+}
+
+void DecodePool::tryAgain(const std::shared_ptr<Entry> &entry)
+{
+    entry->isSecondAttempt = true;
+    entry->job.place.rank = RequestPlace::Rank::Later;
+    entry->phase = Entry::Phase::Waiting;
+    m_waiting.emplace(entry->job.place, entry);
+    if (entry->requests == 0)
+        drop(*entry);
+    scheduleStart();
 }
 
 } // namespace cratewell

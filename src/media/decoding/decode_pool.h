@@ -1,7 +1,8 @@
 #pragma once
 
 #include "media/decoding/decode_request.h"
-#include "media/media.h"
+#include "media/preview_request.h"
+#include "media/request_order.h"
 
 #include <QHash>
 #include <QObject>
@@ -16,21 +17,18 @@ namespace cratewell {
 class WorkerSlot;
 
 // A job for the workers. Two jobs of one key are the same work: the second joins the first, and `finished` of
-// the first is what is called, once; its rank is the highest asked for. It is not called for a job that was
-// dropped, nor after the pool's end.
+// the first is what is called, once. It is not called for a job that was dropped, nor after the pool's end.
 struct DecodeJob
 {
-    // What the pointer is on comes before everything that merely is on screen.
-    enum class Rank { Usual, Interactive };
-
     QByteArray key;
     DecodeRequest request;
-    Rank rank = Rank::Usual;
+    RequestPlace place; // no two jobs have the same
     std::function<void(const DecodeResult &)> finished;
 };
 
-// Spreads jobs over slots: the highest rank first, and of one rank the newest. Main thread. `finished` is
-// called from the event loop, never from within submit().
+// Spreads jobs over slots in the order of their places. A job that takes too long is done once more when
+// nothing else waits, with more time. Main thread. `finished` is called from the event loop, never from
+// within submit().
 class DecodePool : public QObject
 {
     Q_OBJECT
@@ -38,7 +36,9 @@ public:
     struct Limits
     {
         int slots = 1;
-        std::chrono::milliseconds budget = std::chrono::seconds(15); // wall-clock time of a job
+        // By the clock, for a job and for its second attempt.
+        std::chrono::milliseconds budget = std::chrono::seconds(15);
+        std::chrono::milliseconds longBudget = std::chrono::seconds(60);
     };
 
     DecodePool(const Location &program, const Limits &limits);
@@ -60,13 +60,16 @@ private:
     void drop(Entry &entry);
     void scheduleStart();
     void startWaiting();
-    void finish(const QByteArray &key, const DecodeResult &result);
+    void start(WorkerSlot &slot, const std::shared_ptr<Entry> &entry);
+    void finish(const std::shared_ptr<Entry> &entry, const DecodeResult &result);
+    bool mayStart(const Entry &entry) const;
+    void tryAgain(const std::shared_ptr<Entry> &entry);
 
+    Limits m_limits;
     std::vector<WorkerSlot *> m_slots;
     QHash<QByteArray, std::shared_ptr<Entry>> m_entries;
-    // By rank, then by the time of the newest request: the last is the next.
-    std::map<std::pair<DecodeJob::Rank, quint64>, std::shared_ptr<Entry>> m_waiting;
-    quint64 m_clock = 0;
+    std::map<RequestPlace, std::shared_ptr<Entry>> m_waiting;
+    int m_secondAttempts = 0; // that are under way
     bool m_startScheduled = false;
 };
 

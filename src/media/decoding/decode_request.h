@@ -7,32 +7,27 @@
 #include "worker/protocol.h"
 
 #include <QImage>
-#include <variant>
 
 namespace cratewell {
 
+// Says all of what is to be made of a file: equal requests for one version of it have equal results.
 struct DecodeRequest
 {
     Location file;
     worker::JobKind kind = worker::JobKind::StillImage;
     int maxSide = 0;     // pixels; pictures only
     double fraction = 0; // of the duration; video only
-    int count = 240;     // peaks only
+    int count = 0;       // peaks only
 };
 
-struct DecodedPicture
+// What a request yields: the picture or the peaks it was for, and always the file's info.
+struct DecodedFile
 {
-    QImage image;        // never null; opaque ones are RGB32, others premultiplied ARGB
-    double duration = 0; // seconds; 0 for a still or when unknown
+    MediaInfo info;
+    QImage image; // opaque ones are RGB32, others premultiplied ARGB; null unless a picture was requested
+    WaveformPeaks peaks; // none unless they were requested
 };
 
-struct DecodedAudio
-{
-    WaveformPeaks peaks; // as many as were wished for
-    double duration = 0; // seconds; 0 when unknown
-};
-
-// A frame or a still is answered by a picture, peaks by a sound, info by info.
-using DecodeResult = tl::expected<std::variant<DecodedPicture, DecodedAudio, MediaInfo>, DecodeFailure>;
+using DecodeResult = tl::expected<DecodedFile, DecodeFailure>;
 
 } // namespace cratewell

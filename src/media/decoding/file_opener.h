@@ -2,28 +2,13 @@
 
 #include "media/decoding/decode_failure.h"
 #include "platform/location.h"
+#include "platform/posix/file_descriptor.h"
 
 #include <QFuture>
-#include <memory>
 
 namespace cratewell {
 
-// An open file; closed with the last owner.
-class OpenFile
-{
-public:
-    explicit OpenFile(int descriptor) : m_descriptor(descriptor) {}
-    ~OpenFile();
-    OpenFile(const OpenFile &) = delete;
-    OpenFile &operator=(const OpenFile &) = delete;
-
-    int descriptor() const { return m_descriptor; }
-
-private:
-    int m_descriptor;
-};
-
-using OpenedFile = tl::expected<std::shared_ptr<const OpenFile>, DecodeFailure>;
+using OpenedFile = tl::expected<FileDescriptor, DecodeFailure>;
 
 // Opens a regular file for reading on a thread of its own, because a disk that has gone away may keep the
 // call for ever; a future that is dropped closes what comes late. While too many calls hang, fails at once.

@@ -17,17 +17,17 @@ public:
     SharedBuffer(const SharedBuffer &) = delete;
     SharedBuffer &operator=(const SharedBuffer &) = delete;
 
-    int descriptor() const { return m_descriptor.number(); }
-    // A copy of what a reply to this request tells of; an error when the reply cannot be true.
+    int descriptor() const { return m_memory.number(); }
+    // A copy of what a reply to this request announces; an error when the reply cannot be true.
     DecodeResult answer(const DecodeRequest &request, const worker::Reply &reply) const;
 
 private:
-    explicit SharedBuffer(FileDescriptor descriptor) : m_descriptor(std::move(descriptor)) {}
+    SharedBuffer(FileDescriptor memory, const uchar *bytes) : m_memory(std::move(memory)), m_bytes(bytes) {}
     DecodeResult picture(int maxSide, const worker::Reply &reply) const;
     DecodeResult peaks(int count, const worker::Reply &reply) const;
 
-    FileDescriptor m_descriptor;
-    const uchar *m_bytes = nullptr;
+    FileDescriptor m_memory;
+    const uchar *m_bytes;
 };
 
 } // namespace cratewell

@@ -34,16 +34,16 @@ Result<std::unique_ptr<WorkerProcess>> WorkerProcess::start(const Location &prog
         return tl::unexpected(memory.error());
     int pair[2] = {-1, -1};
     if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, pair) != 0)
-        return tl::unexpected(Error::fromErrno(errno));
-    std::unique_ptr<WorkerProcess> process(new WorkerProcess(std::move(*memory), pair[0]));
-    process->launch(program, pair[1], keeper);
-    close(pair[1]);
+        return systemFailure(errno);
+    const FileDescriptor workerSocket(pair[1]);
+    std::unique_ptr<WorkerProcess> process(new WorkerProcess(std::move(*memory), FileDescriptor(pair[0])));
+    process->launch(program, workerSocket.number(), keeper);
     return process;
 }
 
-WorkerProcess::WorkerProcess(std::unique_ptr<SharedBuffer> memory, int socket)
-    : m_memory(std::move(memory)), m_socket(socket),
-      m_notifier(new QSocketNotifier(socket, QSocketNotifier::Read, this))
+WorkerProcess::WorkerProcess(std::unique_ptr<SharedBuffer> memory, FileDescriptor socket)
+    : m_memory(std::move(memory)), m_socket(std::move(socket)),
+      m_notifier(new QSocketNotifier(m_socket.number(), QSocketNotifier::Read, this))
 {
     connect(m_notifier, &QSocketNotifier::activated, this, &WorkerProcess::receive);
 }
@@ -51,7 +51,6 @@ WorkerProcess::WorkerProcess(std::unique_ptr<SharedBuffer> memory, int socket)
 WorkerProcess::~WorkerProcess()
 {
     stop();
-    close(m_socket);
 }
 
 void WorkerProcess::stop()
@@ -90,7 +89,7 @@ qint64 WorkerProcess::processId() const
 
 bool WorkerProcess::couldNotStart() const
 {
-    // The word of that may have come in, but not been looked at yet.
+    // The news may have come in, but not been looked at yet.
     return m_process && !m_process->waitForStarted(0) && m_process->error() == QProcess::FailedToStart;
 }
 
@@ -108,13 +107,13 @@ bool WorkerProcess::send(const worker::Request &request, int file) const
     header->cmsg_type = SCM_RIGHTS;
     header->cmsg_len = CMSG_LEN(sizeof file);
     std::memcpy(CMSG_DATA(header), &file, sizeof file);
-    return sendmsg(m_socket, &message, MSG_NOSIGNAL | MSG_DONTWAIT) == ssize_t(sizeof request);
+    return sendmsg(m_socket.number(), &message, MSG_NOSIGNAL | MSG_DONTWAIT) == ssize_t(sizeof request);
 }
 
 void WorkerProcess::receive()
 {
     worker::Reply reply;
-    const ssize_t got = recv(m_socket, &reply, sizeof reply, MSG_DONTWAIT);
+    const ssize_t got = recv(m_socket.number(), &reply, sizeof reply, MSG_DONTWAIT);
     if (got < 0 && (errno == EAGAIN || errno == EINTR))
         return;
     if (got == ssize_t(sizeof reply)) {

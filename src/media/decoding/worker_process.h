@@ -41,12 +41,12 @@ Q_SIGNALS:
     void ended();
 
 private:
-    WorkerProcess(std::unique_ptr<SharedBuffer> memory, int socket);
+    WorkerProcess(std::unique_ptr<SharedBuffer> memory, FileDescriptor socket);
     void launch(const Location &program, int workerSocket, QObject *keeper);
     void receive();
 
     std::unique_ptr<SharedBuffer> m_memory;
-    int m_socket;
+    FileDescriptor m_socket;
     QSocketNotifier *m_notifier;
     QPointer<QProcess> m_process; // owned by the keeper
 };

@@ -9,25 +9,23 @@ namespace cratewell {
 
 using namespace Qt::StringLiterals;
 
-WorkerSlot::WorkerSlot(Location program, std::chrono::milliseconds budget, QObject *parent)
-    : QObject(parent), m_program(std::move(program))
+WorkerSlot::WorkerSlot(Location program, QObject *parent) : QObject(parent), m_program(std::move(program))
 {
     m_budget.setSingleShot(true);
-    m_budget.setInterval(budget);
     connect(&m_budget, &QTimer::timeout, this, &WorkerSlot::runOutOfTime);
     connect(&m_opening, &QFutureWatcherBase::finished, this, &WorkerSlot::startDecoding);
 }
 
 WorkerSlot::~WorkerSlot() = default;
 
-void WorkerSlot::run(const DecodeRequest &request, Finished finished)
+void WorkerSlot::run(const DecodeRequest &request, std::chrono::milliseconds budget, Finished finished)
 {
     Q_ASSERT(!isBusy());
     m_request = request;
     m_finished = std::move(finished);
     m_phase = Phase::Opening;
     ++m_job;
-    m_budget.start();
+    m_budget.start(budget);
     m_opening.setFuture(openForReading(request.file));
 }
 
@@ -40,16 +38,16 @@ void WorkerSlot::startDecoding()
 {
     if (m_phase != Phase::Opening)
         return;
-    const OpenedFile opened = m_opening.result();
+    const OpenedFile opened = m_opening.future().takeResult();
     if (!opened)
         return finish(tl::unexpected(opened.error()));
     m_phase = Phase::Decoding;
-    if (const auto handed = hand(**opened); !handed)
+    if (const auto handed = hand(opened->number()); !handed)
         finish(tl::unexpected(DecodeFailure(handed.error(), DecodeFailure::Fault::OfSystem)));
 }
 
 // A worker may have died while it had nothing to do; that is no fault of the job that meets it.
-Result<void> WorkerSlot::hand(const OpenFile &file)
+Result<void> WorkerSlot::hand(int file)
 {
     worker::Request request;
     request.job = m_job;
@@ -57,10 +55,14 @@ Result<void> WorkerSlot::hand(const OpenFile &file)
     request.maxSide = m_request.maxSide;
     request.count = m_request.count;
     request.fraction = m_request.fraction;
+    // For a worker that nobody could end by the clock.
+    constexpr std::chrono::seconds margin(5);
+    const auto budget = std::chrono::duration_cast<std::chrono::seconds>(m_budget.intervalAsDuration());
+    request.processorSeconds = int32_t((budget + margin).count());
     for (int attempt = 0; attempt < 2; ++attempt) {
         if (const auto worker = ensureWorker(); !worker)
             return worker;
-        if (m_worker->send(request, file.descriptor()))
+        if (m_worker->send(request, file))
             return {};
         dropWorker();
     }
@@ -122,14 +124,13 @@ void WorkerSlot::workerEnded()
 
 void WorkerSlot::runOutOfTime()
 {
-    const bool opened = m_phase == Phase::Decoding;
-    if (opened)
+    using Fault = DecodeFailure::Fault;
+    const Fault fault = m_phase == Phase::Decoding ? Fault::OutOfTime : Fault::OfSystem;
+    if (m_phase == Phase::Decoding)
         dropWorker();
     else
         m_opening.setFuture({});
-    finish(
-        tl::unexpected(DecodeFailure(Error{u"It took too long"_s}, opened ? DecodeFailure::Fault::OfFile
-                                                                          : DecodeFailure::Fault::OfSystem)));
+    finish(tl::unexpected(DecodeFailure(Error{u"It took too long"_s}, fault)));
 }
 
 void WorkerSlot::finish(const DecodeResult &result)

@@ -22,13 +22,14 @@ class WorkerSlot : public QObject
 public:
     using Finished = std::function<void(const DecodeResult &)>;
 
-    WorkerSlot(Location program, std::chrono::milliseconds budget, QObject *parent);
+    WorkerSlot(Location program, QObject *parent);
     ~WorkerSlot() override;
 
     bool isBusy() const { return m_phase != Phase::Idle; }
-    // Only while it is not busy. `finished` is called exactly once, never from within this call; the slot is
-    // free again then. It is not called after the slot's end.
-    void run(const DecodeRequest &request, Finished finished);
+    // Only while it is not busy. `finished` is called exactly once, never from within this call and not later
+    // than after `budget`; the slot is free again then, and the file closed. It is not called after the
+    // slot's end.
+    void run(const DecodeRequest &request, std::chrono::milliseconds budget, Finished finished);
     // 0 while there is none.
     qint64 workerProcessId() const;
 
@@ -36,7 +37,7 @@ private:
     enum class Phase { Idle, Opening, Decoding };
 
     void startDecoding();
-    Result<void> hand(const OpenFile &file);
+    Result<void> hand(int file);
     Result<void> ensureWorker();
     void dropWorker();
     void takeAnswer(const worker::Reply &reply);

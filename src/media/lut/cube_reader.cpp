@@ -118,7 +118,7 @@ std::optional<std::int64_t> announcedSize(std::string_view text, std::size_t lin
     return size;
 }
 
-using Color = std::array<float, 3>;
+using Rgb = std::array<float, 3>;
 
 // Where the rows begin and how far they reach; a list may be of any length.
 class Domain
@@ -129,7 +129,7 @@ public:
     void setMaximum(std::string_view words) { set(m_maximum, words); }
     bool isUsable() const { return !m_minimum.empty() && !m_maximum.empty(); }
 
-    void write(const Color &row, float *point) const
+    void write(const Rgb &row, float *point) const
     {
         for (size_t channel = 0; channel < row.size(); ++channel)
             point[channel] = m_isUnit ? row[channel] : (row[channel] - m_start[channel]) / m_range[channel];
@@ -162,14 +162,14 @@ private:
 
     std::vector<float> m_minimum{0, 0, 0};
     std::vector<float> m_maximum{1, 1, 1};
-    Color m_start{};
-    Color m_range{};
+    Rgb m_start{};
+    Rgb m_range{};
     bool m_isUnit = true; // 0 to 1, which leaves every row as it is
 };
 
-std::optional<Color> rowFromLine(std::string_view line)
+std::optional<Rgb> rowFromLine(std::string_view line)
 {
-    Color row;
+    Rgb row;
     for (float &number : row) {
         const std::optional<float> value = floatFromText(takeWord(line));
         if (!value)
@@ -180,7 +180,7 @@ std::optional<Color> rowFromLine(std::string_view line)
 }
 
 // A row in its common form; gives where its third number ends, or null for any other line.
-const char *readPlainRow(const char *text, const char *end, Color &row)
+const char *readPlainRow(const char *text, const char *end, Rgb &row)
 {
     for (float &number : row) {
         const char *const before = text;
@@ -204,7 +204,7 @@ public:
     {
         Utf8Lines rest(text);
         const char *const end = text.data() + text.size();
-        Color row;
+        Rgb row;
         for (std::string_view line; !rest.atEnd();) {
             if (const char *stop = readPlainRow(rest.position(), end, row)) {
                 if (!takeRow(row))
@@ -219,7 +219,7 @@ public:
     std::optional<std::string> takeTitle() { return std::move(m_title); }
 
 private:
-    bool takeRow(const Color &row)
+    bool takeRow(const Rgb &row)
     {
         if (m_next == m_end || !m_domain.isUsable())
             return false;
@@ -239,7 +239,7 @@ private:
             m_domain.setMinimum(words);
         else if (isKeyword(keyword, "DOMAIN_MAX"))
             m_domain.setMaximum(words);
-        else if (const std::optional<Color> row = rowFromLine(line))
+        else if (const std::optional<Rgb> row = rowFromLine(line))
             return takeRow(*row);
         return true;
     }

@@ -19,8 +19,10 @@ struct CubeTable
 };
 
 // Longer texts are refused. That is room for 2 million points (128 along an edge, the most that is in use) at
-// over a hundred letters each; with its points a text takes at most four times its length of memory.
+// over a hundred letters each.
 inline constexpr std::size_t longestCubeText = std::size_t{256} << 20;
+// With its points a text takes at most so many times its length of memory.
+inline constexpr int cubeReadingCost = 4;
 
 // Reads the text of a .cube file, UTF-8 with or without a byte order mark. Nothing for what is no such text
 // or does not fill its table exactly. Touches no other state: any thread.

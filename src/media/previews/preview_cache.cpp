@@ -1,17 +1,19 @@
 #include "media/previews/preview_cache.h"
 
+#include "platform/posix/file_content.h"
+#include "platform/posix/replace_file.h"
+
 #include <QBuffer>
 #include <QCryptographicHash>
 #include <QDataStream>
-#include <QFile>
 #include <QImageReader>
 #include <QImageWriter>
 
 #include <algorithm>
-#include <fcntl.h>
+#include <cstring>
 #include <filesystem>
+#include <string_view>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <vector>
 
 namespace cratewell {
@@ -20,7 +22,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr QByteArrayView magic("CWP1");
+// One file for each preview, named by the hash of its key: the magic, the SHA-1 of what follows, and a Qt
+// data stream of key, info, colors as JPEG, alpha as compressed bytes (empty when opaque) and peaks. What a
+// preview is like is part of its key (preview_formats.h). The magic has a number, to be raised with every
+// change of encoded() or MediaInfo.
+constexpr QByteArrayView magic("CWP2");
+constexpr std::string_view suffix(".preview");
 constexpr qsizetype hashBytes = 20;
 constexpr qint64 largestFile = 32 << 20; // bytes
 constexpr int largestSide = 4096;        // pixels
@@ -86,29 +93,24 @@ QImage withAlpha(const QImage &colors, const QByteArray &compressed)
     return image;
 }
 
-QByteArray encoded(const QByteArray &key, const PreviewCache::Preview &preview)
+QByteArray encoded(const QByteArray &key, const DecodedFile &preview)
 {
+    const QByteArray info(reinterpret_cast<const char *>(&preview.info), sizeof preview.info);
     QByteArray colors, alpha;
-    WaveformPeaks peaks;
-    double duration = 0;
-    if (const auto *picture = std::get_if<DecodedPicture>(&preview)) {
-        colors = colorsOf(picture->image);
-        alpha = picture->image.hasAlphaChannel() ? alphaOf(picture->image) : QByteArray();
-        duration = picture->duration;
+    if (!preview.image.isNull()) {
+        colors = colorsOf(preview.image);
+        alpha = preview.image.hasAlphaChannel() ? alphaOf(preview.image) : QByteArray();
         if (colors.isEmpty())
             return {};
-    } else if (const auto *sound = std::get_if<DecodedAudio>(&preview)) {
-        peaks = sound->peaks;
-        duration = sound->duration;
     }
     QByteArray payload;
     QDataStream stream(&payload, QIODevice::WriteOnly);
     stream.setVersion(QDataStream::Qt_6_4);
-    stream << key << duration << colors << alpha << peaks;
+    stream << key << info << colors << alpha << preview.peaks;
     return magic.toByteArray() + hashOf(payload) + payload;
 }
 
-std::optional<PreviewCache::Preview> decoded(const QByteArray &key, const QByteArray &bytes)
+std::optional<DecodedFile> decoded(const QByteArray &key, const QByteArray &bytes)
 {
     const qsizetype head = magic.size() + hashBytes;
     if (bytes.size() < head || !bytes.startsWith(magic))
@@ -118,20 +120,18 @@ std::optional<PreviewCache::Preview> decoded(const QByteArray &key, const QByteA
         return {};
     QDataStream stream(payload);
     stream.setVersion(QDataStream::Qt_6_4);
-    QByteArray writtenFor, colors, alpha;
-    WaveformPeaks peaks;
-    double duration = 0;
-    stream >> writtenFor >> duration >> colors >> alpha >> peaks;
-    if (stream.status() != QDataStream::Ok || writtenFor != key)
+    DecodedFile preview;
+    QByteArray writtenFor, info, colors, alpha;
+    stream >> writtenFor >> info >> colors >> alpha >> preview.peaks;
+    if (stream.status() != QDataStream::Ok || writtenFor != key || info.size() != sizeof preview.info)
         return {};
+    std::memcpy(&preview.info, info.constData(), sizeof preview.info);
     if (colors.isEmpty())
-        return DecodedAudio{.peaks = peaks, .duration = duration};
-    QImage image = colorsIn(colors);
+        return preview;
+    preview.image = colorsIn(colors);
     if (!alpha.isEmpty())
-        image = withAlpha(image, alpha);
-    if (image.isNull())
-        return {};
-    return DecodedPicture{.image = image, .duration = duration};
+        preview.image = withAlpha(preview.image, alpha);
+    return preview.image.isNull() ? std::nullopt : std::optional(preview);
 }
 
 struct CachedFile
@@ -141,21 +141,53 @@ struct CachedFile
     qint64 bytes = 0;
 };
 
+bool beginsWithHex(std::string_view name, size_t length)
+{
+    return name.size() >= length &&
+           name.substr(0, length).find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
+// Whether the cache itself may have made the entry. A link in its place leads to somebody else's files.
+bool isOwnFolder(const fs::directory_entry &entry)
+{
+    std::error_code gone;
+    const std::string name = entry.path().filename().string();
+    return name.size() == 2 && beginsWithHex(name, 2) &&
+           entry.symlink_status(gone).type() == fs::file_type::directory;
+}
+
+// Temporary ones that a killed program left go on after the suffix.
+bool isOwnFile(const fs::directory_entry &entry)
+{
+    constexpr size_t letters = 2 * (hashBytes - 1);
+    std::error_code gone;
+    const std::string name = entry.path().filename().string();
+    return beginsWithHex(name, letters) && std::string_view(name).substr(letters).starts_with(suffix) &&
+           entry.symlink_status(gone).type() == fs::file_type::regular;
+}
+
+template<typename Visit> void forEachEntry(const fs::path &folder, const Visit &visit)
+{
+    std::error_code failed;
+    fs::directory_iterator entry(folder, failed);
+    for (; !failed && entry != fs::directory_iterator(); entry.increment(failed))
+        visit(*entry);
+}
+
 std::vector<CachedFile> filesIn(const Location &folder, const std::atomic<bool> &ending)
 {
     std::vector<CachedFile> files;
-    std::error_code failed;
-    fs::recursive_directory_iterator entry(folder.c_str(), fs::directory_options::skip_permission_denied,
-                                           failed);
-    for (; !ending && !failed && entry != fs::recursive_directory_iterator(); entry.increment(failed)) {
+    const auto add = [&](const fs::directory_entry &entry) {
         std::error_code gone;
-        if (!entry->is_regular_file(gone) || entry->is_symlink(gone))
-            continue;
-        const auto used = entry->last_write_time(gone);
-        const auto bytes = qint64(entry->file_size(gone));
-        if (!gone)
-            files.push_back({entry->path(), used, bytes});
-    }
+        const auto used = entry.last_write_time(gone);
+        const auto bytes = qint64(entry.file_size(gone));
+        if (!gone && isOwnFile(entry))
+            files.push_back({entry.path(), used, bytes});
+    };
+    forEachEntry(folder.c_str(), [&](const fs::directory_entry &part) {
+        if (!ending && isOwnFolder(part))
+            forEachEntry(part.path(), add);
+    });
     return files;
 }
 
@@ -164,30 +196,23 @@ std::vector<CachedFile> filesIn(const Location &folder, const std::atomic<bool> 
 Location PreviewCache::file(const QByteArray &key) const
 {
     const QByteArray name = hashOf(key).toHex();
-    return m_folder.child(name.first(2)).child(name.sliced(2));
+    return m_folder.child(name.first(2)).child(name.sliced(2) + QByteArray(suffix.data(), suffix.size()));
 }
 
-std::optional<PreviewCache::Preview> PreviewCache::load(const QByteArray &key) const
+std::optional<DecodedFile> PreviewCache::load(const QByteArray &key) const
 {
-    const int descriptor = open(file(key).c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-    if (descriptor < 0)
+    const auto opened = openRegularFile(file(key), Links::NoFollow);
+    if (!opened)
         return {};
-    struct stat info = {};
-    const bool usable = fstat(descriptor, &info) == 0 && S_ISREG(info.st_mode) && info.st_size <= largestFile;
-    QByteArray bytes;
-    QFile reader;
-    if (usable && reader.open(descriptor, QIODevice::ReadOnly))
-        bytes = reader.readAll();
-    auto preview = decoded(key, bytes);
+    const auto bytes = readBounded(opened->number(), largestFile);
+    auto preview = bytes ? decoded(key, *bytes) : std::nullopt;
     if (preview)
-        futimens(descriptor, nullptr);
-    reader.close();
-    close(descriptor);
+        futimens(opened->number(), nullptr);
     return preview;
 }
 
-// Renamed into place, not flushed: after a crash of the machine a damaged file is found by its hash.
-void PreviewCache::save(const QByteArray &key, const Preview &preview) const
+// Not flushed: after a crash of the machine a damaged file is found by its hash.
+void PreviewCache::save(const QByteArray &key, const DecodedFile &preview) const
 {
     const QByteArray bytes = encoded(key, preview);
     const Location place = file(key);
@@ -195,14 +220,8 @@ void PreviewCache::save(const QByteArray &key, const Preview &preview) const
         return;
     std::error_code failed;
     fs::create_directories(place.parent().c_str(), failed);
-    QByteArray temporary = place.bytes() + "-XXXXXX";
-    const int descriptor = mkostemp(temporary.data(), O_CLOEXEC);
-    if (descriptor < 0)
-        return;
-    const bool written = write(descriptor, bytes.constData(), size_t(bytes.size())) == bytes.size();
-    close(descriptor);
-    if (!written || rename(temporary.constData(), place.c_str()) != 0)
-        unlink(temporary.constData());
+    // A preview that could not be kept is made again one day.
+    static_cast<void>(replaceAtomically(place, bytes, {.flush = Flush::No}));
 }
 
 void PreviewCache::prune(const std::atomic<bool> &ending) const

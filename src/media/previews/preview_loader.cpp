@@ -1,9 +1,13 @@
 #include "media/previews/preview_loader.h"
 
+#include "media/previews/preview_formats.h"
+#include "platform/posix/file_status.h"
+
 #include <QThread>
 #include <QTimer>
+#include <atomic>
 #include <chrono>
-#include <sys/stat.h>
+#include <fcntl.h>
 
 namespace cratewell {
 
@@ -14,7 +18,7 @@ constexpr qint64 diskBudget = qint64{2} << 30; // bytes
 constexpr int mostWaiting = 64;
 constexpr int writesBetweenPrunings = 2000;
 
-// A file that was copied with its times keeps its previews, so the inode does not count.
+// A file that was copied with its times keeps its previews: neither its inode nor when it was made counts.
 QByteArray cacheKey(const Location &file, const FileVersion &version, const QByteArray &marker)
 {
     return file.bytes() + '/' + marker + ' ' + QByteArray::number(version.size) + ' ' +
@@ -24,21 +28,8 @@ QByteArray cacheKey(const Location &file, const FileVersion &version, const QByt
 // Whether what was decoded is of this version: the file may have been written again since it was listed.
 bool isStill(const Location &file, const FileVersion &version)
 {
-    struct stat info = {};
-    if (stat(file.c_str(), &info) != 0)
-        return false;
-#if defined(__APPLE__)
-    const timespec &modified = info.st_mtimespec;
-#else
-    const timespec &modified = info.st_mtim;
-#endif
-    return info.st_size == version.size &&
-           qint64(modified.tv_sec) * 1'000'000'000 + modified.tv_nsec == version.modified;
-}
-
-DecodeResult asResult(const PreviewCache::Preview &preview)
-{
-    return std::visit([](const auto &value) -> DecodeResult { return value; }, preview);
+    const auto status = statusAt(AT_FDCWD, file.c_str(), Links::Follow);
+    return status && status->size == version.size && status->modified.count() == version.modified;
 }
 
 } // namespace
@@ -68,23 +59,25 @@ PreviewLoader::~PreviewLoader()
     endOrAbandon(std::move(m_writer));
 }
 
-std::unique_ptr<PreviewRequest> PreviewLoader::submit(const FileVersion &version, const QByteArray &marker,
-                                                      DecodeJob job)
+std::unique_ptr<PreviewRequest> PreviewLoader::submit(const FileVersion &version, DecodeJob job)
 {
-    const QByteArray key = cacheKey(job.request.file, version, marker);
-    job.key = previewJobKey(job.request.file, version, marker);
-    const auto decode = [this, key, version](DecodeJob wanted) {
-        wanted.finished = [this, key, version, file = wanted.request.file,
+    const Location file = job.request.file;
+    const QByteArray marker = markerOf(job.request);
+    const QByteArray key = cacheKey(file, version, marker);
+    const RequestPlace place = job.place;
+    job.key = previewJobKey(file, version, marker);
+    const auto decode = [this, key, version, file](DecodeJob wanted) {
+        wanted.finished = [this, key, version, file,
                            finished = std::move(wanted.finished)](const DecodeResult &result) {
             keep(version, file, key, result);
             finished(result);
         };
         return m_decoders.submit(std::move(wanted));
     };
-    return m_readers.submit(job.key, [cache = m_cache, key, decode, job] {
+    return m_readers.submit(job.key, place, [cache = m_cache, key, decode, job] {
         return [found = cache->load(key), decode, job](bool wanted) -> std::unique_ptr<PreviewRequest> {
             if (found)
-                job.finished(asResult(*found));
+                job.finished(*found);
             else if (wanted)
                 return decode(job);
             return nullptr;
@@ -95,15 +88,10 @@ std::unique_ptr<PreviewRequest> PreviewLoader::submit(const FileVersion &version
 void PreviewLoader::keep(const FileVersion &version, const Location &file, const QByteArray &key,
                          const DecodeResult &result)
 {
-    std::optional<PreviewCache::Preview> preview;
-    if (const auto *picture = result ? std::get_if<DecodedPicture>(&*result) : nullptr)
-        preview = *picture;
-    else if (const auto *sound = result ? std::get_if<DecodedAudio>(&*result) : nullptr)
-        preview = *sound;
-    if (!preview || m_writing->waiting >= mostWaiting)
+    if (!result || m_writing->waiting >= mostWaiting)
         return;
     ++m_writing->waiting;
-    m_writer->start([cache = m_cache, writing = m_writing, version, file, key, preview = *preview] {
+    m_writer->start([cache = m_cache, writing = m_writing, version, file, key, preview = *result] {
         if (isStill(file, version))
             cache->save(key, preview);
         --writing->waiting;

@@ -5,8 +5,6 @@
 #include "media/previews/preview_cache.h"
 #include "vault/asset.h"
 
-#include <atomic>
-
 namespace cratewell {
 
 // Gets previews from the cache on disk, and those that are not there from the decoders, whose work it keeps.
@@ -18,10 +16,8 @@ public:
     // What waits to be written is written, if the disk takes it within a second.
     ~PreviewLoader();
 
-    // As DecodePool::submit() for the request of a job that has everything but its key. `marker` tells the
-    // preview from others of the same file.
-    [[nodiscard]] std::unique_ptr<PreviewRequest> submit(const FileVersion &version, const QByteArray &marker,
-                                                         DecodeJob job);
+    // As DecodePool::submit() for a job that has everything but its key.
+    [[nodiscard]] std::unique_ptr<PreviewRequest> submit(const FileVersion &version, DecodeJob job);
 
 private:
     struct Writing;

@@ -18,9 +18,9 @@ struct PreviewKey
     int part = 0;
 };
 
-// What is known of the previews of files, each for one version of its file: a value, or that there can be
-// none. Values beyond the budget are let go, the one shown longest ago first; failures cost nothing and stay.
-// `Cost` tells the bytes of a value. Main thread.
+// What is known of the previews of files: a value for the file's content, or that there can be none for this
+// very version. Values beyond the budget are let go, the one shown longest ago first; failures cost nothing
+// and stay. `Cost` gives the bytes of a value. Main thread.
 template<typename Value, typename Cost> class PreviewStore
 {
 public:
@@ -44,17 +44,16 @@ public:
         return &*entry->value;
     }
 
-    // No value is a failure. Results come in any order: the one whose work was asked for last stays, and
-    // false tells that this was not it.
+    // No value is a failure. Results come in any order: the one that was requested last stays, and false
+    // means that this was not it. `turn` is the number of its request.
     bool put(const PreviewKey &key, quint64 turn, std::optional<Value> value)
     {
         File &file = m_files[key.url];
-        const bool older = file.version != key.version && turn < file.turn;
-        if (older)
-            return false;
-        if (file.version != key.version)
-            removeParts(file);
-        file.version = key.version;
+        if (file.version != key.version) {
+            if (turn < file.turn)
+                return false;
+            removeOutdated(file, key.version);
+        }
         file.turn = std::max(file.turn, turn);
         if (const auto before = file.parts.find(key.part); before != file.parts.end()) {
             if (before->turn > turn)
@@ -72,25 +71,31 @@ public:
         return true;
     }
 
-    // What is known of versions other than this; false when nothing was.
-    bool forgetOthers(const Location &url, const FileVersion &version)
+    // What is no longer true of a file that has this version now; false when nothing was.
+    bool forgetOutdated(const Location &url, const FileVersion &version)
     {
-        const auto found = m_files.constFind(url);
-        return found != m_files.constEnd() && found->version != version && forget(url);
+        const auto found = m_files.find(url);
+        if (found == m_files.end() || found->version == version)
+            return false;
+        const bool removed = removeOutdated(*found, version);
+        if (found->parts.isEmpty())
+            m_files.erase(found);
+        return removed;
     }
     bool forget(const Location &url)
     {
         const auto found = m_files.find(url);
         if (found == m_files.end())
             return false;
-        removeParts(*found);
+        for (auto part = found->parts.begin(); part != found->parts.end();)
+            part = removePart(*found, part);
         m_files.erase(found);
         return true;
     }
     // The files that something is known of.
     QList<Location> files() const { return m_files.keys(); }
     qsizetype fileCount() const { return m_files.size(); }
-    // Everything; gives the files that something was known of.
+    // Everything; returns the files that something was known of.
     QList<Location> clear()
     {
         const QList<Location> known = m_files.keys();
@@ -125,23 +130,34 @@ private:
     const Entry *find(const PreviewKey &key) const
     {
         const auto file = m_files.constFind(key.url);
-        if (file == m_files.constEnd() || file->version != key.version)
+        if (file == m_files.constEnd() || !haveSameContent(file->version, key.version))
             return nullptr;
         const auto part = file->parts.constFind(key.part);
-        return part == file->parts.constEnd() ? nullptr : &*part;
+        if (part == file->parts.constEnd() || (!part->value && file->version != key.version))
+            return nullptr;
+        return &*part;
     }
-    void removePart(File &file, typename Parts::iterator part)
+    // The file has another version now. Values stay with the content; a failure may have been one of
+    // permissions.
+    bool removeOutdated(File &file, const FileVersion &version)
+    {
+        const bool keepValues = haveSameContent(file.version, version);
+        file.version = version;
+        bool removed = false;
+        for (auto part = file.parts.begin(); part != file.parts.end();) {
+            const bool keep = keepValues && part->value;
+            part = keep ? std::next(part) : removePart(file, part);
+            removed = removed || !keep;
+        }
+        return removed;
+    }
+    typename Parts::iterator removePart(File &file, typename Parts::iterator part)
     {
         if (part->value) {
             m_bytes -= Cost()(*part->value);
             m_shown.erase(part->shown);
         }
-        file.parts.erase(part);
-    }
-    void removeParts(File &file)
-    {
-        while (!file.parts.isEmpty())
-            removePart(file, file.parts.begin());
+        return file.parts.erase(part);
     }
     // The newest value stays, however large it is.
     void keepToBudget()

@@ -13,7 +13,7 @@ namespace cratewell {
 
 namespace {
 
-constexpr std::chrono::seconds checkInterval(4);
+constexpr std::chrono::seconds slowCheckInterval(4);
 
 struct TreeDigest
 {
@@ -127,7 +127,7 @@ WatcherFileEvents::WatcherFileEvents() : d(std::make_unique<Private>(*this))
 {
     d->worker.setMaxThreadCount(1);
     d->timer.setSingleShot(true);
-    d->timer.setInterval(checkInterval);
+    d->timer.setInterval(slowCheckInterval);
     connect(&d->timer, &QTimer::timeout, this, [this] { d->check(); });
     connect(&d->watcher, &QFileSystemWatcher::directoryChanged, this, [this] { d->check(); });
 }

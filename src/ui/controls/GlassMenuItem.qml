@@ -9,8 +9,6 @@ T.MenuItem {
     id: item
 
     property string keys: ""
-    property string symbol: ""
-    property int symbolIndent: 0
     property bool destructive: false
     readonly property color foreground: highlighted ? Theme.accentForeground : destructive ? Theme.destructive : Theme.text
 
@@ -38,12 +36,10 @@ T.MenuItem {
         radius: 7
     }
     contentItem: MenuLine {
-        indent: item.symbolIndent
         foreground: item.foreground
         keys: item.keys
         keysForeground: item.highlighted ? Theme.accentForeground : Theme.textTertiary
         opacity: item.enabled ? 1 : 0.4
-        symbol: item.symbol
         text: item.text
     }
     indicator: Icon {

@@ -5,7 +5,7 @@ import Cratewell
 
 // What can be done with the selected assets.
 GlassMenu {
-    id: menu
+    id: cardMenu
 
     readonly property bool several: AssetActions.countInView > 1
 
@@ -50,12 +50,12 @@ GlassMenu {
         }
     }
     GlassMenuItem {
-        text: menu.several ? qsTr("New Folder with Selection…") : qsTr("New Folder with Item…")
+        text: cardMenu.several ? qsTr("New Folder with Selection…") : qsTr("New Folder with Item…")
 
         onTriggered: AppState.newFolderFromSelection()
     }
     GlassMenuItem {
-        enabled: !menu.several
+        enabled: !cardMenu.several
         text: qsTr("Rename…")
 
         onTriggered: AssetActions.renameFocused()

@@ -5,19 +5,22 @@ import Cratewell
 
 // Where to move the selected assets; stands on the upper edge of what opens it.
 GlassMenu {
-    id: menu
+    id: moveMenu
 
     implicitWidth: 240
     title: qsTr("Move to")
     visible: true
     y: -height - 6
 
-    onOpened: folders.forceActiveFocus(Qt.PopupFocusReason)
+    onVisibleChanged: {
+        if (visible)
+            folders.forceActiveFocus(Qt.PopupFocusReason);
+    }
 
     MoveList {
         id: folders
 
-        onChosen: menu.dismiss()
+        onChosen: moveMenu.dismiss()
     }
     GlassMenuItem {
         id: none

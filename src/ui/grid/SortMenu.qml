@@ -5,7 +5,7 @@ import Cratewell
 
 // The orders to choose from.
 GlassMenu {
-    id: menu
+    id: sortMenu
 
     required property list<string> labels
     required property int order
@@ -17,18 +17,18 @@ GlassMenu {
     visible: true
 
     Repeater {
-        model: menu.labels
+        model: sortMenu.labels
 
         GlassMenuItem {
             required property string modelData
             required property int index
 
             checkable: true
-            checked: index === menu.order
+            checked: index === sortMenu.order
             implicitWidth: 136
             text: modelData
 
-            onTriggered: menu.chosen(index)
+            onTriggered: sortMenu.chosen(index)
         }
     }
 }

@@ -5,12 +5,15 @@ import Cratewell
 
 // The places that an import can go to.
 GlassMenu {
-    id: menu
+    id: destinationMenu
 
     title: qsTr("Destination")
     visible: true
 
-    onOpened: list.forceActiveFocus(Qt.PopupFocusReason)
+    onVisibleChanged: {
+        if (visible)
+            list.forceActiveFocus(Qt.PopupFocusReason);
+    }
 
     FolderList {
         id: list
@@ -25,7 +28,7 @@ GlassMenu {
 
         onChosen: folder => {
             ImportController.choose(folder);
-            menu.dismiss();
+            destinationMenu.dismiss();
         }
     }
 }

@@ -5,7 +5,7 @@ import Cratewell
 
 // Files or a folder: one file dialog does not take both.
 GlassMenu {
-    id: menu
+    id: importMenu
 
     signal filesWanted
     signal folderWanted
@@ -18,12 +18,12 @@ GlassMenu {
         implicitWidth: 136
         text: qsTr("Files…")
 
-        onTriggered: menu.filesWanted()
+        onTriggered: importMenu.filesWanted()
     }
     GlassMenuItem {
         implicitWidth: 136
         text: qsTr("Folder…")
 
-        onTriggered: menu.folderWanted()
+        onTriggered: importMenu.folderWanted()
     }
 }

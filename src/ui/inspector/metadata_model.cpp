@@ -16,7 +16,7 @@ namespace {
 // Codecs whose tracks may carry alpha.
 constexpr std::array alphaCodecs{"ap4h"_L1, "ap4x"_L1, "hvc1"_L1};
 
-QString codecText(const QString &codec)
+QString codecLabel(const QString &codec)
 {
     return std::ranges::find(alphaCodecs, codec) == alphaCodecs.end() ? codec : codec + u" (alpha capable)"_s;
 }
@@ -36,16 +36,16 @@ QString channelsText(int channels)
 void addVideoRows(std::vector<MetadataModel::Row> &rows, const MediaInfo &info)
 {
     rows.push_back({u"Duration"_s, timeString(info.duration)});
-    if (!info.hasVideo)
+    if (!info.hasVideo())
         return;
     rows.push_back({u"Resolution"_s, sizeText(info)});
     rows.push_back({u"Frame rate"_s, QString::asprintf("%.3g fps", info.frameRate)});
-    rows.push_back({u"Codec"_s, codecText(info.codec)});
+    rows.push_back({u"Codec"_s, codecLabel(codecText(info))});
 }
 
 void addAudioRows(std::vector<MetadataModel::Row> &rows, const MediaInfo &info)
 {
-    if (!info.hasAudio || info.sampleRate <= 0)
+    if (!info.hasAudio())
         return;
     rows.push_back({u"Duration"_s, timeString(double(info.frames) / info.sampleRate)});
     rows.push_back({u"Sample rate"_s, u"%1 Hz"_s.arg(info.sampleRate)});

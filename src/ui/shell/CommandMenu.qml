@@ -5,7 +5,7 @@ import Cratewell
 
 // The program's menu, where the system has no menu bar for it.
 GlassMenu {
-    id: menu
+    id: commandMenu
 
     required property Commands commands
 
@@ -14,21 +14,21 @@ GlassMenu {
     visible: true
 
     MenuHeading { text: qsTr("File") }
-    CommandItem { command: menu.commands.newFolder }
-    CommandItem { command: menu.commands.importAssets }
+    CommandItem { command: commandMenu.commands.newFolder }
+    CommandItem { command: commandMenu.commands.importAssets }
     MenuDivider {}
     MenuHeading { text: qsTr("Asset") }
-    CommandItem { command: menu.commands.insert }
-    CommandItem { command: menu.commands.playPause }
-    CommandItem { command: menu.commands.reveal }
-    CommandItem { command: menu.commands.toggleFavorite }
-    CommandItem { command: menu.commands.newFolderWithSelection }
+    CommandItem { command: commandMenu.commands.insert }
+    CommandItem { command: commandMenu.commands.playPause }
+    CommandItem { command: commandMenu.commands.reveal }
+    CommandItem { command: commandMenu.commands.toggleFavorite }
+    CommandItem { command: commandMenu.commands.newFolderWithSelection }
     CommandItem {
-        command: menu.commands.moveToTrash
+        command: commandMenu.commands.moveToTrash
         destructive: true
     }
     MenuDivider {}
-    CommandItem { command: menu.commands.selectAll }
-    CommandItem { command: menu.commands.settings }
-    CommandItem { command: menu.commands.quit }
+    CommandItem { command: commandMenu.commands.selectAll }
+    CommandItem { command: commandMenu.commands.settings }
+    CommandItem { command: commandMenu.commands.quit }
 }

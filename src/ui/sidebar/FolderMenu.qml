@@ -5,7 +5,7 @@ import Cratewell
 
 // What can be done with a folder of the sidebar. A category's own folder stays where and what it is.
 GlassMenu {
-    id: menu
+    id: folderMenu
 
     required property location folder
     required property bool root
@@ -13,7 +13,7 @@ GlassMenu {
 
     readonly property color current: Prefs.color(folder)
     // Names are for those who do not see the colors.
-    readonly property var palette: [
+    readonly property var choices: [
         { name: qsTr("Red"), hex: "#FF6B6B" },
         { name: qsTr("Orange"), hex: "#FF9F43" },
         { name: qsTr("Yellow"), hex: "#FFD93D" },
@@ -25,20 +25,20 @@ GlassMenu {
         { name: qsTr("Gray"), hex: "#8E8E96" }
     ]
 
-    title: menu.folder.name
+    title: folderMenu.folder.name
     visible: true
 
     GlassMenuItem {
         text: qsTr("New Folder Inside…")
 
-        onTriggered: AppState.newFolderInside(menu.folder)
+        onTriggered: AppState.newFolderInside(folderMenu.folder)
     }
     GlassMenuItem {
         id: rename
 
         text: qsTr("Rename…")
 
-        onTriggered: AssetActions.rename(menu.folder)
+        onTriggered: AssetActions.rename(folderMenu.folder)
     }
     GlassMenu {
         id: colors
@@ -47,38 +47,38 @@ GlassMenu {
         title: qsTr("Color")
 
         Repeater {
-            model: menu.palette
+            model: folderMenu.choices
 
             SwatchItem {
                 required property var modelData
 
-                checked: Qt.colorEqual(menu.current, modelData.hex)
+                checked: Qt.colorEqual(folderMenu.current, modelData.hex)
                 swatch: modelData.hex
                 text: modelData.name
 
-                onTriggered: Prefs.setFolderColor(menu.folder, modelData.hex)
+                onTriggered: Prefs.setFolderColor(folderMenu.folder, modelData.hex)
             }
         }
         SwatchItem {
-            checked: !menu.palette.some(color => Qt.colorEqual(menu.current, color.hex))
+            checked: !folderMenu.choices.some(color => Qt.colorEqual(folderMenu.current, color.hex))
             swatch: "transparent"
             text: qsTr("Default")
 
-            onTriggered: Prefs.setFolderColor(menu.folder, "")
+            onTriggered: Prefs.setFolderColor(folderMenu.folder, "")
         }
     }
     GlassMenuItem {
         text: qsTr("Import Into This Folder…")
 
         onTriggered: {
-            Navigator.showFolder(menu.folder);
-            menu.commands.importAssets.triggered();
+            Navigator.showFolder(folderMenu.folder);
+            folderMenu.commands.importAssets.triggered();
         }
     }
     GlassMenuItem {
         text: qsTr("Reveal in Finder")
 
-        onTriggered: AssetActions.reveal(menu.folder)
+        onTriggered: AssetActions.reveal(folderMenu.folder)
     }
     MenuDivider { id: divider }
     GlassMenuItem {
@@ -87,11 +87,11 @@ GlassMenu {
         destructive: true
         text: qsTr("Move to Trash")
 
-        onTriggered: AssetActions.moveToTrash(menu.folder)
+        onTriggered: AssetActions.moveToTrash(folderMenu.folder)
     }
 
     Component.onCompleted: {
-        if (!menu.root)
+        if (!folderMenu.root)
             return;
         removeMenu(colors);
         for (const item of [rename, divider, trash])

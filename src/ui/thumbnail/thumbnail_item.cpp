@@ -37,6 +37,10 @@ void ThumbnailItem::setSource(ThumbnailProvider *source)
             if (url == m_url && bucket == m_frame)
                 polish();
         });
+        connect(source, &ThumbnailProvider::infoChanged, this, [this](const Location &url) {
+            if (url == m_url)
+                takeDuration();
+        });
     }
     forget();
     Q_EMIT sourceChanged();
@@ -104,9 +108,9 @@ void ThumbnailItem::setScrub(qreal fraction)
 
 void ThumbnailItem::takeDuration()
 {
-    const double seconds = m_source && !m_url.isEmpty() ? m_source->duration(m_url) : 0;
-    const QString text = seconds > 0 ? timeString(seconds) : QString();
-    // A source that is short of memory forgets; what was known once stays until something else is known.
+    const auto info = m_source && !m_url.isEmpty() ? m_source->info(m_url) : std::nullopt;
+    const QString text = info && info->duration > 0 ? timeString(info->duration) : QString();
+    // A source that is short of memory forgets; what was known stays until something else is.
     const bool known = m_source && m_source->state(m_url) != Media::State::Missing;
     if (text == m_duration || (text.isEmpty() && !known))
         return;
@@ -146,10 +150,12 @@ void ThumbnailItem::forget()
 
 void ThumbnailItem::withdrawIfUnseen()
 {
-    if (m_active && isVisible())
+    if (m_active && isVisible()) {
         polish();
-    else
-        m_request.reset();
+        return;
+    }
+    m_request.reset();
+    m_ticket.reset();
 }
 
 void ThumbnailItem::updatePolish()
@@ -168,7 +174,7 @@ void ThumbnailItem::updatePolish()
         return;
     case Media::State::Missing:
         if (m_active && isVisible() && !m_request && needsPicture(wanted))
-            m_request = m_source->request(m_url);
+            m_source->requestInOrder(*this);
         // The picture of a file that was rewritten stays until the new one is there.
         if (m_drawn != Drawn::Picture)
             showPlaceholder(Sign::None, wanted);
@@ -179,6 +185,12 @@ void ThumbnailItem::updatePolish()
         showPlaceholder(Sign::Broken, wanted);
         return;
     }
+}
+
+void ThumbnailItem::requestPicture()
+{
+    if (m_source && m_active && isVisible() && !m_request && m_source->state(m_url) == Media::State::Missing)
+        m_request = m_source->request(m_url);
 }
 
 // True when a frame under the pointer is shown or has been asked for; until it comes, what is drawn stays.

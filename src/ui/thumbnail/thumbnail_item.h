@@ -55,6 +55,8 @@ public:
     qreal scrub() const { return m_scrub; }
     void setScrub(qreal fraction);
     const QString &duration() const { return m_duration; }
+    // For the source, when it is this item's turn.
+    void requestPicture();
 
 Q_SIGNALS:
     void sourceChanged();

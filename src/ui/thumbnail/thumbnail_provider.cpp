@@ -1,9 +1,11 @@
 #include "ui/thumbnail/thumbnail_provider.h"
 
 #include "ui/shell/ui_engine.h"
+#include "ui/thumbnail/thumbnail_item.h"
 #include "vault/vault.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace cratewell {
 
@@ -21,10 +23,30 @@ QImage ThumbnailProvider::placeholder(const PlaceholderLook &look, const Thumbna
         .picture;
 }
 
+void ThumbnailProvider::requestInOrder(ThumbnailItem &item)
+{
+    if (m_requesting.empty())
+        QMetaObject::invokeMethod(this, &ThumbnailProvider::requestNow, Qt::QueuedConnection);
+    m_requesting.emplace_back(&item);
+}
+
+void ThumbnailProvider::requestNow()
+{
+    auto items = std::exchange(m_requesting, {});
+    std::erase_if(items, [](const QPointer<ThumbnailItem> &item) { return item.isNull(); });
+    std::ranges::sort(items, {}, [](const QPointer<ThumbnailItem> &item) {
+        const QPointF place = item->mapToScene({});
+        return std::pair(place.y(), place.x());
+    });
+    for (const QPointer<ThumbnailItem> &item : items)
+        item->requestPicture();
+}
+
 VaultThumbnails::VaultThumbnails(const Vault &vault, Media &media) : m_vault(vault), m_media(media)
 {
     connect(&media, &Media::thumbnailChanged, this, &ThumbnailProvider::changed);
     connect(&media, &Media::waveformChanged, this, &ThumbnailProvider::changed);
+    connect(&media, &Media::infoChanged, this, &ThumbnailProvider::infoChanged);
     connect(&media, &Media::scrubFrameChanged, this, &ThumbnailProvider::scrubFrameChanged);
 }
 
@@ -87,10 +109,10 @@ WaveformPeaks VaultThumbnails::waveform(const Location &url) const
     return asset ? m_media.waveform(*asset).value_or(WaveformPeaks()) : WaveformPeaks();
 }
 
-double VaultThumbnails::duration(const Location &url) const
+std::optional<MediaInfo> VaultThumbnails::info(const Location &url) const
 {
     const Asset *asset = find(url);
-    return asset ? m_media.duration(*asset) : 0;
+    return asset ? m_media.info(*asset) : std::nullopt;
 }
 
 } // namespace cratewell

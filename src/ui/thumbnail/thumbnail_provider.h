@@ -4,6 +4,7 @@
 #include "ui/thumbnail/placeholder.h"
 #include "ui/thumbnail/thumbnail_scaler.h"
 
+#include <QPointer>
 #include <QtQml/qqmlregistration.h>
 #include <vector>
 
@@ -12,6 +13,7 @@ class QQmlEngine;
 
 namespace cratewell {
 
+class ThumbnailItem;
 class Vault;
 
 // Where thumbnail items get the pictures of files. Main thread.
@@ -36,8 +38,12 @@ public:
 
     // A Ready sound has these instead of a picture; none for everything else.
     virtual WaveformPeaks waveform(const Location &url) const = 0;
-    // Seconds; 0 when unknown.
-    virtual double duration(const Location &url) const = 0;
+    // Empty when unknown.
+    virtual std::optional<MediaInfo> info(const Location &url) const = 0;
+
+    // Has the item request its picture at the end of this pass of the event loop. Those of one pass do so in
+    // the order in which they lie: the scene graph polishes them in the reverse one.
+    void requestInOrder(ThumbnailItem &item);
 
     ThumbnailScaler &scaler() { return m_scaler; }
     // Painted once for all files that look alike.
@@ -47,6 +53,7 @@ Q_SIGNALS:
     // State or picture of this file changed.
     void changed(const cratewell::Location &url);
     void scrubFrameChanged(const cratewell::Location &url, int bucket);
+    void infoChanged(const cratewell::Location &url);
 
 private:
     struct PaintedPlaceholder
@@ -56,7 +63,10 @@ private:
         QImage picture;
     };
 
+    void requestNow();
+
     ThumbnailScaler m_scaler;
+    std::vector<QPointer<ThumbnailItem>> m_requesting;
     std::vector<PaintedPlaceholder> m_placeholders;
 };
 
@@ -77,7 +87,7 @@ public:
     QImage scrubFrame(const Location &url, int bucket) const override;
     std::unique_ptr<PreviewRequest> requestScrubFrame(const Location &url, int bucket) override;
     WaveformPeaks waveform(const Location &url) const override;
-    double duration(const Location &url) const override;
+    std::optional<MediaInfo> info(const Location &url) const override;
 
 private:
     const Asset *find(const Location &url) const;

@@ -120,7 +120,7 @@ ThumbnailScaler::Ticket ThumbnailScaler::cut(const QImage &picture, const Thumbn
                 notify(result);
         });
     };
-    m_pool.start(work, ++m_newest);
+    m_pool.start(work);
     return ticket;
 }
 

@@ -31,8 +31,8 @@ struct ThumbnailShape
 // reach; corners cut; premultiplied. Null when either is empty.
 QImage scaledThumbnail(const QImage &picture, const ThumbnailShape &shape);
 
-// Cuts pictures into shape on its own threads, newest request first, and remembers the results (64 MB). Main
-// thread; outlives whoever asks.
+// Cuts pictures into shape on its own threads, in the order of the requests, and remembers the results (64
+// MB). Main thread; outlives whoever asks.
 class ThumbnailScaler : public QObject
 {
     Q_OBJECT
@@ -64,7 +64,6 @@ private:
 
     QCache<Key, QImage> m_ready;
     QThreadPool m_pool;
-    int m_newest = 0;
 };
 
 } // namespace cratewell

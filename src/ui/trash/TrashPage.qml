@@ -8,32 +8,32 @@ import Cratewell
 Page {
     id: page
 
-    subtitle: qsTr("Deleted items stay here for 30 days, then they're removed for good.")
+    subtitle: qsTr("Deleted items stay here for %1 days, then they're removed for good.").arg(trashModel.retentionDays)
     title: qsTr("Trash")
 
     TrashModel {
-        id: trash
+        id: trashModel
 
         vault: Vault
     }
 
     Row {
         spacing: Theme.space2
-        visible: trash.pickedCount > 0
+        visible: trashModel.pickedCount > 0
         x: 6
         y: 64 + page.push
 
         GlassButton {
             prominent: true
-            text: qsTr("Restore %1").arg(trash.pickedCount)
+            text: qsTr("Restore %1").arg(trashModel.pickedCount)
 
-            onClicked: trash.restorePicked()
+            onClicked: trashModel.restorePicked()
         }
         GlassButton {
             destructive: true
             text: qsTr("Delete Now")
 
-            onClicked: trash.deletePicked()
+            onClicked: trashModel.deletePicked()
         }
     }
     GlassButton {
@@ -42,7 +42,7 @@ Page {
         destructive: true
         symbol: "delete_forever"
         text: qsTr("Empty Trash")
-        visible: trash.count > 0
+        visible: trashModel.count > 0
         y: 64 + page.push
 
         onClicked: question.open()
@@ -65,7 +65,7 @@ Page {
         highlightFollowsCurrentItem: true
         highlightMoveDuration: Theme.hoverTime
         keyNavigationEnabled: true
-        model: trash
+        model: trashModel
         spacing: Theme.space2
         topMargin: 4
 
@@ -76,9 +76,9 @@ Page {
 
         Keys.onPressed: event => {
             if (event.key === Qt.Key_Space)
-                trash.togglePick(currentIndex);
-            else if (event.key === Qt.Key_Escape && trash.pickedCount > 0)
-                trash.clearPicks();
+                trashModel.togglePick(currentIndex);
+            else if (event.key === Qt.Key_Escape && trashModel.pickedCount > 0)
+                trashModel.clearPicks();
             else
                 return;
             event.accepted = true;
@@ -90,13 +90,13 @@ Page {
             current: list.activeFocus && ListView.isCurrentItem
             width: ListView.view.width
 
-            onDeleteAsked: trash.deleteNow(index)
+            onDeleteAsked: trashModel.deleteNow(index)
             onPickAsked: {
                 list.forceActiveFocus(Qt.MouseFocusReason);
                 list.currentIndex = index;
-                trash.togglePick(index);
+                trashModel.togglePick(index);
             }
-            onRestoreAsked: trash.restore(index)
+            onRestoreAsked: trashModel.restore(index)
         }
     }
     EmptyState {
@@ -106,7 +106,7 @@ Page {
         start: "#5A5A63"
         symbol: "delete"
         title: qsTr("Trash is empty")
-        visible: trash.count === 0
+        visible: trashModel.count === 0
         width: Math.min(300, parent.width - 2 * Theme.space4)
     }
     PopupHost {
@@ -114,6 +114,6 @@ Page {
 
         anchors.fill: parent
 
-        popup: EmptyTrashSheet { trash: trash }
+        popup: EmptyTrashSheet { trash: trashModel }
     }
 }

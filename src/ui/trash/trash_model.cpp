@@ -114,11 +114,6 @@ void TrashModel::togglePick(int row)
     setPicked(picked);
 }
 
-void TrashModel::pickAll()
-{
-    setPicked(QSet<QByteArray>(keys().begin(), keys().end()));
-}
-
 void TrashModel::clearPicks()
 {
     setPicked({});

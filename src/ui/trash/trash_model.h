@@ -18,6 +18,7 @@ class TrashModel : public cratewell::KeyedListModel
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(cratewell::Vault *vault READ vault WRITE setVault NOTIFY vaultChanged REQUIRED FINAL)
+    Q_PROPERTY(int retentionDays READ retentionDays CONSTANT FINAL)
     Q_PROPERTY(int pickedCount READ pickedCount NOTIFY pickedCountChanged FINAL)
 public:
     enum Role {
@@ -38,10 +39,10 @@ public:
 
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
+    static int retentionDays() { return trashRetentionDays; }
     int pickedCount() const { return int(m_picked.size()); }
 
     Q_INVOKABLE void togglePick(int row);
-    Q_INVOKABLE void pickAll();
     Q_INVOKABLE void clearPicks();
     Q_INVOKABLE void restore(int row);
     Q_INVOKABLE void deleteNow(int row);

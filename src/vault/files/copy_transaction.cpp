@@ -1,7 +1,6 @@
 #include "vault/files/copy_transaction.h"
 
 #include "vault/files/copying.h"
-#include "vault/files/disk.h"
 #include "vault/files/rename.h"
 
 namespace cratewell {
@@ -19,7 +18,7 @@ Result<Location> CopyTransaction::add(const Location &file, const Location &fold
                                  [&](const Location &to) { return disk::renameWithoutReplacing(*copy, to); });
         });
     if (!place)
-        disk::remove(*copy);
+        m_temporaries.discard(*copy);
     return place;
 }
 

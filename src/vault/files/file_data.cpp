@@ -125,7 +125,7 @@ Result<void> copyData(int from, int to, qint64 size, OperationProgress &progress
         }
         const qint64 start = data < 0 ? at : std::min<qint64>(data, size);
         const off_t hole = data < 0 ? -1 : ::lseek(from, start, SEEK_HOLE);
-        const qint64 stop = hole < 0 ? size : std::min<qint64>(hole, size);
+        const qint64 stop = hole <= start ? size : std::min<qint64>(hole, size);
         progress.bytesDone += start - at;
         const Result<qint64> reached = copy.copy(start, stop);
         if (!reached)

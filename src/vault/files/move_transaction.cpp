@@ -1,6 +1,5 @@
 #include "vault/files/move_transaction.h"
 
-#include "vault/files/disk.h"
 #include "vault/files/operation_progress.h"
 #include "vault/files/rename.h"
 
@@ -17,7 +16,7 @@ MoveTransaction::MoveTransaction(const Location &root, OperationProgress &progre
 MoveTransaction::~MoveTransaction()
 {
     for (const Staged &staged : m_staged)
-        disk::remove(staged.copy);
+        m_temporaries.discard(staged.copy);
 }
 
 void MoveTransaction::add(const Location &item, const Location &folder, const QByteArray &name, Report report)
@@ -55,7 +54,7 @@ void MoveTransaction::finish()
     std::vector<Staged> staged = std::exchange(m_staged, {});
     if (!complete) {
         for (const Staged &one : staged) {
-            disk::remove(one.copy);
+            m_temporaries.discard(one.copy);
             one.report(tl::unexpected(complete.error()));
         }
         return;
@@ -94,7 +93,7 @@ bool MoveTransaction::nameCopy(Staged &staged)
         staged.place = *place;
         return true;
     }
-    disk::remove(staged.copy);
+    m_temporaries.discard(staged.copy);
     staged.report(tl::unexpected(place.error()));
     return false;
 }

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <tuple>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -21,7 +22,8 @@ namespace cratewell {
 namespace {
 
 // A journal is a list of entries that each end with a 0: the path of a copy, from the root when it lies in
-// the vault; once that is complete, its path again and "=" with the name it is to get.
+// the vault; once that is complete, its path again and "=" with the name it is to get; before a complete copy
+// is removed, its path once more.
 constexpr char completeMark = '=';
 constexpr QByteArrayView journalPrefix = "journal";
 constexpr qint64 longestJournal = qint64{256} << 20; // bytes; more is no journal of ours
@@ -154,6 +156,13 @@ Result<void> Temporaries::markComplete(const std::vector<Completed> &copies)
     return writeAll(m_journal.number(), entries)
         .and_then([this] { return flush(m_journal.number()); })
         .and_then([this] { return flush(m_folder.number()); });
+}
+
+void Temporaries::discard(const Location &copy)
+{
+    // Killed while it removes a folder, it must not leave the rest of it to be taken for complete.
+    std::ignore = writeAll(m_journal.number(), entryOf(m_root, copy));
+    disk::remove(copy);
 }
 
 void Temporaries::cleanUp(const Location &root)

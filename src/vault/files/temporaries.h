@@ -30,6 +30,8 @@ public:
     // From now on a clean-up gives these copies their names, or the next free ones, instead of removing them.
     // That has reached the disk when it returns.
     [[nodiscard]] Result<void> markComplete(const std::vector<Completed> &copies);
+    // Removes a copy, complete or not.
+    void discard(const Location &copy);
 
     // Finishes or removes what programs that have ended left in the vault at `root`. A journal stays when a
     // folder it names cannot be reached, as on a disk that is not mounted.

@@ -1,5 +1,6 @@
 #include "vault/files/trash_index.h"
 
+#include "vault/category.h"
 #include "vault/item_name.h"
 
 #include <QJsonArray>
@@ -15,12 +16,6 @@ namespace cratewell {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-bool isSlotName(const QString &id)
-{
-    const QUuid uuid = QUuid::fromString(id);
-    return !uuid.isNull() && uuid.toString(QUuid::WithoutBraces).compare(id, Qt::CaseInsensitive) == 0;
-}
 
 std::optional<TrashItem> decoded(const QJsonValue &value)
 {
@@ -57,6 +52,18 @@ Location trashSlot(const Location &root, const TrashItem &item)
 Location trashedItem(const Location &root, const TrashItem &item)
 {
     return trashSlot(root, item).child(item.name);
+}
+
+bool isSlotName(const QString &name)
+{
+    const QUuid uuid = QUuid::fromString(name);
+    return !uuid.isNull() && uuid.toString(QUuid::WithoutBraces).compare(name, Qt::CaseInsensitive) == 0;
+}
+
+Location defaultHome(const Location &root, const QString &name)
+{
+    const AssetKind kind = kindOf(bytesFromText(name)).value_or(AssetKind::Video);
+    return categoryFolder(root, defaultCategory(kind)).child(name);
 }
 
 QByteArray encodeTrash(const std::vector<TrashItem> &items)

@@ -13,6 +13,10 @@ Location trashIndexFile(const Location &root);
 // The folder that holds one deleted item, and the item in it.
 Location trashSlot(const Location &root, const TrashItem &item);
 Location trashedItem(const Location &root, const TrashItem &item);
+// A UUID in its usual form.
+bool isSlotName(const QString &name);
+// Where an item goes whose own place is not known: into the default folder of its kind.
+Location defaultHome(const Location &root, const QString &name);
 
 // A compact JSON array, in the order of the list.
 QByteArray encodeTrash(const std::vector<TrashItem> &items);

@@ -138,7 +138,7 @@ Result<void> FolderReader::readDetails(ListedEntry &entry) const
     if (!status)
         return tl::unexpected(status.error());
     if (status->isRegularFile())
-        entry.version = {status->inode, status->size, status->modified.count()};
+        entry.version = {status->inode, status->size, status->modified.count(), status->changed.count()};
     else
         entry.type = ListedEntry::Type::Unlisted;
     return {};

@@ -42,15 +42,13 @@ void answerWithPeaks(const Request &request, const std::string &text, Reply &rep
 
 void answerWithInfo(const std::string &text, Reply &reply)
 {
-    reply.info = {.duration = 2, .frameRate = 25, .codec = 0x61766331, .hasVideo = 1};
+    reply.info = {.duration = 2, .frameRate = 25, .codec = 0x61766331};
     if (text == "endless")
         reply.info.duration = std::numeric_limits<double>::infinity();
     else if (text == "backwards")
         reply.info.frames = -1;
     else if (text == "channels")
         reply.info.channels = 1 << 30;
-    else if (text == "flag")
-        reply.info.hasAudio = 2;
     else if (text == "unprintable")
         reply.info.codec = 0x01020304;
 }
@@ -71,7 +69,7 @@ Reply answer(const Request &request, const std::string &text)
         raise(SIGKILL);
     else if (text == "crash")
         raise(SIGSEGV);
-    else if (text == "hang")
+    else if (text == "hang" || (text == "slow" && request.processorSeconds < 60))
         pause();
     else if (text == "huge")
         reply.width = reply.height = 1 << 20;

@@ -26,7 +26,7 @@ Lut3DGrid gridOf(const Points &points)
     return {.points = points.data(), .size = int(std::lround(std::cbrt(double(points.size()) / 4)))};
 }
 
-// Random, but smooth enough to be a look: neighbours lie near each other, values stray below 0 and above 1.
+// Random, but smooth enough to be a look: neighbors lie near each other, values stray below 0 and above 1.
 Points gradedPoints(int size, unsigned seed)
 {
     std::mt19937 random(seed);
@@ -62,14 +62,6 @@ template<typename Channel> struct Picture
 
     PixelRows<Channel> rows() { return {channels.data(), strideBytes(), m_width, m_height}; }
     PixelRows<const Channel> constRows() const { return {channels.data(), strideBytes(), m_width, m_height}; }
-    bool gapsAreWhole() const
-    {
-        for (int index = 0; index < m_pitch * m_height; ++index) {
-            if (index % m_pitch >= 4 * m_width && channels[size_t(index)] != Channel(gapMark))
-                return false;
-        }
-        return true;
-    }
     template<typename Make> void fill(Make make)
     {
         for (int y = 0; y < m_height; ++y)
@@ -137,15 +129,10 @@ TEST_P(LUTLookup, OfStepsIsEqualToThePlainOneToTheLastBit)
         const auto order = round % 3 == 0 ? ChannelOrder::RGBA : ChannelOrder::BGRA;
         if (alpha == AlphaKind::Premultiplied)
             makePremultiplied(source);
-        Picture<quint8> plain(width, 5, 0);
-        Picture<quint8> found(width, 5, 12);
+        Picture<quint8> plain(width, 5, 12), found(width, 5, 12);
         applyScalar(*steps, source.constRows(), plain.rows(), order, alpha);
         lookUp(*steps, source.constRows(), found.rows(), order, alpha);
-        EXPECT_TRUE(found.gapsAreWhole());
-        for (int y = 0; y < 5; ++y) {
-            ASSERT_EQ(std::memcmp(plain.rows().row(y), found.rows().row(y), size_t(4 * width)), 0)
-                << "round " << round << ", row " << y;
-        }
+        ASSERT_EQ(plain.channels, found.channels) << "round " << round;
         lookUp(*steps, source.constRows(), source.rows(), order, alpha);
         for (int y = 0; y < 5; ++y)
             ASSERT_EQ(std::memcmp(plain.rows().row(y), source.rows().row(y), size_t(4 * width)), 0);
@@ -163,20 +150,15 @@ TEST_P(LUTLookup, OfFloatsIsThePlainOneWithinRounding)
         Picture<float> source(width, 4, int(round % 3) * 4);
         source.fill([&] { return round % 4 == 0 ? strange[random() % strange.size()] : values(random); });
         const auto alpha = round % 2 == 0 ? AlphaKind::Straight : AlphaKind::Premultiplied;
-        Picture<float> plain(width, 4, 0);
-        Picture<float> found(width, 4, 4);
+        Picture<float> plain(width, 4, 4), found(width, 4, 4);
         applyScalar(gridOf(points), source.constRows(), plain.rows(), alpha);
         lookUp(gridOf(points), source.constRows(), found.rows(), alpha);
-        EXPECT_TRUE(found.gapsAreWhole());
-        for (int y = 0; y < 4; ++y) {
-            const std::span expected(plain.rows().row(y), size_t(4 * width));
-            const std::span result(found.rows().row(y), size_t(4 * width));
-            for (size_t i = 0; i < result.size(); ++i) {
-                const float tolerance = 2e-6F * std::max(1.0F, std::abs(expected[i]));
-                ASSERT_TRUE(result[i] == expected[i] || std::abs(result[i] - expected[i]) <= tolerance ||
-                            (std::isnan(result[i]) && std::isnan(expected[i])))
-                    << "round " << round << ": " << result[i] << " for " << expected[i];
-            }
+        for (size_t i = 0; i < found.channels.size(); ++i) {
+            const float expected = plain.channels[i], result = found.channels[i];
+            const float tolerance = 2e-6F * std::max(1.0F, std::abs(expected));
+            ASSERT_TRUE(result == expected || std::abs(result - expected) <= tolerance ||
+                        (std::isnan(result) && std::isnan(expected)))
+                << "round " << round << ": " << result << " for " << expected;
         }
     }
 }
@@ -229,8 +211,7 @@ TEST_P(LUTLookup, OfStepsKeepsNearTheExactColors)
         const std::optional<QuantizedGrid> steps = QuantizedGrid::from(gridOf(points));
         ASSERT_TRUE(steps) << spread;
         const Picture<quint8> pixels = randomBytes(1000, 5, 2);
-        Picture<quint8> exact(1000, 5, 0);
-        Picture<quint8> found(1000, 5, 0);
+        Picture<quint8> exact(1000, 5, 0), found(1000, 5, 0);
         applyScalar(gridOf(points), pixels.constRows(), exact.rows(), ChannelOrder::RGBA,
                     AlphaKind::Straight);
         lookUp(*steps, pixels.constRows(), found.rows(), ChannelOrder::RGBA, AlphaKind::Straight);

@@ -1,13 +1,16 @@
-#include "media/lut/float_text.h"
-#include "media/lut/plain_float.h"
 #include "media/lut.h"
+#include "media/lut/float_text.h"
+#include "media/lut/memory_budget.h"
+#include "media/lut/plain_float.h"
 #include "support/naive_cube_reader.h"
+#include "support/wait.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <bit>
 #include <cmath>
+#include <future>
 #include <gmock/gmock.h>
 #include <limits>
 #include <random>
@@ -37,65 +40,43 @@ std::optional<LUT> lutFrom(const std::string &text)
 
 TEST(LUTText, IsRefusedWhereItIsBroken)
 {
-    const std::pair<const char *, std::string> cases[]{
-        {"empty", ""},
-        {"no size", replaced(valid, "LUT_3D_SIZE 2", "")},
-        {"the size's keyword alone", replaced(valid, "SIZE 2", "SIZE")},
-        {"a size that is no number", replaced(valid, "SIZE 2", "SIZE 2 points")},
-        {"a size with a fraction", replaced(valid, "SIZE 2", "SIZE 2.0")},
-        {"a negative size", replaced(valid, "SIZE 2", "SIZE -2")},
-        {"a size of 1", "LUT_3D_SIZE 1\n0 0 0\n"},
-        {"a size of 0", "LUT_3D_SIZE 0\n"},
-        {"a size too large for the rows", replaced(valid, "SIZE 2", "SIZE 3")},
-        {"a size whose cube is 2^64", replaced(valid, "SIZE 2", "SIZE 4294967296")},
-        {"a size beyond 64 bits", replaced(valid, "SIZE 2", "SIZE 18446744073709551618")},
-        {"a later size that is wrong", valid + "LUT_3D_SIZE 3\n"},
-        {"a row too few", replaced(valid, "0 1 1\n", "")},
-        {"a row too many", valid + "0 0 0\n"},
-        {"a row of two numbers", replaced(valid, "0 1 1\n", "0 1\n")},
-        {"a third number that is none", replaced(valid, "0 1 1\n", "0 1 abc\n")},
-        {"a number with a comma", replaced(valid, "0 1 1\n", "0 0,5 1\n")},
-        {"a row in a comment", replaced(valid, "0 1 1\n", "#0 1 1\n")},
-        {"a table of one dimension", "LUT_1D_SIZE 2\n" + valid},
-        {"a table of one dimension behind", valid + "  lut_1d_size"},
-        {"a domain without numbers", "DOMAIN_MIN r g b\n" + valid},
-        {"a domain without anything", "DOMAIN_MAX\n" + valid},
-        {"bytes that are no UTF-8 in a comment", "# \xFF\n" + valid},
-        {"a surrogate in the title", replaced(valid, "Film", "\xED\xA0\x80")},
-        {"an overlong line end", replaced(valid, "Film", "\xC0\x8A")},
-        {"a sequence cut short by the end", valid + "#\xE2\x80"},
-    };
     ASSERT_TRUE(lutFrom(valid));
-    for (const auto &[what, text] : cases)
-        EXPECT_FALSE(lutFrom(text)) << what;
+    for (const char *size :
+         {"", "LUT_3D_SIZE", "LUT_3D_SIZE 2 points", "LUT_3D_SIZE 2.0", "LUT_3D_SIZE -2", "LUT_3D_SIZE 0",
+          "LUT_3D_SIZE 1", "LUT_3D_SIZE 3", "LUT_3D_SIZE 4294967296", "LUT_3D_SIZE 18446744073709551618"})
+        EXPECT_FALSE(lutFrom(replaced(valid, "LUT_3D_SIZE 2", size))) << size;
+    EXPECT_FALSE(lutFrom("LUT_3D_SIZE 1\n0 0 0\n"));
+    for (const char *row : {"", "0 1\n", "0 1 abc\n", "0 0,5 1\n", "#0 1 1\n"})
+        EXPECT_FALSE(lutFrom(replaced(valid, "0 1 1\n", row))) << row;
+    for (const char *before : {"LUT_1D_SIZE 2\n", "DOMAIN_MIN r g b\n", "DOMAIN_MAX\n", "# no UTF-8: \xFF\n"})
+        EXPECT_FALSE(lutFrom(before + valid)) << before;
+    for (const char *behind : {"LUT_3D_SIZE 3\n", "0 0 0\n", "  lut_1d_size", "# cut short: \xE2\x80"})
+        EXPECT_FALSE(lutFrom(valid + behind)) << behind;
+    for (const char *title : {"surrogate \xED\xA0\x80", "overlong line end \xC0\x8A"})
+        EXPECT_FALSE(lutFrom(replaced(valid, "Film", title))) << title;
 }
 
 TEST(LUTText, IsReadWithoutMindingWhatDoesNotMatter)
 {
-    const std::pair<const char *, std::string> cases[]{
-        {"a size line in lower case", replaced(valid, "LUT_3D_SIZE", "lut_3d_size")},
-        {"the last word is the size", replaced(valid, "SIZE 2", "SIZE 17 of 2")},
-        {"a size with signs and zeros", replaced(valid, "SIZE 2", "SIZE +0002")},
-        {"the last size counts", "LUT_3D_SIZE 99\n" + valid},
-        {"the size below the rows", replaced(valid, "LUT_3D_SIZE 2\n", "") + "LUT_3D_SIZE 2"},
-        {"no end of the last line", valid.substr(0, valid.size() - 1)},
-        {"more words on a row", replaced(valid, "0 1 1\n", "0 1 1 9 nine # nine\n")},
-        {"blanks of all kinds", replaced(valid, "0 1 1\n", "\t\u00A0 0 \t 1\t1\u3000 \n")},
-        {"blanks around the size", replaced(valid, "LUT_3D_SIZE 2", "\u2003 LUT_3D_SIZE\t2 \t")},
-        {"comments, empty lines and unknown words",
-         replaced(valid, "0 1 1\n", " # 1 1 1\n\n \t\nLUT_3D_INPUT_RANGE 0 1\n\"\n0 1 1\n")},
-        {"a byte order mark", "\uFEFF" + valid},
-        {"other ways to write numbers", replaced(valid, "0 1 1\n", "-0e5 +1. 0x.8p1\n")},
-        {"a domain without numbers that is replaced", "DOMAIN_MAX one\nDOMAIN_MAX 1\n" + valid},
-        {"a domain without numbers below the rows", valid + "DOMAIN_MIN\n"},
-    };
+    std::vector<std::string> texts{"LUT_3D_SIZE 99\n" + valid,
+                                   replaced(valid, "LUT_3D_SIZE 2\n", "") + "LUT_3D_SIZE 2",
+                                   valid.substr(0, valid.size() - 1),
+                                   "\uFEFF" + valid,
+                                   "DOMAIN_MAX one\nDOMAIN_MAX 1\n" + valid,
+                                   valid + "DOMAIN_MIN\n"};
+    for (const char *size :
+         {"lut_3d_size 2", "LUT_3D_SIZE 17 of 2", "LUT_3D_SIZE +0002", "\u2003 LUT_3D_SIZE\t2 \t"})
+        texts.push_back(replaced(valid, "LUT_3D_SIZE 2", size));
+    for (const char *row : {"0 1 1 9 nine # nine\n", "\t\u00A0 0 \t 1\t1\u3000 \n", "-0e5 +1. 0x.8p1\n",
+                            " # 1 1 1\n\n \t\nLUT_3D_INPUT_RANGE 0 1\n\"\n0 1 1\n"})
+        texts.push_back(replaced(valid, "0 1 1\n", row));
     const std::optional<LUT> plain = lutFrom(valid);
     ASSERT_TRUE(plain);
-    for (const auto &[what, text] : cases) {
+    for (const std::string &text : texts) {
         const std::optional<LUT> lut = lutFrom(text);
-        ASSERT_TRUE(lut) << what;
-        EXPECT_TRUE(std::ranges::equal(lut->data(), plain->data())) << what;
-        EXPECT_EQ(lut->title(), u"Warm Film"_s) << what;
+        ASSERT_TRUE(lut) << text;
+        EXPECT_TRUE(std::ranges::equal(lut->data(), plain->data())) << text;
+        EXPECT_EQ(lut->title(), u"Warm Film"_s) << text;
     }
     for (const char *lineEnd : {"\r", "\r\n", "\v", "\f", "\u0085", "\u2028", "\u2029", "\n\r\n"}) {
         std::string text;
@@ -115,8 +96,7 @@ TEST(LUTText, NamesItsTable)
         {"TITLE First\n TITLE  \"\"\"Sec\"ond\"\" \n", u"Sec\"ond"_s},
         {"TITLE \" in blanks \"\n", u" in blanks "_s},
         {"TITLED Film\n", u"File"_s},
-        {"TITLE \"Größe \U0001F3A8\"\n", u"Größe 🎨"_s},
-    };
+        {"TITLE \"Größe \U0001F3A8\"\n", u"Größe 🎨"_s}};
     for (const auto &[line, title] : cases) {
         const std::optional<LUT> lut = lutFrom(line + "LUT_3D_SIZE 2\n" + eightRows);
         ASSERT_TRUE(lut) << line;
@@ -136,8 +116,7 @@ TEST(LUTText, ScalesItsRowsByTheDomain)
         {"DOMAIN_MAX 1 2 3 nan\n", {0.5F, -0.5F, 1}},
         {"DOMAIN_MIN 1\n", {-0.5F / 0.0001F, -2 / 0.0001F, 2 / 0.0001F}},
         {"DOMAIN_MIN 5\n", {-4.5F / 0.0001F, -6 / 0.0001F, -2 / 0.0001F}},
-        {"DOMAIN_MAX 1 nan 1\n", {0.5F, nan, 3}},
-    };
+        {"DOMAIN_MAX 1 nan 1\n", {0.5F, nan, 3}}};
     for (const auto &[domain, expected] : cases) {
         const std::optional<LUT> lut =
             lutFrom("LUT_3D_SIZE 2\n" + domain + replaced(eightRows, "1 0 0", "0.5 -1 3"));
@@ -172,7 +151,7 @@ TEST(LUTFile, IsReadByItsNameAndKind)
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         ASSERT_GT(file.write(replaced(valid, "TITLE", "#").c_str()), 0);
     }
-    const std::optional<LUT> lut = LUT::read(location(u"Teal.and.orange.CUBE"_s));
+    const auto lut = LUT::read(location(u"Teal.and.orange.CUBE"_s));
     ASSERT_TRUE(lut);
     EXPECT_EQ(lut->title(), u"Teal.and.orange"_s);
     EXPECT_TRUE(LUT::read(location(u"film.cube"_s)));
@@ -188,56 +167,37 @@ TEST(LUTFile, IsReadByItsNameAndKind)
     EXPECT_FALSE(LUT::read(location(u"huge.cube"_s)));
 }
 
+TEST(LUTFile, WaitsWhileOthersTakeTheMemoryForReading)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(u"film.cube"_s));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(valid.c_str()) > 0 && file.flush());
+    std::future<bool> read;
+    {
+        const auto all = lutReadingBudget().take(qint64{1} << 40);
+        read = std::async(std::launch::async,
+                          [&] { return LUT::read(Location::fromText(file.fileName())).has_value(); });
+        EXPECT_TRUE(waitUntil([] { return lutReadingBudget().waiting() == 1; }));
+    }
+    EXPECT_TRUE(read.get());
+}
+
 TEST(FloatText, IsTheNearestFloatHoweverItIsWritten)
 {
-    const float infinity = std::numeric_limits<float>::infinity();
-    const std::pair<const char *, std::optional<float>> cases[]{
-        {"1", 1.0F},
-        {"+1", 1.0F},
-        {"-.5", -0.5F},
-        {"5.", 5.0F},
-        {"1e3", 1000.0F},
-        {"2.5E-1", 0.25F},
-        {"0x10", 16.0F},
-        {"-0X1.8p-1", -0.75F},
-        {"inf", infinity},
-        {"-Infinity", -infinity},
-        {"1e39", infinity},
-        {"-1e999999999999999999999", -infinity},
-        {"0x1p200", infinity},
-        {"1e-60", 0.0F},
-        {"-0.0000001e-99999", -0.0F},
-        {"0e99999", 0.0F},
-        {"0x0.01p-300", 0.0F},
-        {"1e-45", 1e-45F},
-        {"16777217", 16777216.0F},
-        {"16777219", 16777220.0F},
-        {"0.000000000000000000000000000001", 1e-30F},
-        {"", {}},
-        {".", {}},
-        {"+", {}},
-        {"-", {}},
-        {"+-1", {}},
-        {"--1", {}},
-        {"1,5", {}},
-        {"1 ", {}},
-        {" 1", {}},
-        {"1e", {}},
-        {"1e+", {}},
-        {"0x", {}},
-        {"0x-1", {}},
-        {"0xinf", {}},
-        {"1.5f", {}},
-        {"infin", {}},
-        {"1_000", {}},
-    };
-    for (const auto &[text, value] : cases) {
-        const std::optional<float> found = floatFromText(text);
-        ASSERT_EQ(found.has_value(), value.has_value()) << text;
-        if (found) {
-            EXPECT_EQ(std::bit_cast<quint32>(*found), std::bit_cast<quint32>(*value)) << text;
-        }
+    for (const char *text : {"1",         "+1",          "-.5",
+                             "5.",        "1e3",         "2.5E-1",
+                             "0x10",      "-0X1.8p-1",   "inf",
+                             "-Infinity", "1e39",        "-1e999999999999999999999",
+                             "0x1p200",   "1e-60",       "-0.0000001e-99999",
+                             "0e99999",   "0x0.01p-300", "1e-45",
+                             "16777217",  "16777219",    "0.000000000000000000000000000001"}) {
+        const std::optional<float> found = floatFromText(text), expected = NaiveCubeReader::number(text);
+        ASSERT_TRUE(found && expected) << text;
+        EXPECT_EQ(std::bit_cast<quint32>(*found), std::bit_cast<quint32>(*expected)) << text;
     }
+    for (const char *text : {"", ".", "+", "-", "+-1", "--1", "1,5", "1 ", " 1", "1e", "1e+", "0x", "0x-1",
+                             "0xinf", "1.5f", "infin", "1_000"})
+        EXPECT_FALSE(floatFromText(text)) << text;
     for (const char *text : {"nan", "-NaN", "+nan(12)"})
         EXPECT_TRUE(std::isnan(floatFromText(text).value_or(0))) << text;
 }
@@ -277,40 +237,35 @@ TEST(FloatText, IsReadFastAsItIsReadExactly)
 // Texts put together from what matters to the reader.
 TEST(LUTText, MeansWhatAPlainReadingFinds)
 {
-    const std::string pieces[]{"LUT_3D_SIZE 2\n",
-                               "lut_3d_size",
-                               "LUT_1D_SIZE",
-                               "DOMAIN_MIN",
-                               "DOMAIN_MAX",
-                               "TITLE",
-                               "0.25 0.5 0.75\n",
-                               "1 0 0 # x\r\n",
-                               "\u00A0",
-                               "\u2028",
-                               "\u0085",
-                               "\"",
-                               " ",
-                               "\t",
-                               "\n",
-                               "#",
-                               "1e-3",
-                               "nan",
-                               "-0x1p3",
-                               "0.1234567890123",
-                               "\uFEFF",
-                               "3",
-                               "2",
-                               "\xE2\x80",
-                               eightRows,
-                               eightRows,
-                               "0 0 0\n",
-                               "-inf 2 3\v"};
+    std::vector<std::string> pieces{eightRows, eightRows, "\u00A0", "\u2028", "\u0085", "\uFEFF", "\xE2\x80"};
+    for (const char *piece : {"LUT_3D_SIZE 2\n",
+                              "lut_3d_size",
+                              "LUT_1D_SIZE",
+                              "DOMAIN_MIN",
+                              "DOMAIN_MAX",
+                              "TITLE",
+                              "0.25 0.5 0.75\n",
+                              "1 0 0 # x\r\n",
+                              "\"",
+                              " ",
+                              "\t",
+                              "\n",
+                              "#",
+                              "1e-3",
+                              "nan",
+                              "-0x1p3",
+                              "0.1234567890123",
+                              "3",
+                              "2",
+                              "0 0 0\n",
+                              "-inf 2 3\v"})
+        pieces.emplace_back(piece);
     std::mt19937 random(1);
     int accepted = 0;
     for (int round = 0; round < 20000; ++round) {
         std::string text = random() % 2 == 0 ? "LUT_3D_SIZE 2\n" : "";
         for (size_t count = random() % 8; count > 0; --count)
-            text += pieces[random() % std::size(pieces)];
+            text += pieces[random() % pieces.size()];
         text += random() % 2 == 0 ? eightRows : "";
         NaiveCubeReader naive;
         const bool valid = naive.read(text);

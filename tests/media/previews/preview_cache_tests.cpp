@@ -1,10 +1,12 @@
 #include "made_media.h"
 #include "media/previews/keyed_job_queue.h"
 #include "media/previews/preview_cache.h"
+#include "media/previews/preview_formats.h"
 #include "media/previews/preview_store.h"
 #include "support/wait.h"
 
 #include <QDirIterator>
+#include <QFileInfo>
 #include <QSemaphore>
 #include <gtest/gtest.h>
 #include <utime.h>
@@ -32,9 +34,10 @@ class PreviewStoreTest : public testing::Test
 protected:
     using Store = PreviewStore<QImage, ImageBytes>;
 
-    static PreviewKey at(const char *path, int version = 1, int part = 0)
+    static PreviewKey at(const char *path, int version = 1, int part = 0, int changed = 0)
     {
-        return {Location::fromBytes(path), {.inode = 1, .size = 1, .modified = version}, part};
+        const FileVersion of{.inode = 1, .size = 1, .modified = version, .changed = changed};
+        return {Location::fromBytes(path), of, part};
     }
     const QImage m_picture = filled({10, 10}, Qt::red);
     const qint64 m_cost = m_picture.sizeInBytes();
@@ -51,6 +54,7 @@ protected:
             paths << entries.next();
         return paths;
     }
+    DecodedFile pictureOf(const QImage &image) const { return {m_info, image, {}}; }
     PreviewCache cacheOf(qint64 budget) const
     {
         return {Location::fromText(m_files.path(u"cache"_s)), budget};
@@ -58,12 +62,12 @@ protected:
     QImage picture(const QByteArray &key) const
     {
         const auto found = m_cache.load(key);
-        const auto *decoded = found ? std::get_if<DecodedPicture>(&*found) : nullptr;
-        return decoded ? decoded->image : QImage();
+        return found ? found->image : QImage();
     }
 
     MadeMedia m_files;
     PreviewCache m_cache = cacheOf(1 << 30);
+    const MediaInfo m_info{.duration = 12.5, .frameRate = 24, .width = 64, .height = 36, .codec = 0x61766331};
     std::atomic<bool> m_ending = false;
 };
 
@@ -104,27 +108,37 @@ TEST_F(PreviewStoreTest, KeepsOneVersionOfAFileAndOfThatWhatWasAskedForLast)
     EXPECT_TRUE(store.put(at("/a", 3), 4, m_picture));
     EXPECT_EQ(store.state(at("/a", 2, 5)), PreviewState::Missing);
     EXPECT_EQ(store.bytes(), m_cost);
-    EXPECT_FALSE(store.forgetOthers(at("/a").url, at("/a", 3).version));
-    EXPECT_TRUE(store.forgetOthers(at("/a").url, at("/a", 4).version));
+    EXPECT_FALSE(store.forgetOutdated(at("/a").url, at("/a", 3).version));
+    EXPECT_TRUE(store.forgetOutdated(at("/a").url, at("/a", 4).version));
     EXPECT_FALSE(store.forget(at("/a").url));
     EXPECT_EQ(store.bytes(), 0);
 }
 
-TEST_F(PreviewCacheTest, GivesBackWhatWasSavedAndOnlyThat)
+TEST_F(PreviewStoreTest, ForgetsFailuresAndNothingElseWhenTheContentStays)
 {
-    m_cache.save("opaque", DecodedPicture{filled({64, 36}, QColor(200, 90, 30)), 12.5});
+    Store store(1 << 20);
+    store.put(at("/a", 1, 0), 1, m_picture);
+    store.put(at("/a", 1, 5), 2, {});
+    EXPECT_EQ(store.state(at("/a", 1, 0, 9)), PreviewState::Ready);
+    EXPECT_EQ(store.state(at("/a", 1, 5, 9)), PreviewState::Missing);
+    EXPECT_TRUE(store.forgetOutdated(at("/a").url, at("/a", 1, 0, 9).version));
+    EXPECT_EQ(store.state(at("/a", 1, 0, 9)), PreviewState::Ready);
+    EXPECT_FALSE(store.forgetOutdated(at("/a").url, at("/a", 1, 0, 10).version));
+}
+
+TEST_F(PreviewCacheTest, FindsWhatWasSavedAndOnlyThat)
+{
+    m_cache.save("opaque", pictureOf(filled({64, 36}, QColor(200, 90, 30))));
     QImage clear = filled({40, 40}, QColor(255, 0, 0, 100), QImage::Format_ARGB32_Premultiplied);
     clear.fill(Qt::transparent);
     for (int y = 0; y < 20; ++y) {
         for (int x = 0; x < 40; ++x)
             clear.setPixelColor(x, y, QColor(255, 255, 255, 128));
     }
-    m_cache.save("clear", DecodedPicture{clear, 0});
-    m_cache.save("sound", DecodedAudio{{0.25F, 1, 0}, 3.5});
+    m_cache.save("clear", pictureOf(clear));
+    m_cache.save("sound", DecodedFile{{.duration = 3.5, .sampleRate = 48000}, {}, {0.25F, 1, 0}});
 
-    const auto opaque = m_cache.load("opaque");
-    ASSERT_TRUE(opaque);
-    EXPECT_EQ(std::get<DecodedPicture>(*opaque).duration, 12.5);
+    EXPECT_EQ(m_cache.load("opaque").value_or(DecodedFile()).info, m_info);
     EXPECT_FALSE(picture("opaque").hasAlphaChannel());
     const QColor color = picture("opaque").pixelColor(30, 20);
     EXPECT_NEAR(color.red(), 200, 3);
@@ -141,14 +155,14 @@ TEST_F(PreviewCacheTest, GivesBackWhatWasSavedAndOnlyThat)
     }
     const auto sound = m_cache.load("sound");
     ASSERT_TRUE(sound);
-    EXPECT_EQ(std::get<DecodedAudio>(*sound).peaks, (WaveformPeaks{0.25F, 1, 0}));
-    EXPECT_EQ(std::get<DecodedAudio>(*sound).duration, 3.5);
+    EXPECT_EQ(sound->peaks, (WaveformPeaks{0.25F, 1, 0}));
+    EXPECT_EQ(sound->info, (MediaInfo{.duration = 3.5, .sampleRate = 48000}));
     EXPECT_FALSE(m_cache.load("other"));
 }
 
 TEST_F(PreviewCacheTest, DoesNotBelieveDamagedFiles)
 {
-    m_cache.save("a", DecodedPicture{filled({64, 36}, Qt::red), 1});
+    m_cache.save("a", pictureOf(filled({64, 36}, Qt::red)));
     ASSERT_EQ(files().size(), 1);
     QFile file(files().first());
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -161,14 +175,14 @@ TEST_F(PreviewCacheTest, DoesNotBelieveDamagedFiles)
     QByteArray flipped = whole;
     flipped[whole.size() / 2] = char(flipped[whole.size() / 2] ^ 1);
     for (const QByteArray &bytes :
-         {QByteArray(), QByteArray("CWP1"), whole.first(30), whole.chopped(1), flipped}) {
+         {QByteArray(), QByteArray("CWP2"), whole.first(30), whole.chopped(1), flipped}) {
         ASSERT_TRUE(write(bytes));
         EXPECT_FALSE(m_cache.load("a")) << bytes.size();
     }
     ASSERT_TRUE(write(whole));
     EXPECT_TRUE(m_cache.load("a"));
     ASSERT_TRUE(QFile::rename(file.fileName(), m_files.path(u"moved"_s)));
-    m_cache.save("b", DecodedAudio{{1}, 1});
+    m_cache.save("b", DecodedFile{{}, {}, {1}});
     ASSERT_EQ(files().size(), 1);
     QFile::remove(files().first());
     file.setFileName(m_files.path(u"moved"_s));
@@ -182,7 +196,7 @@ TEST_F(PreviewCacheTest, PrunesWhatWasUsedLongestAgo)
     for (int i = 0; i < 10; ++i) {
         keys << QByteArray::number(i);
         const QStringList before = files();
-        m_cache.save(keys.last(), DecodedPicture{filled({64, 64}, QColor(20 * i, 0, 0)), 0});
+        m_cache.save(keys.last(), pictureOf(filled({64, 64}, QColor(20 * i, 0, 0))));
         for (const QString &path : files()) {
             if (before.contains(path))
                 continue;
@@ -206,7 +220,42 @@ TEST_F(PreviewCacheTest, PrunesWhatWasUsedLongestAgo)
     EXPECT_TRUE(m_cache.load(keys.last()));
 }
 
-TEST(KeyedJobQueue, JoinsOneKeyDropsWhatNobodyWaitsForAndEndsEachOnce)
+// Git's objects, say, have names like those of the cache.
+TEST_F(PreviewCacheTest, PrunesNoFilesButItsOwn)
+{
+    const QString foreign = m_files.path(u"foreign"_s), inside = foreign + u"/ab/"_s + QString(38, u'c');
+    ASSERT_TRUE(QDir().mkpath(foreign + u"/ab"_s));
+    m_cache.save("own", pictureOf(filled({64, 64}, Qt::red)));
+    const QFileInfo own(files().first());
+    const QString linkedPart = own.path().chopped(2) + (own.dir().dirName() == u"00"_s ? u"11"_s : u"00"_s);
+    const QString lookalike = foreign + u'/' + own.fileName();
+    for (const QString &path : {inside, lookalike}) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("precious") == 8);
+    }
+    ASSERT_TRUE(QFile::link(foreign, linkedPart) && QFile::link(foreign, m_files.path(u"linked"_s)));
+    cacheOf(0).prune(m_ending);
+    PreviewCache(Location::fromText(m_files.path(u"linked"_s)), 0).prune(m_ending);
+    EXPECT_TRUE(QFile::exists(inside) && QFile::exists(lookalike));
+    EXPECT_FALSE(own.exists());
+}
+
+// So that whoever changes one gets previews made anew.
+TEST(PreviewFormats, AreNamedByAllTheirNumbers)
+{
+    const Location file = Location::fromBytes("/a.mov");
+    const DecodeRequest peaks = waveformPeaks(file);
+    std::vector<DecodeRequest> others(4, peaks);
+    others[0].kind = worker::JobKind::VideoFrame;
+    others[1].maxSide = 1;
+    others[2].fraction = 1 / 23.0;
+    others[3].count = 241;
+    for (const DecodeRequest &other : others)
+        EXPECT_NE(markerOf(other), markerOf(peaks));
+    EXPECT_NE(markerOf(scrubFrame(file, 11 / 23.0)), markerOf(scrubFrame(file, 12 / 23.0)));
+}
+
+TEST(KeyedJobQueue, JoinsOneKeyServesByPlaceAndEndsEachOnce)
 {
     KeyedJobQueue jobs(1);
     QSemaphore begun, goOn;
@@ -223,26 +272,32 @@ TEST(KeyedJobQueue, JoinsOneKeyDropsWhatNobodyWaitsForAndEndsEachOnce)
             };
         };
     };
-    auto first = jobs.submit("a", work(u"a"_s, true));
+    auto at = [number = quint64(0)](quint64 burst) mutable {
+        return RequestPlace{RequestPlace::Rank::Usual, burst, ++number};
+    };
+    auto first = jobs.submit("a", at(1), work(u"a"_s, true));
     begun.acquire();
-    const auto joined = jobs.submit("a", work(u"second a"_s));
-    const auto kept = jobs.submit("kept", work(u"kept"_s));
-    auto dropped = jobs.submit("dropped", work(u"dropped"_s));
-    const auto newest = jobs.submit("newest", work(u"newest"_s));
+    const auto joined = jobs.submit("a", at(1), work(u"second a"_s));
+    const auto raised = jobs.submit("raised", at(1), work(u"raised"_s));
+    const auto kept = jobs.submit("kept", at(1), work(u"kept"_s));
+    auto dropped = jobs.submit("dropped", at(2), work(u"dropped"_s));
+    const auto newer = jobs.submit("newer", at(2), work(u"newer"_s));
+    const auto newest = jobs.submit("newest", at(2), work(u"newest"_s));
+    const auto raisedAgain = jobs.submit("raised", at(3), work(u"second raised"_s));
     dropped.reset();
     first.reset();
     goOn.release();
-    ASSERT_TRUE(waitUntil([&] { return ended.size() == 3; }));
-    EXPECT_EQ(ended, (QStringList{u"a"_s, u"newest"_s, u"kept"_s}));
+    ASSERT_TRUE(waitUntil([&] { return ended.size() == 5; }));
+    EXPECT_EQ(ended, (QStringList{u"a"_s, u"raised"_s, u"newer"_s, u"newest"_s, u"kept"_s}));
 
     ended.clear();
-    const auto again = jobs.submit("dropped", work(u"again"_s));
+    const auto again = jobs.submit("dropped", at(4), work(u"again"_s));
     ASSERT_TRUE(waitUntil([&] { return ended == QStringList{u"again"_s}; }));
-    auto left = jobs.submit("left", work(u"left"_s, true));
+    auto left = jobs.submit("left", at(4), work(u"left"_s, true));
     begun.acquire();
     left.reset();
-    const auto joinedWhileItRuns = jobs.submit("left", work(u"second left"_s));
-    auto alone = jobs.submit("alone", work(u"alone"_s, true));
+    const auto joinedWhileItRuns = jobs.submit("left", at(4), work(u"second left"_s));
+    auto alone = jobs.submit("alone", at(4), work(u"alone"_s, true));
     goOn.release();
     begun.acquire();
     alone.reset();

@@ -48,16 +48,15 @@ QStringList details(const QString &file, AssetKind kind, const std::optional<Med
 
 TEST(MetadataModel, SayOfEachKindWhatItsFileTells)
 {
-    MediaInfo film{.duration = 12.2, .width = 1920, .height = 1080, .frameRate = 23.976, .codec = u"ap4h"_s};
-    film.hasVideo = true;
+    MediaInfo film{.duration = 12.2, .width = 1920, .height = 1080, .frameRate = 23.976, .codec = 0x61703468};
     EXPECT_EQ(details(u"/v/a.mov"_s, AssetKind::Video, film),
               (QStringList{u"Duration=0:12"_s, u"Resolution=1920 × 1080"_s, u"Frame rate=24 fps"_s,
                            u"Codec=ap4h (alpha capable)"_s}));
-    film.codec = u"avc1"_s;
+    film.codec = 0x61766331;
     film.frameRate = 29.97;
     EXPECT_EQ(details(u"/v/a.mov"_s, AssetKind::Video, film).sliced(2),
               (QStringList{u"Frame rate=30 fps"_s, u"Codec=avc1"_s}));
-    film.hasVideo = false;
+    film.codec = 0;
     MediaInfo still;
     still.width = 40;
     still.height = 30;
@@ -68,7 +67,6 @@ TEST(MetadataModel, SayOfEachKindWhatItsFileTells)
     sound.sampleRate = 48000;
     sound.channels = 2;
     sound.frames = 99840;
-    sound.hasAudio = true;
     EXPECT_EQ(details(u"/v/a.wav"_s, AssetKind::Audio, sound),
               (QStringList{u"Duration=2.1s"_s, u"Sample rate=48000 Hz"_s, u"Channels=Stereo"_s}));
     for (const auto &[channels, text] : {std::pair{1, u"Mono"_s}, std::pair{6, u"6"_s}}) {

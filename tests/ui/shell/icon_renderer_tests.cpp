@@ -65,17 +65,17 @@ TEST(IconRenderer, SizesThatMakeNoBitmapGiveNone)
         EXPECT_EQ(renderIcon(IconStyle::Gold, possible).size(), QSize(possible, possible));
 }
 
-// The star's gradient runs over its diagonal; at the centre it is at 0.5. On the vertical through the centre
+// The star's gradient runs over its diagonal; at the center it is at 0.5. On the vertical through the center
 // the star's upper point lies at 0.25 of the diagonal, its lower one at 0.75.
 TEST(IconRenderer, StarCarriesTheMetalOfItsStyle)
 {
     const QColor centres[]{0x6e717c, 0x7b5cff, 0x6e717c, 0x9a6a1e, 0x6e717c};
     for (const IconStyle style : allIconStyles) {
-        const QColor centre = centres[size_t(style)];
+        const QColor center = centres[size_t(style)];
         SCOPED_TRACE(qPrintable(rawValue(style)));
-        expectPlaces(renderIcon(style, size), {{"centre", 0.5, 0.5, centre, 4}});
+        expectPlaces(renderIcon(style, size), {{"center", 0.5, 0.5, center, 4}});
         expectPlaces(renderStar(style, {size, size}),
-                     {{"centre", 0.5, 0.5, centre, 4}, {"outside", 0.2, 0.2, Qt::transparent, 0}});
+                     {{"center", 0.5, 0.5, center, 4}, {"outside", 0.2, 0.2, Qt::transparent, 0}});
     }
     expectPlaces(renderStar(IconStyle::Gold, {size, size}),
                  {{"one third down the diagonal", 0.375, 0.375, QColor(0xeec16b), 4},
@@ -99,7 +99,7 @@ TEST(IconRenderer, PanelIsLaidOutFromTopToBottom)
 TEST(IconRenderer, GridLinesLieEveryEighthButNotOnTheFarEdges)
 {
     const QImage icon = renderIcon(IconStyle::Midnight, size);
-    // Lines of one pixel centred on a pixel border tint the two pixels beside it.
+    // Lines of one pixel centered on a pixel border tint the two pixels beside it.
     const auto brightness = [&icon](int x, int y) { return icon.pixelColor(x, y).lightness(); };
     for (const int line : {80, 120}) {
         EXPECT_GT(brightness(line, 335), brightness(line + 8, 335)) << line;

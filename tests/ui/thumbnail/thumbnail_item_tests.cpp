@@ -13,7 +13,7 @@ namespace {
 using namespace Qt::StringLiterals;
 using test::waitUntil;
 
-// Pictures on command, and a record of who requests for what.
+// Pictures on command, and a record of what is requested.
 class FakeSource : public ThumbnailProvider
 {
 public:
@@ -35,7 +35,10 @@ public:
         return std::make_unique<PreviewRequest>();
     }
     WaveformPeaks waveform(const Location &url) const override { return peaks.value(url); }
-    double duration(const Location &url) const override { return pictures.contains(url) ? 12 : 0; }
+    std::optional<MediaInfo> info(const Location &url) const override
+    {
+        return pictures.contains(url) ? std::optional(MediaInfo{.duration = 12}) : std::nullopt;
+    }
 
     static QImage filled(const QColor &color)
     {
@@ -155,6 +158,25 @@ TEST_F(ThumbnailItemTest, AsksOnlyWhileItCanBeSeen)
     ASSERT_TRUE(requests(a));
     item.setUrl(b);
     ASSERT_TRUE(requests(b)) << "shows another file";
+}
+
+TEST_F(ThumbnailItemTest, APageIsRequestedFromItsBeginning)
+{
+    item.setActive(false);
+    QList<Location> page;
+    std::vector<std::unique_ptr<ThumbnailItem>> cards;
+    for (int i = 0; i < 6; ++i) {
+        page << Location::fromText(u"/vault/%1.mov"_s.arg(i));
+        auto &card = *cards.emplace_back(std::make_unique<ThumbnailItem>());
+        card.setSource(&source);
+        card.setUrl(page.last());
+        card.setSize({20, 20});
+        card.setPosition({i % 3 * 30.0, i / 3 * 30.0});
+        card.setParentItem(window.contentItem());
+    }
+    show();
+    ASSERT_TRUE(waitUntil([this] { return source.requested.size() == 6; }));
+    EXPECT_EQ(source.requested, page);
 }
 
 TEST_F(ThumbnailItemTest, RequestEndsWithTheItemOrWithThePicture)

@@ -63,7 +63,7 @@ TEST(ScaledThumbnail, CutsCornersAndLaysWhatIsTransparentOnACheckerboard)
         EXPECT_NEAR(seen.red(), 200 * 0.502 + 0x1b * 0.498, 4);
         tones << seen.red();
     }
-    EXPECT_EQ(tones.size(), 2) << "neighbouring squares differ";
+    EXPECT_EQ(tones.size(), 2) << "neighboring squares differ";
 }
 
 TEST(ScaledThumbnail, NothingComesFromNothing)

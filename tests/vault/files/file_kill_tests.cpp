@@ -4,6 +4,7 @@
 #include "support/child.h"
 #include "vault/files/disk.h"
 #include "vault/files/file_operations.h"
+#include "vault/files/trash_index.h"
 #include "vault/temporary_vault.h"
 
 #include <gtest/gtest.h>

@@ -231,10 +231,14 @@ TEST(PowerCut, LosesNothingOnABlockDevice)
 TEST(SafeMoves, AFailingCallLosesNothingAndIsNoSuccess)
 {
     const std::map<std::string, std::set<std::string_view>> kinds{
-        {"open", {"open"}},    {"read", {"read"}},
-        {"write", {"write"}},  {"rename", {"renameat2", "rename", "link"}},
-        {"list", {"readdir"}}, {"flush", {"syncfs", "fsync"}},
-        {"make", {"mkdir"}},   {"remove", {"unlink", "rmdir"}},
+        {"open", {"open", "openat", "opendir"}},
+        {"read", {"read"}},
+        {"write", {"write"}},
+        {"rename", {"renameat2", "rename", "link"}},
+        {"list", {"readdir"}},
+        {"flush", {"syncfs", "fsync"}},
+        {"make", {"mkdir"}},
+        {"remove", {"unlink", "rmdir"}},
     };
     for (const auto &[kind, calls] : kinds) {
         for (const int error : {EIO, EMFILE, ENOSPC}) {
@@ -260,6 +264,7 @@ TEST(SafeMoves, AFailingCallLosesNothingAndIsNoSuccess)
                     EXPECT_TRUE(isComplete(outcome.count ? arrived : sources, file)) << file;
                     EXPECT_TRUE(!arrived.contains(file) || isComplete(arrived, file)) << file;
                 }
+                EXPECT_TRUE(outcome.count == 0 || fs::is_symlink(pack.target() / "link.mov"));
                 EXPECT_EQ(outcome.error.isEmpty(), outcome.count == 1 && !fs::exists(pack.source()))
                     << outcome.error.toStdString();
                 expectNoHiddenCopies(pack.root.c_str());
@@ -395,9 +400,12 @@ TEST(Temporaries, BelongToTheProgramThatLives)
         Temporaries alive(disk.root());
         const Location half = alive.name(disk.at("SFX")).value();
         const Location whole = alive.name(disk.at("SFX")).value();
+        const Location refused = alive.name(disk.at("SFX")).value();
         writeFile(half.c_str(), "half");
         writeFile(whole.c_str(), "whole");
-        ASSERT_TRUE(alive.markComplete({{whole, "Hit.wav"}}));
+        ASSERT_TRUE(alive.markComplete({{refused, "Refused.wav"}, {whole, "Hit.wav"}}));
+        alive.discard(refused);
+        writeFile(refused.c_str(), "what was not removed yet");
         FileOperations(disk.root()).open();
         EXPECT_THAT(left(), ElementsAre("SFX/Hit.wav", "hidden"));
     }

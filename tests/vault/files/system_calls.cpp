@@ -3,7 +3,6 @@
 #include "vault/files/system_calls.h"
 
 #include <cerrno>
-#include <cstdarg>
 #include <cstdio>
 #include <utility>
 
@@ -47,16 +46,6 @@ bool refused(std::string_view call, int descriptor)
     return refuses(call, found);
 }
 
-template<typename Function> Function *original(Function *, const char *name)
-{
-    return reinterpret_cast<Function *>(::dlsym(RTLD_NEXT, name));
-}
-
-mode_t modeOf(int flags, va_list arguments)
-{
-    return flags & O_CREAT ? mode_t(va_arg(arguments, unsigned)) : 0;
-}
-
 } // namespace
 
 WatchedCalls::WatchedCalls(Watch watch) : m_watch(std::move(watch))
@@ -71,110 +60,36 @@ WatchedCalls::~WatchedCalls()
 
 } // namespace cratewell::test
 
-using cratewell::test::modeOf;
-using cratewell::test::original;
-using cratewell::test::refused;
+// The call of that name: refused, or made as it would have been. `shown` is its path or descriptor.
+#define WATCHED_CALL(result, name, parameters, exceptions, shown, refusal, arguments)                        \
+    extern "C" result name parameters exceptions                                                             \
+    {                                                                                                        \
+        static const auto next = reinterpret_cast<decltype(&::name)>(::dlsym(RTLD_NEXT, #name));             \
+        return cratewell::test::refused(#name, shown) ? refusal : next arguments;                            \
+    }
 
-extern "C" {
+// Whatever is made by open here is for its owner alone.
+WATCHED_CALL(int, open, (const char *path, int flags, ...), , path, -1, (path, flags, 0600))
+WATCHED_CALL(int, openat, (int folder, const char *path, int flags, ...), , path, -1,
+             (folder, path, flags, 0600))
+WATCHED_CALL(DIR *, opendir, (const char *path), , path, nullptr, (path))
+WATCHED_CALL(dirent *, readdir, (DIR * folder), , ::dirfd(folder), nullptr, (folder))
+WATCHED_CALL(ssize_t, read, (int file, void *bytes, size_t count), , file, -1, (file, bytes, count))
+WATCHED_CALL(ssize_t, write, (int file, const void *bytes, size_t count), , file, -1, (file, bytes, count))
+WATCHED_CALL(int, fsync, (int file), , file, -1, (file))
+WATCHED_CALL(int, syncfs, (int file), noexcept, file, -1, (file))
+WATCHED_CALL(int, rename, (const char *from, const char *to), noexcept, from, -1, (from, to))
+WATCHED_CALL(int, renameat2, (int a, const char *from, int b, const char *to, unsigned flags), noexcept, from,
+             -1, (a, from, b, to, flags))
+WATCHED_CALL(int, link, (const char *from, const char *to), noexcept, from, -1, (from, to))
+WATCHED_CALL(int, unlink, (const char *path), noexcept, path, -1, (path))
+WATCHED_CALL(int, rmdir, (const char *path), noexcept, path, -1, (path))
+WATCHED_CALL(int, mkdir, (const char *path, mode_t mode), noexcept, path, -1, (path, mode))
 
-int open(const char *path, int flags, ...)
+extern "C" int lstat(const char *path, struct stat *facts) noexcept
 {
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = modeOf(flags, arguments);
-    va_end(arguments);
-    static const auto next = original(&::open, "open");
-    return refused("open", path) ? -1 : next(path, flags, mode);
-}
-
-int openat(int folder, const char *path, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = modeOf(flags, arguments);
-    va_end(arguments);
-    static const auto next = original(&::openat, "openat");
-    return refused("open", path) ? -1 : next(folder, path, flags, mode);
-}
-
-DIR *opendir(const char *path)
-{
-    static const auto next = original(&::opendir, "opendir");
-    return refused("open", path) ? nullptr : next(path);
-}
-
-dirent *readdir(DIR *folder)
-{
-    static const auto next = original(&::readdir, "readdir");
-    return refused("readdir", ::dirfd(folder)) ? nullptr : next(folder);
-}
-
-ssize_t read(int descriptor, void *bytes, size_t count)
-{
-    static const auto next = original(&::read, "read");
-    return refused("read", descriptor) ? -1 : next(descriptor, bytes, count);
-}
-
-ssize_t write(int descriptor, const void *bytes, size_t count)
-{
-    static const auto next = original(&::write, "write");
-    return refused("write", descriptor) ? -1 : next(descriptor, bytes, count);
-}
-
-int fsync(int descriptor)
-{
-    static const auto next = original(&::fsync, "fsync");
-    return refused("fsync", descriptor) ? -1 : next(descriptor);
-}
-
-int syncfs(int descriptor) noexcept
-{
-    static const auto next = original(&::syncfs, "syncfs");
-    return refused("syncfs", descriptor) ? -1 : next(descriptor);
-}
-
-int rename(const char *from, const char *to) noexcept
-{
-    static const auto next = original(&::rename, "rename");
-    return refused("rename", from) ? -1 : next(from, to);
-}
-
-int renameat2(int from, const char *fromPath, int to, const char *toPath, unsigned flags) noexcept
-{
-    static const auto next = original(&::renameat2, "renameat2");
-    return refused("renameat2", fromPath) ? -1 : next(from, fromPath, to, toPath, flags);
-}
-
-int link(const char *from, const char *to) noexcept
-{
-    static const auto next = original(&::link, "link");
-    return refused("link", from) ? -1 : next(from, to);
-}
-
-int unlink(const char *path) noexcept
-{
-    static const auto next = original(&::unlink, "unlink");
-    return refused("unlink", path) ? -1 : next(path);
-}
-
-int rmdir(const char *path) noexcept
-{
-    static const auto next = original(&::rmdir, "rmdir");
-    return refused("rmdir", path) ? -1 : next(path);
-}
-
-int mkdir(const char *path, mode_t mode) noexcept
-{
-    static const auto next = original(&::mkdir, "mkdir");
-    return refused("mkdir", path) ? -1 : next(path, mode);
-}
-
-int lstat(const char *path, struct stat *facts) noexcept
-{
-    static const auto next = original(&::lstat, "lstat");
+    static const auto next = reinterpret_cast<decltype(&::lstat)>(::dlsym(RTLD_NEXT, "lstat"));
     std::string actual(path);
     const bool refusal = cratewell::test::current && cratewell::test::refuses("lstat", actual);
     return refusal ? -1 : next(actual.c_str(), facts);
 }
-
-} // extern "C"

@@ -177,7 +177,8 @@ TEST(VaultScan, DetailsAreThoseOfTheFile)
     const Asset &asset = snapshot->asset(0);
     EXPECT_EQ(asset.kind, AssetKind::Audio);
     EXPECT_EQ(asset.size, 12);
-    EXPECT_EQ(asset.version, (FileVersion{status->inode, 12, status->modified.count()}));
+    EXPECT_EQ(asset.version,
+              (FileVersion{status->inode, 12, status->modified.count(), status->changed.count()}));
     if (status->created)
         EXPECT_NEAR((asset.added + 978307200.0) * 1e9, double(status->created->count()), 1e6);
     else

@@ -17,19 +17,12 @@ int sign(int value)
 // Short alphabets, so that names often share beginnings, numbers and ties.
 QByteArray randomName(std::mt19937 &random)
 {
-    static const QStringView alphabets[] = {u"abAB",
-                                            u"aA0129 ",
-                                            u"012",
-                                            u"cChHlLdDzZ",
-                                            u"sSzZ1",
-                                            u" -_.()[]'!,+&@#~$%{}=;^`",
-                                            u"aAáÁàåäã1\u0301",
-                                            u"eEéÉèêëēė 2",
-                                            u"oOóöőøoõuüűů",
-                                            u"nñńlłgğiıİíïjĳ",
-                                            u"cçčćsšşzžżdđ",
-                                            u"x1\x01\x7f\t"};
-    const QStringView alphabet = alphabets[random() % std::size(alphabets)];
+    static const QStringList alphabets =
+        QStringLiteral(
+            "abAB|aA0129 |012|cChHlLdDzZ|sSzZ1| -_.()[]'!,+&@#~$%{}=;^`|aAáÁàåäã1\u0301|eEéÉèêëēė 2|"
+            "oOóöőøoõuüűů|nñńlłgğiıİíïjĳ|cçčćsšşzžżdđ|x1\x01\x7f\t")
+            .split(u'|');
+    const QString &alphabet = alphabets[qsizetype(random() % size_t(alphabets.size()))];
     QString name(qsizetype(random() % 9), Qt::Uninitialized);
     for (QChar &letter : name) {
         const int dice = int(random() % 24);
@@ -40,14 +33,9 @@ QByteArray randomName(std::mt19937 &random)
     return name.toUtf8();
 }
 
-class NameCollationProperty : public testing::TestWithParam<const char *>
-{
-};
-
 // What the weights say must be what the collator says, for every pair of names and in every language.
-TEST_P(NameCollationProperty, AgreesWithTheCollator)
+void expectAgreement(const QLocale &locale)
 {
-    const QLocale locale{QString::fromLatin1(GetParam())};
     const bool unlocalized = locale.language() == QLocale::C;
     QCollator reference(unlocalized ? QLocale(QLocale::English, QLocale::UnitedStates) : locale);
     reference.setNumericMode(true);
@@ -70,10 +58,15 @@ TEST_P(NameCollationProperty, AgreesWithTheCollator)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Languages, NameCollationProperty,
-                         testing::Values("C", "en_US", "de_DE", "fr_CA", "cs_CZ", "sk_SK", "da_DK", "hu_HU",
-                                         "hr_HR", "es_ES", "cy_GB", "et_EE", "lt_LT", "tr_TR", "ja_JP",
-                                         "th_TH", "sv_SE", "vi_VN", "de_DE@collation=phonebook"));
+TEST(NameCollation, AgreesWithTheCollator)
+{
+    for (const char *locale :
+         {"C", "en_US", "de_DE", "fr_CA", "cs_CZ", "sk_SK", "da_DK", "hu_HU", "hr_HR", "es_ES", "cy_GB",
+          "et_EE", "lt_LT", "tr_TR", "ja_JP", "th_TH", "sv_SE", "vi_VN", "de_DE@collation=phonebook"}) {
+        SCOPED_TRACE(locale);
+        expectAgreement(QLocale{QString::fromLatin1(locale)});
+    }
+}
 
 TEST(NameCollation, KeysOrderPlainAndAccentedNames)
 {

@@ -52,7 +52,7 @@ def not_callable(*_):
 
 
 class Proxy:
-    """Any name seems to be there, as on the host; only calling tells."""
+    """Any name seems to be there, as on the host; only a call shows that it is not."""
 
     def __init__(self, host, data=None):
         self._host = host

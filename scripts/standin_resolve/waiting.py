@@ -1,5 +1,5 @@
 """Stands in the process list and does nothing: ends with the process named by its argument, else with the one
-that started it, or when it is told to."""
+that started it, or when it is asked to."""
 import os
 import sys
 import time
