@@ -48,7 +48,7 @@ QStringList details(const QString &file, AssetKind kind, const std::optional<Med
 
 TEST(MetadataModel, SayOfEachKindWhatItsFileTells)
 {
-    MediaInfo film{.duration = 12.2, .width = 1920, .height = 1080, .frameRate = 23.976, .codec = 0x61703468};
+    MediaInfo film{.duration = 12.2, .frameRate = 23.976, .width = 1920, .height = 1080, .codec = 0x61703468};
     EXPECT_EQ(details(u"/v/a.mov"_s, AssetKind::Video, film),
               (QStringList{u"Duration=0:12"_s, u"Resolution=1920 × 1080"_s, u"Frame rate=24 fps"_s,
                            u"Codec=ap4h (alpha capable)"_s}));
