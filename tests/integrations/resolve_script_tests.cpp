@@ -5,6 +5,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <chrono>
 #include <gtest/gtest.h>
 
 // The insert script in the real interpreter, against the stand-in.
@@ -32,7 +33,8 @@ QJsonObject runScript(const StandInResolve &resolve, const QJsonObject &request,
         QCoro::waitFor(runPython({.interpreter = StandInResolve::interpreter(),
                                   .script = externalResolveScript(),
                                   .arguments = {file.text(), u"A"_s},
-                                  .environment = environment}));
+                                  .environment = environment,
+                                  .limit = std::chrono::seconds(20)}));
     EXPECT_TRUE(line) << "the script has printed nothing";
     return line ? QJsonDocument::fromJson(line->toUtf8()).object() : QJsonObject();
 }
