@@ -42,6 +42,7 @@ protected:
     std::string visible() const
     {
         std::vector<Asset> assets;
+        assets.reserve(size_t(state.visibleCount()));
         for (int row = 0; row < state.visibleCount(); ++row)
             assets.push_back(state.visibleAssets().at(row));
         return joined(assets);

@@ -165,7 +165,8 @@ TEST_F(Menus, MoveToListsTheFoldersThatTakeTheSelection)
     EXPECT_FALSE(entries().contains(u"SFX"_s));
     EXPECT_EQ(controls.accessibilityIssues(), "");
     ASSERT_TRUE(choose(u"Overlays"_s));
-    EXPECT_TRUE(waitUntil([this] { return state.visibleAssets().row(app.path(u"Overlays/White.png"_s)) >= 0; }));
+    EXPECT_TRUE(
+        waitUntil([this] { return state.visibleAssets().row(app.path(u"Overlays/White.png"_s)) >= 0; }));
 
     // Back with the keyboard: from the submenu's first line to its second.
     ASSERT_TRUE(opensOn(Card, u"White"_s));
@@ -175,8 +176,8 @@ TEST_F(Menus, MoveToListsTheFoldersThatTakeTheSelection)
     ASSERT_TRUE(controls.shows(MenuItem, u"Flashes"_s));
     app.key(Qt::Key_Down);
     app.key(Qt::Key_Return);
-    EXPECT_TRUE(
-        waitUntil([this] { return state.visibleAssets().row(app.path(u"Overlays/Flashes/White.png"_s)) >= 0; }));
+    EXPECT_TRUE(waitUntil(
+        [this] { return state.visibleAssets().row(app.path(u"Overlays/Flashes/White.png"_s)) >= 0; }));
     EXPECT_TRUE(waitUntil([this] { return entries().isEmpty(); }));
 }
 
