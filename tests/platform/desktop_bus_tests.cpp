@@ -93,11 +93,9 @@ TEST_F(DesktopBus, AppearanceFollowsThePortalAndItsReturn)
             {desktopGroup, u"enable-animations"_s, true, true, false},
             {appearanceGroup, u"reduced-motion"_s, 1u, true, true},
             {appearanceGroup, u"color-scheme"_s, u"light"_s, true, true},
-            {appearanceGroup, u"accent-color"_s, 2u, true, true},
             {desktopGroup, u"color-scheme"_s, 2u, true, true},
             {appearanceGroup, u"reduced-motion"_s, 0u, true, false},
             {appearanceGroup, u"color-scheme"_s, 2u, false, false},
-            {appearanceGroup, u"color-scheme"_s, 0u, true, false},
         };
         bool dark = false;
         bool reduced = true;

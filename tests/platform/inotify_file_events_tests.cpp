@@ -22,18 +22,13 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
-void write(const fs::path &file, std::string_view content = "content")
+constexpr auto inPlace = std::ios::in | std::ios::out;
+
+void write(const fs::path &file, std::ios::openmode mode = std::ios::out)
 {
     fs::create_directories(file.parent_path());
-    std::ofstream stream(file, std::ios::binary);
-    stream << content;
-    ASSERT_TRUE(stream.good()) << file;
-}
-
-void overwriteInPlace(const fs::path &file)
-{
-    std::fstream stream(file, std::ios::in | std::ios::out | std::ios::binary);
-    stream << "other";
+    std::fstream stream(file, mode);
+    stream << "content";
     ASSERT_TRUE(stream.good()) << file;
 }
 
@@ -62,6 +57,16 @@ public:
     bool reportsAndRests() const
     {
         return test::waitUntil([this] { return reported > 0 && isQuiet(); });
+    }
+
+    // Whether what happened before is reported, and then what `act` does.
+    bool reportsWhen(const std::function<void()> &act)
+    {
+        if (!reportsAndRests())
+            return false;
+        reported = 0;
+        act();
+        return reportsAndRests();
     }
 
     InotifyFileEvents events;
@@ -200,10 +205,7 @@ TEST(InotifyFileEvents, WaitForARootThatDoesNotExistYet)
     followed.events.watch(Location::fromBytes(root.c_str()), {}, std::chrono::system_clock::now());
     fs::create_directories(followed.top() / "not/yet");
     fs::create_directories(root / "inner");
-    ASSERT_TRUE(followed.reportsAndRests());
-    followed.reported = 0;
-    write(root / "inner/file");
-    EXPECT_TRUE(test::waitUntil([&] { return followed.reported > 0; }));
+    EXPECT_TRUE(followed.reportsWhen([&] { write(root / "inner/file"); }));
 }
 
 TEST(InotifyFileEvents, TellABurstAFewTimesAndItsEndAlways)
@@ -235,14 +237,13 @@ TEST(InotifyFileEvents, StopAndChangeRootsAtOnce)
     followed.watch();
     followed.events.watch(Location::fromBytes((followed.top() / "next").c_str()), {},
                           std::chrono::system_clock::now());
-    ASSERT_TRUE(followed.reportsAndRests());
-    followed.reported = 0;
-    overwriteInPlace(followed.top() / "root/file");
-    overwriteInPlace(followed.top() / "next/file");
-    ASSERT_TRUE(followed.reportsAndRests());
+    ASSERT_TRUE(followed.reportsWhen([&] {
+        write(followed.top() / "root/file", inPlace);
+        write(followed.top() / "next/file", inPlace);
+    }));
     EXPECT_EQ(followed.reported, 1);
 
-    overwriteInPlace(followed.top() / "next/file");
+    write(followed.top() / "next/file", inPlace);
     followed.events.stop();
     followed.reported = 0;
     followed.events.watch(Location(), {}, std::chrono::system_clock::now());
@@ -292,21 +293,15 @@ TEST(InotifyLimitChild, DISABLED_ChecksWhatItCannotWatch)
         write(file(i));
     followed.watch();
     ASSERT_TRUE(test::waitUntil([&] { return followed.limits > 0; }));
-    const auto reportsWhen = [&](const std::function<void()> &act) {
-        if (!followed.reportsAndRests())
-            return false;
-        followed.reported = 0;
-        act();
-        return followed.reportsAndRests();
-    };
-    EXPECT_TRUE(reportsWhen([&] {
+    EXPECT_TRUE(followed.reportsWhen([&] {
         for (int i = 0; i < folders; ++i)
-            overwriteInPlace(file(i));
+            write(file(i), inPlace);
     }));
     for (const int i : {0, folders - 1}) {
-        EXPECT_TRUE(reportsWhen([&] { write(file(i).parent_path() / "new/sub/file"); })) << i;
-        EXPECT_TRUE(reportsWhen([&] { overwriteInPlace(file(i).parent_path() / "new/sub/file"); })) << i;
-        EXPECT_TRUE(reportsWhen([&] { fs::remove_all(file(i).parent_path()); })) << i;
+        EXPECT_TRUE(followed.reportsWhen([&] { write(file(i).parent_path() / "new/sub/file"); })) << i;
+        EXPECT_TRUE(followed.reportsWhen([&] { write(file(i).parent_path() / "new/sub/file", inPlace); }))
+            << i;
+        EXPECT_TRUE(followed.reportsWhen([&] { fs::remove_all(file(i).parent_path()); })) << i;
     }
     EXPECT_EQ(followed.limits, 1);
 }

@@ -43,18 +43,11 @@ TEST(Location, ComesFromAbsolutePathsAndLocalFileUrisOnly)
 
 TEST(Location, SplitsNamesAtTheLastDot)
 {
-    // Path, then base name and extension.
-    const std::initializer_list<QByteArrayList> cases = {{"/v/Hit.wav", "Hit", "wav"},
-                                                         {"/v/a.tar.GZ", "a.tar", "GZ"},
-                                                         {"/v/.cube", ".cube", ""},
-                                                         {"/v/..cube", ".", "cube"},
-                                                         {"/v.x/plain", "plain", ""},
-                                                         {"/v/end.", "end.", ""},
-                                                         {"/v/.hidden.png", ".hidden", "png"},
-                                                         {"/v/a b.m p4", "a b", "m p4"},
-                                                         {"/", "", ""},
-                                                         {"", "", ""}};
-    for (const auto &c : cases) {
+    // Path, base name and extension.
+    const QByteArray cases = "/v/Hit.wav|Hit|wav /v/a.tar.GZ|a.tar|GZ /v/.cube|.cube| /v/..cube|.|cube "
+                             "/v.x/plain|plain| /v/end.|end.| /v/.hidden.png|.hidden|png /|| ||";
+    for (const QByteArray &line : cases.split(' ')) {
+        const QByteArrayList c = line.split('|');
         const Location place = at(c[0]);
         EXPECT_EQ(place.name().toUtf8(), c[0].sliced(c[0].lastIndexOf('/') + 1)) << c[0].constData();
         EXPECT_EQ(place.baseName().toUtf8(), c[1]) << c[0].constData();
@@ -81,22 +74,12 @@ TEST(Location, KnowsParentsChildrenAndWhatLiesInside)
 
 TEST(Location, CarriesAnyBytesThroughTextAndUris)
 {
-    const QByteArrayList names = {"plain",
-                                  "caf\xC3\xA9",
-                                  "\xF0\x9F\x8E\xAC emoji",
-                                  "100% %20 #?;&",
-                                  "\xFF\xFE",
-                                  "ok\xC3",
-                                  "\xC3\x28",
-                                  "\xED\xB2\x80 encoded surrogate",
-                                  "\xC0\xAF",
-                                  "\xF4\x90\x80\x80",
-                                  "\xEF\xBB\xBFmark",
-                                  "\xEF\xBB\xBF\xEF\xBB\xBF\xFFmark",
-                                  "\xE2\x82",
-                                  "a\xF0\x9F\x8E\xFFz",
-                                  "\xEF\xBF\xBD replacement",
-                                  "\xC2\x80"};
+    const QByteArrayList names =
+        QByteArray("plain|caf\xC3\xA9|\xF0\x9F\x8E\xAC emoji|100% %20 #?;&|\xFF\xFE|ok\xC3|\xC3\x28|"
+                   "\xED\xB2\x80 encoded surrogate|\xC0\xAF|\xF4\x90\x80\x80|\xEF\xBB\xBFmark|"
+                   "\xEF\xBB\xBF\xEF\xBB\xBF\xFFmark|\xE2\x82|a\xF0\x9F\x8E\xFFz|"
+                   "\xEF\xBF\xBD replacement|\xC2\x80")
+            .split('|');
     for (const QByteArray &name : names) {
         const Location place = at("/v").child(name);
         EXPECT_EQ(Location::fromText(place.text()), place) << name.toHex().constData();

@@ -4,45 +4,14 @@
 #include "platform/posix/shared_memory.h"
 
 #include "support/file_size_limit.h"
+#include "vault/files/system_calls.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <sys/syscall.h>
 #include <unistd.h>
-
-namespace {
-
-// The calls that this thread makes while it has one, and which of them fails (counted from 0).
-struct SystemCallLog
-{
-    QByteArrayList calls;
-    qsizetype failing = -1;
-};
-thread_local SystemCallLog *callLog = nullptr;
-
-bool failsNow(const char *call)
-{
-    if (!callLog)
-        return false;
-    errno = EIO;
-    callLog->calls += call;
-    return callLog->calls.size() == callLog->failing + 1;
-}
-
-} // namespace
-
-// In place of the C library's own, also for the library under test.
-extern "C" int fsync(int descriptor)
-{
-    return failsNow("fsync") ? -1 : int(::syscall(SYS_fsync, descriptor));
-}
-extern "C" int renameat(int from, const char *oldName, int to, const char *newName) noexcept
-{
-    return failsNow("renameat") ? -1 : int(::syscall(SYS_renameat2, from, oldName, to, newName, 0));
-}
 
 namespace cratewell {
 namespace {
@@ -151,23 +120,28 @@ TEST_F(Posix, LeavesTheOldFileAndNoTemporaryOneWhenItCannotReplace)
 
 TEST_F(Posix, FlushesTheBytesBeforeTheRenameAndTheNameAfterIt)
 {
-    const QByteArrayList flushed = {"fsync", "renameat", "fsync"};
-    for (qsizetype failing = 0; failing <= flushed.size(); ++failing) {
+    // What is flushed and what a reader finds then.
+    using Flushed = std::vector<std::pair<bool, QByteArray>>;
+    const Flushed all = {{false, "content"}, {true, "new"}};
+    const auto replace = [this](Flush how, size_t failing) {
+        Flushed flushed;
+        const test::WatchedCalls watched([&](std::string_view call, const std::string &path) {
+            if (call != "fsync")
+                return 0;
+            flushed.emplace_back(path == at({}).c_str(), read("file"));
+            return flushed.size() == failing ? EIO : 0;
+        });
+        const Result<void> done = replaceAtomically(at("file"), "new", {.flush = how});
+        EXPECT_EQ(codeOf(done), failing > 0 ? EIO : 0);
+        return flushed;
+    };
+    for (const size_t failing : {1, 2, 0}) {
         write("file", "content");
-        SystemCallLog log{{}, failing};
-        callLog = &log;
-        const Result<void> done = replaceAtomically(at("file"), "new", {.flush = Flush::Yes});
-        callLog = nullptr;
-        EXPECT_EQ(codeOf(done), failing < flushed.size() ? EIO : 0);
-        EXPECT_EQ(log.calls, flushed.first(std::min(failing + 1, flushed.size())));
-        EXPECT_EQ(read("file"), failing < 2 ? "content" : "new");
+        EXPECT_EQ(replace(Flush::Yes, failing), failing == 1 ? Flushed{all[0]} : all);
+        EXPECT_EQ(read("file"), failing == 1 ? "content" : "new");
         EXPECT_EQ(names(), m_names);
     }
-    SystemCallLog log;
-    callLog = &log;
-    write("file", "unflushed");
-    callLog = nullptr;
-    EXPECT_EQ(log.calls, QByteArrayList{"renameat"});
+    EXPECT_EQ(replace(Flush::No, 0), Flushed());
 }
 
 TEST_F(Posix, DescriptorsAreClosedByTheirOneOwner)
