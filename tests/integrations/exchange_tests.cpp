@@ -50,13 +50,7 @@ TEST_F(Exchange, WaitsForTheAnswerWithItsId)
 
 TEST_F(Exchange, GivesUpAtTheDeadlineWhateverLiesThere)
 {
-    const QByteArrayList contents = {"",
-                                     "[]",
-                                     R"({"id": "B"})",
-                                     R"({"id": 1})",
-                                     "\xff\0",
-                                     R"({"ok":1})",
-                                     R"({"id": "A"}x)",
+    const QByteArrayList contents = {"[]", R"({"id": "B"})", R"({"id": 1})", R"({"id": "A"}x)",
                                      R"({"id": "A", "x": ")" + QByteArray(1 << 20, 'x') + "\"}"};
     for (const QByteArray &content : contents) {
         write(content);

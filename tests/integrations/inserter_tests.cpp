@@ -87,9 +87,7 @@ TEST_F(InserterTest, PicksTheEditorByPreferenceThenByWhatRunsThenByLastUse)
     } cases[] = {
         {u"auto"_s, {}, {}, {}, {}},
         {u"auto"_s, {u"org.example.Resolve"_s}, {}, {}, {}},
-        {u"auto"_s, {resolveId}, {}, {}, Resolve},
         {u"auto"_s, {resolveId + u"Lite"_s}, {}, {}, Resolve},
-        {u"auto"_s, {premiereId}, {}, {}, Premiere},
         {u"auto"_s, {premiereId, resolveId}, {}, {}, Resolve},
         {u"auto"_s, {premiereId, resolveId}, premiereId, {}, Premiere},
         {u"auto"_s, {resolveId}, premiereId, {}, Resolve},
@@ -140,36 +138,28 @@ TEST_F(InserterTest, SaysWhereAnAssetWillGo)
 {
     EXPECT_EQ(m_inserter->targetDescription(m_lut),
               u"Open Resolve or Premiere to insert, or drag the asset onto your timeline."_s);
+    const QString resolve = u"Goes to DaVinci Resolve at the playhead on "_s;
+    const QString premiere = u"Goes to Premiere Pro at the playhead on "_s;
     const struct
     {
-        QString target;
-        QString track;
-        QString mode;
+        QString target, track, mode;
         bool apply;
-        QString onVideo;
-        QString onAudio;
+        QString goesTo, video;
     } cases[] = {
-        {u"resolve"_s, u"newTop"_s, u"screen"_s, true,
-         u"Goes to DaVinci Resolve at the playhead on a new top track, Screen blend."_s,
-         u"Goes to DaVinci Resolve at the playhead on the first free audio track."_s},
-        {u"premiere"_s, u"free"_s, u"softLight"_s, true,
-         u"Goes to Premiere Pro at the playhead on the highest free track, Soft Light blend."_s,
-         u"Goes to Premiere Pro at the playhead on the first free audio track."_s},
-        {u"resolve"_s, u"other"_s, u"Multiply"_s, true,
-         u"Goes to DaVinci Resolve at the playhead on the highest free track, Screen blend."_s,
-         u"Goes to DaVinci Resolve at the playhead on the first free audio track."_s},
-        {u"resolve"_s, u"newTop"_s, u"add"_s, false,
-         u"Goes to DaVinci Resolve at the playhead on a new top track."_s,
-         u"Goes to DaVinci Resolve at the playhead on the first free audio track."_s},
+        {u"resolve"_s, u"newTop"_s, u"screen"_s, true, resolve, u"a new top track, Screen blend."_s},
+        {u"premiere"_s, u"free"_s, u"softLight"_s, true, premiere,
+         u"the highest free track, Soft Light blend."_s},
+        {u"resolve"_s, u"other"_s, u"Multiply"_s, true, resolve, u"the highest free track, Screen blend."_s},
+        {u"resolve"_s, u"newTop"_s, u"add"_s, false, resolve, u"a new top track."_s},
     };
-    for (const auto &[target, track, mode, apply, onVideo, onAudio] : cases) {
+    for (const auto &[target, track, mode, apply, goesTo, video] : cases) {
         m_prefs.setInsertTarget(target);
         m_prefs.setOverlayTrack(track);
         m_prefs.setBlendMode(mode);
         m_prefs.setApplyBlendOnInsert(apply);
-        EXPECT_EQ(m_inserter->targetDescription(m_smoke), onVideo);
-        EXPECT_EQ(m_inserter->targetDescription(asset(u"/v/Leak.png"_s, AssetKind::Image)), onVideo);
-        EXPECT_EQ(m_inserter->targetDescription(m_hit), onAudio);
+        for (const Asset &visible : {m_smoke, asset(u"/v/Leak.png"_s, AssetKind::Image)})
+            EXPECT_EQ(m_inserter->targetDescription(visible), goesTo + video);
+        EXPECT_EQ(m_inserter->targetDescription(m_hit), goesTo + u"the first free audio track."_s);
         EXPECT_EQ(m_inserter->targetDescription(m_lut),
                   u"LUTs are kept in your library. Drag one onto a clip or node to use it."_s);
     }

@@ -1,6 +1,5 @@
 #include "integrations/internal/exchange_file.h"
 #include "integrations/internal/python_run.h"
-#include "integrations/premiere_bridge.h"
 #include "integrations/resolve_bridge.h"
 #include "platform/fakes/memory_defaults.h"
 #include "stand_in_resolve.h"
@@ -72,18 +71,6 @@ TEST(ResolveAnswer, BecomesAResultOrNothing)
     EXPECT_FALSE(resolveResult({}));
 }
 
-TEST(BlendNumbers, AreTheEditorsOwn)
-{
-    QList<int> resolve;
-    QList<int> premiere;
-    for (const BlendMode mode : allBlendModes) {
-        resolve += ResolveBridge::blendNumber(mode);
-        premiere += PremiereBridge::blendNumber(mode);
-    }
-    EXPECT_EQ(resolve, (QList{0, 5, 1, 6, 8, 4}));
-    EXPECT_EQ(premiere, (QList{0, 8, 10, 12, 13, 3}));
-}
-
 // The bridge on a home of its own. The program's environment leads the interpreter to the stand-in.
 class ResolveBridgeTest : public testing::Test
 {
@@ -142,18 +129,6 @@ TEST_F(ResolveBridgeTest, PlacesAnAssetAndTakesTheRequestBack)
     EXPECT_FALSE(QFile::exists(m_request.text()));
 }
 
-TEST_F(ResolveBridgeTest, LeavesTheRequestQueuedWhenResolveCannotBeReached)
-{
-    ASSERT_TRUE(m_resolve.arrange(u"failures['scriptapp'] = 'none'"_s));
-    const InsertResult result = insert();
-    EXPECT_FALSE(result.ok);
-    EXPECT_EQ(result.message, queued);
-    const std::optional<QJsonObject> request = readExchangeFile(m_request);
-    ASSERT_TRUE(request);
-    EXPECT_EQ((*request)[u"path"].toString(), m_asset.url.text());
-    EXPECT_EQ((*request)[u"blend"].toInt(), 5);
-}
-
 TEST_F(ResolveBridgeTest, QueuesWhateverGivesNoUsableAnswer)
 {
     const std::pair<QByteArray, std::chrono::milliseconds> cases[] = {
@@ -170,10 +145,8 @@ TEST_F(ResolveBridgeTest, QueuesWhateverGivesNoUsableAnswer)
         EXPECT_EQ(insert(limit).message, queued) << python.constData();
         EXPECT_TRUE(readExchangeFile(m_request)) << python.constData();
     }
-    for (const Location &python : {m_resolve.folder().child("missing"), m_resolve.file("not executable")}) {
-        m_paths.python = python;
-        EXPECT_EQ(insert().message, queued);
-    }
+    m_paths.python = m_resolve.folder().child("missing");
+    EXPECT_EQ(insert().message, queued);
 }
 
 TEST_F(ResolveBridgeTest, FindsTheAnswerAmongNoiseAndAfterAHang)
@@ -209,14 +182,19 @@ TEST_F(ResolveBridgeTest, GivesTheScriptItsEnvironment)
     EXPECT_EQ(insert().message, both + api + u"/Modules/"_s);
 }
 
-TEST_F(ResolveBridgeTest, FailsWithTheSystemsWordsWhereTheRequestCannotBeWritten)
+TEST_F(ResolveBridgeTest, QueuesWithoutResolveAndFailsWithTheSystemsWordsWhereItCannotWrite)
 {
-    // An older request stays where no new one can come: not that one is to be placed.
     ASSERT_TRUE(m_resolve.arrange(u"failures['scriptapp'] = 'none'"_s));
-    EXPECT_EQ(insert().message, queued);
+    InsertResult result = insert();
+    EXPECT_FALSE(result.ok);
+    EXPECT_EQ(result.message, queued);
     const std::optional<QJsonObject> older = readExchangeFile(m_request);
+    ASSERT_TRUE(older);
+    EXPECT_EQ((*older)[u"path"].toString(), m_asset.url.text());
+    EXPECT_EQ((*older)[u"blend"].toInt(), 5);
+
+    // The older request stays where no new one can come: not that one is to be placed.
     ASSERT_TRUE(m_resolve.arrange({}));
-    InsertResult result;
     {
         const FileSizeLimit limit(10);
         result = insert();
@@ -262,16 +240,6 @@ TEST_F(ResolveBridgeTest, MayGoBeforeTheAnswerComes)
     QCoro::Task<InsertResult> task = bridge->insert(m_asset);
     bridge.reset();
     EXPECT_TRUE(QCoro::waitFor(std::move(task)).ok);
-}
-
-TEST(PremiereBridgeTest, SaysThatNoPanelAnswers)
-{
-    PremiereBridge bridge;
-    const InsertResult result = QCoro::waitFor(bridge.insert({}));
-    EXPECT_FALSE(result.ok);
-    EXPECT_EQ(result.message,
-              u"Premiere didn't answer. In Premiere open Window › Extensions › Cratewell once; it "
-              "stays connected after that."_s);
 }
 
 } // namespace

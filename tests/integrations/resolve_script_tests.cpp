@@ -24,8 +24,7 @@ QJsonObject requestFor(const Location &asset, const QJsonObject &changes = {})
     return request;
 }
 
-QJsonObject runScript(const StandInResolve &resolve, const QJsonObject &request,
-                      const QProcessEnvironment &environment)
+QJsonObject runScript(const StandInResolve &resolve, const QJsonObject &request)
 {
     const Location file = resolve.folder().child("request.json");
     EXPECT_TRUE(writeExchangeFile(file, request));
@@ -33,15 +32,10 @@ QJsonObject runScript(const StandInResolve &resolve, const QJsonObject &request,
         QCoro::waitFor(runPython({.interpreter = StandInResolve::interpreter(),
                                   .script = externalResolveScript(),
                                   .arguments = {file.text(), u"A"_s},
-                                  .environment = environment,
+                                  .environment = resolve.environment(),
                                   .limit = std::chrono::seconds(20)}));
     EXPECT_TRUE(line) << "the script has printed nothing";
     return line ? QJsonDocument::fromJson(line->toUtf8()).object() : QJsonObject();
-}
-
-QJsonObject runScript(const StandInResolve &resolve, const QJsonObject &request)
-{
-    return runScript(resolve, request, resolve.environment());
 }
 
 QJsonObject failure(const QString &message)
@@ -61,27 +55,17 @@ TEST(ResolveScript, AnswersEachFailureWithItsSentence)
     const QJsonObject noTimeline = failure(u"Open a timeline in Resolve first."_s);
     const QJsonObject noImport = failure(u"Resolve could not import Smoke."_s);
     const QJsonObject noPlace = failure(u"Resolve imported Smoke but could not place it on the timeline."_s);
-    const QString busyTrack = u"failures['AddTrack'] = 'false'; place('V1', 'Talk', 86400, 999)"_s;
     const std::pair<QString, QJsonObject> cases[] = {
         {u"failures['import'] = 'raise'"_s, unreachable},
-        {u"failures['scriptapp'] = 'raise'"_s, unreachable},
         {u"failures['scriptapp'] = 'none'"_s, unreachable},
         {u"failures['GetProjectManager'] = 'none'"_s, noProject},
         {u"state['project'] = None"_s, noProject},
         {u"project['current_timeline'] = ''"_s, noTimeline},
-        {u"failures['GetCurrentTimeline'] = 'false'"_s, noTimeline},
         {u"failures['ImportMedia'] = 'none'"_s, noImport},
-        {u"failures['ImportMedia'] = 'false'"_s, noImport},
-        {u"failures['ImportMedia'] = 'empty'"_s, noImport},
         {u"failures['AppendToTimeline'] = 'none'"_s, noPlace},
-        {u"failures['AppendToTimeline'] = 'false'"_s, noPlace},
-        {u"failures['AppendToTimeline'] = 'empty'"_s, noPlace},
-        // The host drops the overlap and hands back a hollow item, or nothing.
-        {busyTrack, noPlace},
-        {busyTrack + u"; host['hollow_overlaps'] = False"_s, noPlace},
+        // The host drops the overlap and hands back a hollow item.
+        {u"failures['AddTrack'] = 'false'; place('V1', 'Talk', 86400, 999)"_s, noPlace},
         {u"failures['ImportMedia'] = 'raise'"_s, failure(u"Resolve error: ImportMedia failed"_s)},
-        {u"failures['GetCurrentTimecode'] = 'raise'"_s,
-         failure(u"Resolve error: GetCurrentTimecode failed"_s)},
     };
     for (const auto &[arrange, answer] : cases) {
         StandInResolve resolve;
@@ -91,21 +75,6 @@ TEST(ResolveScript, AnswersEachFailureWithItsSentence)
         EXPECT_EQ(resolve.project()[u"current_bin"].toString(u"Master"_s), u"Master"_s)
             << qPrintable(arrange);
     }
-    StandInResolve resolve;
-    ASSERT_TRUE(resolve.arrange({}));
-    QProcessEnvironment withoutModule = resolve.environment();
-    withoutModule.remove(u"PYTHONPATH"_s);
-    EXPECT_EQ(runScript(resolve, requestFor(resolve.file("Smoke.mov")), withoutModule), unreachable);
-}
-
-TEST(ResolveScript, RefusesARequestWithoutPathOrKind)
-{
-    StandInResolve resolve;
-    ASSERT_TRUE(resolve.arrange({}));
-    EXPECT_EQ(runScript(resolve, {{u"id"_s, u"A"_s}, {u"kind"_s, u"video"_s}}),
-              failure(u"Resolve error: 'path'"_s));
-    EXPECT_EQ(runScript(resolve, {{u"id"_s, u"A"_s}, {u"path"_s, u"/Smoke.mov"_s}}),
-              failure(u"Resolve error: 'kind'"_s));
 }
 
 struct Placement
@@ -146,24 +115,12 @@ TEST(ResolveScript, PlacesTheClipWhereItIsAskedTo)
         // the end frame counts.
         {u"host['version'] = [18, 6, 6, 7, '']"_s, onV2},
         {u"host['version'] = [19, 0, 0, 25, 'b']"_s, onV2},
-        {u"host['version'] = [20, 3, 1, 6, '']"_s, onV2},
-        {u"host['version'] = [21, 0, 3, 7, '']"_s, onV2},
         {u"host['version'] = [18, 0, 0, 0, '']; failures['GetVersion'] = 'none'"_s, onV2},
         // Frames by the timeline's rate.
         {u"timeline.update(rate='29.97 DF', playhead='01:00:00;02')"_s, at29, {}, u"01:00:00;02"_s},
         {u"timeline.update(rate=29, playhead='01:00:00:02')"_s, at29, {}, u"01:00:00:02"_s},
-        {u"timeline.update(rate='59.94', playhead='00:01:00:00')"_s,
-         u"V2 Smoke.mov 3600-3720 of 0-120 mode 5"_s,
-         {},
-         u"00:01:00:00"_s},
-        {u"timeline.update(rate='23.976', playhead='00:00:01:23')"_s,
-         u"V2 Smoke.mov 47-167 of 0-120 mode 5"_s,
-         {},
-         u"00:00:01:23"_s},
         {u"failures['GetSetting'] = 'none'"_s, onV2},
         // The track: only the top one is looked at, under the whole clip.
-        {u"timeline['video'] = []"_s, onV1},
-        {{}, onV2, {{u"track"_s, u"lowest"_s}}},
         {{}, onV1, onFree},
         {u"timeline['video'] = []"_s, onV1, onFree},
         {u"timeline['video'].append({'items': []}); place('V2', 'Talk', 86600, 100)"_s, onV3, onFree},
@@ -184,7 +141,6 @@ TEST(ResolveScript, PlacesTheClipWhereItIsAskedTo)
         {{}, plain, {{u"blend"_s, -1}}},
         {{}, plain, {{u"blend"_s, 0}}},
         {u"failures['SetProperty'] = 'raise'"_s, plain},
-        {u"failures['SetProperty'] = 'false'"_s, plain},
     });
 }
 
@@ -197,6 +153,7 @@ TEST(ResolveScript, AddsAStereoTrackForSounds)
     EXPECT_EQ(resolve.project()[u"timelines"][0][u"audio"][0][u"type"].toString(), u"stereo"_s);
 }
 
+// Also with a name that is no UTF-8.
 TEST(ResolveScript, KeepsItsClipsInOneBinAndTheUsersBinCurrent)
 {
     StandInResolve resolve;
@@ -204,23 +161,16 @@ TEST(ResolveScript, KeepsItsClipsInOneBinAndTheUsersBinCurrent)
         resolve.arrange(u"project['pool']['bins'].append({'name': 'Dailies', 'clips': [], 'bins': []});"
                         "project['current_bin'] = 'Master/Dailies'"_s));
     const QJsonObject first = requestFor(resolve.file("Smoke.mov"));
-    const QJsonObject second = requestFor(resolve.file("Dust \"2\" \U0001F525.mov"));
+    const QJsonObject second = requestFor(resolve.file("Dust \"2\" \U0001F525 caf\xe9.mov"));
     EXPECT_EQ(runScript(resolve, first), success(u"Inserted Smoke on V2 at 01:00:10:12"_s));
-    EXPECT_EQ(runScript(resolve, second), success(u"Inserted Dust \"2\" \U0001F525 on V3 at 01:00:10:12"_s));
+    EXPECT_EQ(runScript(resolve, second),
+              success(u"Inserted Dust \"2\" \U0001F525 caf\xdce9 on V3 at 01:00:10:12"_s));
 
     const QJsonArray bins = resolve.project()[u"pool"][u"bins"].toArray();
     ASSERT_EQ(bins.size(), 2);
     EXPECT_EQ(bins[1][u"name"].toString(), u"Cratewell"_s);
     EXPECT_EQ(bins[1][u"clips"].toArray().size(), 2);
     EXPECT_EQ(resolve.project()[u"current_bin"].toString(), u"Master/Dailies"_s);
-}
-
-TEST(ResolveScript, ReachesFilesWhoseNamesAreNoUtf8)
-{
-    StandInResolve resolve;
-    ASSERT_TRUE(resolve.arrange({}));
-    const QJsonObject answer = runScript(resolve, requestFor(resolve.file("caf\xe9.mov")));
-    EXPECT_EQ(answer, success(u"Inserted caf\xdce9 on V2 at 01:00:10:12"_s));
 }
 
 } // namespace

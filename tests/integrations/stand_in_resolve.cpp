@@ -24,18 +24,13 @@ place = lambda *clip: project_file.place(state, *clip)
 project_file.write(path, state)
 )"_s;
 
-void appendPlaced(QStringList &placed, const QString &track, const QJsonObject &item)
+QString textOf(const QJsonObject &item)
 {
-    // What a test has put there itself comes from no file.
-    if (item[u"path"].toString().isEmpty())
-        return;
     const auto number = [](const QJsonValue &value) { return QString::number(value.toInt()); };
-    QString text = u"%1 %2 %3-%4 of %5-%6"_s.arg(track, item[u"name"].toString(), number(item[u"start"]),
-                                                 number(item[u"end"]), number(item[u"source"][0]),
-                                                 number(item[u"source"][1]));
-    if (const int mode = item[u"composite"].toInt())
-        text += u" mode %1"_s.arg(mode);
-    placed += text;
+    const int mode = item[u"composite"].toInt();
+    return u" %1 %2-%3 of %4-%5"_s.arg(item[u"name"].toString(), number(item[u"start"]), number(item[u"end"]),
+                                       number(item[u"source"][0]), number(item[u"source"][1])) +
+           (mode ? u" mode %1"_s.arg(mode) : QString());
 }
 
 } // namespace
@@ -84,15 +79,15 @@ QJsonObject StandInResolve::project() const
 QStringList StandInResolve::placed() const
 {
     QStringList placed;
-    const QJsonValue timeline = project()[u"timelines"][0];
-    const QJsonArray video = timeline[u"video"].toArray();
-    for (qsizetype i = video.size() - 1; i >= 0; --i)
-        for (const QJsonValue item : video[i][u"items"].toArray())
-            appendPlaced(placed, u"V%1"_s.arg(i + 1), item.toObject());
-    const QJsonArray audio = timeline[u"audio"].toArray();
-    for (qsizetype i = 0; i < audio.size(); ++i)
-        for (const QJsonValue item : audio[i][u"items"].toArray())
-            appendPlaced(placed, u"A%1"_s.arg(i + 1), item.toObject());
+    for (const QString &kind : {u"video"_s, u"audio"_s}) {
+        const QJsonArray tracks = project()[u"timelines"][0][kind].toArray();
+        for (qsizetype i = 0; i < tracks.size(); ++i) {
+            // What a test has put there itself comes from no file.
+            for (const QJsonValue item : tracks[i][u"items"].toArray())
+                if (!item[u"path"].toString().isEmpty())
+                    placed += kind[0].toUpper() + QString::number(i + 1) + textOf(item.toObject());
+        }
+    }
     return placed;
 }
 

@@ -25,7 +25,8 @@ public:
     // Makes the stand-in reachable for a script.
     QProcessEnvironment environment() const;
     QJsonObject project() const;
-    // What inserts have placed, topmost video track first: "V2 Smoke.mov 86652-86772 of 0-120 mode 5".
+    // What inserts have placed, video from the lowest track up, then audio: "V2 Smoke.mov 86652-86772 of
+    // 0-120 mode 5".
     QStringList placed() const;
 
     const Location &folder() const { return m_folder; }
