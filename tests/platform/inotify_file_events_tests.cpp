@@ -78,70 +78,62 @@ private:
     QElapsedTimer m_last;
 };
 
+const QByteArray makeRoot = "mkdir -p root/a/deep root/b outside/full/of && echo x > root/a/deep/file && "
+                            "echo x > root/b/file && echo x > outside/full/of/things";
+const QByteArray makeReal = "mkdir -p real/a other/a && echo x > real/a/file && echo x > other/a/file && ";
+
 // Shell commands in the folder around "root", one step each. Each must be reported, but those behind
 // "quietly:".
 struct Story
 {
     const char *name;
-    QByteArray before;
     QByteArrayList steps;
+    QByteArray before = makeRoot;
 };
 
-const QByteArray makeRoot = "mkdir -p root/a/deep root/b outside/full/of && echo x > root/a/deep/file && "
-                            "echo x > root/b/file && echo x > outside/full/of/things";
-const QByteArray makeReal = "mkdir -p real/a other/a && echo x > real/a/file && echo x > other/a/file && ";
 constexpr char quietly[] = "quietly: ";
 
 // "1<>" opens a file without cutting it.
 const std::vector<Story> stories = {
     {"a file's life",
-     makeRoot,
      {"echo x > root/a/deep/new", "echo other 1<> root/a/deep/file", "mv root/a/deep/new root/b/renamed",
       "mv -f root/b/renamed root/b/file", "touch -c -d 1980-01-01 root/b/file", "rm root/b/file",
       "rm -r root/a"}},
-    {"a file written slowly", makeRoot, {"open", "quietly: part", "close"}},
+    {"a file written slowly", {"open", "quietly: part", "close"}},
     {"new folders, several levels at once",
-     makeRoot,
      {"mkdir -p root/x/y/'\xFFname'", "echo x > root/x/y/'\xFFname'/file",
       "echo y 1<> root/x/y/'\xFFname'/file"}},
     {"a folder moved in with content",
-     makeRoot,
      {"mv outside/full root/b/full", "echo other 1<> root/b/full/of/things"}},
     {"a renamed folder",
-     makeRoot,
      {"mv root/a root/c", "echo other 1<> root/c/deep/file", "mkdir root/c/deep/sub",
       "echo x > root/c/deep/sub/file"}},
     {"two folders that change names",
-     makeRoot,
      {"exchange", "echo other 1<> root/b/deep/file", "echo other 1<> root/a/file"}},
     {"a folder moved out",
-     makeRoot,
      {"mv root/a outside/a", "quietly: echo x > outside/a/deep/more", "quietly: echo x > outside/a/more"}},
     {"the root deleted and made again",
-     makeRoot,
      {"rm -r root", "quietly: echo x > elsewhere", "mkdir -p root/new", "echo x > root/new/file"}},
     {"the root replaced by another",
-     makeRoot,
      {"mv root was && mv outside root", "quietly: echo x > was/a/file",
       "echo other 1<> root/full/of/things"}},
     {"links and hidden folders",
-     makeRoot,
      {"ln -s ../outside/full root/link", "quietly: echo other 1<> outside/full/of/things",
       "mkdir -p root/.hidden/inner", "quietly: echo x > root/.hidden/inner/file",
       "mv root/.hidden root/shown", "echo other 1<> root/shown/inner/file"}},
     {"the root behind a link",
-     makeReal + "ln -s real root",
      {"echo other 1<> real/a/file", "ln -s other next && mv -T next root", "echo y 1<> other/a/file",
-      "quietly: echo more 1<> real/a/file"}},
+      "quietly: echo more 1<> real/a/file"},
+     makeReal + "ln -s real root"},
     {"a category behind a link",
-     makeReal + "mkdir root && ln -s ../real root/category",
      {"echo other 1<> real/a/file", "mkdir real/a/new", "echo x > real/a/new/file", "mv real away",
       "mv away real", "echo other 1<> real/a/new/file", "ln -s ../other next && mv -T next root/category",
-      "echo other 1<> other/a/file", "quietly: echo more 1<> real/a/file"}},
+      "echo other 1<> other/a/file", "quietly: echo more 1<> real/a/file"},
+     makeReal + "mkdir root && ln -s ../real root/category"},
     {"two categories behind links to one folder",
-     makeReal + "mkdir root && ln -s ../real root/category && ln -s ../real root/twin",
      {"rm root/twin", "echo other 1<> real/a/file", "ln -s ../real root/twin", "rm root/category",
-      "echo more 1<> real/a/file"}}};
+      "echo more 1<> real/a/file"},
+     makeReal + "mkdir root && ln -s ../real root/category && ln -s ../real root/twin"}};
 
 void carryOut(const QByteArray &step, const fs::path &top)
 {
