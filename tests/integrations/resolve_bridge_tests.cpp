@@ -71,6 +71,14 @@ TEST(ResolveAnswer, BecomesAResultOrNothing)
     EXPECT_FALSE(resolveResult({}));
 }
 
+TEST(BlendNumbers, AreThoseOfResolve)
+{
+    QList<int> numbers;
+    for (const BlendMode mode : allBlendModes)
+        numbers += ResolveBridge::blendNumber(mode);
+    EXPECT_EQ(numbers, (QList{0, 5, 1, 6, 8, 4}));
+}
+
 // The bridge on a home of its own. The program's environment leads the interpreter to the stand-in.
 class ResolveBridgeTest : public testing::Test
 {

@@ -1,6 +1,7 @@
 #include "platform/system_paths.h"
 
 #include <QCoreApplication>
+#include <QProcessEnvironment>
 #include <QScopeGuard>
 #include <gtest/gtest.h>
 
@@ -10,12 +11,11 @@ namespace {
 TEST(SystemPaths, FollowTheEnvironmentOrAnotherHome)
 {
     const char *const names[] = {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "CRATEWELL_WORKER"};
-    std::vector<std::optional<QByteArray>> before;
-    for (const char *name : names)
-        before.push_back(qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name)) : std::nullopt);
+    const auto before = QProcessEnvironment::systemEnvironment();
+    // An empty variable counts as none.
     const auto restore = qScopeGuard([&] {
-        for (size_t i = 0; i < before.size(); ++i)
-            before[i] ? qputenv(names[i], *before[i]) : qunsetenv(names[i]);
+        for (const char *name : names)
+            qputenv(name, before.value(QString::fromLatin1(name)).toUtf8());
     });
     qputenv("HOME", "/home/someone/");
     qputenv("XDG_CONFIG_HOME", "");
@@ -25,6 +25,8 @@ TEST(SystemPaths, FollowTheEnvironmentOrAnotherHome)
     EXPECT_EQ(paths.home.bytes(), "/home/someone");
     EXPECT_EQ(paths.defaultsFile().bytes(), "/home/someone/.config/cratewell/defaults.json");
     EXPECT_EQ(paths.cacheHome.bytes(), "/home/someone/.cache");
+    EXPECT_EQ(paths.defaultVault().bytes(), "/home/someone/Movies/Cratewell Vault");
+    EXPECT_EQ(paths.supportFolder().bytes(), "/home/someone/Library/Application Support/Cratewell");
     EXPECT_EQ(paths.workerProgram.name(), QStringLiteral("cratewell-worker"));
     EXPECT_EQ(paths.workerProgram.parent(), Location::fromText(QCoreApplication::applicationDirPath()));
 
