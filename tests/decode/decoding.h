@@ -2,14 +2,10 @@
 
 #include "decode/still_image.h"
 #include "decode/video_frame.h"
+#include "made_media.h"
 
-#include <QByteArray>
 #include <QFile>
-#include <QImage>
-#include <QPoint>
-#include <cmath>
 #include <fcntl.h>
-#include <ostream>
 #include <unistd.h>
 
 namespace cratewell::test {
@@ -33,9 +29,11 @@ inline decode::Decoded<decode::Picture> still(const QString &path, int maxSide =
     return decodeFile(path, [&](int file) { return decode::stillImage(file, maxSide); });
 }
 
-inline QRgb pixel(const decode::Picture &picture, QPoint place)
+// At parts of width and height.
+inline QRgb pixel(const decode::Picture &picture, double x = 0.5, double y = 0.5)
 {
-    const uint8_t *at = &picture.pixels[(size_t(place.y()) * size_t(picture.width) + size_t(place.x())) * 4];
+    const auto column = size_t(x * picture.width), row = size_t(y * picture.height);
+    const uint8_t *at = &picture.pixels[(row * size_t(picture.width) + column) * 4];
     return qRgba(at[2], at[1], at[0], at[3]);
 }
 
@@ -43,21 +41,15 @@ inline QRgb pixel(const decode::Picture &picture, QPoint place)
 // "?" for what is none of its colors within the tolerance.
 inline std::string quarters(const decode::Picture &picture, int tolerance)
 {
-    const auto name = [&](QRgb found) -> char {
-        const std::pair<QRgb, char> colors[]{
-            {0xffff0000, 'R'}, {0xff00ff00, 'G'}, {0xff0000ff, 'B'}, {0xffffff00, 'Y'}};
-        for (const auto &[wanted, letter] : colors) {
-            if (std::abs(qRed(found) - qRed(wanted)) <= tolerance &&
-                std::abs(qGreen(found) - qGreen(wanted)) <= tolerance &&
-                std::abs(qBlue(found) - qBlue(wanted)) <= tolerance && qAlpha(found) == 255)
+    const auto name = [&](double x, double y) {
+        for (const auto &[color, letter] :
+             {std::pair(0xffff0000, 'R'), {0xff00ff00, 'G'}, {0xff0000ff, 'B'}, {0xffffff00, 'Y'}}) {
+            if (isNear(pixel(picture, x, y), color, tolerance))
                 return letter;
         }
         return '?';
     };
-    const int left = picture.width / 4, right = picture.width * 3 / 4;
-    const int top = picture.height / 4, bottom = picture.height * 3 / 4;
-    return {name(pixel(picture, {left, top})), name(pixel(picture, {right, top})), ' ',
-            name(pixel(picture, {left, bottom})), name(pixel(picture, {right, bottom}))};
+    return {name(0.25, 0.25), name(0.75, 0.25), ' ', name(0.25, 0.75), name(0.75, 0.75)};
 }
 
 } // namespace cratewell::test

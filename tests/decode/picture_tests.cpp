@@ -16,16 +16,9 @@ TEST(FittedInside, KeepsTheShapeAndNeverEnlarges)
 TEST(DisplayMatrix, NamesTheOrientationForWholeAndNearlyWholeTurns)
 {
     const auto turned = [](double degrees, int mirror) {
-        const double radians = degrees * M_PI / 180, one = 65536;
-        const int32_t matrix[9]{int32_t(std::cos(radians) * one) * mirror,
-                                int32_t(std::sin(radians) * one) * mirror,
-                                0,
-                                int32_t(-std::sin(radians) * one),
-                                int32_t(std::cos(radians) * one),
-                                0,
-                                0,
-                                0,
-                                1 << 30};
+        const double radians = degrees * M_PI / 180;
+        const auto along = int32_t(std::cos(radians) * 65536), across = int32_t(std::sin(radians) * 65536);
+        const int32_t matrix[9]{along * mirror, across * mirror, 0, -across, along, 0, 0, 0, 1 << 30};
         return Orientation::ofDisplayMatrix(matrix);
     };
     for (const double slant : {-5.0, 0.0, 5.0}) {

@@ -31,8 +31,6 @@ void answerWithPeaks(const Request &request, const std::string &text, Reply &rep
     reply.bytes = uint64_t(request.count) * sizeof(float);
     if (text == "few")
         reply.bytes -= sizeof(float);
-    else if (text == "many")
-        reply.bytes = memoryBytes * 2;
     else if (text == "nan")
         peaks[request.count - 1] = std::numeric_limits<float>::quiet_NaN();
     else if (text == "loud")
@@ -65,9 +63,7 @@ Reply answer(const Request &request, const std::string &text)
         answerWithPeaks(request, text, reply);
     else if (request.kind == JobKind::Info)
         answerWithInfo(text, reply);
-    if (text == "die")
-        raise(SIGKILL);
-    else if (text == "crash")
+    if (text == "crash")
         raise(SIGSEGV);
     else if (text == "hang" || (text == "slow" && request.processorSeconds < 60))
         pause();

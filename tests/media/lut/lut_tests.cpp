@@ -1,3 +1,4 @@
+#include "made_media.h"
 #include "media/lut.h"
 #include "media/lut/float_text.h"
 #include "media/lut/memory_budget.h"
@@ -5,9 +6,7 @@
 #include "support/naive_cube_reader.h"
 #include "support/wait.h"
 
-#include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 #include <bit>
 #include <cmath>
 #include <future>
@@ -19,7 +18,6 @@
 namespace cratewell::test {
 
 using namespace Qt::StringLiterals;
-using testing::ElementsAre;
 
 namespace {
 
@@ -126,57 +124,34 @@ TEST(LUTText, ScalesItsRowsByTheDomain)
     }
 }
 
-TEST(LUTText, KeepsItsRowsInOrder)
-{
-    std::string text = "LUT_3D_SIZE 3\n";
-    for (int row = 0; row < 27; ++row)
-        text += std::to_string(row) + " 0.5 -1\n";
-    const std::optional<LUT> lut = lutFrom(text);
-    ASSERT_TRUE(lut);
-    EXPECT_EQ(lut->size(), 3);
-    EXPECT_THAT(lut->data().subspan(4 * 26), ElementsAre(26, 0.5F, -1, 1));
-    EXPECT_THAT(lut->sample(0, 0, 0), ElementsAre(0, 0.5F, -1));
-    EXPECT_EQ(lut->sample(2, 0, 0)[0], 2);
-    EXPECT_EQ(lut->sample(0, 1, 0)[0], 3);
-    EXPECT_EQ(lut->sample(1, 0, 2)[0], 19);
-}
-
 TEST(LUTFile, IsReadByItsNameAndKind)
 {
-    const QTemporaryDir folder;
-    const auto location = [&](const QString &name) { return Location::fromText(folder.filePath(name)); };
+    MadeMedia files;
+    const auto location = [&](const QString &name) { return Location::fromText(files.path(name)); };
     for (const QString &name :
-         {u"Teal.and.orange.CUBE"_s, u"film.cube"_s, u"film.txt"_s, u".cube"_s, u"cube"_s}) {
-        QFile file(folder.filePath(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        ASSERT_GT(file.write(replaced(valid, "TITLE", "#").c_str()), 0);
-    }
+         {u"Teal.and.orange.CUBE"_s, u"film.cube"_s, u"film.txt"_s, u".cube"_s, u"cube"_s})
+        files.bytes(name, replaced(valid, "TITLE", "#").c_str());
     const auto lut = LUT::read(location(u"Teal.and.orange.CUBE"_s));
     ASSERT_TRUE(lut);
     EXPECT_EQ(lut->title(), u"Teal.and.orange"_s);
     EXPECT_TRUE(LUT::read(location(u"film.cube"_s)));
-    for (const QString &name : {u"film.txt"_s, u".cube"_s, u"cube"_s, u"missing.cube"_s})
-        EXPECT_FALSE(LUT::read(location(name))) << name.toStdString();
 
-    ASSERT_TRUE(QDir(folder.path()).mkdir(u"folder.cube"_s));
-    EXPECT_FALSE(LUT::read(location(u"folder.cube"_s)));
+    ASSERT_EQ(mkdir(location(u"folder.cube"_s).c_str(), 0700), 0);
     ASSERT_EQ(mkfifo(location(u"pipe.cube"_s).c_str(), 0600), 0);
-    EXPECT_FALSE(LUT::read(location(u"pipe.cube"_s)));
-    QFile huge(folder.filePath(u"huge.cube"_s));
-    ASSERT_TRUE(huge.open(QIODevice::WriteOnly) && huge.resize(qint64{1} << 40));
-    EXPECT_FALSE(LUT::read(location(u"huge.cube"_s)));
+    ASSERT_TRUE(QFile::resize(files.bytes(u"huge.cube"_s, {}), qint64{1} << 40));
+    for (const QString &name : {u"film.txt"_s, u".cube"_s, u"cube"_s, u"missing.cube"_s, u"folder.cube"_s,
+                                u"pipe.cube"_s, u"huge.cube"_s})
+        EXPECT_FALSE(LUT::read(location(name))) << name.toStdString();
 }
 
 TEST(LUTFile, WaitsWhileOthersTakeTheMemoryForReading)
 {
-    const QTemporaryDir folder;
-    QFile file(folder.filePath(u"film.cube"_s));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(valid.c_str()) > 0 && file.flush());
+    MadeMedia files;
+    const Location file = Location::fromText(files.bytes(u"film.cube"_s, valid.c_str()));
     std::future<bool> read;
     {
         const auto all = lutReadingBudget().take(qint64{1} << 40);
-        read = std::async(std::launch::async,
-                          [&] { return LUT::read(Location::fromText(file.fileName())).has_value(); });
+        read = std::async(std::launch::async, [&] { return LUT::read(file).has_value(); });
         EXPECT_TRUE(waitUntil([] { return lutReadingBudget().waiting() == 1; }));
     }
     EXPECT_TRUE(read.get());
@@ -237,35 +212,18 @@ TEST(FloatText, IsReadFastAsItIsReadExactly)
 // Texts put together from what matters to the reader.
 TEST(LUTText, MeansWhatAPlainReadingFinds)
 {
-    std::vector<std::string> pieces{eightRows, eightRows, "\u00A0", "\u2028", "\u0085", "\uFEFF", "\xE2\x80"};
-    for (const char *piece : {"LUT_3D_SIZE 2\n",
-                              "lut_3d_size",
-                              "LUT_1D_SIZE",
-                              "DOMAIN_MIN",
-                              "DOMAIN_MAX",
-                              "TITLE",
-                              "0.25 0.5 0.75\n",
-                              "1 0 0 # x\r\n",
-                              "\"",
-                              " ",
-                              "\t",
-                              "\n",
-                              "#",
-                              "1e-3",
-                              "nan",
-                              "-0x1p3",
-                              "0.1234567890123",
-                              "3",
-                              "2",
-                              "0 0 0\n",
-                              "-inf 2 3\v"})
-        pieces.emplace_back(piece);
+    const QByteArrayList pieces =
+        QByteArray("LUT_3D_SIZE 2\n|lut_3d_size|LUT_1D_SIZE|DOMAIN_MIN|DOMAIN_MAX|TITLE|0.25 0.5 0.75\n|3|2|"
+                   "1 0 0 # x\r\n|0 0 0\n|-inf 2 3\v|\"| |\t|\n|#|1e-3|nan|-0x1p3|0.1234567890123|\u00A0|"
+                   "\u2028|\u0085|\uFEFF|\xE2\x80")
+            .split('|') +
+        QByteArrayList(2, eightRows.c_str());
     std::mt19937 random(1);
     int accepted = 0;
     for (int round = 0; round < 20000; ++round) {
         std::string text = random() % 2 == 0 ? "LUT_3D_SIZE 2\n" : "";
         for (size_t count = random() % 8; count > 0; --count)
-            text += pieces[random() % pieces.size()];
+            text += pieces[random() % unsigned(pieces.size())].toStdString();
         text += random() % 2 == 0 ? eightRows : "";
         NaiveCubeReader naive;
         const bool valid = naive.read(text);

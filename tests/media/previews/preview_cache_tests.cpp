@@ -17,13 +17,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QImage filled(QSize size, const QColor &color, QImage::Format format = QImage::Format_RGB32)
-{
-    QImage image(size, format);
-    image.fill(color);
-    return image;
-}
-
 struct ImageBytes
 {
     qint64 operator()(const QImage &image) const { return image.sizeInBytes(); }
@@ -129,28 +122,20 @@ TEST_F(PreviewStoreTest, ForgetsFailuresAndNothingElseWhenTheContentStays)
 TEST_F(PreviewCacheTest, FindsWhatWasSavedAndOnlyThat)
 {
     m_cache.save("opaque", pictureOf(filled({64, 36}, QColor(200, 90, 30))));
-    QImage clear = filled({40, 40}, QColor(255, 0, 0, 100), QImage::Format_ARGB32_Premultiplied);
-    clear.fill(Qt::transparent);
-    for (int y = 0; y < 20; ++y) {
-        for (int x = 0; x < 40; ++x)
-            clear.setPixelColor(x, y, QColor(255, 255, 255, 128));
-    }
-    m_cache.save("clear", pictureOf(clear));
+    const QImage clear = halfClear({40, 40}, qRgba(255, 255, 255, 128));
+    m_cache.save("clear", pictureOf(clear.convertToFormat(QImage::Format_ARGB32_Premultiplied)));
     m_cache.save("sound", DecodedFile{{.duration = 3.5, .sampleRate = 48000}, {}, {0.25F, 1, 0}});
 
     EXPECT_EQ(m_cache.load("opaque").value_or(DecodedFile()).info, m_info);
     EXPECT_FALSE(picture("opaque").hasAlphaChannel());
-    const QColor color = picture("opaque").pixelColor(30, 20);
-    EXPECT_NEAR(color.red(), 200, 3);
-    EXPECT_NEAR(color.green(), 90, 3);
-    EXPECT_NEAR(color.blue(), 30, 3);
+    EXPECT_TRUE(isNear(picture("opaque").pixel(30, 20), qRgb(200, 90, 30), 3));
 
     const QImage half = picture("clear");
     ASSERT_EQ(half.format(), QImage::Format_ARGB32_Premultiplied);
     EXPECT_EQ(qAlpha(half.pixel(5, 5)), 128);
-    EXPECT_EQ(qAlpha(half.pixel(5, 30)), 0);
-    for (int y = 0; y < 40; ++y) {
-        const QRgb raw = reinterpret_cast<const QRgb *>(half.constScanLine(y))[20];
+    EXPECT_EQ(qAlpha(half.pixel(30, 5)), 0);
+    for (int x = 0; x < 40; ++x) {
+        const QRgb raw = reinterpret_cast<const QRgb *>(half.constScanLine(20))[x];
         ASSERT_LE(qRed(raw), qAlpha(raw)) << "no color brighter than its alpha";
     }
     const auto sound = m_cache.load("sound");
@@ -164,50 +149,40 @@ TEST_F(PreviewCacheTest, DoesNotBelieveDamagedFiles)
 {
     m_cache.save("a", pictureOf(filled({64, 36}, Qt::red)));
     ASSERT_EQ(files().size(), 1);
-    QFile file(files().first());
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QByteArray whole = file.readAll();
-    file.close();
-    const auto write = [&](const QByteArray &bytes) {
-        return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size() &&
-               (file.close(), true);
-    };
+    const QString file = files().first();
+    const QByteArray whole = MadeMedia::content(file);
     QByteArray flipped = whole;
     flipped[whole.size() / 2] = char(flipped[whole.size() / 2] ^ 1);
     for (const QByteArray &bytes :
          {QByteArray(), QByteArray("CWP2"), whole.first(30), whole.chopped(1), flipped}) {
-        ASSERT_TRUE(write(bytes));
+        m_files.bytes(file, bytes);
         EXPECT_FALSE(m_cache.load("a")) << bytes.size();
     }
-    ASSERT_TRUE(write(whole));
+    m_cache.save("b", pictureOf(filled({64, 36}, Qt::blue)));
+    ASSERT_EQ(files().size(), 2);
+    for (const QString &path : files())
+        m_files.bytes(path, whole);
     EXPECT_TRUE(m_cache.load("a"));
-    ASSERT_TRUE(QFile::rename(file.fileName(), m_files.path(u"moved"_s)));
-    m_cache.save("b", DecodedFile{{}, {}, {1}});
-    ASSERT_EQ(files().size(), 1);
-    QFile::remove(files().first());
-    file.setFileName(m_files.path(u"moved"_s));
-    EXPECT_FALSE(m_cache.load("b"));
+    EXPECT_FALSE(m_cache.load("b")) << "the file of another key";
 }
 
 TEST_F(PreviewCacheTest, PrunesWhatWasUsedLongestAgo)
 {
     qint64 bytes = 0;
-    QByteArrayList keys;
+    QStringList known;
     for (int i = 0; i < 10; ++i) {
-        keys << QByteArray::number(i);
-        const QStringList before = files();
-        m_cache.save(keys.last(), pictureOf(filled({64, 64}, QColor(20 * i, 0, 0))));
-        for (const QString &path : files()) {
-            if (before.contains(path))
-                continue;
-            bytes += QFileInfo(path).size();
-            const utimbuf times{1000 + i, 1000 + i};
-            ASSERT_EQ(utime(QFile::encodeName(path).constData(), &times), 0);
-        }
+        m_cache.save(QByteArray::number(i), pictureOf(filled({64, 64}, QColor(20 * i, 0, 0))));
+        QStringList added = files();
+        added.removeIf([&](const QString &path) { return known.contains(path); });
+        ASSERT_EQ(added.size(), 1);
+        bytes += QFileInfo(added[0]).size();
+        const utimbuf times{1000 + i, 1000 + i};
+        ASSERT_EQ(utime(QFile::encodeName(added[0]).constData(), &times), 0);
+        known << added;
     }
     cacheOf(bytes).prune(m_ending);
     EXPECT_EQ(files().size(), 10);
-    EXPECT_TRUE(m_cache.load(keys.first())) << "and is used now";
+    EXPECT_TRUE(m_cache.load("0")) << "and is used now";
     m_ending = true;
     cacheOf(bytes - 1).prune(m_ending);
     EXPECT_EQ(files().size(), 10) << "not while the program ends";
@@ -215,9 +190,9 @@ TEST_F(PreviewCacheTest, PrunesWhatWasUsedLongestAgo)
     cacheOf(bytes - 1).prune(m_ending);
     EXPECT_LT(files().size(), 10);
     EXPECT_GE(files().size(), 7);
-    EXPECT_TRUE(m_cache.load(keys.first()));
-    EXPECT_FALSE(m_cache.load(keys[1]));
-    EXPECT_TRUE(m_cache.load(keys.last()));
+    EXPECT_TRUE(m_cache.load("0"));
+    EXPECT_FALSE(m_cache.load("1"));
+    EXPECT_TRUE(m_cache.load("9"));
 }
 
 // Git's objects, say, have names like those of the cache.
@@ -229,10 +204,8 @@ TEST_F(PreviewCacheTest, PrunesNoFilesButItsOwn)
     const QFileInfo own(files().first());
     const QString linkedPart = own.path().chopped(2) + (own.dir().dirName() == u"00"_s ? u"11"_s : u"00"_s);
     const QString lookalike = foreign + u'/' + own.fileName();
-    for (const QString &path : {inside, lookalike}) {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("precious") == 8);
-    }
+    for (const QString &path : {inside, lookalike})
+        m_files.bytes(path, "precious");
     ASSERT_TRUE(QFile::link(foreign, linkedPart) && QFile::link(foreign, m_files.path(u"linked"_s)));
     cacheOf(0).prune(m_ending);
     PreviewCache(Location::fromText(m_files.path(u"linked"_s)), 0).prune(m_ending);
