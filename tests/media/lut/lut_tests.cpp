@@ -226,9 +226,9 @@ TEST(LUTText, MeansWhatAPlainReadingFinds)
             text += pieces[random() % unsigned(pieces.size())].toStdString();
         text += random() % 2 == 0 ? eightRows : "";
         NaiveCubeReader naive;
-        const bool valid = naive.read(text);
+        const bool readable = naive.read(text);
         const std::optional<LUT> lut = lutFrom(text);
-        ASSERT_EQ(lut.has_value(), valid) << text;
+        ASSERT_EQ(lut.has_value(), readable) << text;
         if (lut) {
             ++accepted;
             EXPECT_EQ(lut->size(), naive.size) << text;
