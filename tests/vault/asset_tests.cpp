@@ -1,12 +1,11 @@
 #include "vault/category.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace cratewell {
 namespace {
 
 using namespace Qt::StringLiterals;
-using testing::ElementsAre;
 
 TEST(AssetKind, IsDecidedByTheExtensionAlone)
 {
@@ -46,13 +45,6 @@ TEST(VaultCategory, PlacesFallUnderTheCategoryWhoseFolderHoldsThem)
     EXPECT_FALSE(isCategoryRoot(root, Location::fromBytes("/home/me/Vault/SFX/Hits")));
     EXPECT_FALSE(isCategoryRoot({}, {}));
     EXPECT_FALSE(categoryOf({}, Location::fromBytes("/Overlays/a.mov")));
-}
-
-TEST(VaultCategory, TakesTheKindsWhoseDefaultItIs)
-{
-    EXPECT_TRUE(accepts(VaultCategory::Overlays, AssetKind::Image));
-    EXPECT_FALSE(accepts(VaultCategory::Luts, AssetKind::Image));
-    EXPECT_THAT(gradient(VaultCategory::Luts), ElementsAre(u"#2FD6FF"_s, u"#4A5CFF"_s));
 }
 
 } // namespace

@@ -2,12 +2,7 @@
 // every file, complete, and a trash without gaps.
 
 #include "support/child.h"
-#include "vault/files/disk.h"
-#include "vault/files/file_operations.h"
-#include "vault/files/trash_index.h"
-#include "vault/temporary_vault.h"
-
-#include <gtest/gtest.h>
+#include "vault/files/file_operations_fixture.h"
 
 #include <map>
 #include <random>
@@ -33,12 +28,6 @@ const std::string &contentOf(int asset)
     while (content.size() < assetSize)
         content += "asset " + std::to_string(asset) + " at " + std::to_string(content.size()) + '\n';
     return content;
-}
-
-std::string readWhole(const fs::path &file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 std::vector<Location> filesBelow(const Location &root, const std::string &folder)
@@ -111,7 +100,7 @@ std::map<int, int> completeAssets(const Location &root)
     std::map<int, int> found;
     for (const char *top : {"Overlays", "LUTs", "SFX", ".Cratewell Trash", "../outside"}) {
         for (const Location &file : filesBelow(root, top)) {
-            const std::string content = readWhole(file.c_str());
+            const std::string content = readFile(file.c_str());
             const int asset = std::atoi(content.c_str() + std::string_view("asset ").size());
             if (content == contentOf(asset))
                 ++found[asset];
@@ -159,14 +148,7 @@ TEST_P(FileKill, LosesNothingAtAnyInstant)
     for (int asset = 0; asset < assets; ++asset)
         std::ofstream(fs::path(outside(root).c_str()) / (std::to_string(asset) + ".mov")) << contentOf(asset);
 
-    const auto unfinished = [&] {
-        int parts = 0;
-        for (const fs::path &top : {fs::path(root.c_str()), other.native("here")}) {
-            for (const auto &entry : fs::recursive_directory_iterator(top))
-                parts += entry.path().extension() == ".part" ? 1 : 0;
-        }
-        return parts;
-    };
+    const auto unfinished = [&] { return partsBelow(root.c_str()) + partsBelow(other.native("here")); };
     int caughtCopying = 0;
     int caughtTrashing = 0;
     std::mt19937 random(7);

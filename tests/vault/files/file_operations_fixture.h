@@ -11,6 +11,21 @@
 
 namespace cratewell::test {
 
+inline std::string readFile(const std::filesystem::path &file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// The copies that are not finished, below a folder.
+inline int partsBelow(const std::filesystem::path &folder)
+{
+    int parts = 0;
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(folder))
+        parts += entry.path().extension() == ".part" ? 1 : 0;
+    return parts;
+}
+
 class FileOperationsTest : public testing::Test
 {
 protected:
@@ -55,8 +70,7 @@ protected:
     }
     QByteArray indexBytes() const
     {
-        std::ifstream stream(trashIndexFile(disk.root()).c_str(), std::ios::binary);
-        return QByteArray::fromStdString({std::istreambuf_iterator<char>(stream), {}});
+        return QByteArray::fromStdString(readFile(trashIndexFile(disk.root()).c_str()));
     }
     void writeIndex(const QByteArray &json) const
     {

@@ -1,12 +1,10 @@
 // Moves between file systems while the power, a disk or another program interferes.
 
 #include "support/child.h"
-#include "vault/files/disk.h"
-#include "vault/files/file_operations.h"
+#include "vault/files/file_operations_fixture.h"
 #include "vault/files/rename.h"
 #include "vault/files/system_calls.h"
 #include "vault/files/temporaries.h"
-#include "vault/temporary_vault.h"
 
 #include <gmock/gmock.h>
 
@@ -42,12 +40,6 @@ void writeFile(const fs::path &file, const std::string &content)
     std::ofstream(file, std::ios::binary | std::ios::app) << content;
 }
 
-std::string read(const fs::path &file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 Files filesBelow(const fs::path &folder)
 {
     Files files;
@@ -55,7 +47,7 @@ Files filesBelow(const fs::path &folder)
         return files;
     for (const auto &entry : fs::recursive_directory_iterator(folder)) {
         if (entry.is_regular_file())
-            files[fs::relative(entry.path(), folder)] = read(entry.path());
+            files[fs::relative(entry.path(), folder)] = readFile(entry.path());
     }
     return files;
 }
@@ -99,12 +91,6 @@ public:
 private:
     TemporaryVault m_outside;
 };
-
-void expectNoHiddenCopies(const fs::path &vault)
-{
-    for (const auto &[file, content] : filesBelow(vault))
-        EXPECT_NE(fs::path(file).extension(), ".part") << file;
-}
 
 // What a disk holds after a power cut at some point, and what was left of the sources by then.
 struct AfterPowerCut
@@ -157,7 +143,7 @@ void expectNothingLostInPowerCuts(const Disk &disk, bool copying)
             EXPECT_TRUE(filed || isComplete(arrived, file) || isComplete(points[i].sources, file))
                 << file << " is lost by a power cut after flush " << i;
         }
-        expectNoHiddenCopies(vault);
+        EXPECT_EQ(partsBelow(vault), 0);
     }
 }
 
@@ -267,7 +253,7 @@ TEST(SafeMoves, AFailingCallLosesNothingAndIsNoSuccess)
                 EXPECT_TRUE(outcome.count == 0 || fs::is_symlink(pack.target() / "link.mov"));
                 EXPECT_EQ(outcome.error.isEmpty(), outcome.count == 1 && !fs::exists(pack.source()))
                     << outcome.error.toStdString();
-                expectNoHiddenCopies(pack.root.c_str());
+                EXPECT_EQ(partsBelow(pack.root.c_str()), 0);
             }
         }
     }
@@ -314,7 +300,7 @@ TEST(SafeMoves, HolesAndAttributesAreKept)
                                 ::setxattr(place.native("").c_str(), "user.note", "kept", 4, 0) == 0;
         ASSERT_EQ(pack.copy().error, QString());
         const fs::path copy = fs::path(pack.root.c_str()) / "Overlays/Pack/sparse.mov";
-        EXPECT_TRUE(read(copy) == read(file)) << parent;
+        EXPECT_TRUE(readFile(copy) == readFile(file)) << parent;
         struct stat facts = {};
         ASSERT_EQ(::stat(copy.c_str(), &facts), 0);
         EXPECT_LT(facts.st_blocks * 512, 1 << 20) << parent;
@@ -415,7 +401,7 @@ TEST(Temporaries, BelongToTheProgramThatLives)
     EXPECT_THAT(left(), ElementsAre("SFX/Hit.wav", "hidden")) << "the folder could not be reached";
     FileOperations(disk.root()).open();
     EXPECT_THAT(left(), ElementsAre("SFX/Hit 2.wav", "SFX/Hit.wav"));
-    EXPECT_EQ(read(disk.native("SFX/Hit 2.wav")), "whole");
+    EXPECT_EQ(readFile(disk.native("SFX/Hit 2.wav")), "whole");
     EXPECT_TRUE(filesBelow(disk.native(".Cratewell Trash")).empty()) << "the journal is done with";
 }
 

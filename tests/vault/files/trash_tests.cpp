@@ -82,21 +82,19 @@ TEST_F(TrashTest, ChecksRecordsBeforeTheyAreBelieved)
 {
     disk.write("../victim.txt", 1);
     const TrashItem honest = trashed("SFX/Hit.wav");
-    const auto altered = [&](const std::function<void(TrashItem &)> &change) {
+    const auto altered = [&](QString TrashItem::*field, const QString &value) {
         TrashItem item = honest;
-        change(item);
+        item.*field = value;
         return item;
     };
-    writeIndex(encodeTrash({altered([](TrashItem &item) { item.id = u".."_s; }),
-                            altered([](TrashItem &item) { item.id = u"../../SFX"_s; }),
-                            altered([](TrashItem &item) { item.name = u"../../../victim.txt"_s; }),
-                            altered([](TrashItem &item) { item.name = u".."_s; }),
-                            altered([](TrashItem &item) { item.original = u"relative"_s; }), honest}));
+    writeIndex(
+        encodeTrash({altered(&TrashItem::id, u".."_s), altered(&TrashItem::id, u"../../SFX"_s),
+                     altered(&TrashItem::name, u"../../../victim.txt"_s), altered(&TrashItem::name, u".."_s),
+                     altered(&TrashItem::original, u"relative"_s), honest}));
     EXPECT_THAT(itemsAtStart(), ElementsAre(honest));
     EXPECT_TRUE(fs::exists(disk.native(".Cratewell Trash/index.json.kept"))) << "the doubtful one is kept";
 
-    writeIndex(encodeTrash(
-        {altered([&](TrashItem &item) { item.original = disk.at("../elsewhere/Hit.wav").text(); })}));
+    writeIndex(encodeTrash({altered(&TrashItem::original, disk.at("../elsewhere/Hit.wav").text())}));
     work.restore({honest}, progress);
     EXPECT_FALSE(fs::exists(disk.native("../elsewhere")));
     EXPECT_TRUE(fs::exists(disk.native("SFX/Hit.wav"))) << "back where its kind lives";
@@ -269,24 +267,24 @@ TEST_F(TrashTest, ALinkBelowACategoryLeadsNothingOutAndNothingIn)
     disk.link("SFX/Hits", disk.native("../outside"));
     disk.link("SFX/Out", disk.native("../outside"));
     disk.makeFolder("../outside/Deep");
+    const auto move = [&](const char *source, const char *folder) {
+        return work.move(at({source}), disk.at(folder), progress);
+    };
+    const auto import = [&](const char *source, const char *folder, ImportMode mode) {
+        return work.import(at({source}), disk.at(folder), mode, progress);
+    };
     const std::vector<std::pair<const char *, std::function<FileOperations::Outcome()>>> operations{
         {"trash", [&] { return work.trash(at({"SFX/Out/theirs.wav"}), progress); }},
-        {"move from", [&] { return work.move(at({"SFX/Out/theirs.wav"}), disk.at("SFX"), progress); }},
-        {"move to", [&] { return work.move(at({"SFX/mine.wav"}), disk.at("SFX/Out"), progress); }},
-        {"move below", [&] { return work.move(at({"SFX/mine.wav"}), disk.at("SFX/Out/Deep"), progress); }},
+        {"move from", [&] { return move("SFX/Out/theirs.wav", "SFX"); }},
+        {"move to", [&] { return move("SFX/mine.wav", "SFX/Out"); }},
+        {"move below", [&] { return move("SFX/mine.wav", "SFX/Out/Deep"); }},
         {"rename", [&] { return work.rename(disk.at("SFX/Out/theirs.wav"), disk.at("SFX/Out/mine.wav")); }},
         {"create in", [&] { return work.createFolder(disk.at("SFX/Out"), u"New"_s); }},
         {"create below", [&] { return work.createFolder(disk.at("SFX/Out/Deep/More"), u"New"_s); }},
-        {"copy into",
-         [&] {
-             return work.import(at({"../in/Out/new.wav"}), disk.at("SFX/Out"), ImportMode::Copy, progress);
-         }},
-        {"copy as folder",
-         [&] { return work.import(at({"../in/Out"}), disk.at("SFX"), ImportMode::Copy, progress); }},
-        {"move as folder",
-         [&] { return work.import(at({"../in/Out"}), disk.at("SFX"), ImportMode::Move, progress); }},
-        {"import from",
-         [&] { return work.import(at({"SFX/Out/theirs.wav"}), disk.at("SFX"), ImportMode::Move, progress); }},
+        {"copy into", [&] { return import("../in/Out/new.wav", "SFX/Out", ImportMode::Copy); }},
+        {"copy as folder", [&] { return import("../in/Out", "SFX", ImportMode::Copy); }},
+        {"move as folder", [&] { return import("../in/Out", "SFX", ImportMode::Move); }},
+        {"import from", [&] { return import("SFX/Out/theirs.wav", "SFX", ImportMode::Move); }},
     };
     for (const auto &[name, operation] : operations) {
         const auto outcome = operation();

@@ -137,16 +137,26 @@ TEST_F(VaultFilesTest, NothingIsBegunAfterTheEnd)
     EXPECT_TRUE(fs::exists(disk.native("SFX/a.wav")));
 }
 
-TEST(FileQueue, ShowsLongWorkAndCancelsIt)
+class FileQueueTest : public testing::Test
 {
+protected:
+    static void waitForCancel(const OperationProgress &monitor)
+    {
+        while (!monitor.canceled)
+            std::this_thread::yield();
+    }
+
     FileProgress progress;
-    FileQueue queue(progress);
     std::vector<QString> done;
+    FileQueue queue{progress};
+};
+
+TEST_F(FileQueueTest, ShowsLongWorkAndCancelsIt)
+{
     queue.add(u"Importing"_s, [&](OperationProgress &monitor) -> FileQueue::Effects {
         monitor.filesTotal = 60;
         monitor.filesDone = 15;
-        while (!monitor.canceled)
-            std::this_thread::yield();
+        waitForCancel(monitor);
         return [&] { done.push_back(u"first"_s); };
     });
     queue.add(u"Moving"_s, [&](OperationProgress &monitor) -> FileQueue::Effects {
@@ -165,18 +175,14 @@ TEST(FileQueue, ShowsLongWorkAndCancelsIt)
     EXPECT_FALSE(progress.isActive());
 }
 
-TEST(FileQueue, TheEffectsOfWhatWasDoneAreHadAtTheEnd)
+TEST_F(FileQueueTest, TheEffectsOfWhatWasDoneAreHadAtTheEnd)
 {
-    FileProgress progress;
-    FileQueue queue(progress);
-    std::vector<QString> done;
     std::promise<void> underWay;
     for (const QString &name : {u"first"_s, u"second"_s, u"third"_s}) {
         queue.add(name, [&, name](OperationProgress &monitor) -> FileQueue::Effects {
             if (name == u"second"_s) {
                 underWay.set_value();
-                while (!monitor.canceled)
-                    std::this_thread::yield();
+                waitForCancel(monitor);
             }
             return [&, name] { done.push_back(name); };
         });
@@ -186,17 +192,15 @@ TEST(FileQueue, TheEffectsOfWhatWasDoneAreHadAtTheEnd)
     EXPECT_THAT(done, ElementsAre(u"first"_s, u"second"_s)) << "what waits is dropped";
 }
 
-TEST(FileQueue, EndsWhatFillsAFolderThatGoes)
+TEST_F(FileQueueTest, EndsWhatFillsAFolderThatGoes)
 {
-    FileProgress progress;
-    FileQueue queue(progress);
     std::vector<bool> canceled;
     const auto fill = [&](const char *folder, bool waits) {
         queue.add(
             u"Importing"_s,
             [&, waits](OperationProgress &monitor) -> FileQueue::Effects {
-                while (waits && !monitor.canceled)
-                    std::this_thread::yield();
+                if (waits)
+                    waitForCancel(monitor);
                 return [&, was = monitor.canceled.load()] { canceled.push_back(was); };
             },
             Location::fromText(QString::fromLatin1(folder)));
