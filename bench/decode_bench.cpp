@@ -25,7 +25,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int usualRounds = 7;
-constexpr int pageRounds = 3; // of half a minute each
 constexpr double cardFraction = 0.35;
 constexpr double h264Seconds = 12; // cardFraction is 105 frames after the key frame, of 25 a second
 constexpr double proresSeconds = 2;

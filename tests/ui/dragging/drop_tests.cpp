@@ -12,8 +12,6 @@ namespace cratewell {
 
 using namespace Qt::StringLiterals;
 using test::waitUntil;
-using testing::ElementsAre;
-using testing::IsEmpty;
 using enum DropController::Effect;
 
 namespace {
@@ -122,6 +120,7 @@ TEST_F(Dropped, MovesAndImportsThatTakeNothingAreKnown)
     };
     const auto effects = [&](const std::vector<const char *> &names) {
         std::vector<Location> items;
+        items.reserve(names.size());
         for (const char *name : names)
             items.push_back(named(name));
         return judgeDrop(items, root).effects;

@@ -171,7 +171,8 @@ TEST_F(ThumbnailItemTest, APageIsRequestedFromItsBeginning)
         card.setSource(&source);
         card.setUrl(page.last());
         card.setSize({20, 20});
-        card.setPosition({i % 3 * 30.0, i / 3 * 30.0});
+        const int line = i / 3;
+        card.setPosition({i % 3 * 30.0, line * 30.0});
         card.setParentItem(window.contentItem());
     }
     show();

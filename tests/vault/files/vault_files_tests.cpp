@@ -25,10 +25,9 @@ protected:
         const auto report = [this](const QString &what) { reported.push_back(what); };
         QObject::connect(&vault, &Vault::toast, &vault,
                          [=](const QString &text, bool ok) { report(ok ? text : u"!"_s + text); });
-        QObject::connect(&vault, &Vault::itemRenamed, &vault,
-                         [=, this](const Location &from, const Location &to) {
-                             report(u"renamed %1 to %2"_s.arg(from.name(), to.name()));
-                         });
+        QObject::connect(&vault, &Vault::itemRenamed, &vault, [=](const Location &from, const Location &to) {
+            report(u"renamed %1 to %2"_s.arg(from.name(), to.name()));
+        });
         QObject::connect(&vault, &Vault::itemsMoved, &vault, [=] { report(u"moved"_s); });
         QObject::connect(&vault, &Vault::itemsTrashed, &vault, [=](const std::vector<TrashItem> &items) {
             report(u"trashed %1"_s.arg(items.size()));

@@ -49,8 +49,8 @@ AssertionResult checkOrders(const VaultSnapshot &snapshot)
     for (const auto &[order, label] : assetOrders) {
         std::vector<AssetIndex> expected(snapshot.size());
         std::iota(expected.begin(), expected.end(), AssetIndex{0});
-        std::ranges::stable_sort(expected, [&](AssetIndex a, AssetIndex b) {
-            return comesBefore(collator, order, snapshot.asset(a), snapshot.asset(b));
+        std::ranges::stable_sort(expected, [&, by = order](AssetIndex a, AssetIndex b) {
+            return comesBefore(collator, by, snapshot.asset(a), snapshot.asset(b));
         });
         if (!std::ranges::equal(expected, snapshot.order(order)))
             return AssertionFailure() << "order " << label;
