@@ -73,6 +73,7 @@ void Vault::Private::follow()
 {
     following = true;
     std::vector<QByteArray> categories;
+    categories.reserve(allCategories.size());
     for (const VaultCategory category : allCategories)
         categories.push_back(categoryFolder(root, category).nameBytes().toByteArray());
     events->watch(root, categories, scanStarted);

@@ -128,7 +128,9 @@ FileOperations::Outcome FileOperations::import(const std::vector<Location> &item
             std::ignore = makeVaultFolders(m_root, folder);
         } else if (mode == ImportMode::Copy) {
             const Result<Location> copy =
-                checkVaultFolder(m_root, folder).and_then([&] { return copies.add(source, folder); });
+                checkVaultFolder(m_root, folder).and_then([&, from = source, to = folder] {
+                    return copies.add(from, to);
+                });
             if (copy)
                 placed(*copy);
             else
