@@ -37,7 +37,7 @@ TEST(KeySorter, SortsLikeAStableSortOfTheKeys)
             std::vector<std::string> keys(count);
             for (std::string &key : keys) {
                 key.resize(random() % (longest + 1));
-                std::ranges::generate(key, [&] { return char(1 + random() % letters); });
+                std::ranges::generate(key, [&, kinds = letters] { return char(1 + random() % kinds); });
             }
             sorter.begin(count, count * (longest + 1));
             for (AssetIndex i = 0; i < count; ++i) {
