@@ -24,8 +24,7 @@ public:
         std::error_code ignored;
         std::filesystem::remove_all(m_folder, ignored);
     }
-    TemporaryVault(const TemporaryVault &) = delete;
-    TemporaryVault &operator=(const TemporaryVault &) = delete;
+    Q_DISABLE_COPY_MOVE(TemporaryVault)
 
     Location root() const { return Location::fromBytes(QByteArray::fromStdString(m_folder + "/vault")); }
     Location at(const std::string &path) const

@@ -5,9 +5,10 @@
 #include "vault/files/trash_index.h"
 #include "vault/temporary_vault.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
+#include <map>
 
 namespace cratewell::test {
 
@@ -15,6 +16,31 @@ inline std::string readFile(const std::filesystem::path &file)
 {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// What is no folder below `folder`, by sorted paths from there; nothing of folders named `skip`.
+inline std::vector<std::string> filesBelow(const std::filesystem::path &folder, const std::string &skip = {})
+{
+    std::vector<std::string> found;
+    std::error_code missing;
+    for (std::filesystem::recursive_directory_iterator entry(folder, missing), end; entry != end; ++entry) {
+        if (entry->path().filename() == skip)
+            entry.disable_recursion_pending();
+        else if (!entry->is_directory())
+            found.push_back(entry->path().lexically_relative(folder));
+    }
+    std::ranges::sort(found);
+    return found;
+}
+
+using Contents = std::map<std::string, std::string>; // by path
+
+inline Contents contentsBelow(const std::filesystem::path &folder)
+{
+    Contents contents;
+    for (const std::string &file : filesBelow(folder))
+        contents[file] = readFile(folder / file);
+    return contents;
 }
 
 // The copies that are not finished, below a folder.
@@ -36,46 +62,16 @@ protected:
         work.open();
     }
 
-    // Files and empty folders below a folder of the vault, with sizes where they tell files apart.
-    std::vector<std::string> listed(const std::string &folder = "",
-                                    const std::string &skip = ".Cratewell Trash") const
+    std::vector<std::string> listed(const std::string &folder = "") const
     {
-        std::vector<std::string> found;
-        const std::filesystem::path top = disk.native(folder);
-        for (std::filesystem::recursive_directory_iterator entry(top), end; entry != end; ++entry) {
-            if (entry->path().filename() == skip)
-                entry.disable_recursion_pending();
-            else if (!entry->is_directory())
-                found.push_back(std::filesystem::relative(entry->path(), top));
-        }
-        std::ranges::sort(found);
-        return found;
+        return filesBelow(disk.native(folder), ".Cratewell Trash");
     }
     std::vector<Location> at(const std::vector<std::string> &paths) const
     {
-        std::vector<Location> places(paths.size());
-        std::ranges::transform(paths, places.begin(),
-                               [this](const std::string &path) { return disk.at(path); });
+        std::vector<Location> places;
+        for (const std::string &path : paths)
+            places.push_back(disk.at(path));
         return places;
-    }
-    std::vector<std::string> slots() const
-    {
-        std::vector<std::string> found;
-        for (const QByteArray &name :
-             disk::names(trashFolder(disk.root())).value_or(std::vector<QByteArray>())) {
-            if (disk::isFolder(trashFolder(disk.root()).child(name)))
-                found.push_back(name.toStdString());
-        }
-        return found;
-    }
-    QByteArray indexBytes() const
-    {
-        return QByteArray::fromStdString(readFile(trashIndexFile(disk.root()).c_str()));
-    }
-    void writeIndex(const QByteArray &json) const
-    {
-        std::filesystem::create_directories(trashFolder(disk.root()).c_str());
-        std::ofstream(trashIndexFile(disk.root()).c_str(), std::ios::binary) << json.toStdString();
     }
 
     TemporaryVault disk;

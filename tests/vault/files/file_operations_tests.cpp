@@ -3,7 +3,6 @@
 #include "vault/files/unique_names.h"
 #include "vault/item_name.h"
 
-#include <gmock/gmock.h>
 #include <thread>
 
 #include <sys/stat.h>
@@ -16,58 +15,44 @@ using namespace test;
 using testing::ElementsAre;
 namespace fs = std::filesystem;
 
-TEST_F(FileOperationsTest, NamesAreCleanedAndNumbered)
+TEST(Names, AreCleanedAndNumbered)
 {
     EXPECT_EQ(cleanedName(u" \n a/b\t"_s), u"a-b"_s);
-    EXPECT_EQ(cleanedName(u"  \n"_s), QString());
     for (const char *bad : {"", ".", "..", "a/b"})
         EXPECT_FALSE(isPlainName(bad)) << bad;
-    EXPECT_TRUE(isPlainName(QByteArray(255, 'n')));
-    EXPECT_FALSE(isPlainName(QByteArray(256, 'n')));
     using enum UniqueNames::Naming;
     EXPECT_EQ(UniqueNames::numbered("Flash.final.mov", 2, File), "Flash.final 2.mov");
     EXPECT_EQ(UniqueNames::numbered(".hidden", 2, File), ".hidden 2");
     EXPECT_EQ(UniqueNames::numbered("v1.2", 2, Folder), "v1.2 2");
     const QByteArray accents = QByteArray("\xc3\xa9").repeated(125);
     for (const QByteArray &longest : {accents + "a.wav", accents + "aaaaa", "a." + accents + "aaa"}) {
-        ASSERT_EQ(longest.size(), 255);
         const QByteArray next = UniqueNames::numbered(longest, 12, File);
         EXPECT_TRUE(isPlainName(next) && next.contains(" 12")) << next.constData();
         EXPECT_EQ(next.endsWith(".wav"), longest.endsWith(".wav"));
-        EXPECT_EQ(QString::fromUtf8(next).toUtf8(), next) << "half a character";
+        EXPECT_TRUE(next.isValidUtf8()) << "half a character";
     }
-
-    for (const char *expected : {"New Folder", "New Folder 2", "New Folder 3"})
-        EXPECT_THAT(work.createFolder(disk.at("SFX"), u"New Folder"_s).placed,
-                    ElementsAre(disk.at(std::string("SFX/") + expected)));
-    disk.remove("");
-    EXPECT_FALSE(work.createFolder(disk.at("SFX"), u"Late"_s).error.isEmpty());
-    EXPECT_FALSE(fs::exists(disk.native(""))) << "a vanished vault is not made anew";
 }
 
-TEST_F(FileOperationsTest, RenameNeverReplaces)
+TEST_F(FileOperationsTest, NothingIsEverReplaced)
 {
     disk.write("SFX/Hits/a.wav", 1);
     disk.write("SFX/Hits/b.wav", 2);
+    disk.write("SFX/a.wav", 3);
     const auto taken = work.rename(disk.at("SFX/Hits/a.wav"), disk.at("SFX/Hits/b.wav"));
     EXPECT_EQ(taken.count, 0);
     EXPECT_TRUE(taken.error.contains(u"exists"_s)) << taken.error.toStdString();
-    EXPECT_EQ(fs::file_size(disk.native("SFX/Hits/b.wav")), 2u);
     EXPECT_EQ(work.rename(disk.at("SFX/Hits"), disk.at("SFX/Thuds")).count, 1);
-    EXPECT_THAT(listed("SFX"), ElementsAre("Thuds/a.wav", "Thuds/b.wav"));
-}
-
-TEST_F(FileOperationsTest, MoveNumbersTakenNamesAndReportsWhatIsGone)
-{
-    disk.write("SFX/a.wav", 1);
-    disk.write("SFX/Hits/a.wav", 2);
-    disk.write("SFX/b.wav");
-    EXPECT_EQ(work.move(at({"SFX/a.wav"}), disk.at("SFX/Hits"), progress).count, 1);
-    EXPECT_EQ(fs::file_size(disk.native("SFX/Hits/a.wav")), 2u);
-    EXPECT_EQ(fs::file_size(disk.native("SFX/Hits/a 2.wav")), 1u);
-    const auto partly = work.move(at({"SFX/gone.wav", "SFX/b.wav"}), disk.at("SFX/Hits"), progress);
+    const auto partly = work.move(at({"SFX/gone.wav", "SFX/a.wav"}), disk.at("SFX/Thuds"), progress);
     EXPECT_EQ(partly.count, 1);
     EXPECT_TRUE(partly.error.contains(u"gone"_s)) << partly.error.toStdString();
+    EXPECT_EQ(contentsBelow(disk.native("SFX")),
+              (Contents{{"Thuds/a.wav", "x"}, {"Thuds/a 2.wav", "xxx"}, {"Thuds/b.wav", "xx"}}));
+
+    for (const char *name : {"SFX/New", "SFX/New 2", "SFX/New 3"})
+        EXPECT_THAT(work.createFolder(disk.at("SFX"), u"New"_s).placed, ElementsAre(disk.at(name)));
+    disk.remove("");
+    EXPECT_FALSE(work.createFolder(disk.at("SFX"), u"Late"_s).error.isEmpty());
+    EXPECT_FALSE(fs::exists(disk.native(""))) << "a vanished vault is not made anew";
 }
 
 TEST_F(FileOperationsTest, RepairsWhatAKillLeftBehind)
@@ -87,7 +72,6 @@ TEST_F(FileOperationsTest, RepairsWhatAKillLeftBehind)
     journal << disk.native("SFX/" + cutShort).string() << std::flush;
     work.open();
     EXPECT_EQ(work.trash().size(), 1u);
-    EXPECT_EQ(slots().size(), 1u);
     EXPECT_THAT(listed("SFX"), ElementsAre(cutShort, "Hit.wav"));
     EXPECT_FALSE(fs::exists(disk.native("../" + part))) << "an import may go to a folder outside the vault";
 }
@@ -135,14 +119,6 @@ TEST_F(FileOperationsTest, ImportKeepsDatesAndPermissionsAndCanBeBrokenOff)
     EXPECT_EQ(progress.bytesDone, 5 << 20);
     EXPECT_EQ(progress.filesDone, progress.filesTotal);
 
-    OperationProgress canceled;
-    canceled.canceled = true;
-    const auto nothing = work.import(at({"../in/a.mov"}), {}, ImportMode::Move, canceled);
-    EXPECT_EQ(nothing.count, 0);
-    EXPECT_EQ(nothing.error, QString());
-    EXPECT_TRUE(fs::exists(disk.native("../in/a.mov")));
-    EXPECT_THAT(listed(), ElementsAre("Overlays/a.mov"));
-
     for (int i = 0; i < 40; ++i)
         disk.write("../many/" + std::to_string(i) + ".mov", 16 << 20);
     OperationProgress halfway;
@@ -153,9 +129,10 @@ TEST_F(FileOperationsTest, ImportKeepsDatesAndPermissionsAndCanBeBrokenOff)
     });
     const auto some = work.import(at({"../many"}), {}, ImportMode::Copy, halfway);
     EXPECT_LT(some.count, 40);
-    EXPECT_EQ(listed("Overlays/many").size(), size_t(some.count)) << "no half of a file";
+    EXPECT_EQ(some.error, QString());
+    EXPECT_EQ(listed("Overlays/many").size(), size_t(some.count));
     for (const std::string &name : listed("Overlays/many"))
-        EXPECT_EQ(fs::file_size(disk.native("Overlays/many/" + name)), 16u << 20);
+        EXPECT_EQ(fs::file_size(disk.native("Overlays/many/" + name)), 16u << 20) << "half a file";
 }
 
 TEST_F(FileOperationsTest, FoldersMoveWholeBetweenFileSystems)
@@ -168,12 +145,10 @@ TEST_F(FileOperationsTest, FoldersMoveWholeBetweenFileSystems)
     disk.link("SFX/Pack/same.wav", "Deep/a.wav");
     ASSERT_EQ(work.trash(at({"SFX/Pack"}), progress).count, 1);
     EXPECT_FALSE(fs::exists(disk.native("SFX/Pack")));
-    EXPECT_EQ(fs::file_size(fs::path(trashedItem(disk.root(), work.trash().front()).c_str()) / "Deep/a.wav"),
-              7u);
     ASSERT_EQ(work.restore(work.trash(), progress).count, 1);
     EXPECT_EQ(fs::file_size(disk.native("SFX/Pack/Deep/a.wav")), 7u);
     EXPECT_TRUE(fs::is_symlink(disk.native("SFX/Pack/same.wav")));
-    EXPECT_TRUE(slots().empty());
+    EXPECT_EQ(work.trash().size(), 0u);
 }
 
 // Runs with the vault on a file system of 16 MiB, whose folder is in the environment.
@@ -182,7 +157,6 @@ TEST(FullDiskChild, DISABLED_LeavesBothSidesAsTheyWere)
     const TemporaryVault small(qgetenv("CRATEWELL_SMALL_DISK").toStdString());
     const TemporaryVault large;
     small.makeFolder("Overlays");
-    small.makeFolder("SFX");
     for (int i = 0; i < 8; ++i)
         large.write("in/" + std::to_string(i) + ".mov", 3 << 20);
     FileOperations work(small.root());
@@ -195,11 +169,11 @@ TEST(FullDiskChild, DISABLED_LeavesBothSidesAsTheyWere)
         EXPECT_GT(outcome.count, 0);
         int left = 0;
         for (int i = 0; i < 8; ++i) {
-            const std::string name = std::to_string(i) + ".mov";
-            const bool here = fs::exists(small.native("Overlays/in/" + name));
-            const bool there = fs::exists(large.native("in/" + name));
+            const std::string name = "in/" + std::to_string(i) + ".mov";
+            const bool here = fs::exists(small.native("Overlays/" + name));
+            const bool there = fs::exists(large.native(name));
             EXPECT_TRUE(there || (mode == ImportMode::Move && here)) << name;
-            EXPECT_TRUE(!here || fs::file_size(small.native("Overlays/in/" + name)) == 3u << 20) << name;
+            EXPECT_TRUE(!here || fs::file_size(small.native("Overlays/" + name)) == 3u << 20) << name;
             left += here ? 1 : 0;
         }
         EXPECT_EQ(left, outcome.count);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 #include <functional>
 #include <string>
 #include <string_view>
@@ -16,8 +18,7 @@ public:
     using Watch = std::function<int(std::string_view call, std::string &path)>;
     explicit WatchedCalls(Watch watch);
     ~WatchedCalls();
-    WatchedCalls(const WatchedCalls &) = delete;
-    WatchedCalls &operator=(const WatchedCalls &) = delete;
+    Q_DISABLE_COPY_MOVE(WatchedCalls)
 
 private:
     Watch m_watch;
