@@ -2,27 +2,20 @@
 
 #include <QCollator>
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <numeric>
 
 namespace cratewell::test {
 
-using testing::AssertionFailure;
-using testing::AssertionResult;
-using testing::AssertionSuccess;
-
 namespace {
-
-QString folderNameOf(const Asset &asset)
-{
-    return asset.url.parent().name();
-}
 
 bool comesBefore(const QCollator &collator, AssetOrder order, const Asset &a, const Asset &b)
 {
     switch (order) {
     case AssetOrder::Name:
-        return collator.compare(a.url.baseName(), b.url.baseName()) < 0;
+        return collator(a.url.baseName(), b.url.baseName());
     case AssetOrder::Added:
         return a.added > b.added;
     case AssetOrder::Kind:
@@ -34,123 +27,107 @@ bool comesBefore(const QCollator &collator, AssetOrder order, const Asset &a, co
     return false;
 }
 
-QCollator fileManagerOrder()
+void expectOrders(const VaultSnapshot &snapshot, const QCollator &collator)
 {
-    const QLocale user = QLocale().collation();
-    QCollator collator(user == QLocale::c() ? QLocale(QLocale::English, QLocale::UnitedStates) : user);
-    collator.setNumericMode(true);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    return collator;
-}
-
-AssertionResult checkOrders(const VaultSnapshot &snapshot)
-{
-    const QCollator collator = fileManagerOrder();
     for (const auto &[order, label] : assetOrders) {
         std::vector<AssetIndex> expected(snapshot.size());
         std::iota(expected.begin(), expected.end(), AssetIndex{0});
         std::ranges::stable_sort(expected, [&, by = order](AssetIndex a, AssetIndex b) {
             return comesBefore(collator, by, snapshot.asset(a), snapshot.asset(b));
         });
-        if (!std::ranges::equal(expected, snapshot.order(order)))
-            return AssertionFailure() << "order " << label;
+        EXPECT_TRUE(std::ranges::equal(expected, snapshot.order(order))) << label;
     }
-    return AssertionSuccess();
 }
 
-AssertionResult checkPlaces(const VaultSnapshot &snapshot)
+void expectNode(const VaultSnapshot &snapshot, const FolderNode &node, const QCollator &collator)
 {
-    qint64 total = 0;
-    for (AssetIndex i = 0; i < snapshot.size(); ++i) {
-        total += snapshot.asset(i).size;
-        if (snapshot.find(snapshot.asset(i).url) != i)
-            return AssertionFailure() << "find " << snapshot.asset(i).url.bytes().toStdString();
+    SCOPED_TRACE(node.url.c_str());
+    for (AssetIndex i = 0; i < snapshot.size(); ++i)
+        EXPECT_EQ(snapshot.asset(i).url.isInside(node.url), node.assets.contains(i)) << i;
+    EXPECT_EQ(node.count, int(node.assets.count()));
+    EXPECT_EQ(snapshot.node(node.url), &node);
+    EXPECT_TRUE(snapshot.under(node.url) == node.assets);
+    for (size_t i = 0; i < node.children.size(); ++i) {
+        EXPECT_FALSE(i > 0 && collator(node.children[i].url.name(), node.children[i - 1].url.name())) << i;
+        expectNode(snapshot, node.children[i], collator);
     }
-    if (total != snapshot.totalSize())
-        return AssertionFailure() << "total size";
-    return AssertionSuccess();
 }
 
-AssertionResult checkNode(const VaultSnapshot &snapshot, const FolderNode &node, const QCollator &collator)
+void expectSearch(const VaultSnapshot &snapshot)
 {
-    for (AssetIndex i = 0; i < snapshot.size(); ++i) {
-        if (snapshot.asset(i).url.isInside(node.url) != node.assets.contains(i))
-            return AssertionFailure() << "range of " << node.url.bytes().toStdString();
-    }
-    if (node.count != int(node.assets.count()) || snapshot.node(node.url) != &node ||
-        !(snapshot.under(node.url) == node.assets))
-        return AssertionFailure() << "node of " << node.url.bytes().toStdString();
-    if (!std::ranges::is_sorted(
-            node.children,
-            [&collator](const QString &a, const QString &b) { return collator.compare(a, b) < 0; },
-            [](const FolderNode &child) { return child.url.name(); }))
-        return AssertionFailure() << "children of " << node.url.bytes().toStdString();
-    for (const FolderNode &child : node.children) {
-        if (const AssertionResult result = checkNode(snapshot, child, collator); !result)
-            return result;
-    }
-    return AssertionSuccess();
-}
-
-AssertionResult checkSearch(const VaultSnapshot &snapshot)
-{
-    QStringList needles{QStringLiteral("a"),      QStringLiteral(" "),    QStringLiteral("lut"),
-                        QStringLiteral("zzz"),    QString(QChar(0xDC80)), QString(QChar(0xD83C)),
-                        QStringLiteral("\u00e9"), QString(QChar(0))};
+    QStringList needles{QStringLiteral("a"), QStringLiteral("lut"),  QStringLiteral("\u00e9"),
+                        QChar(0xDC80),       QString(QChar(0xD83C)), QString(QChar(0))};
     for (AssetIndex i = 0; i < snapshot.size(); i += 7 + snapshot.size() / 40) {
         const QString name = snapshot.asset(i).url.baseName().toLower();
-        needles << name << name.mid(name.size() / 3, 3) << folderNameOf(snapshot.asset(i)).toLower();
+        needles << name << name.right(2) << snapshot.asset(i).url.parent().name().toLower();
     }
     for (const QString &needle : needles) {
-        if (needle.isEmpty())
-            continue;
-        const std::vector<bool> matches = snapshot.matching(needle);
+        std::vector<bool> expected;
         for (AssetIndex i = 0; i < snapshot.size(); ++i) {
             const Asset &asset = snapshot.asset(i);
-            const bool expected = asset.url.baseName().toLower().contains(needle) ||
-                                  folderNameOf(asset).toLower().contains(needle) ||
-                                  kindLabel(asset.kind).toLower().contains(needle);
-            if (matches.at(i) != expected)
-                return AssertionFailure() << "search for '" << needle.toStdString() << "' in "
-                                          << asset.url.bytes().toStdString();
+            expected.push_back(asset.url.baseName().toLower().contains(needle) ||
+                               asset.url.parent().name().toLower().contains(needle) ||
+                               kindLabel(asset.kind).toLower().contains(needle));
         }
+        EXPECT_EQ(snapshot.matching(needle), expected) << needle.toStdString();
     }
-    return AssertionSuccess();
 }
 
 } // namespace
 
-AssertionResult keepsItsPromises(const VaultSnapshot &snapshot)
+void expectPromisesKept(const VaultSnapshot &snapshot)
 {
-    for (const auto check : {checkOrders, checkPlaces, checkSearch}) {
-        if (const AssertionResult result = check(snapshot); !result)
-            return result;
+    const QLocale user = QLocale().collation();
+    QCollator collator(user == QLocale::c() ? QLocale(QLocale::English, QLocale::UnitedStates) : user);
+    collator.setNumericMode(true);
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    expectOrders(snapshot, collator);
+    expectSearch(snapshot);
+    for (const VaultCategory category : allCategories)
+        expectNode(snapshot, *snapshot.tree(category), collator);
+    qint64 total = 0;
+    for (AssetIndex i = 0; i < snapshot.size(); ++i) {
+        total += snapshot.asset(i).size;
+        EXPECT_EQ(snapshot.find(snapshot.asset(i).url), i) << snapshot.asset(i).url.c_str();
     }
-    for (const VaultCategory category : allCategories) {
-        if (const AssertionResult result = checkNode(snapshot, *snapshot.tree(category), fileManagerOrder());
-            !result)
-            return result;
-    }
-    return AssertionSuccess();
+    EXPECT_EQ(total, snapshot.totalSize());
 }
 
-AssertionResult areEqual(const VaultSnapshot &a, const VaultSnapshot &b)
+void expectEqual(const VaultSnapshot &a, const VaultSnapshot &b)
 {
-    if (!(a.root() == b.root()) || a.size() != b.size() || a.totalSize() != b.totalSize())
-        return AssertionFailure() << "root, size or total: " << a.size() << " and " << b.size();
-    for (AssetIndex i = 0; i < a.size(); ++i) {
-        if (!(a.asset(i) == b.asset(i)) || !(a.asset(i).version == b.asset(i).version))
-            return AssertionFailure() << "asset " << i << " " << a.asset(i).url.bytes().toStdString();
+    EXPECT_EQ(a.root(), b.root());
+    EXPECT_EQ(a.totalSize(), b.totalSize());
+    ASSERT_EQ(a.size(), b.size());
+    for (AssetIndex i = 0; i < a.size(); ++i)
+        EXPECT_TRUE(a.asset(i) == b.asset(i) && a.asset(i).version == b.asset(i).version)
+            << a.asset(i).url.c_str();
+    for (const VaultCategory category : allCategories)
+        EXPECT_TRUE(*a.tree(category) == *b.tree(category)) << int(category);
+    for (const auto &[order, label] : assetOrders)
+        EXPECT_TRUE(std::ranges::equal(a.order(order), b.order(order))) << label;
+}
+
+void expectLeadsFromBeforeToAfter(const SnapshotDiff &diff)
+{
+    std::vector<AssetIndex> previous;
+    std::vector<AssetIndex> altered;
+    std::vector<AssetIndex> removed;
+    for (AssetIndex i = 0; i < diff.after->size(); ++i) {
+        const Asset &asset = diff.after->asset(i);
+        previous.push_back(diff.before->find(asset.url).value_or(noAsset));
+        if (previous.back() == noAsset)
+            continue;
+        const Asset &earlier = diff.before->asset(previous.back());
+        if (!(earlier == asset) || !(earlier.version == asset.version))
+            altered.push_back(i);
     }
-    for (const VaultCategory category : allCategories) {
-        if (!(*a.tree(category) == *b.tree(category)))
-            return AssertionFailure() << "tree " << int(category);
+    for (AssetIndex i = 0; i < diff.before->size(); ++i) {
+        if (!diff.after->find(diff.before->asset(i).url))
+            removed.push_back(i);
     }
-    for (const auto &[order, label] : assetOrders) {
-        if (!std::ranges::equal(a.order(order), b.order(order)))
-            return AssertionFailure() << "order " << label;
-    }
-    return AssertionSuccess();
+    EXPECT_EQ(diff.previous, previous);
+    EXPECT_EQ(diff.altered, altered);
+    EXPECT_EQ(diff.removed, removed);
 }
 
 } // namespace cratewell::test
