@@ -52,39 +52,15 @@ protected:
 
 } // namespace
 
-TEST_F(AssetListModelTest, DescribesAnAsset)
-{
-    library.write(u"Overlays/Old.film.burn.MOV"_s);
-    library.prefs.toggleFavorite(library.path(u"Overlays/Old.film.burn.MOV"_s));
-    open(0);
-    EXPECT_EQ(model.roleNames().size(), 9);
-    model.click(0, Qt::NoModifier);
-    const Location url = library.path(u"Overlays/Old.film.burn.MOV"_s);
-    const std::pair<Role, QVariant> values[] = {{Role::UrlRole, QVariant::fromValue(url)},
-                                                {Role::NameRole, u"Old.film.burn"_s},
-                                                {Role::FileNameRole, u"Old.film.burn.MOV"_s},
-                                                {Role::KindRole, QVariant::fromValue(AssetKind::Video)},
-                                                {Role::KindLabelRole, u"Video"_s},
-                                                {Role::ExtensionRole, u"MOV"_s},
-                                                {Role::SelectedRole, true},
-                                                {Role::FocusedRole, true},
-                                                {Role::FavoriteRole, true}};
-    for (const auto &[role, value] : values)
-        EXPECT_EQ(model.data(model.index(0), role), value) << role;
-    EXPECT_EQ(model.assetAt(1), nullptr);
-    EXPECT_EQ(model.assetAt(-1), nullptr);
-    EXPECT_TRUE(model.urlAt(1).isEmpty());
-    model.click(1, Qt::NoModifier);
-    EXPECT_EQ(model.currentRow(), 0);
-}
-
 TEST_F(AssetListModelTest, FollowsTheDiskRowByRow)
 {
     open();
     model.click(4, Qt::NoModifier);
+    model.click(6, Qt::NoModifier); // past the end
     view->forgetCounts();
     library.write(u"SFX/Hits/hit 2b.wav"_s);
     library.write(u"SFX/Hits/hit 9.wav"_s);
+    library.write(u"SFX/Hits/hit 3.wav"_s, 4);
     library.remove(u"SFX/Hits/hit 0.wav"_s);
     ASSERT_TRUE(library.scan());
     EXPECT_TRUE(agrees());
@@ -92,22 +68,14 @@ TEST_F(AssetListModelTest, FollowsTheDiskRowByRow)
     EXPECT_EQ(model.rowOf(library.path(u"SFX/Hits/hit 9.wav"_s)), 6);
     EXPECT_EQ(view->inserted, 2);
     EXPECT_EQ(view->removed, 1);
-    EXPECT_EQ(view->changed, 0);
-    EXPECT_EQ(model.urlAt(model.currentRow()), hit(4));
-
-    view->forgetCounts();
-    library.write(u"SFX/Hits/hit 3.wav"_s, 4);
-    ASSERT_TRUE(library.scan());
-    EXPECT_EQ(view->runs, 0);
     EXPECT_EQ(view->changed, 1) << "a rewritten file is reported";
-    EXPECT_EQ(model.assetAt(model.rowOf(hit(3)))->size, 4);
+    EXPECT_EQ(model.urlAt(model.currentRow()), hit(4));
 }
 
 TEST_F(AssetListModelTest, FollowsSearchSortAndScope)
 {
     open();
-    library.prefs.toggleFavorite(hit(1));
-    library.prefs.toggleFavorite(hit(4));
+    library.prefs.setFavorites({hit(1), hit(4)});
     model.click(1, Qt::NoModifier);
     model.click(3, Qt::ControlModifier);
     const std::function<void()> steps[] = {
@@ -115,10 +83,8 @@ TEST_F(AssetListModelTest, FollowsSearchSortAndScope)
         [this] { state.setSearch(u"nothing like it"_s); },
         [this] { state.setSearch({}); },
         [this] { state.setSort(AssetOrder::Size); },
-        [this] { state.setSort(AssetOrder::Name); },
         [this] { state.setScope(Scope::of(Scope::Kind::Favorites)); },
         [this] { library.prefs.toggleFavorite(model.urlAt(0)); },
-        [this] { state.setScope(Scope::of(Scope::Kind::Trash)); },
         [this] { state.setScope(Scope::all()); },
     };
     for (const auto &step : steps) {
@@ -130,31 +96,28 @@ TEST_F(AssetListModelTest, FollowsSearchSortAndScope)
 
 TEST_F(AssetListModelTest, TellsSelectionFocusAndFavoritesRowByRow)
 {
+    using enum Role;
     open();
     QSignalSpy reported(&model, &AssetListModel::dataChanged);
-    struct Step
+    const struct
     {
         std::function<void()> act;
         std::vector<std::tuple<int, int, int>> changes; // first and last row, role
-    };
-    const Step steps[] = {
-        {[this] { model.click(1, Qt::NoModifier); }, {{1, 1, Role::SelectedRole}, {1, 1, Role::FocusedRole}}},
+    } steps[] = {
+        {[this] { model.click(1, Qt::NoModifier); }, {{1, 1, SelectedRole}, {1, 1, FocusedRole}}},
         {[this] { model.click(4, Qt::ShiftModifier); },
-         {{2, 4, Role::SelectedRole}, {1, 1, Role::FocusedRole}, {4, 4, Role::FocusedRole}}},
+         {{2, 4, SelectedRole}, {1, 1, FocusedRole}, {4, 4, FocusedRole}}},
         {[this] { model.click(3, Qt::ControlModifier); },
-         {{3, 3, Role::SelectedRole}, {4, 4, Role::FocusedRole}, {3, 3, Role::FocusedRole}}},
-        {[this] { state.selectAll(); },
-         {{0, 0, Role::SelectedRole},
-          {3, 3, Role::SelectedRole}, //
-          {5, 5, Role::SelectedRole}}},
-        {[this] { library.prefs.toggleFavorite(model.urlAt(2)); }, {{2, 2, Role::FavoriteRole}}},
+         {{3, 3, SelectedRole}, {4, 4, FocusedRole}, {3, 3, FocusedRole}}},
+        {[this] { state.selectAll(); }, {{0, 0, SelectedRole}, {3, 3, SelectedRole}, {5, 5, SelectedRole}}},
+        {[this] { library.prefs.toggleFavorite(hit(2)); }, {{2, 2, FavoriteRole}}},
         {[this] {
              library.prefs.setFavorites({hit(0), hit(1)});
          },
-         {{0, 2, Role::FavoriteRole}}},
-        {[this] { state.setSelection({}); }, {{3, 3, Role::FocusedRole}}},
+         {{0, 2, FavoriteRole}}},
+        {[this] { state.setSelection({}); }, {{3, 3, FocusedRole}}},
     };
-    for (const Step &step : steps) {
+    for (const auto &step : steps) {
         step.act();
         std::vector<std::tuple<int, int, int>> changes;
         for (const auto &arguments : std::exchange(static_cast<QList<QVariantList> &>(reported), {}))
@@ -169,11 +132,8 @@ TEST_F(AssetListModelTest, LaysOutInPlaceWhenTooMuchChanges)
 {
     const int count = 2 * rowRunLimit + 20;
     open(count);
-    const QPersistentModelIndex kept = model.index(model.rowOf(hit(count - 1)));
     model.click(model.rowOf(hit(3)), Qt::NoModifier);
     view->forgetCounts();
-    QSignalSpy begun(&model, &AssetListModel::aboutToApply);
-    QSignalSpy done(&model, &AssetListModel::applied);
 
     // Every second name, which is more runs than the limit.
     for (int i = 0; i < count; i += 2)
@@ -182,8 +142,6 @@ TEST_F(AssetListModelTest, LaysOutInPlaceWhenTooMuchChanges)
     EXPECT_TRUE(agrees());
     EXPECT_EQ(view->layouts, 1);
     EXPECT_EQ(view->runs, 1) << "the tail goes in one run";
-    EXPECT_EQ(begun.takeFirst().at(0).toInt(), count / 2);
-    EXPECT_EQ(done.takeFirst().at(0).toBool(), true);
     EXPECT_EQ(model.urlAt(model.currentRow()), hit(3));
 
     for (int i = 0; i < count; i += 2)
@@ -191,16 +149,13 @@ TEST_F(AssetListModelTest, LaysOutInPlaceWhenTooMuchChanges)
     ASSERT_TRUE(library.scan());
     EXPECT_TRUE(agrees());
     EXPECT_EQ(view->layouts, 2);
-    EXPECT_EQ(model.urlAt(model.currentRow()), hit(3));
 
     const QPersistentModelIndex first = model.index(0);
     state.setSort(AssetOrder::Size);
     EXPECT_TRUE(agrees());
     EXPECT_EQ(model.urlAt(first.row()), hit(0));
+    EXPECT_EQ(model.urlAt(model.currentRow()), hit(3));
     EXPECT_EQ(view->resets, 0);
-
-    state.selectAll();
-    EXPECT_TRUE(agrees());
 }
 
 TEST_F(AssetListModelTest, SurvivesChangesWhileChangesAreApplied)
