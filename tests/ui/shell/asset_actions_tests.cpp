@@ -20,11 +20,9 @@ class AssetActionsTest : public testing::Test
 protected:
     void SetUp() override
     {
-        library.write(u"SFX/Hit/boom.wav"_s);
-        library.write(u"SFX/Hit/Deep/sub.wav"_s);
-        library.write(u"SFX/Hits/clap.wav"_s);
-        library.write(u"Overlays/grain.png"_s);
-        library.write(u"outside/new.wav"_s);
+        for (const auto file : {"SFX/Hit/boom.wav"_L1, "SFX/Hit/Deep/sub.wav"_L1, "SFX/Hits/clap.wav"_L1,
+                                "Overlays/grain.png"_L1, "outside/new.wav"_L1})
+            library.write(file);
         ASSERT_TRUE(library.start());
         state.setSort(AssetOrder::Name);
     }
@@ -63,41 +61,20 @@ TEST_F(AssetActionsTest, ANewFolderComesIntoViewUnlessTheUserHasGoneElsewhere)
     actions.createFolder(u" a/b "_s);
     EXPECT_FALSE(state.showNewFolder());
     ASSERT_TRUE(waitUntil([&] { return state.scope() == Scope::inFolder(path(u"SFX/Hit/a-b"_s)); }));
-    EXPECT_TRUE(exists(u"SFX/Hit/a-b"_s));
 
     state.newFolderInside(path(u"SFX"_s));
     actions.createFolder(u"Late"_s);
-    state.setScope(Scope::of(Scope::Kind::Trash));
-    QSignalSpy scans(&vault, &Vault::rescanned);
-    ASSERT_TRUE(waitUntil([&] { return scans.count() > 0; }));
-    EXPECT_TRUE(exists(u"SFX/Late"_s));
-    EXPECT_EQ(state.scope(), Scope::of(Scope::Kind::Trash));
-}
-
-TEST_F(AssetActionsTest, ANewFolderTakesTheSelectionAndTheViewStays)
-{
     state.setScope(Scope::inFolder(path(u"SFX"_s)));
+    QSignalSpy scans(&vault, &Vault::rescanned);
+    ASSERT_TRUE(waitUntil([&] { return scans.count() > 0 && exists(u"SFX/Late"_s); }));
+    EXPECT_EQ(state.scope(), Scope::inFolder(path(u"SFX"_s)));
+
     select({"SFX/Hit/boom.wav", "SFX/Hits/clap.wav"});
     state.newFolderFromSelection();
     EXPECT_EQ(reportAfter([&] { actions.createFolder(u"Both"_s); }), u"Moved 2 items to Both"_s);
     EXPECT_TRUE(exists(u"SFX/Hit/Both/boom.wav"_s) && exists(u"SFX/Hit/Both/clap.wav"_s));
     EXPECT_EQ(state.scope(), Scope::inFolder(path(u"SFX"_s)));
     EXPECT_THAT(state.pendingMove(), IsEmpty());
-    EXPECT_EQ(state.selectedCount(), 0);
-}
-
-TEST_F(AssetActionsTest, ARenamedFolderKeepsItsView)
-{
-    state.setScope(Scope::inFolder(path(u"SFX/Hit"_s)));
-    actions.rename(path(u"SFX/Hit"_s));
-    ASSERT_TRUE(state.isRenaming());
-    actions.renameTo(u"Impacts"_s);
-    EXPECT_FALSE(state.isRenaming());
-    ASSERT_TRUE(waitUntil([&] { return state.scope() == Scope::inFolder(path(u"SFX/Impacts"_s)); }));
-
-    focus(u"Overlays/grain.png"_s);
-    actions.renameFocused();
-    EXPECT_EQ(state.renameTarget(), path(u"Overlays/grain.png"_s));
 }
 
 TEST_F(AssetActionsTest, WhatASearchHidesIsTrashedAndRevealedByCommandAndLeftAloneByTheBar)
@@ -117,18 +94,16 @@ TEST_F(AssetActionsTest, WhatASearchHidesIsTrashedAndRevealedByCommandAndLeftAlo
     EXPECT_EQ(reportAfter([&] { actions.moveSelectedToTrash(); }),
               u"Moved 2 items to Trash. They're kept for 30 days."_s);
     EXPECT_FALSE(exists(u"SFX/Hit/boom.wav"_s) || exists(u"SFX/Hits/clap.wav"_s));
-    EXPECT_TRUE(state.hasSelection()) << "the focused one was not among the selected";
 
-    state.setSearch({});
     state.setSelected({});
     actions.revealSelected();
-    EXPECT_THAT(library.workspace.revealed().last(), ElementsAre(path(u"Overlays/grain.png"_s)));
+    EXPECT_THAT(library.workspace.revealed().last(), ElementsAre(path(u"Overlays/grain.png"_s)))
+        << "the focused one, without selected ones";
     select({"SFX/Hit/Deep/sub.wav", "Overlays/grain.png"});
     state.setSearch(u"grain"_s);
     reportAfter([&] { actions.moveInViewToTrash(); });
     EXPECT_TRUE(exists(u"SFX/Hit/Deep/sub.wav"_s));
     EXPECT_FALSE(exists(u"Overlays/grain.png"_s));
-    EXPECT_FALSE(state.hasSelection());
 }
 
 TEST_F(AssetActionsTest, UndoRestoresWhatIsStillInTheTrash)
@@ -145,23 +120,16 @@ TEST_F(AssetActionsTest, UndoRestoresWhatIsStillInTheTrash)
     EXPECT_EQ(reportAfter([&] { actions.undoTrash(items); }), u"Restored 1 item"_s);
     EXPECT_THAT(trashed, IsEmpty()) << "and no other report does";
     EXPECT_NE(exists(u"SFX/Hit/boom.wav"_s), exists(u"SFX/Hits/clap.wav"_s));
-
-    actions.undoTrash(items);
-    EXPECT_EQ(reportAfter([&] { actions.moveToTrash(path(u"SFX/Hit"_s)); }),
-              u"Moved 1 item to Trash. They're kept for 30 days."_s)
-        << "an undo that comes too late reports nothing";
 }
 
-TEST_F(AssetActionsTest, FavoritesAreToggledForOneOrAllInView)
+TEST_F(AssetActionsTest, FavoritesMovesAndInsertsTakeWhatIsInViewOrFocused)
 {
     const Location boom = path(u"SFX/Hit/boom.wav"_s);
     const Location clap = path(u"SFX/Hits/clap.wav"_s);
     Prefs &prefs = library.prefs;
-    actions.toggleFavoriteOfFocused();
     focus(u"SFX/Hit/boom.wav"_s);
     actions.toggleFavoriteOfFocused();
     EXPECT_EQ(prefs.favorites(), LocationSet{boom});
-
     select({"SFX/Hit/boom.wav", "SFX/Hits/clap.wav", "SFX/Hit/Deep/sub.wav"});
     state.setSearch(u"hit"_s);
     EXPECT_FALSE(actions.favoritesInView());
@@ -172,25 +140,17 @@ TEST_F(AssetActionsTest, FavoritesAreToggledForOneOrAllInView)
     EXPECT_EQ(prefs.favorites(), (LocationSet{boom, clap})) << "sub.wav is not in view";
     actions.toggleFavoritesInView();
     EXPECT_THAT(prefs.favorites(), IsEmpty());
-    actions.toggleFavorite(clap);
-    EXPECT_EQ(prefs.favorites(), LocationSet{clap});
     state.setSelected({});
     EXPECT_FALSE(actions.favoritesInView());
-}
 
-TEST_F(AssetActionsTest, MovesAndInsertsWhatIsChosen)
-{
     select({"SFX/Hit/boom.wav", "SFX/Hit/Deep/sub.wav"});
     state.setSearch(u"boom"_s);
     EXPECT_EQ(reportAfter([&] { actions.moveInViewTo(path(u"SFX/Hits"_s)); }), u"Moved 1 item to Hits"_s);
     EXPECT_TRUE(exists(u"SFX/Hits/boom.wav"_s) && exists(u"SFX/Hit/Deep/sub.wav"_s));
-
-    EXPECT_FALSE(actions.isInsertable());
     focus(u"SFX/Hits/clap.wav"_s);
     EXPECT_TRUE(actions.isInsertable());
     actions.insertInto(AssetActions::Premiere);
     EXPECT_EQ(library.premiere.inserted, QStringList(u"clap"_s));
-    EXPECT_EQ(library.resolve.inserted, QStringList());
 }
 
 TEST_F(AssetActionsTest, ImportsHonorTheFolderInViewAndTheModeSetting)
@@ -209,22 +169,16 @@ TEST_F(AssetActionsTest, ImportsHonorTheFolderInViewAndTheModeSetting)
     EXPECT_EQ(importing(u"outside"_s), u"Added 1 asset to the vault"_s);
     EXPECT_TRUE(exists(u"SFX/Hits/outside/new.wav"_s)) << "the folder that was in view when asked";
     EXPECT_FALSE(exists(u"outside/new.wav"_s));
-
     const QList<ChooseRequest> &requests = library.chooser.requests();
     ASSERT_EQ(requests.size(), 2);
     EXPECT_EQ(requests[0].what, ChooseRequest::What::Files);
     EXPECT_EQ(requests[1].what, ChooseRequest::What::Folders);
-    EXPECT_EQ(requests[0].title, u"Choose overlays, LUTs or sound effects to add to your vault."_s);
-    EXPECT_EQ(requests[0].acceptLabel, u"Import"_s);
     EXPECT_TRUE(requests[0].several);
 }
 
 TEST_F(AssetActionsTest, AnswersThatComeTooLateChangeNothing)
 {
     QSignalSpy reports(&vault, &Vault::toast);
-    actions.importFiles();
-    ASSERT_TRUE(library.chooser.answer({}));
-
     auto gone = std::make_unique<AssetActions>(vault, library.prefs, state, library.inserter,
                                                library.workspace, library.chooser);
     gone->importFiles();
