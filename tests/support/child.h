@@ -4,15 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <utility>
-#include <vector>
 
 namespace cratewell::test {
 
 struct ChildOptions
 {
     // Variables besides those of this process.
-    std::vector<std::pair<QString, QString>> environment = {};
+    QList<std::pair<QString, QString>> environment = {};
     // A command that runs the program it is given: {"setpriv", ...}.
     QStringList wrapper = {};
 };
@@ -23,11 +21,10 @@ class Child
 {
 public:
     explicit Child(const QString &name, const ChildOptions &options = {});
-    ~Child();
+    ~Child() { kill(); }
     Q_DISABLE_COPY_MOVE(Child)
 
-    // Standard output and error so far.
-    const QByteArray &output();
+    const QByteArray &output() { return m_output += m_process.readAll(); }
     // Waits for `text` in the output; false when the child ends without it or takes longer.
     [[nodiscard]] bool prints(const QByteArray &text,
                               std::chrono::milliseconds limit = std::chrono::seconds(10));
@@ -44,8 +41,6 @@ private:
 
 // Prints a line that the parent waits for with prints().
 void report(const QByteArray &text);
-// Whether this process is a Child.
-bool isChild();
 // Whether the shell script succeeds below the wrapper; prints why not.
 bool isPermitted(const QStringList &wrapper, const QString &script);
 

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <cstdlib>
 #include <locale.h>
 #include <optional>
+#include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace cratewell::test {
@@ -21,18 +22,19 @@ public:
     std::optional<std::string> title;
 
     // False where the text is to be refused.
-    bool read(const std::string &text)
+    bool read(std::string text)
     {
-        std::u32string characters;
-        if (!decode(text, characters))
+        if (!isUtf8(text))
             return false;
-        if (characters.starts_with(U'\uFEFF'))
-            characters.erase(0, 1);
-        std::u32string line;
-        for (const char32_t c : characters + U'\n') {
-            if (std::u32string_view(U"\n\v\f\r\u0085\u2028\u2029").find(c) == std::u32string::npos)
-                line += c;
-            else if (!takeLine(trimmed(std::exchange(line, {}))))
+        if (text.starts_with("\uFEFF"))
+            text.erase(0, 3);
+        for (const std::string end : {"\v", "\f", "\r", "\u0085", "\u2028", "\u2029"}) {
+            for (size_t at = 0; (at = text.find(end, at)) != text.npos;)
+                text.replace(at, end.size(), "\n");
+        }
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);) {
+            if (!takeLine(trimmed(line, blanks)))
                 return false;
         }
         return size >= 2 && size < 1000 && points.size() == size_t(4 * size * size * size);
@@ -49,119 +51,82 @@ public:
     }
 
 private:
-    static bool decode(const std::string &text, std::u32string &characters)
+    static bool isUtf8(const std::string &text)
     {
-        static constexpr char32_t least[]{0, 0x80, 0x800, 0x10000};
+        static constexpr char32_t least[]{0, 0, 0x80, 0x800, 0x10000};
         for (size_t at = 0; at < text.size();) {
             const auto first = std::uint8_t(text[at++]);
-            const int more = first < 0x80 ? 0 : first < 0xC0 ? -1 : first < 0xE0 ? 1 : first < 0xF0 ? 2 : 3;
-            if (more < 0 || first >= 0xF8)
+            const int length = std::countl_one(first);
+            if (length == 1 || length > 4)
                 return false;
-            char32_t c = more == 0 ? first : first & (0x3F >> more);
-            for (int i = 0; i < more; ++i, ++at) {
-                if (at == text.size() || (std::uint8_t(text[at]) & 0xC0) != 0x80)
+            char32_t c = first & (0x7F >> length);
+            for (int i = 1; i < length; ++i, ++at) {
+                if ((std::uint8_t(text[at]) & 0xC0) != 0x80)
                     return false;
                 c = c << 6 | (std::uint8_t(text[at]) & 0x3F);
             }
-            if (c < least[more] || c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF))
+            if (c < least[length] || c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF))
                 return false;
-            characters += c;
         }
         return true;
     }
 
-    static std::u32string trimmed(const std::u32string &line, const std::u32string &of = blanks)
+    static std::string trimmed(std::string line, const std::vector<std::string> &of)
     {
-        const size_t first = line.find_first_not_of(of);
-        return first == line.npos ? U"" : line.substr(first, line.find_last_not_of(of) + 1 - first);
-    }
-
-    static std::string encoded(const std::u32string &text)
-    {
-        std::string result;
-        for (const char32_t c : text) {
-            const int more = c < 0x80 ? 0 : c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
-            result += more == 0 ? char(c) : char((0xFF00 >> (more + 1) & 0xFF) | c >> (6 * more));
-            for (int i = more - 1; i >= 0; --i)
-                result += char(0x80 | (c >> (6 * i) & 0x3F));
-        }
-        return result;
-    }
-
-    static std::vector<std::string> wordsOf(const std::u32string &line)
-    {
-        std::vector<std::string> words(1);
-        for (const char32_t c : line) {
-            if (c == ' ' || c == '\t')
-                words.emplace_back();
-            else
-                words.back() += encoded({c});
-        }
-        std::erase(words, "");
-        return words;
-    }
-
-    static std::vector<float> numbersAfterFirst(const std::vector<std::string> &words)
-    {
-        std::vector<float> numbers;
-        for (size_t i = 1; i < words.size(); ++i) {
-            if (const auto value = number(words[i]))
-                numbers.push_back(*value);
-        }
-        return numbers;
-    }
-
-    bool takeLine(const std::u32string &line)
-    {
-        if (line.empty() || line.front() == '#')
-            return true;
-        const std::vector<std::string> words = wordsOf(line);
-        std::string keyword = words[0];
-        std::ranges::transform(keyword, keyword.begin(),
-                               [](char c) { return c >= 'a' && c <= 'z' ? char(c - 32) : c; });
-        if (keyword == "LUT_1D_SIZE")
-            return false;
-        if (keyword == "TITLE")
-            title = encoded(trimmed(trimmed(line.substr(5)), U"\""));
-        else if (keyword == "LUT_3D_SIZE")
-            size = wholeNumber(words.back());
-        else if (keyword == "DOMAIN_MIN")
-            m_minimum = numbersAfterFirst(words);
-        else if (keyword == "DOMAIN_MAX")
-            m_maximum = numbersAfterFirst(words);
-        else if (words.size() >= 3 && number(words[0]) && number(words[1]) && number(words[2]))
-            return takeRow(words);
-        return true;
+        const auto outer = [&](const std::string &end) {
+            return line.starts_with(end) || line.ends_with(end);
+        };
+        for (auto end = of.begin(); (end = std::ranges::find_if(of, outer)) != of.end();)
+            line.erase(line.starts_with(*end) ? 0 : line.size() - end->size(), end->size());
+        return line;
     }
 
     static std::int64_t wholeNumber(const std::string &word)
     {
-        const bool isSigned = word.starts_with('+') || word.starts_with('-');
-        const std::string digits = word.substr(isSigned ? 1 : 0);
-        const bool whole = !digits.empty() && digits.find_first_not_of("0123456789") == digits.npos;
-        const size_t first = std::min(digits.find_first_not_of('0'), digits.size());
-        if (!whole || digits.size() - first > 9)
-            return 0;
-        return (word[0] == '-' ? -1 : 1) * std::atoll(digits.c_str());
+        const size_t sign = word.starts_with('+') || word.starts_with('-') ? 1 : 0;
+        const size_t first = std::min(word.find_first_not_of('0', sign), word.size());
+        const bool whole = word.find_first_not_of("0123456789", sign) == word.npos;
+        return whole && word.size() - first <= 9 ? std::atoll(word.c_str()) : 0;
     }
 
-    bool takeRow(const std::vector<std::string> &words)
+    bool takeLine(const std::string &line)
     {
-        if (m_minimum.empty() || m_maximum.empty())
-            return false;
-        for (size_t channel = 0; channel < 3; ++channel) {
-            const float low = m_minimum[std::min(channel, m_minimum.size() - 1)];
-            const float high = m_maximum[std::min(channel, m_maximum.size() - 1)];
-            const float range = high - low <= 0.0001F ? 0.0001F : high - low;
-            points.push_back((*number(words[channel]) - low) / range);
+        if (line.empty() || line.front() == '#')
+            return true;
+        std::vector<std::string> words;
+        std::vector<float> numbers;
+        std::istringstream stream(line);
+        for (std::string word; stream >> word; words.push_back(word)) {
+            if (const auto value = number(word))
+                numbers.push_back(*value);
         }
-        points.push_back(1);
-        return true;
+        std::string keyword = words[0];
+        std::ranges::transform(keyword, keyword.begin(),
+                               [](char c) { return c >= 'a' && c <= 'z' ? char(c - 32) : c; });
+        if (keyword == "TITLE")
+            title = trimmed(trimmed(line.substr(5), blanks), {"\""});
+        else if (keyword == "LUT_3D_SIZE")
+            size = wholeNumber(words.back());
+        else if (keyword == "DOMAIN_MIN")
+            m_minimum = numbers;
+        else if (keyword == "DOMAIN_MAX")
+            m_maximum = numbers;
+        else if (words.size() >= 3 && number(words[0]) && number(words[1]) && number(words[2])) {
+            if (m_minimum.empty() || m_maximum.empty())
+                return false;
+            for (size_t channel = 0; channel < 3; ++channel) {
+                const float low = m_minimum[std::min(channel, m_minimum.size() - 1)];
+                const float high = m_maximum[std::min(channel, m_maximum.size() - 1)];
+                points.push_back((numbers[channel] - low) / std::max(high - low, 0.0001F));
+            }
+            points.push_back(1);
+        }
+        return keyword != "LUT_1D_SIZE";
     }
 
-    static inline const std::u32string blanks =
-        U" \t\u00A0\u1680\u2000\u2001\u2002\u2003\u2004\u2005\u2006\u2007"
-        U"\u2008\u2009\u200A\u202F\u205F\u3000";
+    static inline const std::vector<std::string> blanks{
+        " ",      "\t",     "\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004",
+        "\u2005", "\u2006", "\u2007", "\u2008", "\u2009", "\u200A", "\u202F", "\u205F", "\u3000"};
     std::vector<float> m_minimum{0, 0, 0};
     std::vector<float> m_maximum{1, 1, 1};
 };

@@ -7,9 +7,9 @@
 #include "state/app_state.h"
 #include "state/prefs.h"
 #include "support/wait.h"
-#include "vault/category.h"
 #include "vault/vault.h"
 
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <filesystem>
 #include <fstream>
@@ -19,12 +19,13 @@ namespace cratewell::test {
 // A vault of a few files in a temporary folder, with the objects of the state room on it.
 class SmallLibrary
 {
+    QTemporaryDir m_folder;
+
 public:
     Location path(const QString &relative) const
     {
         return Location::fromText(m_folder.path() + QStringLiteral("/vault/") + relative);
     }
-    // Makes the folders too. What is there is replaced.
     void write(const QString &relative, size_t size = 1)
     {
         const std::filesystem::path file(path(relative).c_str());
@@ -35,7 +36,9 @@ public:
     // Waits until the state shows what the disk holds.
     [[nodiscard]] bool scan()
     {
-        return scanned([this] { vault.rescan(); });
+        QSignalSpy scans(&vault, &Vault::rescanned);
+        vault.rescan();
+        return waitUntil([&scans] { return !scans.isEmpty(); });
     }
     // The same for a vault that opens, with the folders it has and no others, so that its files can be
     // changed.
@@ -44,7 +47,9 @@ public:
         for (const VaultCategory category : allCategories)
             defaults.setValue(QStringLiteral("seeded.%1.%2").arg(vault.root().text(), rawValue(category)),
                               true);
-        return scanned([this] { vault.start(); });
+        QSignalSpy scans(&vault, &Vault::rescanned);
+        vault.start();
+        return waitUntil([&scans] { return !scans.isEmpty(); });
     }
     std::optional<Asset> asset(const QString &relative) const
     {
@@ -52,20 +57,6 @@ public:
         return index ? std::optional(vault.snapshot()->asset(*index)) : std::nullopt;
     }
 
-private:
-    template<typename Begin> bool scanned(const Begin &begin)
-    {
-        bool reported = false;
-        const auto connection = QObject::connect(&vault, &Vault::rescanned, [&reported] { reported = true; });
-        begin();
-        const bool done = waitUntil([&reported] { return reported; });
-        QObject::disconnect(connection);
-        return done;
-    }
-
-    QTemporaryDir m_folder;
-
-public:
     MemoryDefaults defaults;
     FakeWorkspace workspace;
     Prefs prefs{defaults, SystemPaths::below(Location::fromText(m_folder.path()))};

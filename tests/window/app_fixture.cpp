@@ -4,17 +4,13 @@
 #include "platform/defaults.h"
 #include "platform/fakes/fake_appearance.h"
 #include "platform/fakes/fake_applications.h"
-#include "platform/fakes/fake_file_chooser.h"
-#include "platform/fakes/fake_workspace.h"
 #include "platform/native.h"
-#include "state/app_state.h"
 #include "support/wait.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
-#include <QQuickWindow>
 #include <QTest>
 #include <QtEndian>
 
@@ -24,17 +20,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QStringList &collectedWarnings()
-{
-    static QStringList warnings;
-    return warnings;
-}
+QStringList collectedWarnings;
 
 // Collects what comes from QML, and prints everything.
 void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
     if (type != QtDebugMsg && type != QtInfoMsg && text.contains("qrc:"_L1))
-        collectedWarnings().append(text);
+        collectedWarnings.append(text);
     std::fprintf(stderr, "%s: %s\n", context.category ? context.category : "default", qPrintable(text));
 }
 
@@ -51,25 +43,20 @@ AppFixture::AppFixture(const Prepare &prepare)
     start();
 }
 
-AppFixture::~AppFixture() = default;
-
 void AppFixture::start()
 {
     Services services = Services::native(m_paths);
-    auto applications = std::make_unique<FakeApplications>();
-    auto workspace = std::make_unique<FakeWorkspace>();
-    m_applications = applications.get();
-    auto chooser = std::make_unique<FakeFileChooser>();
-    m_workspace = workspace.get();
-    m_chooser = chooser.get();
-    services.applications = std::move(applications);
-    services.workspace = std::move(workspace);
-    services.fileChooser = std::move(chooser);
-    services.appearance = std::make_unique<FakeAppearance>();
+    const auto play = [](auto &service, auto fake) {
+        auto *played = fake.get();
+        service = std::move(fake);
+        return played;
+    };
+    play(services.applications, std::make_unique<FakeApplications>());
+    play(services.appearance, std::make_unique<FakeAppearance>());
+    m_workspace = play(services.workspace, std::make_unique<FakeWorkspace>());
+    m_chooser = play(services.fileChooser, std::make_unique<FakeFileChooser>());
     m_program = std::make_unique<Application>(m_paths, std::move(services));
-    if (!m_program->launch())
-        qFatal("the window could not be loaded");
-    if (!QTest::qWaitForWindowExposed(&window()))
+    if (!m_program->launch() || !QTest::qWaitForWindowExposed(&window()))
         qFatal("the window did not appear");
 }
 
@@ -78,11 +65,6 @@ void AppFixture::restart()
     m_program->drain();
     m_program.reset();
     start();
-}
-
-QString AppFixture::vaultFolder() const
-{
-    return m_paths.defaultVault().text();
 }
 
 Location AppFixture::path(const QString &relative) const
@@ -97,16 +79,7 @@ bool AppFixture::exists(const QString &relative) const
 
 std::string AppFixture::qmlWarnings()
 {
-    return collectedWarnings().join(u'\n').toStdString();
-}
-
-bool AppFixture::makesRoom()
-{
-    window().resize(1320, 1400);
-    return waitUntil([this] {
-        const QAccessibleInterface *grid = controls().find(QAccessible::List, u"Assets"_s);
-        return grid && grid->rect().height() > 1200;
-    });
+    return collectedWarnings.join(u'\n').toStdString();
 }
 
 bool AppFixture::showsCards(const QStringList &names)
@@ -133,7 +106,11 @@ void AppFixture::type(const QString &text)
 
 void WindowTest::SetUp()
 {
-    ASSERT_TRUE(app.makesRoom());
+    window.resize(1320, 1400);
+    ASSERT_TRUE(waitUntil([this] {
+        const QAccessibleInterface *grid = controls.find(QAccessible::List, u"Assets"_s);
+        return grid && grid->rect().height() > 1200;
+    }));
     state.setSort(AssetOrder::Name);
     ASSERT_TRUE(app.showsCards(cards));
 }
@@ -170,7 +147,7 @@ void writeFile(const QString &path, const QByteArray &bytes)
 
 void writePicture(const QString &path, Qt::GlobalColor color)
 {
-    QDir().mkpath(QFileInfo(path).path());
+    writeFile(path, {});
     QImage image(64, 36, QImage::Format_RGB32);
     image.fill(color);
     if (!image.save(path))

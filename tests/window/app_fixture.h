@@ -1,17 +1,15 @@
 #pragma once
 
 #include "app/application.h"
+#include "platform/fakes/fake_file_chooser.h"
+#include "platform/fakes/fake_workspace.h"
+#include "state/app_state.h"
 #include "window/controls.h"
 
+#include <QQuickWindow>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <memory>
-
-namespace cratewell {
-class FakeApplications;
-class FakeFileChooser;
-class FakeWorkspace;
-} // namespace cratewell
 
 namespace cratewell::test {
 
@@ -28,7 +26,6 @@ class AppFixture
 {
 public:
     explicit AppFixture(const Prepare &prepare = smallVault);
-    ~AppFixture();
 
     // Ends the program and starts it again in the same home.
     void restart();
@@ -36,10 +33,9 @@ public:
     Application &program() { return *m_program; }
     QQuickWindow &window() { return *m_program->window(); }
     Controls controls() { return Controls(window()); }
-    FakeApplications &applications() { return *m_applications; }
     FakeWorkspace &workspace() { return *m_workspace; }
     FakeFileChooser &chooser() { return *m_chooser; }
-    QString vaultFolder() const;
+    QString vaultFolder() const { return m_paths.defaultVault().text(); }
     QString home() const { return m_home.path(); }
     // A place in the vault.
     Location path(const QString &relative) const;
@@ -49,8 +45,6 @@ public:
 
     // Waits until the window shows cards of exactly these names, in any order.
     [[nodiscard]] bool showsCards(const QStringList &names);
-    // Makes the window so tall that it shows every folder and card.
-    [[nodiscard]] bool makesRoom();
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
     void type(const QString &text);
 
@@ -59,7 +53,6 @@ private:
 
     QTemporaryDir m_home;
     SystemPaths m_paths;
-    FakeApplications *m_applications = nullptr;
     FakeWorkspace *m_workspace = nullptr;
     FakeFileChooser *m_chooser = nullptr;
     std::unique_ptr<Application> m_program;

@@ -14,64 +14,40 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-bool isPressable(QAccessible::Role role)
-{
-    switch (role) {
-    case QAccessible::Button:
-    case QAccessible::CheckBox:
-    case QAccessible::RadioButton:
-    case QAccessible::MenuItem:
-    case QAccessible::ListItem:
-    case QAccessible::TreeItem:
-    case QAccessible::PageTab:
-    case QAccessible::ButtonMenu:
-        return true;
-    default:
-        return false;
-    }
-}
-
 // Every text that a control's own properties show, or offer as help.
-QStringList shownTexts(const QObject &control)
+QStringList shownTexts(const QObject *control)
 {
     QStringList texts;
-    for (const char *property : {"text", "helpText", "placeholderText", "title", "name", "label"}) {
-        const QString text = control.property(property).toString();
-        if (!text.isEmpty())
-            texts.append(text);
-    }
+    for (const char *property : {"text", "helpText", "placeholderText", "title", "name", "label"})
+        texts += control->property(property).toString();
+    texts.removeAll({});
     return texts;
-}
-
-bool mustHaveName(QAccessible::Role role)
-{
-    return isPressable(role) || role == QAccessible::EditableText || role == QAccessible::Slider ||
-           role == QAccessible::AlertMessage || role == QAccessible::Heading;
 }
 
 } // namespace
 
-template<typename Visit> void Controls::visit(const Visit &visit) const
+std::vector<QAccessibleInterface *> Controls::visible() const
 {
-    const std::function<void(QAccessibleInterface *)> walk = [&](QAccessibleInterface *interface) {
-        if (!interface || !interface->isValid() || interface->state().invisible)
+    std::vector<QAccessibleInterface *> found;
+    const std::function<void(QAccessibleInterface *)> walk = [&](QAccessibleInterface *control) {
+        if (!control || !control->isValid() || control->state().invisible)
             return;
-        visit(*interface);
-        for (int i = 0; i < interface->childCount(); ++i)
-            walk(interface->child(i));
+        found.push_back(control);
+        for (int i = 0; i < control->childCount(); ++i)
+            walk(control->child(i));
     };
     walk(QAccessible::queryAccessibleInterface(&m_window));
+    return found;
 }
 
 QAccessibleInterface *Controls::find(Role role, const QString &name) const
 {
-    QAccessibleInterface *found = nullptr;
-    visit([&](QAccessibleInterface &interface) {
-        if (!found && interface.role() == role && interface.text(QAccessible::Name) == name &&
-            !interface.state().offscreen)
-            found = &interface;
-    });
-    return found;
+    for (QAccessibleInterface *control : visible()) {
+        if (control->role() == role && control->text(QAccessible::Name) == name &&
+            !control->state().offscreen)
+            return control;
+    }
+    return nullptr;
 }
 
 bool Controls::shows(Role role, const QString &name) const
@@ -122,34 +98,33 @@ bool Controls::act(Role role, const QString &name, const QString &action) const
 QStringList Controls::names(Role role) const
 {
     QStringList names;
-    visit([&](QAccessibleInterface &interface) {
-        if (interface.role() == role && !interface.state().offscreen)
-            names.append(interface.text(QAccessible::Name));
-    });
+    for (QAccessibleInterface *control : visible()) {
+        if (control->role() == role && !control->state().offscreen)
+            names.append(control->text(QAccessible::Name));
+    }
     return names;
 }
 
 std::string Controls::accessibilityIssues() const
 {
+    const QList<Role> pressable{Button,   Card,   QAccessible::CheckBox, QAccessible::RadioButton,
+                                MenuItem, Folder, QAccessible::PageTab,  QAccessible::ButtonMenu};
+    const QList<Role> named = pressable + QList<Role>{Field, QAccessible::Slider, Toast, Heading};
     QStringList issues;
-    visit([&](QAccessibleInterface &interface) {
-        const QAccessible::Role role = interface.role();
-        const QString name = interface.text(QAccessible::Name);
-        const QString what = u"role %1 \"%2\" at %3,%4"_s.arg(int(role))
-                                 .arg(name)
-                                 .arg(interface.rect().x())
-                                 .arg(interface.rect().y());
-        if (mustHaveName(role) && name.trimmed().isEmpty())
-            issues.append(what + u": no name"_s);
-        if (mustHaveName(role) && interface.object()) {
-            const QStringList texts = shownTexts(*interface.object());
-            if (!texts.isEmpty() && !texts.contains(name))
-                issues.append(what + u": shows "_s + texts.join(u" / "_s));
-        }
-        const QAccessibleActionInterface *actions = interface.actionInterface();
-        if (isPressable(role) && (!actions || actions->actionNames().isEmpty()))
-            issues.append(what + u": no action"_s);
-    });
+    for (QAccessibleInterface *control : visible()) {
+        if (!named.contains(control->role()))
+            continue;
+        const QString name = control->text(QAccessible::Name);
+        const QString what = u"role %1 \"%2\": "_s.arg(int(control->role())).arg(name);
+        const QStringList texts = shownTexts(control->object());
+        if (name.trimmed().isEmpty())
+            issues.append(what + u"no name"_s);
+        if (!texts.isEmpty() && !texts.contains(name))
+            issues.append(what + u"shows "_s + texts.join(u" / "_s));
+        const QAccessibleActionInterface *actions = control->actionInterface();
+        if (pressable.contains(control->role()) && (!actions || actions->actionNames().isEmpty()))
+            issues.append(what + u"no action"_s);
+    }
     return issues.join(u'\n').toStdString();
 }
 

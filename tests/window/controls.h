@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <string>
+#include <vector>
 
 class QQuickWindow;
 
@@ -49,7 +50,8 @@ public:
 
 private:
     bool act(Role role, const QString &name, const QString &action) const;
-    template<typename Visit> void visit(const Visit &visit) const;
+    // In tree order; some may lie outside the view.
+    std::vector<QAccessibleInterface *> visible() const;
 
     QQuickWindow &m_window;
 };

@@ -1,12 +1,9 @@
 #include "window/app_fixture.h"
 
-#include "platform/fakes/fake_workspace.h"
-#include "state/app_state.h"
 #include "state/prefs.h"
 #include "support/wait.h"
 
 #include <QQuickItem>
-#include <QQuickWindow>
 
 #include <algorithm>
 
@@ -14,10 +11,27 @@ namespace cratewell::test {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+// What can be seen of `item` and below and has lost its end.
+QStringList cutTexts(const QQuickItem &item)
+{
+    if (!item.isVisible())
+        return {};
+    QStringList texts;
+    const bool tooWide = item.property("contentWidth").toReal() > std::ceil(item.width());
+    if (item.inherits("QQuickText") && (item.property("truncated").toBool() || tooWide))
+        texts += item.property("text").toString();
+    for (const QQuickItem *child : item.childItems())
+        texts += cutTexts(*child);
+    return texts;
+}
+
+} // namespace
+
 class Window : public WindowTest
 {
 protected:
-    QString focused() const { return state.selection() ? state.selection()->url.baseName() : QString(); }
     QRect place(QAccessible::Role role, const QString &name)
     {
         const QAccessibleInterface *control = controls.find(role, name);
@@ -25,44 +39,62 @@ protected:
     }
 };
 
-TEST_F(Window, OpensAtItsSizeWithItsRowsInOrder)
+TEST(NewWindow, HasItsSizeItsRowsAndEveryTextWholeOnEveryPage)
 {
-    app.restart();
-    EXPECT_EQ(app.window().title(), u"Cratewell");
-    EXPECT_EQ(app.window().size(), QSize(1320, 840));
-    EXPECT_EQ(app.window().minimumSize(), QSize(1040, 640));
+    AppFixture app;
+    const Controls controls = app.controls();
+    const QQuickWindow &window = app.window();
+    EXPECT_EQ(window.title(), u"Cratewell");
+    EXPECT_EQ(window.size(), QSize(1320, 840));
+    EXPECT_EQ(window.minimumSize(), QSize(1040, 640));
 
-    const QStringList buttons = app.controls().names(Button);
     const QStringList rows{u"All Assets"_s, u"Favorites"_s,      u"Recently Inserted"_s, u"Import"_s,
                            u"Trash"_s,      u"Premiere panel"_s, u"Resolve panel"_s};
+    const QStringList buttons = controls.names(Button);
     EXPECT_EQ(buttons.sliced(buttons.indexOf(rows[0]), rows.size()), rows);
-    const QStringList sections{u"New folder in Overlays"_s, u"New folder in LUTs"_s, u"New folder in SFX"_s};
-    const auto height = [&](const QString &name) { return app.controls().middle(Button, name).y(); };
-    EXPECT_TRUE(std::ranges::is_sorted(sections, {}, height));
-
-    // How much the first rows hold, unless nobody wants to know.
     const auto counts = [&] {
         QStringList texts;
         for (const QString &row : rows)
-            texts += app.controls().find(Button, row)->text(QAccessible::Description);
+            texts += controls.find(Button, row)->text(QAccessible::Description);
         return texts.join(u'|');
     };
-    ASSERT_TRUE(waitUntil([&] { return counts() == u"9|0|0||0||"; })) << counts().toStdString();
+    EXPECT_TRUE(waitUntil([&] { return counts() == u"9|0|0||0||"; })) << counts().toStdString();
     app.program().prefs().setShowCounts(false);
     EXPECT_EQ(counts(), u"||||||");
+
+    AppState &state = app.program().state();
+    const auto whole = [&] { return cutTexts(*window.contentItem()).isEmpty(); };
+    for (const QString &row : rows.first(5)) {
+        for (const bool inspector : {true, false}) {
+            SCOPED_TRACE(row.toStdString());
+            state.setShowInspector(inspector);
+            ASSERT_TRUE(controls.press(Button, row));
+            EXPECT_TRUE(controls.shows(Heading, state.scopeTitle()));
+            EXPECT_TRUE(waitUntil(whole)) << cutTexts(*window.contentItem()).join(u'|').toStdString();
+        }
+    }
+    ASSERT_TRUE(controls.press(Button, rows.last()));
+    EXPECT_TRUE(controls.shows(Heading, u"Plugins"_s));
+    EXPECT_EQ(controls.find(Field, u"Search the vault"_s), nullptr);
+    state.setScope(Scope::all());
+    state.setShowInspector(true);
+    state.selectAll();
+    EXPECT_TRUE(controls.shows(Text, u"9 selected"_s));
+    EXPECT_TRUE(waitUntil(whole)) << cutTexts(*window.contentItem()).join(u'|').toStdString();
+    EXPECT_EQ(AppFixture::qmlWarnings(), "");
 }
 
-TEST_F(Window, SelectsWithMouseAndKeyboard)
+TEST_F(Window, SelectsWithMouseAndKeyboardAndInsertsNothingWithoutAnEditor)
 {
-    ASSERT_TRUE(controls.click(Card, u"Amber"_s));
-    ASSERT_TRUE(controls.click(Card, u"Hit 1"_s, Qt::ShiftModifier));
+    ASSERT_TRUE(controls.click(Card, u"Amber"_s) && controls.click(Card, u"Hit 1"_s, Qt::ShiftModifier));
     EXPECT_EQ(state.selectedCount(), 3);
-    ASSERT_TRUE(controls.click(Card, u"Boom"_s, Qt::ControlModifier));
-    EXPECT_EQ(state.selectedCount(), 2);
-    app.key(Qt::Key_Right);
-    EXPECT_EQ(focused(), u"Hit 1");
     app.key(Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(state.selectedCount(), cards.size());
+    app.key(Qt::Key_Home);
+    EXPECT_EQ(state.selected(), QSet{app.path(u"Overlays/Light Leaks/Warm/Amber.png"_s)});
+    app.key(Qt::Key_Return);
+    EXPECT_TRUE(controls.shows(Toast, u"Open DaVinci Resolve or Premiere Pro first. You can also drag any "
+                                      "asset straight onto your timeline."_s));
 }
 
 TEST_F(Window, SearchTakesLettersAndKeysForItself)
@@ -72,14 +104,11 @@ TEST_F(Window, SearchTakesLettersAndKeysForItself)
     app.type(u"warm"_s);
     EXPECT_TRUE(app.showsCards({u"Amber"_s}));
     EXPECT_TRUE(controls.shows(Text, u"1 assets"_s));
-
-    const int selectedBefore = state.selectedCount();
     app.key(Qt::Key_Delete, Qt::ControlModifier);
     EXPECT_TRUE(app.exists(u"SFX/Hits/Hit 1.wav"_s));
     app.key(Qt::Key_A, Qt::ControlModifier);
     app.key(Qt::Key_Delete);
     EXPECT_EQ(state.search(), QString());
-    EXPECT_EQ(state.selectedCount(), selectedBefore);
 }
 
 TEST_F(Window, CommandsReachTheDesktopTheSettingsAndTheNextStart)
@@ -96,49 +125,37 @@ TEST_F(Window, CommandsReachTheDesktopTheSettingsAndTheNextStart)
     app.key(Qt::Key_F, Qt::ControlModifier | Qt::AltModifier);
     ASSERT_TRUE(controls.click(Button, u"Show or hide the preview"_s));
     EXPECT_FALSE(state.showInspector());
-    app.key(Qt::Key_Comma, Qt::ControlModifier);
-    EXPECT_TRUE(controls.shows(QAccessible::PageTab, u"Look"_s));
+    window.close();
+    EXPECT_FALSE(window.isVisible());
+    app.program().bringToFront();
+    EXPECT_TRUE(window.isVisible()) << "the program has gone on";
 
     app.restart();
     EXPECT_TRUE(app.controls().shows(Folder, u"Warm"_s));
     ASSERT_TRUE(app.controls().click(Button, u"Favorites"_s));
     EXPECT_TRUE(app.showsCards({u"Amber"_s}));
+    app.key(Qt::Key_Comma, Qt::ControlModifier);
+    EXPECT_TRUE(app.controls().shows(QAccessible::PageTab, u"Look"_s));
 }
 
 TEST_F(Window, CardsAndInspectorShowWhatIsInTheFiles)
 {
     // A second and a half of a loud square wave.
     writeSound(app.vaultFolder() + u"/SFX/Hits/Square.wav"_s, QByteArray("\0\x40\0\xC0", 4).repeated(36000));
-    writeFile(app.vaultFolder() + u"/LUTs/Swap.cube"_s,
-              "TITLE \"Plain\"\nLUT_3D_SIZE 2\n0 0 0\n1 0 0\n0 1 0\n1 1 0\n0 0 1\n1 0 1\n0 1 1\n1 1 1\n");
     ASSERT_TRUE(waitUntil([this] {
         const QAccessibleInterface *card = controls.find(Card, u"Square"_s);
         return card && card->text(QAccessible::Description) == u"Audio, 1.5s"_s;
     }));
-    const struct
-    {
-        const char *card;
-        QStringList lines;
-    } cases[] = {
-        {"Square", {u"Type: Audio · WAV"_s, u"Sample rate: 48000 Hz"_s, u"Channels: Mono"_s}},
-        {"Swap", {u"Lattice: 2³"_s, u"Title: Plain"_s}},
-        {"Amber", {u"Resolution: 64 × 36"_s}},
-        {"Noir", {u"Type: LUT · CUBE"_s}}, // cannot be read
+    const std::pair<QString, QString> cases[] = {
+        {u"Square"_s, u"Channels: Mono"_s},
+        {u"Amber"_s, u"Resolution: 64 × 36"_s},
+        {u"Noir"_s, u"Type: LUT · CUBE"_s}, // cannot be read
     };
-    for (const auto &row : cases) {
-        ASSERT_TRUE(controls.click(Card, QString::fromLatin1(row.card)));
-        for (const QString &line : row.lines)
-            EXPECT_TRUE(controls.shows(Text, line)) << line.toStdString();
+    for (const auto &[card, line] : cases) {
+        ASSERT_TRUE(controls.click(Card, card));
+        EXPECT_TRUE(controls.shows(Text, line)) << line.toStdString();
     }
     EXPECT_EQ(controls.find(Text, u"Channels: Mono"_s), nullptr) << "of the one before";
-}
-
-TEST_F(Window, ClosingLeavesTheProgramRunning)
-{
-    window.close();
-    EXPECT_FALSE(window.isVisible());
-    app.program().bringToFront();
-    EXPECT_TRUE(window.isVisible());
 }
 
 TEST_F(Window, ToolbarStaysInOrderWithoutOverlapsAtEveryWidth)
@@ -150,11 +167,9 @@ TEST_F(Window, ToolbarStaysInOrderWithoutOverlapsAtEveryWidth)
              {place(Heading, u"All Assets"_s), place(Button, u"New Folder"_s),
               place(Field, u"Search the vault"_s), place(Button, u"Name"_s),
               place(QAccessible::Slider, u"Card size"_s), place(Button, u"Show or hide the preview"_s)}) {
-            if (next.isEmpty())
-                continue;
-            if (next.left() < free)
+            if (!next.isEmpty() && next.left() < free)
                 return false;
-            free = next.right() + 1;
+            free = next.isEmpty() ? free : next.right() + 1;
         }
         return free <= rightEnd && place(Field, u"Search the vault"_s).width() >= 88;
     };
@@ -169,23 +184,6 @@ TEST_F(Window, ToolbarStaysInOrderWithoutOverlapsAtEveryWidth)
     }
 }
 
-TEST_F(Window, EveryPageIsReachedByPressingItsRow)
-{
-    for (const auto &[row, title] : {std::pair{u"Import"_s, u"Import"_s},
-                                     {u"Trash"_s, u"Trash"_s},
-                                     {u"Resolve panel"_s, u"Plugins"_s}}) {
-        ASSERT_TRUE(controls.press(Button, row));
-        EXPECT_TRUE(controls.shows(Heading, title)) << title.toStdString();
-        EXPECT_EQ(controls.find(Field, u"Search the vault"_s), nullptr);
-    }
-    ASSERT_TRUE(controls.press(Button, u"All Assets"_s));
-    EXPECT_TRUE(controls.shows(Field, u"Search the vault"_s));
-    EXPECT_TRUE(controls.find(Button, u"All Assets"_s)->state().selected);
-    ASSERT_TRUE(controls.press(Button, u"Name"_s));
-    ASSERT_TRUE(controls.press(MenuItem, u"Size"_s));
-    EXPECT_TRUE(controls.shows(Button, u"Size"_s));
-}
-
 TEST_F(Window, FoldersAreWalkedWithTheKeyboard)
 {
     ASSERT_TRUE(controls.focus(QAccessible::Tree, u"Folders"_s));
@@ -195,7 +193,7 @@ TEST_F(Window, FoldersAreWalkedWithTheKeyboard)
         return state.scopeTitle();
     };
     EXPECT_EQ(walk({Qt::Key_Return}), u"Overlays");
-    while (state.scopeTitle() != u"Hits" && !HasFailure())
+    while (state.scopeTitle() != u"Hits")
         ASSERT_NE(walk({Qt::Key_Down, Qt::Key_Space}), u"Sports") << "Hits comes before Sports";
     EXPECT_EQ(walk({Qt::Key_Right, Qt::Key_Right, Qt::Key_Return}), u"Deep");
     EXPECT_EQ(walk({Qt::Key_Left, Qt::Key_Left, Qt::Key_Left, Qt::Key_Return}), u"SFX");
