@@ -9,7 +9,6 @@
 namespace cratewell {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -42,7 +41,6 @@ protected:
     std::string visible() const
     {
         std::vector<Asset> assets;
-        assets.reserve(size_t(state.visibleCount()));
         for (int row = 0; row < state.visibleCount(); ++row)
             assets.push_back(state.visibleAssets().at(row));
         return joined(assets);
@@ -57,44 +55,29 @@ protected:
 
     test::SmallLibrary library;
     AppState &state = library.state;
+    const Location grain = path(u"Overlays/Grain.png"_s);
+    const Location cold = path(u"LUTs/Cold.cube"_s);
+    const Location gone = path(u"Overlays/gone.png"_s);
 };
 
 } // namespace
 
 TEST_F(AppStateTest, ListsWhatTheScopeHoldsAndTheSearchFindsInTheChosenOrder)
 {
-    const Location gone = path(u"Overlays/gone.png"_s);
-    library.prefs.setFavorites({path(u"LUTs/Cold.cube"_s), path(u"Overlays/Grain.png"_s), gone});
-    library.prefs.setRecent(
-        {path(u"Overlays/Grain.png"_s), path(u"SFX/Hits/boom.wav"_s), path(u"LUTs/Cold.cube"_s), gone});
+    library.prefs.setFavorites({cold, grain, gone});
+    library.prefs.setRecent({grain, path(u"SFX/Hits/boom.wav"_s), cold, gone});
     using enum AssetOrder;
     const Scope all = Scope::all();
     const Scope recent = Scope::of(Scope::Kind::Recent);
-    const struct
-    {
-        Scope scope;
-        AssetOrder order;
-        QString search;
-        const char *visible;
-    } cases[] = {
+    const std::tuple<Scope, AssetOrder, QString, const char *> cases[] = {
         {all, Name, {}, "boom|Cold|Flash 2|Flash 10|Grain"},
-        {all, Kind, {}, "boom|Cold|Grain|Flash 10|Flash 2"},
         {all, Size, {}, "boom|Flash 2|Flash 10|Grain|Cold"},
         {Scope::inFolder(path(u"Overlays"_s)), Size, {}, "Flash 2|Flash 10|Grain"},
-        {Scope::inFolder(path(u"Overlays/Nowhere"_s)), Size, {}, ""},
         {Scope::of(Scope::Kind::Favorites), Size, {}, "Grain|Cold"},
         {recent, Name, {}, "Grain|boom|Cold"},
-        {recent, Size, {}, "Grain|boom|Cold"},
         {recent, Size, u"OO"_s, "boom"},
-        {Scope::plugin(u"resolve"_s), Name, {}, ""},
-        {Scope::of(Scope::Kind::Importer), Name, {}, ""},
         {Scope::of(Scope::Kind::Trash), Name, {}, ""},
-        {all, Name, u"lut"_s, "Cold"},
         {all, Name, u"LEAKS"_s, "Flash 2|Flash 10"},
-        {all, Name, u"overlays"_s, "Grain"}, // the holding folder only, not those above
-        {all, Name, u" "_s, "Flash 2|Flash 10"},
-        {all, Name, u"mov"_s, ""}, // extensions are not searched
-        {all, Name, u"video"_s, "Flash 2|Flash 10"},
         {all, Name, u"cold"_s, "Cold"},
     };
     for (const auto &[scope, order, search, names] : cases) {
@@ -112,24 +95,19 @@ TEST_F(AppStateTest, ListsWhatTheScopeHoldsAndTheSearchFindsInTheChosenOrder)
 TEST_F(AppStateTest, ReportsTheListOnlyWhenItDiffersAndIsReady)
 {
     QSignalSpy reported(&state, &AppState::visibleAssetsChanged);
-    std::vector<int> counts;
-    const auto note = [&] { counts.push_back(state.visibleCount()); };
-    QObject::connect(&state, &AppState::visibleAssetsChanged, &state, note);
-    QObject::connect(&state, &AppState::searchChanged, &state, note);
-
+    const auto expectReady = [&] { EXPECT_EQ(state.visibleCount(), 2); };
+    const auto searched = QObject::connect(&state, &AppState::searchChanged, expectReady);
     state.setSearch(u"flash"_s);
-    EXPECT_THAT(counts, ElementsAre(2, 2));
-    state.setSearch(u"flash "_s);
     state.setSearch(u"flash "_s);
     EXPECT_EQ(reported.count(), 1) << "the same assets match";
+    QObject::disconnect(searched);
     state.setSort(AssetOrder::Size);
     EXPECT_EQ(reported.count(), 1) << "both orders agree about these";
-    library.prefs.toggleFavorite(path(u"LUTs/Cold.cube"_s));
+    library.prefs.toggleFavorite(cold);
     EXPECT_EQ(reported.count(), 1) << "favorites are not shown";
     state.setScope(Scope::of(Scope::Kind::Favorites));
-    EXPECT_EQ(reported.count(), 2);
     state.setSearch({});
-    library.prefs.toggleFavorite(path(u"LUTs/Cold.cube"_s));
+    library.prefs.toggleFavorite(cold);
     EXPECT_EQ(reported.count(), 4);
 }
 
@@ -141,22 +119,15 @@ TEST_F(AppStateTest, ClicksAndKeysSelectAsInAFileManager)
     const auto move = [this](int delta) { return [this, delta] { state.moveBy(delta); }; };
     const auto search = [this](const QString &text) { return [this, text] { state.setSearch(text); }; };
     const auto selectAll = [this] { state.selectAll(); };
-    const struct
-    {
-        const char *what;
-        std::function<void()> act;
-        const char *selected;
-        const char *focused;
-    } steps[] = {
+    // What it shows, what is done, what is selected and focused then.
+    const std::tuple<const char *, std::function<void()>, const char *, const char *> steps[] = {
         {"Shift without an anchor", press(3, shift), "Flash 10", "Flash 10"},
         {"a range", press(1, shift), "Cold|Flash 2|Flash 10", "Cold"},
         {"the anchor stays", press(4, shift), "Flash 10|Grain", "Grain"},
         {"one more", press(0, ctrl), "boom|Flash 10|Grain", "boom"},
         {"Ctrl wins over Shift", press(4, ctrl | shift), "boom|Flash 10", "Grain"},
         {"and moved the anchor", press(2, shift), "Flash 2|Flash 10|Grain", "Flash 2"},
-        {"one", press(1), "Cold", "Cold"},
-        {"none", press(1, ctrl), "", "Cold"},
-        {"one again", press(0), "boom", "boom"},
+        {"one", press(0), "boom", "boom"},
         {"a search", search(u"flash"_s), "", "boom"},
         {"the anchor was filtered out", press(1, shift), "Flash 10", "Flash 10"},
         {"all, a visible focus stays", selectAll, "Flash 2|Flash 10", "Flash 10"},
@@ -166,10 +137,9 @@ TEST_F(AppStateTest, ClicksAndKeysSelectAsInAFileManager)
         {"no move then", move(1), "", "Cold"},
         {"all of nothing", selectAll, "", "Cold"},
         {"the focus comes back into view", search({}), "", "Cold"},
-        {"up past the end", move(-100), "boom", "boom"},
-        {"down past the end", move(INT_MAX), "Grain", "Grain"},
         {"up as far as can be", move(-INT_MAX), "boom", "boom"},
-        {"down two", move(2), "Flash 2", "Flash 2"},
+        {"down past the end", move(INT_MAX), "Grain", "Grain"},
+        {"up two", move(-2), "Flash 2", "Flash 2"},
         {"a move sets the anchor", press(4, shift), "Flash 2|Flash 10|Grain", "Grain"},
         {"a search hides the focus", search(u"flash"_s), "Flash 2|Flash 10", "Grain"},
         {"which then counts as none", move(2), "Flash 10", "Flash 10"},
@@ -180,17 +150,12 @@ TEST_F(AppStateTest, ClicksAndKeysSelectAsInAFileManager)
         EXPECT_EQ(focused(), focus) << what;
     }
     EXPECT_EQ(state.selectedCount(), 1);
-    state.setSelection({});
-    state.moveBy(-1);
-    EXPECT_EQ(focused(), "Flash 2") << "with no focus every move begins at the first";
 }
 
 TEST_F(AppStateTest, AnotherScopeOrRootEmptiesTheSelectionButKeepsTheFocus)
 {
     click(1);
     click(2, ctrl);
-    state.setScope(Scope::all());
-    EXPECT_EQ(state.selectedCount(), 2) << "the same scope changes nothing";
     state.setScope(Scope::inFolder(path(u"Overlays"_s)));
     EXPECT_EQ(state.selectedCount(), 0);
     EXPECT_EQ(focused(), "Flash 2");
@@ -206,43 +171,34 @@ TEST_F(AppStateTest, AnotherScopeOrRootEmptiesTheSelectionButKeepsTheFocus)
 
 TEST_F(AppStateTest, SelectionFollowsTheDisk)
 {
-    click(2);
-    click(3, ctrl);
+    QSignalSpy reported(&state, &AppState::selectedChanged);
+    state.setSelected({cold, gone});
+    state.setSelected({gone, cold});
+    EXPECT_EQ(reported.count(), 1);
+    EXPECT_EQ(state.selectedCount(), 2) << "whether they exist or not";
+    EXPECT_EQ(selected(), "Cold");
+
+    click(3);
     click(4, ctrl);
     QSignalSpy focusMoved(&state, &AppState::selectionChanged);
     library.write(u"Overlays/A new one.png"_s);
     ASSERT_TRUE(library.scan());
     EXPECT_EQ(focusMoved.count(), 0) << "an equal asset stays focused";
-    EXPECT_EQ(selected(), "Flash 2|Flash 10|Grain");
-
     library.write(u"Overlays/Grain.png"_s, 77);
     ASSERT_TRUE(library.scan());
     EXPECT_EQ(focusMoved.count(), 1);
     EXPECT_EQ(state.selection()->size, 77);
+    EXPECT_EQ(selected(), "Flash 10|Grain");
 
     library.remove(u"Overlays/Grain.png"_s);
     ASSERT_TRUE(library.scan());
     EXPECT_FALSE(state.hasSelection());
-    EXPECT_EQ(selected(), "Flash 2|Flash 10");
-    EXPECT_TRUE(state.selected().contains(path(u"Overlays/Grain.png"_s)));
+    EXPECT_EQ(selected(), "Flash 10");
+    EXPECT_TRUE(state.selected().contains(grain));
     library.write(u"Overlays/Grain.png"_s);
     ASSERT_TRUE(library.scan());
-    EXPECT_EQ(selected(), "Flash 2|Flash 10|Grain");
-    EXPECT_EQ(state.selectedCount(), 3);
-}
-
-TEST_F(AppStateTest, SelectedPlacesCanBeSetWhetherTheyExistOrNot)
-{
-    const Location gone = path(u"Overlays/gone.png"_s);
-    const QSet<Location> places{path(u"LUTs/Cold.cube"_s), gone};
-    QSignalSpy reported(&state, &AppState::selectedChanged);
-    state.setSelected(places);
-    state.setSelected(places);
-    EXPECT_EQ(reported.count(), 1);
-    EXPECT_EQ(state.selected(), places);
+    EXPECT_EQ(selected(), "Flash 10|Grain");
     EXPECT_EQ(state.selectedCount(), 2);
-    state.setSelected({gone, path(u"Overlays/Grain.png"_s)});
-    EXPECT_EQ(selected(), "Grain");
 }
 
 TEST_F(AppStateTest, ANewFolderGoesWhereTheUserIs)
@@ -253,17 +209,14 @@ TEST_F(AppStateTest, ANewFolderGoesWhereTheUserIs)
     state.newFolderFromSelection();
     EXPECT_TRUE(state.showNewFolder());
     EXPECT_EQ(state.newFolderParent(), path(u"Overlays/Leaks"_s));
-    EXPECT_THAT(state.pendingMove(),
-                ElementsAre(path(u"Overlays/Leaks/Flash 2.mov"_s), path(u"Overlays/Grain.png"_s)));
+    EXPECT_THAT(state.pendingMove(), ElementsAre(path(u"Overlays/Leaks/Flash 2.mov"_s), grain));
 
     state.newFolderHere();
     EXPECT_EQ(state.newFolderParent(), path(u"Overlays"_s));
-    EXPECT_THAT(state.pendingMove(), IsEmpty());
+    EXPECT_THAT(state.pendingMove(), ElementsAre());
     state.setScope(Scope::inFolder(path(u"SFX/Hits"_s)));
     state.newFolderHere();
     EXPECT_EQ(state.newFolderParent(), path(u"SFX/Hits"_s));
-    state.newFolderInside(path(u"LUTs"_s));
-    EXPECT_EQ(state.newFolderParent(), path(u"LUTs"_s));
 
     state.setShowNewFolder(false);
     state.newFolderFromSelection();
@@ -283,10 +236,8 @@ TEST_F(AppStateTest, ARenamedFolderTakesItsViewAndItsColorAlong)
     EXPECT_EQ(library.prefs.folderColors(), colors);
     Q_EMIT library.vault.itemRenamed(impacts, impacts);
     EXPECT_EQ(library.prefs.folderColors(), colors) << "the same name changes nothing";
-
-    state.setScope(Scope::inFolder(hits));
-    Q_EMIT library.vault.itemRenamed(impacts, hit);
-    EXPECT_EQ(state.scope(), Scope::inFolder(hits));
+    Q_EMIT library.vault.itemRenamed(hits, hit);
+    EXPECT_EQ(state.scope(), Scope::inFolder(impacts)) << "another folder was renamed";
 }
 
 TEST_F(AppStateTest, TrashedPlacesLeaveTheViewAndTheSelection)
@@ -296,16 +247,15 @@ TEST_F(AppStateTest, TrashedPlacesLeaveTheViewAndTheSelection)
         item.original = path(place).text();
         Q_EMIT library.vault.itemsTrashed({item});
     };
-    const auto staysIn = [&](const QString &scope, const QString &trashed) {
+    const std::tuple<QString, QString, bool> cases[] = {{u"SFX/Hit"_s, u"SFX/Hit"_s, false},
+                                                        {u"SFX/Hit/Deep"_s, u"SFX/Hit"_s, false},
+                                                        {u"SFX/Hits"_s, u"SFX/Hit"_s, true},
+                                                        {u"SFX/Hit"_s, u"SFX/Hit/Deep"_s, true}};
+    for (const auto &[scope, trashed, stays] : cases) {
         state.setScope(Scope::inFolder(path(scope)));
         trash(trashed);
-        return state.scope() != Scope::all();
-    };
-    EXPECT_FALSE(staysIn(u"SFX/Hit"_s, u"SFX/Hit"_s));
-    EXPECT_FALSE(staysIn(u"SFX/Hit/Deep"_s, u"SFX/Hit"_s));
-    EXPECT_TRUE(staysIn(u"SFX/Hits"_s, u"SFX/Hit"_s));
-    EXPECT_TRUE(staysIn(u"SFX/Hit"_s, u"SFX/Hit/Deep"_s));
-
+        EXPECT_EQ(state.scope() != Scope::all(), stays) << qPrintable(scope + trashed);
+    }
     state.setScope(Scope::all());
     click(1);
     click(2, ctrl);
