@@ -1,15 +1,18 @@
 #include "platform/linux/desktop_workspace.h"
 #include "platform/linux/portal_appearance.h"
 #include "platform/linux/portal_file_chooser.h"
-
-#include "private_bus.h"
 #include "support/wait.h"
 
 #include <QDBusArgument>
+#include <QDBusMessage>
 #include <QDBusObjectPath>
-#include <QDBusPendingCallWatcher>
+#include <QDBusVirtualObject>
 #include <QDesktopServices>
 #include <QElapsedTimer>
+#include <QJsonDocument>
+#include <QProcess>
+#include <QTemporaryFile>
+#include <QThread>
 #include <QUrl>
 #include <gtest/gtest.h>
 
@@ -17,18 +20,17 @@ namespace cratewell {
 namespace {
 
 using namespace Qt::StringLiterals;
-using test::PrivateBus;
-using test::StandInService;
 using test::waitUntil;
 
 const QString portalName = u"org.freedesktop.portal.Desktop"_s;
 const QString portalPath = u"/org/freedesktop/portal/desktop"_s;
-const QString settingsInterface = u"org.freedesktop.portal.Settings"_s;
-const QString fileManagerName = u"org.freedesktop.FileManager1"_s;
 
-Location at(QByteArrayView path)
+// Nothing: no answer, ever.
+using Answer = std::function<std::optional<QDBusMessage>(const QDBusMessage &)>;
+
+std::optional<QDBusMessage> refuse(const QDBusMessage &call)
 {
-    return Location::fromBytes(path);
+    return call.createErrorReply(QDBusError::UnknownInterface, u"not here"_s);
 }
 
 QVariant boxed(const QVariant &value)
@@ -36,9 +38,135 @@ QVariant boxed(const QVariant &value)
     return QVariant::fromValue(QDBusVariant(value));
 }
 
-std::optional<QDBusMessage> refuse(const QDBusMessage &call)
+// Something that answers every call to one service name, from a thread of its own, so that callers may wait.
+class StandInService final : public QDBusVirtualObject
 {
-    return call.createErrorReply(QDBusError::UnknownInterface, u"not here"_s);
+public:
+    StandInService(const QDBusConnection &bus, const QString &name, Answer answer)
+        : m_connection(bus), m_name(name), m_answer(std::move(answer))
+    {
+        // Registering gives the object a child, so it comes before the move.
+        m_connection.registerVirtualObject(u"/"_s, this, QDBusConnection::SubPath);
+        moveToThread(&m_thread);
+        m_thread.start();
+        m_connection.registerService(name);
+    }
+    ~StandInService() override
+    {
+        m_connection.unregisterService(m_name);
+        m_connection.unregisterObject(u"/"_s, QDBusConnection::UnregisterTree);
+        m_thread.quit();
+        m_thread.wait();
+    }
+
+    void signal(const QString &path, const QString &interface, const QString &member,
+                const QVariantList &arguments)
+    {
+        QDBusMessage message = QDBusMessage::createSignal(path, interface, member);
+        message.setArguments(arguments);
+        m_connection.send(message);
+    }
+
+    QString introspect(const QString &) const override { return {}; }
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override
+    {
+        if (message.member() != u"Get")
+            QMetaObject::invokeMethod(&m_mainThread, [this, message] { calls += message; });
+        if (const auto answer = m_answer(message))
+            connection.send(*answer);
+        return true;
+    }
+
+    // Those that ask for something to be done. Of the main thread.
+    QList<QDBusMessage> calls;
+
+private:
+    QDBusConnection m_connection;
+    QString m_name;
+    Answer m_answer;
+    QThread m_thread;
+    QObject m_mainThread;
+};
+
+// A message bus of its own, with nobody on it but whom the test brings.
+class DesktopBus : public testing::Test
+{
+protected:
+    DesktopBus()
+    {
+        EXPECT_TRUE(m_configuration.open());
+        m_configuration.write(
+            "<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen><auth>EXTERNAL</auth>"
+            "<policy context='default'><allow send_destination='*' eavesdrop='true'/>"
+            "<allow eavesdrop='true'/><allow own='*'/></policy></busconfig>");
+        m_configuration.close();
+        m_daemon.start(u"dbus-daemon"_s,
+                       {u"--nofork"_s, u"--print-address"_s, u"--config-file"_s, m_configuration.fileName()});
+        EXPECT_TRUE(m_daemon.waitForReadyRead(10'000)) << "dbus-daemon does not start";
+        m_address = QString::fromLatin1(m_daemon.readLine().trimmed());
+    }
+    ~DesktopBus() override
+    {
+        for (const QString &name : m_connections)
+            QDBusConnection::disconnectFromBus(name);
+        m_daemon.kill();
+        m_daemon.waitForFinished();
+    }
+
+    // A new connection each time; closed with the bus.
+    QDBusConnection connect()
+    {
+        static int count = 0;
+        m_connections += u"private%1"_s.arg(++count);
+        return QDBusConnection::connectToBus(m_address, m_connections.last());
+    }
+
+private:
+    QTemporaryFile m_configuration;
+    QProcess m_daemon;
+    QString m_address;
+    QStringList m_connections;
+};
+
+TEST_F(DesktopBus, AppearanceFollowsThePortalAndItsReturn)
+{
+    PortalAppearance appearance(connect());
+    bool dark = appearance.dark();
+    bool reduced = appearance.reducedMotion();
+    EXPECT_TRUE(dark && !reduced);
+    QObject::connect(&appearance, &Appearance::changed, [&] {
+        dark = appearance.dark();
+        reduced = appearance.reducedMotion();
+    });
+    const auto answer = [](const QDBusMessage &call) -> std::optional<QDBusMessage> {
+        const QString key = call.arguments().value(1).toString();
+        if (key == u"color-scheme"_s)
+            return call.createReply(boxed(boxed(2u)));
+        return key == u"enable-animations"_s ? call.createReply(boxed(false)) : refuse(call);
+    };
+    const QString desktop = u"org.freedesktop.appearance"_s;
+    const struct
+    {
+        QString group, key;
+        QVariant value;
+        bool dark, reduced;
+    } changes[] = {
+        {desktop, u"color-scheme"_s, u"dark"_s, false, true},
+        {u"org.gnome.desktop.interface"_s, u"enable-animations"_s, true, false, false},
+        {desktop, u"reduced-motion"_s, 1u, false, true},
+        {desktop, u"color-scheme"_s, 1u, true, true},
+        {desktop, u"reduced-motion"_s, 0u, true, false},
+    };
+    for (int start = 0; start < 2; ++start) {
+        StandInService portal(connect(), portalName, answer);
+        ASSERT_TRUE(waitUntil([&] { return !dark && reduced; }));
+        for (const auto &change : changes) {
+            portal.signal(portalPath, u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s,
+                          {change.group, change.key, boxed(change.value)});
+            EXPECT_TRUE(waitUntil([&] { return dark == change.dark && reduced == change.reduced; }))
+                << qPrintable(change.key);
+        }
+    }
 }
 
 // Notes what the program asks the desktop to open.
@@ -48,241 +176,121 @@ class Opened : public QObject
 public:
     Opened() { QDesktopServices::setUrlHandler(u"file"_s, this, "open"); }
     ~Opened() override { QDesktopServices::unsetUrlHandler(u"file"_s); }
-    QList<QByteArray> urls;
+    QByteArrayList urls;
 public Q_SLOTS:
     void open(const QUrl &url) { urls += url.toEncoded(); }
 };
 
-class DesktopBus : public testing::Test
+TEST_F(DesktopBus, RevealsThroughTheFileManagerOrOpensTheFolders)
 {
-protected:
-    void SetUp() override { ASSERT_TRUE(bus.isRunning()) << "dbus-daemon does not start"; }
-    PrivateBus bus;
-};
-
-TEST_F(DesktopBus, AppearanceFollowsThePortalAndItsReturn)
-{
-    PortalAppearance appearance(bus.connect());
-    int changes = 0;
-    QObject::connect(&appearance, &Appearance::changed, [&] { ++changes; });
-    EXPECT_TRUE(appearance.dark());
-    EXPECT_FALSE(appearance.reducedMotion());
-
-    const auto answer = [](const QDBusMessage &call) -> std::optional<QDBusMessage> {
-        const QString key = call.arguments().value(1).toString();
-        if (key == u"color-scheme"_s)
-            return call.createReply(boxed(boxed(2u)));
-        if (key == u"enable-animations"_s)
-            return call.createReply(boxed(false));
-        return refuse(call);
-    };
-    {
-        StandInService portal(bus, portalName, answer);
-        ASSERT_TRUE(waitUntil([&] { return !appearance.dark() && appearance.reducedMotion(); }));
-        EXPECT_EQ(changes, 2);
-
-        const QString appearanceGroup = u"org.freedesktop.appearance"_s;
-        const QString desktopGroup = u"org.gnome.desktop.interface"_s;
-        const struct
-        {
-            QString group, key;
-            QVariant value;
-            bool dark, reduced;
-        } all[] = {
-            {appearanceGroup, u"color-scheme"_s, 1u, true, true},
-            {desktopGroup, u"enable-animations"_s, true, true, false},
-            {appearanceGroup, u"reduced-motion"_s, 1u, true, true},
-            {appearanceGroup, u"color-scheme"_s, u"light"_s, true, true},
-            {desktopGroup, u"color-scheme"_s, 2u, true, true},
-            {appearanceGroup, u"reduced-motion"_s, 0u, true, false},
-            {appearanceGroup, u"color-scheme"_s, 2u, false, false},
-        };
-        bool dark = false;
-        bool reduced = true;
-        for (const auto &change : all) {
-            changes = 0;
-            const bool darkChanges = std::exchange(dark, change.dark) != change.dark;
-            const bool motionChanges = std::exchange(reduced, change.reduced) != change.reduced;
-            portal.signal(portalPath, settingsInterface, u"SettingChanged"_s,
-                          {change.group, change.key, boxed(change.value)});
-            ASSERT_TRUE(waitUntil([&] { return changes == (darkChanges || motionChanges ? 1 : 0); }))
-                << change.key.toStdString();
-            EXPECT_EQ(appearance.dark(), change.dark) << change.key.toStdString();
-            EXPECT_EQ(appearance.reducedMotion(), change.reduced) << change.key.toStdString();
-        }
-    }
-    StandInService again(bus, portalName, answer);
-    EXPECT_TRUE(waitUntil([&] { return !appearance.dark() && appearance.reducedMotion(); }));
-}
-
-TEST_F(DesktopBus, RevealsThroughTheFileManagerWithEscapedAddresses)
-{
-    StandInService manager(bus, fileManagerName, [](const QDBusMessage &call) { return call.createReply(); });
+    const QList<Location> items = {Location::fromBytes("/v/a/1"), Location::fromBytes("/v/a/b#?.wav"),
+                                   Location::fromBytes("/v/b \xFF/\xC3\xA9")};
+    const QByteArrayList folders = {"file:///v/a", "file:///v/b%20%FF"};
     Opened opened;
-    DesktopWorkspace workspace(bus.connect());
-    workspace.reveal({});
-    workspace.reveal({at("/v/a b#?.wav"), at("/v/\xFF/\xC3\xA9")});
-    ASSERT_TRUE(waitUntil([&] { return !manager.calls(u"ShowItems"_s).isEmpty(); }));
-    const QDBusMessage call = manager.calls(u"ShowItems"_s).constFirst();
-    EXPECT_EQ(call.interface(), fileManagerName);
-    EXPECT_EQ(call.arguments().value(0).toStringList(),
-              QStringList({u"file:///v/a%20b%23%3F.wav"_s, u"file:///v/%FF/%C3%A9"_s}));
-    EXPECT_TRUE(opened.urls.isEmpty());
-}
-
-TEST_F(DesktopBus, OpensTheFoldersWhereNoFileManagerAnswers)
-{
-    const QList<Location> items = {at("/v/a/1"), at("/v/a/2"), at("/v/b \xFF/3")};
-    const QList<QByteArray> folders = {"file:///v/a", "file:///v/b%20%FF"};
-    Opened opened;
-    DesktopWorkspace nobody(bus.connect());
-    nobody.reveal(items);
-    EXPECT_TRUE(waitUntil([&] { return opened.urls == folders; }));
-
-    opened.urls.clear();
     DesktopWorkspace withoutBus(QDBusConnection(u"none"_s));
     withoutBus.reveal(items);
     EXPECT_EQ(opened.urls, folders);
     withoutBus.open(Location());
-    withoutBus.open(at("/v"));
-    EXPECT_EQ(opened.urls.last(), "file:///v");
+    withoutBus.open(Location::fromBytes("/v"));
+    EXPECT_EQ(opened.urls.takeLast(), "file:///v");
 
     opened.urls.clear();
-    StandInService hung(bus, fileManagerName, [](const QDBusMessage &) { return std::nullopt; });
+    DesktopWorkspace workspace(connect());
+    workspace.reveal(items);
+    EXPECT_TRUE(waitUntil([&] { return opened.urls == folders; })) << "nobody answers";
+
+    opened.urls.clear();
+    StandInService hung(connect(), u"org.freedesktop.FileManager1"_s,
+                        [](const QDBusMessage &) { return std::nullopt; });
     QElapsedTimer clock;
     clock.start();
-    nobody.reveal(items);
+    workspace.reveal({});
+    workspace.reveal(items);
     EXPECT_LT(clock.elapsed(), 500);
-    EXPECT_TRUE(waitUntil([&] { return !hung.calls(u"ShowItems"_s).isEmpty(); }));
+    ASSERT_TRUE(waitUntil([&] { return !hung.calls.isEmpty(); }));
+    EXPECT_EQ(hung.calls.first().member(), u"ShowItems"_s);
+    EXPECT_EQ(hung.calls.first().arguments().value(0).toStringList(),
+              QStringList({u"file:///v/a/1"_s, u"file:///v/a/b%23%3F.wav"_s, u"file:///v/b%20%FF/%C3%A9"_s}));
     EXPECT_TRUE(opened.urls.isEmpty());
 }
 
-// A portal with a file chooser.
-StandInService::Answer chooserPortal(StandInService::Answer open)
+// Where the portal answers a call to its file chooser.
+QString requestPath(const QDBusMessage &call)
 {
-    return [open = std::move(open)](const QDBusMessage &call) -> std::optional<QDBusMessage> {
-        if (call.member() == u"Get"_s)
-            return call.createReply(boxed(3u));
-        return call.member() == u"OpenFile"_s ? open(call) : refuse(call);
+    const QVariantMap options = qdbus_cast<QVariantMap>(call.arguments().value(2));
+    return portalPath + u"/request/"_s + call.service().mid(1).replace(u'.', u'_') + u'/' +
+           options.value(u"handle_token"_s).toString();
+}
+
+Answer chooserPortal(Answer open)
+{
+    return [open = std::move(open)](const QDBusMessage &call) {
+        return call.member() == u"Get"_s ? call.createReply(boxed(3u)) : open(call);
     };
 }
 
-QVariantMap optionsOf(const QDBusMessage &call)
+std::optional<QDBusMessage> acceptRequest(const QDBusMessage &call)
 {
-    return qdbus_cast<QVariantMap>(call.arguments().value(2));
-}
-
-QString expectedHandle(const QDBusMessage &call)
-{
-    QString sender = call.service().mid(1);
-    sender.replace(u'.', u'_');
-    return portalPath + u"/request/"_s + sender + u'/' + optionsOf(call).value(u"handle_token"_s).toString();
-}
-
-// When this returns, what `caller` got as answers before has been handled, and what it asked of the bus then
-// is in force.
-void settle(QDBusConnection caller)
-{
-    for (int round = 0; round < 2; ++round) {
-        const QDBusMessage ping =
-            QDBusMessage::createMethodCall(portalName, portalPath, u"org.freedesktop.DBus.Peer"_s, u"Ping"_s);
-        const QDBusPendingCallWatcher answer(caller.asyncCall(ping));
-        bool finished = false;
-        QObject::connect(&answer, &QDBusPendingCallWatcher::finished, [&] { finished = true; });
-        ASSERT_TRUE(waitUntil([&] { return finished; }));
-    }
-}
-
-TEST_F(DesktopBus, ThereIsNoFileChooserWithoutAPortalThatHasOne)
-{
-    EXPECT_EQ(PortalFileChooser::create(QDBusConnection(u"none"_s)), nullptr);
-    EXPECT_EQ(PortalFileChooser::create(bus.connect()), nullptr);
-    const StandInService portal(bus, portalName, refuse);
-    EXPECT_EQ(PortalFileChooser::create(bus.connect()), nullptr);
+    return call.createReply(QVariant::fromValue(QDBusObjectPath(requestPath(call))));
 }
 
 TEST_F(DesktopBus, ChoosesThroughThePortal)
 {
-    // The second answers under a path of its own making, as old portals do.
-    for (const QString &ownPath : {QString(), portalPath + u"/request/old/1"_s}) {
-        const auto pathFor = [ownPath](const QDBusMessage &call) {
-            return ownPath.isEmpty() ? expectedHandle(call) : ownPath;
-        };
-        StandInService portal(bus, portalName, chooserPortal([&](const QDBusMessage &call) {
-                                  return call.createReply(
-                                      QVariant::fromValue(QDBusObjectPath(pathFor(call))));
-                              }));
-        const QDBusConnection caller = bus.connect();
-        const auto chooser = PortalFileChooser::create(caller);
-        ASSERT_NE(chooser, nullptr);
-        QList<QList<Location>> answers;
-        const auto noteAnswer = [&](const QList<Location> &chosen) { answers.append(chosen); };
-        const auto respond = [&](const QDBusMessage &asked, uint code, const QStringList &uris) {
-            settle(caller);
-            portal.signal(pathFor(asked), u"org.freedesktop.portal.Request"_s, u"Response"_s,
-                          {code, QVariantMap{{u"uris"_s, uris}}});
-        };
-
-        // Asks and returns what the portal was asked.
-        const auto choose = [&](const ChooseRequest &request) {
-            const qsizetype before = portal.calls(u"OpenFile"_s).size();
-            chooser->choose(request, noteAnswer);
-            EXPECT_TRUE(answers.isEmpty());
-            EXPECT_TRUE(waitUntil([&] { return portal.calls(u"OpenFile"_s).size() > before; }));
-            return portal.calls(u"OpenFile"_s).last();
-        };
-
-        const QDBusMessage first = choose({ChooseRequest::What::Images, u"A still"_s, u"Use"_s, false});
-        QVariantMap options = optionsOf(first);
-        EXPECT_EQ(first.arguments().value(1).toString(), u"A still"_s);
-        EXPECT_EQ(options.value(u"accept_label"_s), u"Use"_s);
-        EXPECT_EQ(options.value(u"multiple"_s), false);
-        EXPECT_EQ(options.value(u"directory"_s), false);
-        EXPECT_EQ(options.value(u"filters"_s).value<QDBusArgument>().currentSignature(), u"a(sa(us))"_s);
-        respond(first, 0, {u"file:///v/a%20b.png"_s});
-        ASSERT_TRUE(waitUntil([&] { return answers.size() == 1; }));
-        EXPECT_EQ(answers.takeFirst(), QList<Location>{at("/v/a b.png")});
-
-        const QDBusMessage second = choose({ChooseRequest::What::Folders, u"Add"_s, {}, true});
-        options = optionsOf(second);
-        EXPECT_EQ(options.value(u"multiple"_s), true);
-        EXPECT_EQ(options.value(u"directory"_s), true);
-        EXPECT_FALSE(options.contains(u"filters"_s));
-        respond(second, 0, {u"file:///v/%FF"_s, u"http://elsewhere/"_s, u"file:///v/%C3%A9"_s});
-        ASSERT_TRUE(waitUntil([&] { return answers.size() == 1; }));
-        EXPECT_EQ(answers.takeFirst(), (QList<Location>{at("/v/\xFF"), at("/v/\xC3\xA9")}));
-
-        const QDBusMessage third = choose({});
-        respond(third, 1, {u"file:///v/not-this"_s});
-        ASSERT_TRUE(waitUntil([&] { return answers.size() == 1; }));
-        respond(third, 0, {u"file:///v/nor-this"_s});
-        EXPECT_EQ(answers.takeFirst(), QList<Location>());
+    using enum ChooseRequest::What;
+    StandInService portal(connect(), portalName, chooserPortal(acceptRequest));
+    const auto chooser = PortalFileChooser::create(connect());
+    ASSERT_NE(chooser, nullptr);
+    const std::tuple<ChooseRequest, const char *, uint> cases[] = {
+        {{Images, u"A still"_s, u"Use"_s, false},
+         R"-({"accept_label":"Use","directory":false,"filters":"a(sa(us))","modal":true,"multiple":false})-",
+         0},
+        {{Folders, u"Add"_s, {}, true}, R"({"directory":true,"modal":true,"multiple":true})", 0},
+        {{Files, u"Add"_s, {}, true}, R"({"directory":false,"modal":true,"multiple":true})", 1},
+    };
+    for (const auto &[request, wanted, code] : cases) {
+        std::optional<QList<Location>> chosen;
+        portal.calls.clear();
+        chooser->choose(request, [&](const QList<Location> &answer) { chosen = answer; });
+        EXPECT_FALSE(chosen);
+        ASSERT_TRUE(waitUntil([&] { return !portal.calls.isEmpty(); }));
+        const QDBusMessage asked = portal.calls.first();
+        EXPECT_EQ(asked.arguments().value(1).toString(), request.title);
+        QVariantMap options = qdbus_cast<QVariantMap>(asked.arguments().value(2));
+        options.remove(u"handle_token"_s);
+        if (options.contains(u"filters"_s))
+            options[u"filters"_s] = options[u"filters"_s].value<QDBusArgument>().currentSignature();
+        EXPECT_EQ(QJsonDocument::fromVariant(options).toJson(QJsonDocument::Compact), wanted);
+        const QStringList uris = {u"file:///v/a%20b.png"_s, u"http://elsewhere/"_s, u"file:///v/%FF"_s};
+        portal.signal(requestPath(asked), u"org.freedesktop.portal.Request"_s, u"Response"_s,
+                      {code, QVariantMap{{u"uris"_s, uris}}});
+        ASSERT_TRUE(waitUntil([&] { return chosen.has_value(); }));
+        const QList<Location> places = {Location::fromBytes("/v/a b.png"), Location::fromBytes("/v/\xFF")};
+        EXPECT_EQ(*chosen, code == 0 ? places : QList<Location>());
     }
 }
 
-TEST_F(DesktopBus, CountsAsCanceledWhenThePortalRefusesOrGoesAway)
+TEST_F(DesktopBus, ChoosesNothingWithoutAPortalThatAnswers)
 {
-    QList<QList<Location>> answers;
-    const auto noteAnswer = [&](const QList<Location> &chosen) { answers.append(chosen); };
+    EXPECT_EQ(PortalFileChooser::create(QDBusConnection(u"none"_s)), nullptr);
+    EXPECT_EQ(PortalFileChooser::create(connect()), nullptr);
     {
-        StandInService refusing(bus, portalName, chooserPortal(refuse));
-        const auto chooser = PortalFileChooser::create(bus.connect());
-        ASSERT_NE(chooser, nullptr);
-        chooser->choose({}, noteAnswer);
-        EXPECT_TRUE(answers.isEmpty());
-        ASSERT_TRUE(waitUntil([&] { return answers.size() == 1; }));
+        const StandInService without(connect(), portalName, refuse);
+        EXPECT_EQ(PortalFileChooser::create(connect()), nullptr);
     }
-    auto portal = std::make_unique<StandInService>(
-        bus, portalName, chooserPortal([](const QDBusMessage &call) {
-            return call.createReply(QVariant::fromValue(QDBusObjectPath(expectedHandle(call))));
-        }));
-    const auto chooser = PortalFileChooser::create(bus.connect());
-    ASSERT_NE(chooser, nullptr);
-    chooser->choose({}, noteAnswer);
-    ASSERT_TRUE(waitUntil([&] { return portal->calls(u"OpenFile"_s).size() == 1; }));
-    portal.reset();
-    ASSERT_TRUE(waitUntil([&] { return answers.size() == 2; }));
-    EXPECT_TRUE(answers.first().isEmpty() && answers.last().isEmpty());
+    // One refuses, the other goes away before it has answered.
+    for (const auto &open : {refuse, acceptRequest}) {
+        auto portal = std::make_unique<StandInService>(connect(), portalName, chooserPortal(open));
+        const auto chooser = PortalFileChooser::create(connect());
+        ASSERT_NE(chooser, nullptr);
+        std::optional<QList<Location>> answer;
+        chooser->choose({}, [&](const QList<Location> &chosen) { answer = chosen; });
+        EXPECT_FALSE(answer);
+        ASSERT_TRUE(waitUntil([&] { return portal->calls.size() == 1; }));
+        if (open == acceptRequest)
+            portal.reset();
+        ASSERT_TRUE(waitUntil([&] { return answer.has_value(); }));
+        EXPECT_TRUE(answer->isEmpty());
+    }
 }
 
 } // namespace
