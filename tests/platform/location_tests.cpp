@@ -27,46 +27,39 @@ Location at(QByteArrayView path)
 
 TEST(Location, ComesFromAbsolutePathsAndLocalFileUrisOnly)
 {
-    const auto paths =
-        arrows({"/ -> /", "// -> /", "/a -> /a", "/a/ -> /a", "//a///b// -> /a/b", "/a/./b/. -> /a/b",
-                "/a/../b -> /b", "/../../a -> /a", "/a/b/../.. -> /", "/a/... -> /a/...",
-                "/ a /\xFF\n -> / a /\xFF\n", " -> ", "a/b -> ", "~/a -> ", QByteArray("/a\0b -> ", 8)});
-    for (const auto &[input, expected] : paths)
-        EXPECT_EQ(at(input).bytes(), expected) << input.constData();
-    const auto uris = arrows({"file:///a/b -> /a/b", "FILE://localhost/a -> /a", "file:/a -> /a",
-                              "file:///a%2Fb/../c -> /a/c", "file:///a?query#part -> /a",
-                              "file:///broken%zz%4 -> /broken%zz%4", "file://server/share -> ", "file:// -> ",
-                              "file:a -> ", "http:///a -> ", "/a -> ", "file:///a%00b -> ", " -> "});
-    for (const auto &[uri, expected] : uris)
+    for (const auto &[path, expected] :
+         arrows({"// -> /", "//a///b// -> /a/b", "/a/./b/. -> /a/b", "/a/../b -> /b", "/../../a -> /a",
+                 "/a/b/../.. -> /", "/a/... -> /a/...", "/ a /\xFF\n -> / a /\xFF\n", " -> ", "a/b -> ",
+                 QByteArray("/a\0b -> ", 8)}))
+        EXPECT_EQ(at(path).bytes(), expected) << path.constData();
+    for (const auto &[uri, expected] :
+         arrows({"file:///a/b -> /a/b", "FILE://localhost/a -> /a", "file:/a -> /a",
+                 "file:///a%2Fb/../c -> /a/c", "file:///a?query#part -> /a",
+                 "file:///broken%zz%4 -> /broken%zz%4", "file://server/share -> ", "file:// -> ",
+                 "http:///a -> ", "/a -> ", "file:///a%00b -> "}))
         EXPECT_EQ(Location::fromUri(uri).bytes(), expected) << uri.constData();
 }
 
-TEST(Location, SplitsNamesAtTheLastDot)
+TEST(Location, SplitsPathsIntoParentBaseNameAndExtension)
 {
-    // Path, base name and extension.
-    const QByteArray cases = "/v/Hit.wav|Hit|wav /v/a.tar.GZ|a.tar|GZ /v/.cube|.cube| /v/..cube|.|cube "
-                             "/v.x/plain|plain| /v/end.|end.| /v/.hidden.png|.hidden|png /|| ||";
+    const QByteArray cases = "/v/Hit.wav|/v|Hit|wav /v/a.tar.GZ|/v|a.tar|GZ /v/.cube|/v|.cube| "
+                             "/v/..cube|/v|.|cube /v.x/plain|/v.x|plain| /end.|/|end.| /|/|| |||";
     for (const QByteArray &line : cases.split(' ')) {
-        const QByteArrayList c = line.split('|');
-        const Location place = at(c[0]);
-        EXPECT_EQ(place.name().toUtf8(), c[0].sliced(c[0].lastIndexOf('/') + 1)) << c[0].constData();
-        EXPECT_EQ(place.baseName().toUtf8(), c[1]) << c[0].constData();
-        EXPECT_EQ(place.extension().toUtf8(), c[2]) << c[0].constData();
+        const QByteArrayList parts = line.split('|');
+        const Location place = at(parts[0]);
+        EXPECT_EQ(place.parent().bytes(), parts[1]) << line.constData();
+        EXPECT_EQ(place.baseName().toUtf8(), parts[2]) << line.constData();
+        EXPECT_EQ(place.extension().toUtf8(), parts[3]) << line.constData();
     }
 }
 
-TEST(Location, KnowsParentsChildrenAndWhatLiesInside)
+TEST(Location, KnowsChildrenAndWhatLiesInside)
 {
-    for (const auto &[child, parent] : arrows({"/a/b -> /a", "/a -> /", "/ -> /", " -> "}))
-        EXPECT_EQ(at(child).parent().bytes(), parent);
     EXPECT_EQ(at("/").child("a"), at("/a"));
     EXPECT_EQ(at("/a").child(QStringLiteral("b\u00e9")).bytes(), "/a/b\xC3\xA9");
     for (const QByteArray &name : QByteArrayList{"", ".", "..", "x/y", QByteArray("x\0", 2)})
         EXPECT_TRUE(at("/a").child(name).isEmpty()) << name.constData();
-    EXPECT_TRUE(Location().child("a").isEmpty());
-
-    for (const auto &[inner, outer] : arrows({"/a/Hit/x -> /a/Hit", "/a/Hit/x -> /"}))
-        EXPECT_TRUE(at(inner).isInside(at(outer))) << inner.constData();
+    EXPECT_TRUE(at("/a/Hit/x").isInside(at("/a/Hit")) && at("/a/Hit/x").isInside(at("/")));
     for (const auto &[inner, outer] :
          arrows({"/a/Hits -> /a/Hit", "/a/Hit -> /a/Hit", "/a -> /a/Hit", "/ -> /", "/a -> "}))
         EXPECT_FALSE(at(inner).isInside(at(outer))) << inner.constData();
@@ -75,9 +68,8 @@ TEST(Location, KnowsParentsChildrenAndWhatLiesInside)
 TEST(Location, CarriesAnyBytesThroughTextAndUris)
 {
     const QByteArrayList names =
-        QByteArray("plain|caf\xC3\xA9|\xF0\x9F\x8E\xAC emoji|100% %20 #?;&|\xFF\xFE|ok\xC3|\xC3\x28|"
-                   "\xED\xB2\x80 encoded surrogate|\xC0\xAF|\xF4\x90\x80\x80|\xEF\xBB\xBFmark|"
-                   "\xEF\xBB\xBF\xEF\xBB\xBF\xFFmark|\xE2\x82|a\xF0\x9F\x8E\xFFz|"
+        QByteArray("caf\xC3\xA9|\xF0\x9F\x8E\xAC emoji|100% %20 #?;&|\xFF\xFE|ok\xC3|\xED\xB2\x80 surrogate|"
+                   "\xC0\xAF|\xF4\x90\x80\x80|\xEF\xBB\xBF\xEF\xBB\xBF\xFFmark|a\xF0\x9F\x8E\xFFz|"
                    "\xEF\xBF\xBD replacement|\xC2\x80")
             .split('|');
     for (const QByteArray &name : names) {
@@ -86,8 +78,7 @@ TEST(Location, CarriesAnyBytesThroughTextAndUris)
         EXPECT_EQ(Location::fromUri(place.uri()), place) << name.toHex().constData();
         EXPECT_EQ(Location::fromUrl(QUrl::fromEncoded(place.uri())), place) << name.toHex().constData();
     }
-    EXPECT_EQ(textFromBytes("a\xFFz"), QStringView(u"a\xDCFFz"));
-    EXPECT_EQ(textFromBytes("\xF0\x9F\x8E\xAC"), QStringLiteral("\U0001F3AC"));
+    EXPECT_EQ(textFromBytes("a\xFFz \xF0\x9F\x8E\xAC"), QStringLiteral("a\xDCFFz \U0001F3AC"));
     EXPECT_EQ(at("/a b/\xFF#").uri(), "file:///a%20b/%FF%23");
 
     QRandomGenerator random(7);
@@ -106,10 +97,9 @@ TEST(Location, ResolvesLinksAsFarAsThePathExists)
     ASSERT_EQ(::mkdir(root.child("real").c_str(), 0700), 0);
     for (const auto &[link, target] : arrows({"link -> real", "dangling -> gone", "loop -> loop"}))
         ASSERT_EQ(::symlink(target.constData(), root.child(link).c_str()), 0);
-    const auto cases = arrows({"/link -> /real", "/link/missing/deeper -> /real/missing/deeper",
-                               "/dangling/x -> /dangling/x", "/loop/x -> /loop/x", "/missing -> /missing"});
-    for (const auto &[input, expected] : cases)
-        EXPECT_EQ(at(root.bytes() + input).resolved().bytes(), root.bytes() + expected);
+    for (const auto &[path, expected] : arrows({"/link/missing/deeper -> /real/missing/deeper",
+                                                "/dangling/x -> /dangling/x", "/loop/x -> /loop/x"}))
+        EXPECT_EQ(at(root.bytes() + path).resolved().bytes(), root.bytes() + expected);
     for (const QByteArray &place : QByteArrayList{"/", "/no-such-folder/x", ""})
         EXPECT_EQ(at(place).resolved().bytes(), place);
 }
