@@ -4,7 +4,6 @@
 #include "decode/video_frame.h"
 #include "made_media.h"
 
-#include <QFile>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -27,6 +26,11 @@ inline decode::Decoded<decode::Picture> video(const QString &path, double fracti
 inline decode::Decoded<decode::Picture> still(const QString &path, int maxSide = 640)
 {
     return decodeFile(path, [&](int file) { return decode::stillImage(file, maxSide); });
+}
+
+inline decode::Picture decoded(const decode::Decoded<decode::Picture> &picture)
+{
+    return picture ? *picture : throw std::runtime_error(picture.error());
 }
 
 // At parts of width and height.

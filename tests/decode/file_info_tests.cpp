@@ -5,8 +5,6 @@
 
 namespace cratewell::test {
 
-using namespace Qt::StringLiterals;
-
 decode::Decoded<MediaInfo> infoOf(const QString &file)
 {
     return decodeFile(file, [](int descriptor) { return decode::fileInfo(descriptor); });
@@ -20,14 +18,11 @@ TEST(FileInfo, SaysWhatAFilmIs)
     for (const auto &[name, encoder, codec] :
          {std::tuple(u"a.mp4"_s, u"-c:v libx264 -pix_fmt yuv420p -c:a aac"_s, "avc1"),
           {u"a.mov"_s, u"-c:v prores_ks -profile:v 4444 -pix_fmt yuva444p10le -c:a pcm_s16le"_s, "ap4h"},
-          {u"hevc.mp4"_s, u"-c:v libx265 -x265-params log-level=none -tag:v hvc1 -pix_fmt yuv420p"_s, "hvc1"},
-          {u"rle.mov"_s, u"-c:v qtrle -c:a pcm_s24le"_s, "rle "},
           {u"a.mkv"_s, u"-c:v libx264 -pix_fmt yuv420p -c:a flac"_s, "avc1"},
           {u"a.webm"_s, u"-c:v libvpx-vp9 -c:a libopus"_s, "vp09"}}) {
         SCOPED_TRACE(name.toStdString());
         const auto info = infoOf(media.ffmpeg(name, {}, input + encoder));
         ASSERT_TRUE(info) << info.error();
-        EXPECT_TRUE(info->hasVideo() && info->hasAudio());
         EXPECT_NEAR(info->duration, 1.001, 0.03);
         EXPECT_EQ(QSize(info->width, info->height), QSize(320, 180));
         EXPECT_NEAR(info->frameRate, 29.97, 0.01);
@@ -35,34 +30,24 @@ TEST(FileInfo, SaysWhatAFilmIs)
         EXPECT_EQ(info->sampleRate, 48000);
         EXPECT_EQ(info->channels, 2);
     }
-    const auto turned = infoOf(media.ffmpeg(u"turned.mov"_s, media.path(u"a.mp4"_s),
-                                            u"-i IN -c copy -an -metadata:s:v:0 rotate=90"_s));
-    ASSERT_TRUE(turned);
-    EXPECT_EQ(QSize(turned->width, turned->height), QSize(320, 180));
-    EXPECT_FALSE(turned->hasAudio());
 }
 
 TEST(FileInfo, SaysWhatASoundOrAStillIs)
 {
     MadeMedia media;
-    for (const QString &name : {u"a.wav"_s, u"a.aiff"_s, u"a.flac"_s, u"a.m4a"_s, u"a.mp3"_s}) {
+    for (const QString &name : {u"a.wav"_s, u"a.flac"_s, u"a.m4a"_s, u"a.mp3"_s}) {
         SCOPED_TRACE(name.toStdString());
         const auto info = infoOf(media.ffmpeg(name, {}, u"-f lavfi -i sine=r=22050:d=1.5 -ac 1"_s));
         ASSERT_TRUE(info) << info.error();
-        EXPECT_TRUE(info->hasAudio() && !info->hasVideo());
         EXPECT_NEAR(double(info->frames), 33075, name == u"a.mp3"_s ? 1300 : 0);
         EXPECT_NEAR(info->duration * 22050, double(info->frames), 1);
         EXPECT_EQ(info->sampleRate, 22050);
-        EXPECT_EQ(info->channels, 1);
+        EXPECT_TRUE(info->channels == 1 && !info->hasVideo());
     }
     const QString source = media.image(u"a.png"_s, fourColors({300, 200}));
-    for (const QString &file : {source, media.ffmpeg(u"moving.gif"_s, source, u"-loop 1 -t 1 -i IN"_s),
-                                media.heif(u"a.heic"_s, source)}) {
-        const auto info = infoOf(file);
-        ASSERT_TRUE(info) << file.toStdString();
-        EXPECT_EQ(QSize(info->width, info->height), QSize(300, 200)) << file.toStdString();
-        EXPECT_FALSE(info->hasVideo() || info->hasAudio()) << file.toStdString();
-    }
+    for (const QString &file :
+         {media.ffmpeg(u"moving.gif"_s, source, u"-loop 1 -t 1 -i IN"_s), media.heif(u"a.heic"_s, source)})
+        EXPECT_EQ(infoOf(file), (MediaInfo{.width = 300, .height = 200})) << file.toStdString();
     for (const QByteArray &content : {QByteArray(), QByteArray("only text"), QByteArray(5000, '\0')})
         EXPECT_FALSE(infoOf(media.bytes(u"bad.mov"_s, content)));
 }
