@@ -3,8 +3,7 @@
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QMouseEvent>
-#include <QPainter>
-#include <QRasterWindow>
+#include <QWindow>
 
 #include <cstdio>
 #include <utility>
@@ -13,50 +12,35 @@ namespace {
 
 // Another program that takes and gives files. Says each file of a drop on a line, then the action; a drag
 // that begins on it carries the files it was started with.
-class Partner : public QRasterWindow
+class Partner : public QWindow
 {
 public:
-    explicit Partner(const QStringList &files) : m_files(files) {}
+    explicit Partner(const QStringList &files)
+    {
+        for (const QString &file : files)
+            m_files.append(QUrl::fromLocalFile(file));
+    }
 
 protected:
     bool event(QEvent *event) override
     {
-        switch (event->type()) {
-        case QEvent::DragEnter:
-        case QEvent::DragMove: {
-            auto *drag = static_cast<QDropEvent *>(event);
-            if (drag->mimeData()->hasFormat(QStringLiteral("text/uri-list")))
-                drag->acceptProposedAction();
-            return true;
-        }
-        case QEvent::Drop:
+        if (event->type() == QEvent::DragEnter || event->type() == QEvent::DragMove)
+            static_cast<QDropEvent *>(event)->acceptProposedAction();
+        else if (event->type() == QEvent::Drop)
             take(*static_cast<QDropEvent *>(event));
-            return true;
-        default:
-            return QRasterWindow::event(event);
-        }
+        else
+            return QWindow::event(event);
+        return true;
     }
     void mouseMoveEvent(QMouseEvent *move) override
     {
         if (!(move->buttons() & Qt::LeftButton) || m_files.isEmpty())
             return;
-        QList<QUrl> urls;
-        for (const QString &file : std::exchange(m_files, {}))
-            urls.append(QUrl::fromLocalFile(file));
         auto *data = new QMimeData;
-        data->setUrls(urls);
+        data->setUrls(std::exchange(m_files, {}));
         auto *drag = new QDrag(this);
         drag->setMimeData(data);
         drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction);
-    }
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter(this).fillRect(QRect({}, size()), Qt::darkGreen);
-        if (!m_ready) {
-            m_ready = true;
-            std::puts("ready");
-            std::fflush(stdout);
-        }
     }
 
 private:
@@ -64,15 +48,11 @@ private:
     {
         for (const QUrl &url : drop.mimeData()->urls())
             std::puts(url.toEncoded().constData());
-        std::puts(drop.proposedAction() == Qt::CopyAction && drop.possibleActions() == Qt::CopyAction
-                      ? "copy"
-                      : "other");
-        std::fflush(stdout);
+        std::puts(drop.possibleActions() == Qt::CopyAction ? "copy" : "other");
         drop.acceptProposedAction();
     }
 
-    QStringList m_files;
-    bool m_ready = false;
+    QList<QUrl> m_files;
 };
 
 } // namespace
@@ -80,10 +60,13 @@ private:
 int main(int argc, char **argv)
 {
     QGuiApplication app(argc, argv);
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
     Partner window(QGuiApplication::arguments().sliced(1));
-    window.setTitle(QStringLiteral("Partner"));
     window.setFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
     window.setGeometry(1440, 60, 150, 300);
     window.show();
+    while (!window.isExposed())
+        QGuiApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    std::puts("ready");
     return QGuiApplication::exec();
 }

@@ -6,7 +6,6 @@ usage: private_desktop.py COMMAND [ARGUMENT ...]
 Ends as the command ends. Nothing that was started outlives it, however it ends.
 """
 
-import contextlib
 import ctypes
 import os
 import pathlib
@@ -15,14 +14,11 @@ import signal
 import subprocess
 import sys
 import tempfile
-from collections.abc import Callable, Iterator
-from typing import TextIO
 
 from wait import until
 
-BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
+# Nothing is started on demand.
+BUS_CONFIGURATION = """<busconfig>
   <type>session</type>
   <listen>unix:dir={folder}</listen>
   <auth>EXTERNAL</auth>
@@ -41,116 +37,67 @@ PR_SET_PDEATHSIG, PR_SET_CHILD_SUBREAPER = 1, 36
 system = ctypes.CDLL(None, use_errno=True)
 
 
-def end_with_parent() -> None:
-    system.prctl(PR_SET_PDEATHSIG, signal.SIGTERM, 0, 0, 0)
+def start(environment: dict[str, str], *command: str, **options) -> subprocess.Popen:
+    return subprocess.Popen(command, env=environment, stdin=subprocess.DEVNULL,
+                            preexec_fn=lambda: system.prctl(PR_SET_PDEATHSIG, signal.SIGTERM, 0, 0, 0), **options)
 
 
-@contextlib.contextmanager
-def running(command: list[str], environment: dict[str, str], **options) -> Iterator[subprocess.Popen]:
-    process = subprocess.Popen(command, env=environment, stdin=subprocess.DEVNULL, preexec_fn=end_with_parent,
-                               **options)
-    try:
-        yield process
-    finally:
-        process.terminate()
-        try:
-            process.wait(END_SECONDS)
-        except subprocess.TimeoutExpired:
-            process.kill()
-            process.wait()
-
-
-@contextlib.contextmanager
-def shown_on_failure() -> Iterator[TextIO]:
-    """A log of the servers, printed only when the desktop does not come up."""
-    with tempfile.TemporaryFile("w+", errors="replace") as log:
-        try:
-            yield log
-        except BaseException:
-            log.seek(0)
-            sys.stderr.write(log.read())
-            raise
-
-
-@contextlib.contextmanager
-def ready_server(command: Callable[[int], list[str]], environment: dict[str, str], log: TextIO) -> Iterator[str]:
-    """A server that writes one line to a file descriptor as soon as it is ready; yields that line."""
+def start_server(environment: dict[str, str], *command: str) -> str:
+    """One that writes a line as soon as it is ready, to the descriptor that is added to its command."""
     ours, theirs = os.pipe()
-    with (running(command(theirs), environment, pass_fds=[theirs], stdout=log,
-                  stderr=log),
-          open(ours, encoding="ascii") as reader):
-        os.close(theirs)
-        if not select.select([ours], [], [], START_SECONDS)[0]:
-            sys.exit(f"private_desktop: no answer from {command(theirs)[0]}")
-        line = reader.readline().strip()
-        if not line:
-            sys.exit(f"private_desktop: {command(theirs)[0]} did not start")
-        yield line
+    start(environment, *command[:-1], f"{command[-1]}{theirs}", pass_fds=[theirs])
+    os.close(theirs)
+    with open(ours, encoding="ascii") as reader:
+        line = select.select([reader], [], [], START_SECONDS)[0] and reader.readline().strip()
+    return line or sys.exit(f"private_desktop: {command[0]} did not start")
 
 
-def answer(command: list[str], environment: dict[str, str]) -> str:
-    return subprocess.run(command, env=environment, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
-                          text=True, timeout=START_SECONDS).stdout
+def answer(environment: dict[str, str], *command: str) -> str:
+    return subprocess.run(command, env=environment, capture_output=True, text=True, timeout=START_SECONDS).stdout
 
 
-def children() -> list[int]:
-    own = os.getpid()
-    listed = pathlib.Path(f"/proc/{own}/task/{own}/children").read_text().split()
-    return [int(process) for process in listed]
+def started_desktop(folder: str) -> dict[str, str]:
+    """Gives the environment of programs on it."""
+    kept = ("PATH", "LANG", "LC_ALL", "TMPDIR", "ASAN_OPTIONS", "UBSAN_OPTIONS")
+    environment = {name: value for name, value in os.environ.items()
+                   if name in kept or name.startswith("CRATEWELL_")}
+    environment |= {"HOME": folder, "XDG_RUNTIME_DIR": folder, "GSETTINGS_BACKEND": "memory"}
+    environment["DISPLAY"] = ":" + start_server(environment, "Xvfb", "-screen", "0", "1600x1000x24", "-nolisten",
+                                                "tcp", "-noreset", "-displayfd", "")
+    configuration = pathlib.Path(folder, "bus.conf")
+    configuration.write_text(BUS_CONFIGURATION.format(folder=folder))
+    environment["DBUS_SESSION_BUS_ADDRESS"] = start_server(
+        environment, "dbus-daemon", "--nofork", f"--config-file={configuration}", "--print-address=")
+    start(environment, "openbox", "--sm-disable")
+    start(environment, next(filter(os.path.exists, ACCESSIBILITY_LAUNCHERS)), "--launch-immediately")
+    until(lambda: "window id" in answer(environment, "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"),
+          "the window manager")
+    until(lambda: "unix:" in answer(environment, "dbus-send", "--session", "--print-reply", "--dest=org.a11y.Bus",
+                                    "/org/a11y/bus", "org.a11y.Bus.GetAddress"), "the accessibility bus")
+    return environment
 
 
-def end_orphans() -> None:
-    """What the servers started has become ours with their end."""
+def end_children() -> None:
+    """What the servers started becomes ours with their end."""
+    listed = pathlib.Path(f"/proc/self/task/{os.getpid()}/children")
+
     def none_left() -> bool:
-        for process in children():
+        for process in map(int, listed.read_text().split()):
             os.kill(process, signal.SIGTERM)
             os.waitpid(process, os.WNOHANG)
-        return not children()
+        return not listed.read_text()
 
     until(none_left, "the end of what the desktop had started", END_SECONDS)
 
 
-@contextlib.contextmanager
-def desktop() -> Iterator[dict[str, str]]:
-    """Yields the environment of programs on it."""
-    with contextlib.ExitStack() as stack:
-        folder = pathlib.Path(stack.enter_context(tempfile.TemporaryDirectory(prefix="desktop-")))
-        stack.callback(end_orphans)
-        kept = ("PATH", "LANG", "LC_ALL", "TMPDIR", "ASAN_OPTIONS", "UBSAN_OPTIONS")
-        environment = {name: value for name, value in os.environ.items()
-                       if name in kept or name.startswith("CRATEWELL_")}
-        environment |= {"HOME": str(folder), "XDG_RUNTIME_DIR": str(folder), "GSETTINGS_BACKEND": "memory"}
-        log = stack.enter_context(shown_on_failure())
-
-        screen = ["Xvfb", "-screen", "0", "1600x1000x24", "-nolisten", "tcp", "-noreset", "-displayfd"]
-        number = stack.enter_context(ready_server(lambda out: [*screen, str(out)], environment, log))
-        environment["DISPLAY"] = f":{number}"
-        configuration = folder / "bus.conf"
-        configuration.write_text(BUS_CONFIGURATION.format(folder=folder))
-        bus = ["dbus-daemon", "--nofork", f"--config-file={configuration}", "--print-address"]
-        address = stack.enter_context(ready_server(lambda out: [*bus[:-1], f"{bus[-1]}={out}"], environment, log))
-        environment["DBUS_SESSION_BUS_ADDRESS"] = address
-
-        stack.enter_context(running(["openbox", "--sm-disable"], environment, stdout=log, stderr=log))
-        launcher = next((path for path in ACCESSIBILITY_LAUNCHERS if os.path.exists(path)), None)
-        if launcher is None:
-            sys.exit("private_desktop: at-spi2-core is not installed")
-        stack.enter_context(running([launcher, "--launch-immediately"], environment, stdout=log, stderr=log))
-        manager = ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"]
-        until(lambda: "window id" in answer(manager, environment), "the window manager")
-        accessibility = ["dbus-send", "--session", "--print-reply", "--reply-timeout=5000",
-                         "--dest=org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress"]
-        until(lambda: "unix:" in answer(accessibility, environment), "the accessibility bus")
-        yield environment
-
-
 def main() -> int:
-    if len(sys.argv) < 2:
-        sys.exit(__doc__)
     system.prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
     signal.signal(signal.SIGTERM, lambda *_: sys.exit("private_desktop: terminated"))
-    with desktop() as environment, running(sys.argv[1:], environment) as command:
-        return command.wait()
+    with tempfile.TemporaryDirectory(prefix="desktop-") as folder:
+        try:
+            return start(started_desktop(folder), *sys.argv[1:]).wait()
+        finally:
+            end_children()
 
 
 if __name__ == "__main__":

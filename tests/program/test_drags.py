@@ -6,11 +6,12 @@ import shutil
 import subprocess
 import urllib.parse
 
-from case import ProgramCase
 from controls import CARD, FOLDER, TEXT
+from program import ProgramCase
 from wait import until
 
 PARTNER_PLACE = (1515, 210)
+ODD = "100% %20 ünï;#?"
 
 
 def pointer(*command: object) -> None:
@@ -22,8 +23,8 @@ class Drags(ProgramCase):
         # Where the pointer rests on nothing that the next program shows.
         self.addCleanup(pointer, "mousemove", 2, 2)
         super().setUp()
-        self.home.add_sound("SFX/Hits/100% %20 ünï;#?.wav")
-        self.window.find(CARD, "100% %20 ünï;#?")
+        self.hits = self.home.vault / "SFX" / "Hits"
+        self.home.add_sound(f"SFX/Hits/{ODD}.wav")
 
     def select(self, *names: str) -> tuple[int, int]:
         """Gives the place of the last card."""
@@ -53,55 +54,48 @@ class Drags(ProgramCase):
         self.assertEqual(process.stdout.readline(), "ready\n")
         return process
 
-    def test_another_program_gets_every_path(self) -> None:
+    def test_another_program_gets_every_path_as_a_copy(self) -> None:
         partner = self.partner()
-        names = ("Amber", "Boom", "100% %20 ünï;#?")
-        self.pull(self.select(*names), PARTNER_PLACE)
+        self.pull(self.select("Amber", "Boom", ODD), PARTNER_PLACE)
         pointer("mouseup", 1)
-        lines = [partner.stdout.readline().rstrip("\n") for _ in range(len(names) + 1)]
+        lines = [partner.stdout.readline().rstrip("\n") for _ in range(4)]
         self.assertEqual(lines.pop(), "copy")
         given = {urllib.parse.unquote(urllib.parse.urlsplit(line).path) for line in lines}
-        wanted = {"Overlays/Light Leaks/Warm/Amber.png", "SFX/Hits/Boom.wav", "SFX/Hits/100% %20 ünï;#?.wav"}
-        self.assertEqual(given, {str(self.home.vault / name) for name in wanted})
-        for path in given:
-            self.assertTrue(pathlib.Path(path).exists(), path)
+        amber = self.home.vault / "Overlays" / "Light Leaks" / "Warm" / "Amber.png"
+        self.assertEqual(given, {str(amber), str(self.hits / "Boom.wav"), str(self.hits / f"{ODD}.wav")})
 
         # The pointer has come back to life: the very next click counts.
         self.select("Noir")
         until(lambda: [card.name for card in self.window.all(CARD) if "selected" in card.states] == ["Noir"],
               "one card selected")
 
-    def test_cards_move_to_the_folder_they_are_dropped_on(self) -> None:
-        start = self.select("Boom", "Click", "100% %20 ünï;#?")
-        self.pull(start, self.window.find(FOLDER, "SFX").place())
-        self.window.find(TEXT, "Move")
-        pointer("mouseup", 1)
-        for name in ("Boom.wav", "Click.wav", "100% %20 ünï;#?.wav"):
-            until((self.home.vault / "SFX" / name).exists, f"{name} in its new folder")
-        self.assertFalse((self.home.vault / "SFX" / "Hits" / "Boom.wav").exists())
-
     def test_a_folder_from_another_program_is_copied_into_the_folder_in_view(self) -> None:
         pack = self.home.folder / "Desktop" / "Pack"
         (pack / "Low").mkdir(parents=True)
-        sound = self.home.vault / "SFX" / "Hits" / "Boom.wav"
-        shutil.copyfile(sound, pack / "Low" / "Thud.wav")
+        shutil.copyfile(self.hits / "Boom.wav", pack / "Low" / "Thud.wav")
         self.window.find(FOLDER, "Hits").press()
-        self.window.until_cards("100% %20 ünï;#?", "Boom", "Click")
+        self.window.until_cards(ODD, "Boom", "Click")
         self.partner(pack)
         self.pull(PARTNER_PLACE, self.window.find(CARD, "Click").place())
         self.window.find(TEXT, "Copy into Hits")
         pointer("mouseup", 1)
-        until((self.home.vault / "SFX" / "Hits" / "Pack" / "Low" / "Thud.wav").exists, "the copied folder")
+        until((self.hits / "Pack" / "Low" / "Thud.wav").exists, "the copied folder")
         self.assertTrue((pack / "Low" / "Thud.wav").exists())
 
-    def test_a_drag_outlives_its_card_and_escape_ends_it(self) -> None:
-        start = self.select("Click", "Boom")
-        self.pull(start, self.window.find(FOLDER, "SFX").place())
+    def test_a_drag_outlives_its_card_ends_with_escape_and_moves_to_the_folder_it_is_dropped_on(self) -> None:
+        folder = self.window.find(FOLDER, "SFX").place()
+        self.pull(self.select("Click", "Boom"), folder)
         self.window.find(TEXT, "Move")
-        (self.home.vault / "SFX" / "Hits" / "Boom.wav").unlink()
+        (self.hits / "Boom.wav").unlink()
         self.window.until_gone(CARD, "Boom")
         pointer("key", "Escape")
         self.window.until_gone(TEXT, "Move")
         pointer("mouseup", 1)
-        self.select("Noir")
-        self.assertTrue((self.home.vault / "SFX" / "Hits" / "Click.wav").exists())
+        self.assertTrue((self.hits / "Click.wav").exists())
+
+        self.pull(self.select("Click", ODD), folder)
+        self.window.find(TEXT, "Move")
+        pointer("mouseup", 1)
+        for name in ("Click.wav", f"{ODD}.wav"):
+            until((self.home.vault / "SFX" / name).exists, f"{name} in its new folder")
+        self.assertEqual(list(self.hits.iterdir()), [])
