@@ -47,7 +47,7 @@ TEST_F(JsonDefaultsTest, EveryStoreKeepsTypesApart)
     QJsonObject written = QJsonDocument::fromJson(R"({
         "yes": true, "no": false, "zero": 0, "share": 0.7, "large": 9007199254740991, "empty": "",
         "text": "caf\u00e9 \ud83c\udfac \"quoted\"\n\u2028", "list": ["a", "b"], "map": {"/v/a.b": "#fff"},
-        "expanded./v/a": true, "expanded.//v%2F\\a/": 3})")
+        "expanded./v/a": true, "expanded.//v/a/": 3, "expanded.%2Fv%2Fa": 4})")
                               .object();
     const auto fill = [&](Defaults &defaults) {
         for (auto entry = written.begin(); entry != written.end(); ++entry)
