@@ -6,8 +6,6 @@ namespace cratewell {
 
 namespace {
 
-constexpr QRgb defaultAccent = 0xff7b5cff;
-
 bool isHexDigit(QChar character)
 {
     const char16_t code = character.unicode();
@@ -30,7 +28,7 @@ QColor colorFromHex(const QString &text)
     // Checked here because the conversion also takes signs, spaces and "0x".
     bool valid = !number.isEmpty() && std::all_of(number.begin(), number.end(), isHexDigit);
     const qulonglong value = valid ? number.toULongLong(&valid, 16) : 0;
-    return valid ? QColor::fromRgb(QRgb(value & 0xffffff)) : QColor::fromRgb(defaultAccent);
+    return valid ? QColor::fromRgb(QRgb(value & 0xffffff)) : QColor(defaultAccentHex);
 }
 
 QString hexFromColor(const QColor &color)

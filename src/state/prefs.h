@@ -50,7 +50,7 @@ class Prefs : public QObject
     const QString m_defaultVaultPath;
 
     CRATEWELL_SETTING(QString, appearance, Appearance, QStringLiteral("dark"))
-    CRATEWELL_SETTING(QString, accentHex, AccentHex, QStringLiteral("#7B5CFF"))
+    CRATEWELL_SETTING(QString, accentHex, AccentHex, defaultAccentHex)
     CRATEWELL_SETTING(QString, background, Background, QStringLiteral("aurora"))
     CRATEWELL_SETTING(double, bgIntensity, BgIntensity, 0.7)
     CRATEWELL_SETTING(QString, iconStyle, IconStyle, QStringLiteral("chrome"))

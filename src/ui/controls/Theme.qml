@@ -70,6 +70,7 @@ QtObject {
     readonly property int space3: 12
     readonly property int space4: 16
     readonly property int panelRadius: 18
+    readonly property int groupRadius: 14
     readonly property int controlRadius: 10
     readonly property int badgeRadius: 6
     readonly property int controlHeight: 30

@@ -9,7 +9,7 @@ Rectangle {
 
     border.color: Theme.popupBorder
     color: Theme.popup
-    radius: 14
+    radius: Theme.groupRadius
     width: row.width + 2 * row.x
 
     Accessible.name: qsTr("Selection")

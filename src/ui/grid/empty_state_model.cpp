@@ -1,7 +1,7 @@
 #include "ui/grid/empty_state_model.h"
 
-#include "platform/workspace.h"
 #include "state/app_state.h"
+#include "ui/shell/asset_actions.h"
 #include "ui/shell/ui_engine.h"
 #include "vault/category.h"
 #include "vault/vault.h"
@@ -88,8 +88,8 @@ QString actionText(Notice::Action action)
     return {};
 }
 
-EmptyStateModel::EmptyStateModel(AppState &state, const Vault &vault, Workspace &workspace)
-    : m_state(state), m_vault(vault), m_workspace(workspace)
+EmptyStateModel::EmptyStateModel(AppState &state, const Vault &vault, AssetActions &actions)
+    : m_state(state), m_vault(vault), m_actions(actions)
 {
     connect(&state, &AppState::scopeChanged, this, &EmptyStateModel::renew);
     connect(&state, &AppState::searchChanged, this, &EmptyStateModel::renew);
@@ -99,15 +99,15 @@ EmptyStateModel::EmptyStateModel(AppState &state, const Vault &vault, Workspace 
 EmptyStateModel *EmptyStateModel::create(QQmlEngine *engine, QJSEngine *)
 {
     const UiContext &context = UiEngine::contextOf(engine);
-    return new EmptyStateModel(context.state, context.vault, context.workspace);
+    return new EmptyStateModel(context.state, context.vault, context.actions);
 }
 
 void EmptyStateModel::act()
 {
     switch (m_notice.action) {
     case Notice::Action::OpenFolder:
-        m_workspace.open(m_state.scope().kind() == Scope::Kind::Folder ? m_state.scope().folder()
-                                                                       : m_vault.root());
+        m_actions.openFolder(m_state.scope().kind() == Scope::Kind::Folder ? m_state.scope().folder()
+                                                                           : m_vault.root());
         return;
     case Notice::Action::ShowAll:
         m_state.setScope(Scope::all());

@@ -12,8 +12,8 @@ class QQmlEngine;
 namespace cratewell {
 
 class AppState;
+class AssetActions;
 class Vault;
-class Workspace;
 
 // What the grid says instead of showing nothing, and the one thing to do about it.
 struct Notice
@@ -46,7 +46,7 @@ class EmptyStateModel : public QObject
     Q_PROPERTY(QString sentence READ sentence NOTIFY changed FINAL)
     Q_PROPERTY(QString action READ action NOTIFY changed FINAL)
 public:
-    EmptyStateModel(AppState &state, const Vault &vault, Workspace &workspace);
+    EmptyStateModel(AppState &state, const Vault &vault, AssetActions &actions);
     static EmptyStateModel *create(QQmlEngine *engine, QJSEngine *);
 
     QString icon() const { return m_notice.icon; }
@@ -66,7 +66,7 @@ private:
 
     AppState &m_state;
     const Vault &m_vault;
-    Workspace &m_workspace;
+    AssetActions &m_actions;
     Notice m_notice;
 };
 

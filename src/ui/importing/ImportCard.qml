@@ -32,11 +32,11 @@ Item {
         anchors.fill: parent
         border.color: hover.hovered ? Theme.popupBorder : Theme.glassBorder
         color: Theme.glassFill
-        radius: 14
+        radius: Theme.groupRadius
 
         FocusRing {
             anchors.margins: 0
-            radius: 14
+            radius: Theme.groupRadius
             shown: card.current
         }
     }

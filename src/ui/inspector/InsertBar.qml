@@ -17,7 +17,7 @@ Rectangle {
     border.color: Theme.glassBorder
     color: Theme.glassFill
     implicitHeight: column.height + 2 * column.y
-    radius: 14
+    radius: Theme.groupRadius
 
     Column {
         id: column

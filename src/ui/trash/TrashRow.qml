@@ -25,7 +25,7 @@ Rectangle {
     border.color: picked ? Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.7) : Theme.glassBorder
     color: picked ? Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.18) : Theme.glassFill
     height: 52
-    radius: 14
+    radius: Theme.groupRadius
 
     Accessible.checkable: true
     Accessible.checked: picked

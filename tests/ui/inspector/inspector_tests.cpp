@@ -93,8 +93,8 @@ TEST(SelectionInfo, FollowsTheFocusFavoritesAndTheEditorThatAnInsertGoesTo)
 
 TEST(EmptyStateModel, OffersWhatHelpsInEachViewAndDoesIt)
 {
-    test::SmallLibrary library;
-    EmptyStateModel notice(library.state, library.vault, library.workspace);
+    test::ActionsLibrary library;
+    EmptyStateModel notice(library.state, library.vault, library.actions);
     const Location hits = library.path(u"SFX/Hits"_s);
     const auto offer = [&](const Scope &scope) {
         library.state.setScope(scope);
