@@ -27,11 +27,8 @@ TEST(VideoFrame, HasItsColorsUprightInSquarePixels)
     const ColorCase cases[]{
         {u"untagged.mp4"_s, u"-vf scale=out_color_matrix=bt601,format=yuv444p"_s},
         {u"709.mp4"_s, u"-vf scale=out_color_matrix=bt709,format=yuv444p -colorspace bt709"_s},
-        {u"full.mp4"_s, u"-vf scale=out_color_matrix=bt709:out_range=full,format=yuv444p -colorspace bt709 "
-                        "-color_range pc"_s},
         {u"2020.mov"_s, u"-vf scale=out_color_matrix=bt2020,format=yuv444p10le -colorspace bt2020nc"_s},
         {u"hd.mp4"_s, u"-vf scale=1280:720:out_color_matrix=bt709,format=yuv444p"_s, {640, 360}},
-        {u"jpeg.mov"_s, u"-c:v mjpeg -pix_fmt yuvj444p -q:v 2"_s},
         {u"opaque.mov"_s, u"-c:v prores_ks -profile:v 4444 -pix_fmt yuva444p10le"_s},
         {u"left.mp4"_s, u"-pix_fmt yuv444p"_s, {180, 320}, "GY RB", 90},
         {u"down.mp4"_s, u"-pix_fmt yuv444p"_s, {320, 180}, "YB GR", 180},
@@ -47,6 +44,13 @@ TEST(VideoFrame, HasItsColorsUprightInSquarePixels)
         EXPECT_EQ(quarters(picture, 6), colors);
         EXPECT_FALSE(picture.hasAlpha);
         EXPECT_NEAR(picture.info.duration, 0.4, 0.01);
+    }
+    // Of full range, which saturated colors would not tell.
+    const QString dark = media.image(u"dark.png"_s, filled({64, 64}, QColor(40, 40, 40)));
+    for (const QString &encoder : {u"scale=out_range=full,format=yuv444p10le -color_range pc -qp 4"_s,
+                                   u"format=yuvj444p -c:v mjpeg -q:v 1"_s}) {
+        const QString file = media.ffmpeg(u"full.mov"_s, dark, u"-loop 1 -t 0.2 -i IN -vf "_s + encoder);
+        EXPECT_TRUE(isNear(pixel(decoded(video(file))), qRgb(40, 40, 40), 3)) << encoder.toStdString();
     }
 }
 
