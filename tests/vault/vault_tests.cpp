@@ -215,6 +215,7 @@ TEST_F(VaultTest, TheTrashBelongsToTheVaultThatIsOpen)
     vault.moveToTrash({disk.at("SFX/a.wav")});
     reports();
     TemporaryVault other;
+    vault.createFolder(u"late"_s, disk.at("SFX"), [](const auto &) { ADD_FAILURE() << "too late"; });
     vault.changeRoot(other.root());
     EXPECT_TRUE(waitUntil([this] { return vault.trashItems().empty(); }));
     EXPECT_FALSE(fs::exists(other.native(".Cratewell Trash"))) << "nothing to write there";

@@ -97,7 +97,7 @@ void expectNothingLostInPowerCuts(const fs::path &vault, const Save &save, const
         }
         // People wipe the card after a copy.
         sources.push_back(copying ? Contents() : contentsBelow(pack.source()));
-        EXPECT_GE(sources.size(), copying ? 2u : 4u);
+        EXPECT_GE(sources.size(), copying ? 2u : 5u);
         for (size_t flush = 0; flush < sources.size(); ++flush) {
             const fs::path restored = restore(saved(flush));
             FileOperations(Location::fromBytes(restored.c_str())).open();
