@@ -95,13 +95,19 @@ TEST_F(Sound, PeaksAreTheSameInEveryFormat)
                                                    {u"deep.wav"_s, u"pcm_s24le"_s, 1e-6F},
                                                    {u"wide.wav"_s, u"pcm_s32le"_s, 1e-6F},
                                                    {u"float.wav"_s, u"pcm_f32le"_s, 1e-6F},
+                                                   {u"double.wav"_s, u"pcm_f64le"_s, 1e-6F},
                                                    {u"small.wav"_s, u"pcm_u8"_s, 0.02F},
+                                                   {u"law.wav"_s, u"pcm_mulaw"_s, 0.05F},
+                                                   {u"a.caf"_s, u"pcm_s16be"_s, 1e-6F},
                                                    {u"a.mov"_s, u"pcm_s16le"_s, 1e-6F},
                                                    {u"a.mkv"_s, u"pcm_s16le"_s, 1e-6F},
                                                    {u"a.flac"_s, u"flac"_s, 1e-6F},
+                                                   {u"deep.flac"_s, u"flac -sample_fmt s32"_s, 1e-6F},
                                                    {u"lossless.m4a"_s, u"alac"_s, 1e-6F},
                                                    {u"a.mp3"_s, u"mp3 -b:a 256k"_s, 0.04F},
-                                                   {u"a.m4a"_s, u"aac -b:a 256k"_s, 0.04F}})
+                                                   {u"bare.mp3"_s, u"mp3 -b:a 256k -write_xing 0"_s, 1.0F},
+                                                   {u"a.m4a"_s, u"aac -b:a 256k"_s, 0.04F},
+                                                   {u"a.aac"_s, u"aac -b:a 256k"_s, 1.0F}})
         EXPECT_THAT(peaksOf(m_media.ffmpeg(name, source, u"-i IN -c:a "_s + encoder)),
                     areNear(expectedPeaks(samples), tolerance))
             << name.toStdString();
@@ -114,9 +120,17 @@ TEST_F(Sound, PeaksOfDamagedFilesAreOfWhatIsThereOrFail)
     const QByteArray whole = MadeMedia::content(file);
     const QByteArray flac = MadeMedia::content(m_media.ffmpeg(u"a.flac"_s, file, u"-i IN"_s));
     EXPECT_EQ(peaksOf(m_media.bytes(u"cut.flac"_s, flac.left(flac.size() / 2))).size(), 240U);
+    const auto changed = [&](int place, const QByteArray &by) {
+        return QByteArray(whole).replace(place, by.size(), by);
+    };
+    const QByteArray manyChannels = changed(22, "\xff\xff"), noRate = changed(24, QByteArray(4, '\0'));
+    for (const QByteArray &bad : {QByteArray(), whole.left(44), whole.left(20), manyChannels, noRate}) {
+        const auto peaks = decodeFile(m_media.bytes(u"bad.wav"_s, bad),
+                                      [](int descriptor) { return decode::audioPeaks(descriptor, 240); });
+        EXPECT_TRUE(!peaks || peaks->size() == 240) << bad.size();
+    }
     // Lengths that nobody went back to fill in.
-    const QByteArray streamed =
-        QByteArray(whole).replace(4, 4, "\xff\xff\xff\xff").replace(40, 4, "\xff\xff\xff\xff");
+    const QByteArray streamed = changed(4, "\xff\xff\xff\xff").replace(40, 4, "\xff\xff\xff\xff");
     EXPECT_THAT(peaksOf(m_media.bytes(u"streamed.wav"_s, streamed)), areNear(expectedPeaks(samples)));
     samples.resize(25'000);
     EXPECT_THAT(peaksOf(m_media.bytes(u"cut.wav"_s, whole.left(44 + 50'000))),
