@@ -314,5 +314,15 @@ TEST_F(ResolveTest, MayGoBeforeTheAnswerComes)
     EXPECT_TRUE(QCoro::waitFor(std::move(task)).ok);
 }
 
+TEST_F(ResolveTest, GivesTheScriptTwentySeconds)
+{
+    // What is left of the alarm that ends a script 2 s after its watchdog has failed to.
+    replacePython("exec /usr/bin/python3 -c 'import json, signal; "
+                  "print(json.dumps({\"ok\": True, \"message\": str(signal.alarm(0))}))'");
+    ResolveBridge bridge(m_prefs, m_paths);
+    const auto answer = QCoro::waitFor(bridge.insert({.url = m_folder.child("a.mov"), .version = {}}));
+    EXPECT_NEAR(answer.message.toInt(), 20, 2) << qPrintable(answer.message);
+}
+
 } // namespace
 } // namespace cratewell::test
