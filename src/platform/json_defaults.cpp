@@ -56,8 +56,8 @@ void JsonDefaults::Private::load()
     const QJsonDocument document = content ? QJsonDocument::fromJson(*content) : QJsonDocument();
     if (document.isObject())
         values = document.object();
-    else
-        mayWrite = keepAside(file).has_value();
+    else if ((mayWrite = keepAside(file).has_value()))
+        ::unlink(file.c_str()); // so that the next start keeps no second one
 }
 
 void JsonDefaults::Private::changed()

@@ -129,6 +129,11 @@ void Vault::changeRoot(const Location &root)
     Q_EMIT opened();
 }
 
+bool Vault::isScanned() const
+{
+    return d->published;
+}
+
 void Vault::rescan()
 {
     if (d->scanning)

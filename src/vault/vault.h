@@ -56,6 +56,8 @@ public:
     const Location &root() const;
     // Of the last finished scan of this or, until then, an earlier root. Never null; empty before the first.
     const std::shared_ptr<const VaultSnapshot> &snapshot() const;
+    // Whether it is of this root.
+    bool isScanned() const;
     // Of the last operation on files that failed; lastErrorChanged reports each one, an equal one too.
     QString lastError() const;
     qint64 totalSize() const; // bytes, of all assets in the snapshot

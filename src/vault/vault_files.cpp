@@ -23,7 +23,8 @@ void Vault::Private::change(const QString &title, DiskPart disk, MainPart after,
                        after = std::move(after)](OperationProgress &monitor) -> FileQueue::Effects {
         if (!files->isOpen())
             files->open();
-        const FileOperations::Outcome outcome = disk(*files, monitor);
+        const FileOperations::Outcome outcome =
+            monitor.canceled ? FileOperations::Outcome() : disk(*files, monitor);
         return [this, files, outcome, trashNow = files->trash(), after] {
             if (files->root() != root)
                 return;
@@ -170,8 +171,7 @@ void Vault::deleteForever(const std::vector<TrashItem> &items)
     d->change(
         tr("Deleting"),
         [items](FileOperations &work, OperationProgress &monitor) {
-            work.removeForever(items, monitor);
-            return FileOperations::Outcome();
+            return work.removeForever(items, monitor);
         },
         [](const FileOperations::Outcome &) {});
 }

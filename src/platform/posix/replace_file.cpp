@@ -107,12 +107,11 @@ Result<void> keepAside(const Location &file)
         if (statusAt(AT_FDCWD, place.c_str(), Links::NoFollow))
             continue;
         // A link never replaces what came there meanwhile; folders and some file systems have no links.
-        const bool linked = ::link(file.c_str(), place.c_str()) == 0;
-        if (!linked && errno == EEXIST)
+        if (::link(file.c_str(), place.c_str()) == 0)
+            return {};
+        if (errno == EEXIST)
             continue;
-        const bool moved =
-            linked ? ::unlink(file.c_str()) == 0 : std::rename(file.c_str(), place.c_str()) == 0;
-        if (moved)
+        if (std::rename(file.c_str(), place.c_str()) == 0)
             return {};
         const int code = errno;
         return systemFailure(code, file.name());

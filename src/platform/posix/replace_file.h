@@ -25,7 +25,8 @@ struct ReplaceOptions
 // Removes what killed processes left of their own replaceAtomically of this file.
 void removeAbandonedTemporaries(const Location &file);
 
-// Moves the file to a free name beside it ("defaults.json.kept", ".kept-2"...).
+// Gives the file another, free name beside it ("defaults.json.kept", ".kept-2"...). Under its own it stays,
+// so that it can be replaced in one step, except where nothing has two names.
 [[nodiscard]] Result<void> keepAside(const Location &file);
 
 } // namespace cratewell

@@ -27,6 +27,19 @@ Result<FileStatus> statusOfPlace(const Location &place)
     return statusAt(AT_FDCWD, place.c_str(), Links::NoFollow);
 }
 
+// A folder that may not be written to keeps what is in it, from its owner as well.
+void makeWritable(const std::filesystem::path &place)
+{
+    std::error_code ignored;
+    if (std::filesystem::symlink_status(place, ignored).type() != std::filesystem::file_type::directory)
+        return;
+    std::filesystem::permissions(place, std::filesystem::perms::owner_all, std::filesystem::perm_options::add,
+                                 ignored);
+    for (std::filesystem::directory_iterator entry(place, ignored), end; entry != end;
+         entry.increment(ignored))
+        makeWritable(entry->path());
+}
+
 } // namespace
 
 bool exists(const Location &place)
@@ -94,6 +107,10 @@ Result<void> remove(const Location &place)
     const std::filesystem::path path(place.bytes().toStdString());
     std::error_code error;
     std::filesystem::remove_all(path, error);
+    if (error == std::errc::permission_denied) {
+        makeWritable(path);
+        std::filesystem::remove_all(path, error);
+    }
     if (error)
         return systemFailure(error.value());
     return {};

@@ -21,6 +21,8 @@
 
 namespace cratewell::disk {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr qint64 kernelStep = qint64{16} << 20;
@@ -116,11 +118,10 @@ Result<void> copyData(int from, int to, qint64 size, OperationProgress &progress
         return {};
     }
     DataCopy copy(from, to, progress);
-    qint64 end = size;
-    for (qint64 at = 0; at < end;) {
+    for (qint64 at = 0; at < size;) {
         const off_t data = ::lseek(from, at, SEEK_DATA);
         if (data < 0 && errno == ENXIO) { // nothing but a hole
-            progress.bytesDone += end - at;
+            progress.bytesDone += size - at;
             break;
         }
         const qint64 start = data < 0 ? at : std::min<qint64>(data, size);
@@ -132,9 +133,9 @@ Result<void> copyData(int from, int to, qint64 size, OperationProgress &progress
             return tl::unexpected(reached.error());
         at = *reached;
         if (at < stop)
-            end = at;
+            return tl::unexpected(Error{u"Only a part of it could be read"_s});
     }
-    if (::ftruncate(to, end) != 0)
+    if (::ftruncate(to, size) != 0)
         return systemFailure(errno);
     return {};
 }

@@ -39,8 +39,9 @@ void FileOperations::open()
         std::ignore = m_trash.load();
         return;
     }
-    Temporaries::cleanUp(m_root);
-    std::ignore = m_trash.repair();
+    // What another program is just moving to the trash has its record and still stands at its place.
+    const bool othersAtWork = Temporaries::cleanUp(m_root);
+    std::ignore = othersAtWork ? m_trash.load() : m_trash.repair();
 }
 
 FileOperations::Outcome FileOperations::createFolder(const Location &parent, const QString &name)

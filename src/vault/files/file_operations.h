@@ -47,7 +47,7 @@ public:
     Outcome move(const std::vector<Location> &items, const Location &folder, OperationProgress &progress);
     Outcome trash(const std::vector<Location> &items, OperationProgress &progress);
     Outcome restore(const std::vector<TrashItem> &items, OperationProgress &progress);
-    void removeForever(const std::vector<TrashItem> &items, OperationProgress &progress);
+    Outcome removeForever(const std::vector<TrashItem> &items, OperationProgress &progress);
     // What has been in the trash for too long at `now`, in seconds since 2001-01-01 UTC.
     void purge(double now, OperationProgress &progress);
     // Placed: in the order of placing.

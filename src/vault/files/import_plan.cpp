@@ -6,6 +6,8 @@
 
 #include <QSet>
 
+#include <cerrno>
+
 #include <fcntl.h>
 
 namespace cratewell {
@@ -55,8 +57,12 @@ void Planner::place(const Location &item, const std::optional<Location> &target,
     if (m_progress.canceled)
         return;
     const Result<FileStatus> status = statusOfTarget(item);
-    if (!status)
+    if (!status) {
+        // Not so of a link that leads nowhere, or of what another program has just taken away.
+        if (!status.error().is(ENOENT))
+            plan.unread = Error::fromErrno(status.error().code, item.name());
         return;
+    }
     if (!status->isFolder())
         return placeFile(item, status->size, target);
     const Identity identity{status->device, status->inode};

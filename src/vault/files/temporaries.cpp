@@ -1,12 +1,14 @@
 #include "vault/files/temporaries.h"
 
 #include "platform/posix/file_content.h"
+#include "platform/posix/file_status.h"
 #include "vault/files/disk.h"
 #include "vault/files/rename.h"
 #include "vault/files/trash_index.h"
 #include "vault/files/unique_names.h"
 #include "vault/item_name.h"
 
+#include <QSet>
 #include <QUuid>
 
 #include <algorithm>
@@ -71,9 +73,14 @@ std::vector<Temporaries::Completed> readJournal(const Location &root, const QByt
         else if (!copies.empty() && isPlainName(QByteArrayView(entries[i]).sliced(1)))
             copies.back().name = entries[i].sliced(1);
     }
-    // The later entry of a copy knows more.
+    // Of a copy the last entry holds.
     std::ranges::reverse(copies);
-    std::erase_if(copies, [](const auto &one) { return !isTemporaryName(one.copy.nameBytes()); });
+    QSet<Location> seen;
+    std::erase_if(copies, [&](const auto &one) {
+        const qsizetype before = seen.size();
+        seen.insert(one.copy);
+        return seen.size() == before || !isTemporaryName(one.copy.nameBytes());
+    });
     return copies;
 }
 
@@ -88,8 +95,10 @@ bool isSameFile(const Location &a, const Location &b)
 bool settle(const Temporaries::Completed &one, UniqueNames &names)
 {
     const Location folder = one.copy.parent();
-    if (!disk::exists(one.copy))
-        return disk::exists(folder);
+    if (const Result<FileStatus> status = statusAt(AT_FDCWD, one.copy.c_str(), Links::NoFollow); !status) {
+        const Result<FileStatus> reached = statusAt(AT_FDCWD, folder.c_str(), Links::Follow);
+        return status.error().is(ENOENT) && reached && reached->isFolder();
+    }
     // Killed between giving the name and taking the hidden one away, it has both.
     if (one.name.isEmpty() || isSameFile(one.copy, folder.child(one.name)))
         return disk::remove(one.copy).has_value();
@@ -108,7 +117,11 @@ Result<FileDescriptor> openTrashFolder(const Location &root)
 
 Temporaries::~Temporaries()
 {
-    if (m_journal.isOpen() && std::ranges::none_of(m_copies, &disk::exists))
+    const auto isGone = [](const Location &copy) {
+        const Result<FileStatus> status = statusAt(AT_FDCWD, copy.c_str(), Links::NoFollow);
+        return !status && status.error().is(ENOENT);
+    };
+    if (m_journal.isOpen() && std::ranges::all_of(m_copies, isGone))
         ::unlinkat(m_folder.number(), m_journalName.constData(), 0);
 }
 
@@ -135,6 +148,16 @@ Result<void> Temporaries::open()
     return {};
 }
 
+// Without a part of an entry at its end, which would swallow the next one.
+Result<void> Temporaries::append(const QByteArray &entries)
+{
+    const off_t end = ::lseek(m_journal.number(), 0, SEEK_END);
+    Result<void> written = writeAll(m_journal.number(), entries);
+    if (!written && end >= 0)
+        std::ignore = ::ftruncate(m_journal.number(), end);
+    return written;
+}
+
 Result<Location> Temporaries::name(const Location &folder)
 {
     if (!m_journal.isOpen()) {
@@ -142,7 +165,7 @@ Result<Location> Temporaries::name(const Location &folder)
             return tl::unexpected(opened.error());
     }
     const Location copy = folder.child(QByteArray(prefix.toByteArray() + freshId() + suffix.toByteArray()));
-    if (const Result<void> written = writeAll(m_journal.number(), entryOf(m_root, copy)); !written)
+    if (const Result<void> written = append(entryOf(m_root, copy)); !written)
         return tl::unexpected(written.error());
     m_copies.push_back(copy);
     return copy;
@@ -153,33 +176,37 @@ Result<void> Temporaries::markComplete(const std::vector<Completed> &copies)
     QByteArray entries;
     for (const Completed &one : copies)
         entries += entryOf(m_root, one.copy) + completeMark + one.name + '\0';
-    return writeAll(m_journal.number(), entries)
-        .and_then([this] { return flush(m_journal.number()); })
-        .and_then([this] { return flush(m_folder.number()); });
+    return append(entries).and_then([this] { return flush(m_journal.number()); }).and_then([this] {
+        return flush(m_folder.number());
+    });
 }
 
 void Temporaries::discard(const Location &copy)
 {
     // Killed while it removes a folder, it must not leave the rest of it to be taken for complete.
-    std::ignore = writeAll(m_journal.number(), entryOf(m_root, copy));
+    std::ignore = append(entryOf(m_root, copy));
     disk::remove(copy);
 }
 
-void Temporaries::cleanUp(const Location &root)
+bool Temporaries::cleanUp(const Location &root)
 {
     const Result<FileDescriptor> folder = openTrashFolder(root);
     const Result<std::vector<QByteArray>> names = disk::names(trashFolder(root));
     if (!folder || !names)
-        return;
+        return false;
+    bool othersAtWork = false;
     UniqueNames unique;
     for (const QByteArray &name : *names) {
         if (!name.startsWith(journalPrefix))
             continue;
         const Result<FileDescriptor> journal =
             openAt(folder->number(), name, O_RDWR | O_NOFOLLOW | O_NONBLOCK);
-        if (!journal || !statusOf(journal->number()).map(&FileStatus::isRegularFile).value_or(false) ||
-            ::flock(journal->number(), LOCK_EX | LOCK_NB) != 0)
+        if (!journal || !statusOf(journal->number()).map(&FileStatus::isRegularFile).value_or(false))
             continue;
+        if (::flock(journal->number(), LOCK_EX | LOCK_NB) != 0) {
+            othersAtWork = othersAtWork || errno == EWOULDBLOCK;
+            continue;
+        }
         const Result<QByteArray> bytes = readBounded(journal->number(), longestJournal);
         if (!bytes)
             continue;
@@ -189,6 +216,7 @@ void Temporaries::cleanUp(const Location &root)
         if (settled)
             ::unlinkat(folder->number(), name.constData(), 0);
     }
+    return othersAtWork;
 }
 
 } // namespace cratewell

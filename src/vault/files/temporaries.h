@@ -34,11 +34,13 @@ public:
     void discard(const Location &copy);
 
     // Finishes or removes what programs that have ended left in the vault at `root`. A journal stays when a
-    // folder it names cannot be reached, as on a disk that is not mounted.
-    static void cleanUp(const Location &root);
+    // folder it names cannot be reached, as on a disk that is not mounted. Returns whether another program
+    // that lives has copies under way.
+    static bool cleanUp(const Location &root);
 
 private:
     Result<void> open();
+    Result<void> append(const QByteArray &entries);
 
     const Location m_root;
     FileDescriptor m_folder;

@@ -154,20 +154,26 @@ Result<Location> FileOperations::makeHome(const TrashItem &item) const
     return makeVaultFolders(m_root, fallback.parent()).map([&] { return fallback; });
 }
 
-void FileOperations::removeForever(const std::vector<TrashItem> &items, OperationProgress &progress)
+FileOperations::Outcome FileOperations::removeForever(const std::vector<TrashItem> &items,
+                                                      OperationProgress &progress)
 {
+    Outcome outcome;
     progress.filesTotal = int(items.size());
     QSet<QString> gone;
     for (const TrashItem &item : listedOf(items, m_trash.items())) {
         if (progress.canceled)
             break;
         // What could not be removed stays listed, so that it can be tried again.
-        if (m_trash.deleteSlot(item))
+        if (const Result<void> deleted = m_trash.deleteSlot(item))
             gone.insert(item.id);
+        else
+            outcome.note(deleted.error(), item.name);
         ++progress.filesDone;
     }
+    outcome.count = int(gone.size());
     if (!gone.isEmpty())
         dropRecords(gone);
+    return outcome;
 }
 
 // A record that cannot be dropped now goes at the next start, or when its item is deleted again.
@@ -183,8 +189,9 @@ void FileOperations::purge(double now, OperationProgress &progress)
     std::vector<TrashItem> expired;
     std::ranges::copy_if(m_trash.items(), std::back_inserter(expired),
                          [&](const TrashItem &item) { return m_trash.hasExpired(item, now); });
+    // What cannot be deleted now is tried again within the hour; nobody asked for it.
     if (!expired.empty())
-        removeForever(expired, progress);
+        std::ignore = removeForever(expired, progress);
 }
 
 } // namespace cratewell

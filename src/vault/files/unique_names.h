@@ -25,7 +25,7 @@ public:
     {
         const QByteArray first = folder.child(name).bytes();
         int &number = m_next.insert(first, m_next.value(first, 1)).value();
-        for (;; ++number) {
+        for (; number <= mostNumbers; ++number) {
             const Location place = folder.child(numbered(name, number, naming));
             const Result<void> attempted = attempt(place);
             if (attempted)
@@ -33,12 +33,16 @@ public:
             if (!attempted.error().is(EEXIST))
                 return tl::unexpected(attempted.error());
         }
+        return systemFailure(EEXIST);
     }
 
     // At most 255 bytes: a long base loses whole characters at its end.
     static QByteArray numbered(const QByteArray &name, int number, Naming naming);
 
 private:
+    // Beyond it a file system calls every name taken.
+    static constexpr int mostNumbers = 1'000'000;
+
     QHash<QByteArray, int> m_next;
 };
 

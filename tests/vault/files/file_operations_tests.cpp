@@ -107,6 +107,21 @@ TEST_F(FileOperationsTest, ImportFilesByTypeAndKeepsStructure)
     EXPECT_EQ(listed().size(), before + 4) << "nor along another path";
 }
 
+TEST_F(FileOperationsTest, ImportReportsWhatItCannotReadWhole)
+{
+    disk.write("../in/a.wav");
+    disk.link("../in/loop.wav", disk.native("../in/loop.wav"));
+    disk.link("../in/nowhere.wav", disk.native("../in/none.wav"));
+    const auto outcome = work.import(at({"../in"}), {}, ImportMode::Copy, progress);
+    EXPECT_EQ(outcome.count, 1);
+    EXPECT_TRUE(outcome.error.contains(u"loop.wav"_s)) << outcome.error.toStdString();
+
+    // A file that ends before the size it says it has.
+    disk.link("../in/b.wav", "/sys/kernel/uevent_seqnum");
+    EXPECT_EQ(work.import(at({"../in/b.wav"}), {}, ImportMode::Copy, progress).count, 0);
+    EXPECT_THAT(listed(), ElementsAre("SFX/in/a.wav"));
+}
+
 TEST_F(FileOperationsTest, ImportKeepsDatesAndPermissionsAndCanBeBrokenOff)
 {
     disk.write("../in/a.mov", 5 << 20);

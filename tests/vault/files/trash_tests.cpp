@@ -1,11 +1,15 @@
 #include "platform/posix/file_status.h"
 #include "vault/files/file_operations_fixture.h"
 #include "vault/files/system_calls.h"
+#include "vault/files/temporaries.h"
 
 #include <cerrno>
+#include <cstdlib>
 
 #include <fcntl.h>
+#include <sys/fsuid.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace cratewell {
 namespace {
@@ -131,6 +135,39 @@ TEST_F(TrashTest, KeepsTheRecordsOfADiskThatComesAndGoes)
     work.purge(secondsNow() + 31 * day, progress);
     mounted();
     EXPECT_THAT(itemsAtStart(), ElementsAre(after, before)) << "not there is not gone";
+}
+
+TEST_F(TrashTest, KeepsTheRecordOfWhatAnotherProgramIsJustMoving)
+{
+    disk.write("SFX/Hit.wav");
+    {
+        Temporaries atWork(disk.root());
+        ASSERT_TRUE(atWork.name(disk.at("SFX")));
+        writeIndex({foreign});
+        EXPECT_THAT(itemsAtStart(), ElementsAre(foreign));
+    }
+    EXPECT_THAT(itemsAtStart(), IsEmpty()) << "nobody moves it any more";
+}
+
+TEST_F(TrashTest, DeletesReadOnlyFoldersAndReportsWhatItCannotDelete)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can give files to somebody else";
+    disk.write("SFX/Mine/Deep/x.wav");
+    disk.write("SFX/Theirs/x.wav");
+    const std::vector<TrashItem> items = work.trash(at({"SFX/Mine", "SFX/Theirs"}), progress).trashed;
+    ASSERT_EQ(items.size(), 2u);
+    const std::string mine = trashedItem(disk.root(), items[0]).bytes().toStdString();
+    const std::string theirs = trashedItem(disk.root(), items[1]).bytes().toStdString();
+    const std::string command = "chown -R 65534 '" + disk.native("..").string() + "' && chmod -R a-w '" +
+                                mine + "' && chown -R 0 '" + theirs + "'";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    ::setfsuid(65534);
+    const auto outcome = work.removeForever(items, progress);
+    ::setfsuid(0);
+    EXPECT_THAT(work.trash(), ElementsAre(items[1]));
+    EXPECT_TRUE(outcome.error.contains(u"Theirs"_s)) << outcome.error.toStdString();
+    EXPECT_FALSE(fs::exists(mine));
 }
 
 TEST_F(TrashTest, AdoptsItemsWithoutARecord)
