@@ -156,8 +156,8 @@ std::unique_ptr<PreviewRequest> Media::Private::requestGraded(const PreviewKey &
     const auto work = [this, key, lut, over = smallStill, number = stillNumber,
                        turn = place.number]() -> KeyedJobQueue::Effects {
         return [=, this, graded = lut.apply(over)](bool) {
-            // Over another still since: somebody will request it again.
-            if (number == stillNumber && lutThumbnails.put(key, turn, graded))
+            // Over a former still it is no use; whoever waits for it requests it again.
+            if (number != stillNumber || lutThumbnails.put(key, turn, graded))
                 Q_EMIT q.thumbnailChanged(key.url);
             return nullptr;
         };

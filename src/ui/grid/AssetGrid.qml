@@ -260,7 +260,7 @@ T.Control {
     }
     GridNotice {
         anchors.centerIn: parent
-        wanted: assets.count === 0
+        wanted: assets.count === 0 && EmptyStateModel.known
         width: Math.min(300, parent.width - 2 * Theme.space4)
     }
     OnDemand {

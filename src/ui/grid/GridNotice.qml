@@ -16,7 +16,7 @@ EmptyState {
     title: EmptyStateModel.title
     visible: wanted
 
-    // A list that fills in a moment shall not flash.
+    // A list that fills in a moment does not flash.
     Behavior on opacity {
         SequentialAnimation {
             PauseAnimation { duration: 250 }

@@ -77,14 +77,10 @@ QVariant AssetListModel::data(const QModelIndex &index, int role) const
     case NameRole:
     case Qt::DisplayRole:
         return asset.url.baseName();
-    case FileNameRole:
-        return asset.url.name();
     case KindRole:
         return QVariant::fromValue(asset.kind);
     case KindLabelRole:
         return kindLabel(asset.kind);
-    case ExtensionRole:
-        return asset.url.extension();
     case SelectedRole:
         return bool(here.rows->selected[size_t(here.row)]);
     case FocusedRole:
@@ -98,9 +94,10 @@ QVariant AssetListModel::data(const QModelIndex &index, int role) const
 
 QHash<int, QByteArray> AssetListModel::roleNames() const
 {
-    return {{UrlRole, "url"},           {NameRole, "name"},           {FileNameRole, "fileName"},
-            {KindRole, "kind"},         {KindLabelRole, "kindLabel"}, {ExtensionRole, "extension"},
-            {SelectedRole, "selected"}, {FocusedRole, "focused"},     {FavoriteRole, "favorite"}};
+    return {{UrlRole, "url"},           {NameRole, "name"},
+            {KindRole, "kind"},         {KindLabelRole, "kindLabel"},
+            {SelectedRole, "selected"}, {FocusedRole, "focused"},
+            {FavoriteRole, "favorite"}};
 }
 
 AssetListModel::Place AssetListModel::place(int row) const

@@ -26,10 +26,8 @@ public:
     enum Role {
         UrlRole = Qt::UserRole,
         NameRole, // without the extension
-        FileNameRole,
         KindRole,
         KindLabelRole,
-        ExtensionRole,
         SelectedRole,
         FocusedRole,
         FavoriteRole

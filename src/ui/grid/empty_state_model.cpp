@@ -93,6 +93,8 @@ EmptyStateModel::EmptyStateModel(AppState &state, const Vault &vault, AssetActio
 {
     connect(&state, &AppState::scopeChanged, this, &EmptyStateModel::renew);
     connect(&state, &AppState::searchChanged, this, &EmptyStateModel::renew);
+    connect(&vault, &Vault::rootChanged, this, &EmptyStateModel::renew);
+    connect(&vault, &Vault::rescanned, this, &EmptyStateModel::changed);
     renew();
 }
 
@@ -100,6 +102,11 @@ EmptyStateModel *EmptyStateModel::create(QQmlEngine *engine, QJSEngine *)
 {
     const UiContext &context = UiEngine::contextOf(engine);
     return new EmptyStateModel(context.state, context.vault, context.actions);
+}
+
+bool EmptyStateModel::isKnown() const
+{
+    return m_vault.isScanned();
 }
 
 void EmptyStateModel::act()

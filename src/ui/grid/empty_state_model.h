@@ -45,6 +45,8 @@ class EmptyStateModel : public QObject
     Q_PROPERTY(QString title READ title NOTIFY changed FINAL)
     Q_PROPERTY(QString sentence READ sentence NOTIFY changed FINAL)
     Q_PROPERTY(QString action READ action NOTIFY changed FINAL)
+    // Nothing is said to be empty before it has been looked at.
+    Q_PROPERTY(bool known READ isKnown NOTIFY changed FINAL)
 public:
     EmptyStateModel(AppState &state, const Vault &vault, AssetActions &actions);
     static EmptyStateModel *create(QQmlEngine *engine, QJSEngine *);
@@ -55,6 +57,7 @@ public:
     QString title() const { return m_notice.title; }
     QString sentence() const { return m_notice.sentence; }
     QString action() const { return actionText(m_notice.action); }
+    bool isKnown() const;
 
     Q_INVOKABLE void act();
 

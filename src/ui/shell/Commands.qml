@@ -26,7 +26,7 @@ Item {
         onTriggered: commands.importWanted()
     }
     readonly property Command insert: Command {
-        enabled: AppState.hasSelection && !Inserter.busy
+        enabled: AssetActions.insertable
         keys: "Ctrl+Return"
         otherKeys: "Ctrl+Enter"
         text: qsTr("Insert at Playhead")

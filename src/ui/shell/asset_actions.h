@@ -31,7 +31,7 @@ class AssetActions : public QObject
     Q_PROPERTY(int countInView READ countInView NOTIFY changed FINAL)
     // Every one of them is a favorite.
     Q_PROPERTY(bool favoritesInView READ favoritesInView NOTIFY favoritesInViewChanged FINAL)
-    // An editor takes the focused asset now.
+    // The focused asset is of a kind that is inserted, and no insert is under way.
     Q_PROPERTY(bool insertable READ isInsertable NOTIFY insertableChanged FINAL)
 public:
     // As Target.

@@ -96,7 +96,7 @@ TEST_F(AssetListModelTest, FollowsSearchSortAndScope)
 
 TEST_F(AssetListModelTest, TellsSelectionFocusAndFavoritesRowByRow)
 {
-    using enum Role;
+    using enum AssetListModel::Role;
     open();
     QSignalSpy reported(&model, &AssetListModel::dataChanged);
     const struct

@@ -100,6 +100,9 @@ TEST(EmptyStateModel, OffersWhatHelpsInEachViewAndDoesIt)
         library.state.setScope(scope);
         return notice.title() + u'|' + notice.icon();
     };
+    EXPECT_FALSE(notice.isKnown()) << "nobody has looked yet";
+    ASSERT_TRUE(library.start());
+    EXPECT_TRUE(notice.isKnown());
     EXPECT_EQ(offer(Scope::all()), u"Your vault is empty|apps"_s);
     notice.act();
     EXPECT_EQ(offer(Scope::inFolder(hits)), u"Nothing in Hits yet|graphic_eq"_s);
